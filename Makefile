@@ -1,0 +1,45 @@
+# The front door. Each target does what it needs before, on a machine that has nothing yet.
+
+JOBS ?= $(shell nproc)
+PREFIX ?= /usr/local
+
+.PHONY: all deps build asan test demo bench fuzz format lint install clean
+
+all: build
+
+deps:
+	@scripts/deps.sh
+
+build: deps
+	cmake --preset release
+	cmake --build --preset release -j $(JOBS)
+
+asan: deps
+	cmake --preset asan
+	cmake --build --preset asan -j $(JOBS)
+
+test: build asan
+	ctest --preset release -j $(JOBS)
+	ctest --preset asan -j $(JOBS)
+
+demo: build
+	@scripts/demo.sh
+
+bench: build
+	@scripts/bench.sh
+
+# Five minutes a target; FUZZ_SECONDS=60 make fuzz for less.
+fuzz: deps
+	@scripts/fuzz.sh
+
+format:
+	git ls-files '*.cpp' '*.h' | xargs clang-format -i
+
+lint: build
+	git ls-files 'src/*.cpp' | xargs clang-tidy -p build/release --quiet
+
+install: build
+	cmake --install build/release --prefix $(PREFIX)
+
+clean:
+	rm -rf build

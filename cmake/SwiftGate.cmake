@@ -1,0 +1,37 @@
+# Compile settings that every target shares, and the helpers that keep the folders' rules.
+
+add_library(sg_settings INTERFACE)
+target_compile_options(sg_settings INTERFACE -Wall -Wextra -Wpedantic -Werror)
+target_compile_definitions(sg_settings INTERFACE SWIFTGATE_VERSION=L"${PROJECT_VERSION}")
+if(SWIFTGATE_SANITIZE)
+  target_compile_options(sg_settings INTERFACE -fsanitize=address,undefined
+                         -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  target_link_options(sg_settings INTERFACE -fsanitize=address,undefined)
+endif()
+if(SWIFTGATE_FUZZ)
+  target_compile_options(sg_settings INTERFACE -fsanitize=fuzzer-no-link,address,undefined
+                         -fno-sanitize-recover=undefined)
+  target_link_options(sg_settings INTERFACE -fsanitize=address,undefined)
+endif()
+
+# A view is an include root with one folder of src/ in it. A target sees only the folders whose
+# views it is given, so that an include of any other folder does not compile.
+function(sg_view folder)
+  set(root ${CMAKE_BINARY_DIR}/views/${folder})
+  get_filename_component(parent ${root}/${folder} DIRECTORY)
+  file(MAKE_DIRECTORY ${parent})
+  file(CREATE_LINK ${PROJECT_SOURCE_DIR}/src/${folder} ${root}/${folder} SYMBOLIC)
+endfunction()
+
+# sg_component(NAME folder SEES folder...): an object library of every source under src/<folder>,
+# which may include its own folder and the folders it SEES.
+function(sg_component name folder)
+  cmake_parse_arguments(ARG "" "" "SEES;LINKS" ${ARGN})
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${folder}/*.cpp)
+  add_library(${name} OBJECT ${sources})
+  target_link_libraries(${name} PUBLIC sg_settings fmt::fmt-header-only ${ARG_LINKS})
+  foreach(seen ${folder} ${ARG_SEES})
+    sg_view(${seen})
+    target_include_directories(${name} PUBLIC ${CMAKE_BINARY_DIR}/views/${seen})
+  endforeach()
+endfunction()

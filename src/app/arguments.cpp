@@ -1,0 +1,182 @@
+#include "app/arguments.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+
+#include "app/exit_codes.h"
+#include "base/encoding.h"
+#include "platform/variant/date_text.h"
+
+namespace sg::app {
+namespace {
+
+// What the parser fills in; it knows only narrow text.
+struct Narrow {
+    std::string program, saveAs, drawing, script, locale, memoryLimit, function;
+    std::vector<std::string> expressions, folders;
+};
+
+std::string joined(const std::vector<std::string>& items) {
+    std::string text;
+    for (const std::string& item : items)
+        text += (text.empty() ? "" : ", ") + item;
+    return text;
+}
+
+// Languages and regions have two letters, so that all of them can be asked for.
+std::vector<std::string> knownLocales(const std::string& prefix, char first) {
+    std::vector<std::string> known;
+    for (int i = 0; i < 26 * 26; ++i) {
+        const std::string name =
+            prefix + static_cast<char>(first + i / 26) + static_cast<char>(first + i % 26);
+        if (isKnownLocale(fromUtf8(name))) known.push_back(name);
+    }
+    return known;
+}
+
+// Each check answers what is wrong with a value, or an empty text.
+std::string checkLocale(const std::string& name) {
+    if (isKnownLocale(fromUtf8(name))) return {};
+    const std::string language = name.substr(0, name.find_first_of("-_.@"));
+    if (isKnownLocale(fromUtf8(language))) {
+        return "unknown locale \"" + name + "\"; known for \"" + language +
+               "\" are: " + joined(knownLocales(language + "-", 'A'));
+    }
+    return "unknown locale \"" + name + "\"; known languages are: " + joined(knownLocales("", 'a'));
+}
+
+std::string checkSize(const std::string& text) {
+    if (parseSize(text)) return {};
+    return "\"" + text + "\" is no size; write a number of megabytes, or one with K, M or G";
+}
+
+void addHostOptions(CLI::App& command, Narrow& narrow, Arguments& arguments) {
+    command.add_option("--path", narrow.folders, "A folder to look for files in; may be repeated")
+        ->type_name("DIR")
+        ->allow_extra_args(false);
+    command.add_flag("--no-module", arguments.noModule, "Leave the product's module out");
+    command
+        .add_option("--memory-limit", narrow.memoryLimit,
+                    "How much LISP data a program may hold, as 512M or 2G; a number alone "
+                    "counts megabytes [half of the machine's memory]")
+        ->type_name("SIZE")
+        ->check(CLI::Validator(checkSize, ""));
+    command
+        .add_option("--locale", narrow.locale,
+                    "The format of dates, as de-DE [that of the environment]")
+        ->type_name("NAME")
+        ->check(CLI::Validator(checkLocale, ""));
+    command.add_flag("--fail-engine", arguments.failEngine,
+                     "Make the database engine refuse to start");
+}
+
+void addDrawingOptions(CLI::App& command, Narrow& narrow) {
+    command.add_option("--drawing", narrow.drawing, "The drawing to open [a new one]")
+        ->type_name("IN");
+    command.add_option("--input", narrow.script, "A script that answers prompts and boxes")
+        ->type_name("SCRIPT");
+}
+
+std::vector<std::wstring> widened(const std::vector<std::string>& items) {
+    std::vector<std::wstring> wide;
+    for (const std::string& item : items)
+        wide.push_back(fromUtf8(item));
+    return wide;
+}
+
+void widen(const Narrow& narrow, Arguments& arguments) {
+    arguments.program = fromUtf8(narrow.program);
+    arguments.saveAs = fromUtf8(narrow.saveAs);
+    arguments.drawing = fromUtf8(narrow.drawing);
+    arguments.script = fromUtf8(narrow.script);
+    arguments.locale = fromUtf8(narrow.locale);
+    arguments.function = fromUtf8(narrow.function);
+    arguments.expressions = widened(narrow.expressions);
+    arguments.folders = widened(narrow.folders);
+    arguments.memoryLimit = parseSize(narrow.memoryLimit).value_or(0);
+}
+
+}  // namespace
+
+std::optional<uint64_t> parseSize(std::string_view text) {
+    int shift = 20;
+    if (!text.empty()) {
+        const size_t unit = std::string_view("KkMmGg").find(text.back());
+        if (unit != std::string_view::npos) {
+            shift = 10 * (static_cast<int>(unit / 2) + 1);
+            text.remove_suffix(1);
+        }
+    }
+    uint64_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    if (number == 0 || number > (UINT64_MAX >> shift)) return std::nullopt;
+    return number << shift;
+}
+
+ParsedArguments parseArguments(int count, char** words) {
+    Arguments arguments;
+    Narrow narrow;
+
+    // What follows "--" is the program's, whatever it looks like.
+    char** const end = words + count;
+    char** const separator =
+        std::find_if(words, end, [](const char* word) { return std::strcmp(word, "--") == 0; });
+
+    CLI::App app("Runs AutoLISP programs for building services.", "swiftgate");
+    app.set_version_flag("--version", "swiftgate " + toUtf8(SWIFTGATE_VERSION));
+    app.require_subcommand(1);
+
+    CLI::App* const run = app.add_subcommand("run", "Run a program");
+    run->add_option("PROGRAM", narrow.program,
+                    "The program: a file as named or with .lsp behind it, looked for on the "
+                    "support path too; \"-\" is standard input")
+        ->type_name("");
+    addDrawingOptions(*run, narrow);
+    run->add_option("--save", narrow.saveAs, "Where to write the drawing when the program is done")
+        ->type_name("OUT");
+    run->add_option("--eval", narrow.expressions,
+                    "An expression to run after the program, or instead of one; may be repeated")
+        ->type_name("EXPRESSION")
+        ->allow_extra_args(false);
+    addHostOptions(*run, narrow, arguments);
+    run->footer("What follows \"--\" are the program's arguments, which (host-arguments) answers.");
+
+    CLI::App* const repl = app.add_subcommand("repl", "Run what is typed, line by line");
+    addDrawingOptions(*repl, narrow);
+    addHostOptions(*repl, narrow, arguments);
+
+    CLI::App* const help = app.add_subcommand("help", "Explain a function, or list them all");
+    help->add_option("FUNCTION", narrow.function, "The function's name")->type_name("");
+    help->add_flag("--missing", arguments.missing,
+                   "List the module's functions that are not part of this build");
+    addHostOptions(*help, narrow, arguments);
+
+    app.failure_message([](const CLI::App*, const CLI::Error& error) {
+        return std::string("swiftgate: ") + error.what() +
+               "\nRun swiftgate --help, or swiftgate COMMAND --help, for how to call it.\n";
+    });
+    try {
+        app.parse(static_cast<int>(separator - words), words);
+        if (run->parsed() && narrow.program.empty() && narrow.expressions.empty()) {
+            throw CLI::RequiredError("a PROGRAM or an --eval expression");
+        }
+    } catch (const CLI::ParseError& error) {
+        return {std::nullopt, app.exit(error) == 0 ? kDone : kWrongUsage};
+    }
+
+    arguments.command = run->parsed()    ? Arguments::Command::Run
+                        : repl->parsed() ? Arguments::Command::Repl
+                                         : Arguments::Command::Help;
+    widen(narrow, arguments);
+    for (char** word = separator; word != end && ++word != end;) {
+        arguments.programArguments.push_back(fromUtf8(*word));
+    }
+    return {std::move(arguments), kDone};
+}
+
+}  // namespace sg::app

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sg::app {
+
+// The command line of the process, taken apart.
+struct Arguments {
+    enum class Command { Run, Repl, Help };
+    Command command = Command::Run;
+
+    std::wstring program;                   // of run; "-" is standard input, empty is none
+    std::vector<std::wstring> expressions;  // of --eval, in order
+    std::wstring saveAs;                    // empty: the drawing is not saved
+
+    std::wstring drawing;               // empty: a new one
+    std::wstring script;                // the input script; empty: none
+    std::vector<std::wstring> folders;  // ahead of the rest of the support path
+    std::vector<std::wstring> programArguments;
+    std::wstring locale;
+    uint64_t memoryLimit = 0;  // bytes; 0: the host's own choice
+    bool noModule = false;
+    bool failEngine = false;
+
+    std::wstring function;  // of help; empty: the overview
+    bool missing = false;
+};
+
+struct ParsedArguments {
+    std::optional<Arguments> arguments;
+    int exitCode = 0;  // when there are none: what was to be said is printed
+};
+
+// Reads the command line. Asking for help or the version prints it and answers code 0, an error
+// prints what is wrong on standard error and answers kWrongUsage.
+ParsedArguments parseArguments(int count, char** words);
+
+// A size as the options take it: a number with K, M or G (powers of 1024) in either case behind it;
+// a number alone counts megabytes. In bytes; nullopt for anything else, zero included.
+std::optional<uint64_t> parseSize(std::string_view text);
+
+}  // namespace sg::app

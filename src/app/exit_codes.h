@@ -1,0 +1,13 @@
+#pragma once
+
+namespace sg::app {
+
+// What the process answers to the shell.
+enum ExitCode : int {
+    kDone = 0,
+    kLispError = 1,   // the program ended in a LISP error
+    kWrongUsage = 2,  // options that are unknown, missing or wrong; an unknown function
+    kFileError = 3,   // a file could not be read or written
+};
+
+}  // namespace sg::app

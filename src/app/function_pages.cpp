@@ -1,0 +1,141 @@
+#include "app/function_pages.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/encoding.h"
+#include "base/text.h"
+#include "host/system/files.h"
+#include "host/system/paths.h"
+
+namespace sg::app {
+namespace {
+
+// The texts between backquotes.
+std::vector<std::wstring> quotedNames(std::wstring_view heading) {
+    std::vector<std::wstring> names;
+    for (;;) {
+        const size_t open = heading.find(L'`');
+        if (open == std::wstring_view::npos) return names;
+        const size_t close = heading.find(L'`', open + 1);
+        if (close == std::wstring_view::npos) return names;
+        if (close > open + 1) names.emplace_back(heading.substr(open + 1, close - open - 1));
+        heading.remove_prefix(close + 1);
+    }
+}
+
+void trimBlankLines(std::wstring& text) {
+    text.erase(0, std::min(text.find_first_not_of(L"\r\n"), text.size()));
+    text.resize(trimmedRight(text).size());
+}
+
+// How many letters must be changed, put in, left out or exchanged with their neighbour.
+size_t distanceOf(std::wstring_view a, std::wstring_view b) {
+    std::vector<size_t> beforeLast(b.size() + 1), last(b.size() + 1), now(b.size() + 1);
+    for (size_t j = 0; j <= b.size(); ++j)
+        last[j] = j;
+    for (size_t i = 1; i <= a.size(); ++i) {
+        now[0] = i;
+        for (size_t j = 1; j <= b.size(); ++j) {
+            const size_t changed = last[j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
+            now[j] = std::min({changed, last[j] + 1, now[j - 1] + 1});
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
+                now[j] = std::min(now[j], beforeLast[j - 2] + 1);
+            }
+        }
+        std::swap(beforeLast, last);
+        std::swap(last, now);
+    }
+    return last[b.size()];
+}
+
+}  // namespace
+
+FunctionPages FunctionPages::read(const std::wstring& folder) {
+    FunctionPages pages;
+    for (const std::wstring& name : listFolder(folder, L"*.md", ListedEntries::filesOnly)) {
+        const auto bytes = readFile(joinPath(folder, name));
+        if (bytes) pages.add(name.substr(0, name.size() - 3), decodeTextFile(*bytes));
+    }
+    return pages;
+}
+
+void FunctionPages::add(const std::wstring& file, std::wstring_view text) {
+    Family family{file, file, {}};
+    bool inSection = false;
+    bool fenced = false;  // between ``` lines, where "#" begins no heading
+    while (!text.empty()) {
+        const size_t end = std::min(text.find(L'\n'), text.size());
+        const std::wstring_view line = trimmedRight(text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+        if (line.starts_with(L"```")) fenced = !fenced;
+        const size_t marks = std::min(line.find_first_not_of(L'#'), line.size());
+        if (!fenced && marks > 0 && marks < line.size() && line[marks] == L' ') {
+            if (marks == 1) family.title = trimmed(line.substr(marks));
+            if (marks <= 3) inSection = marks == 3;
+            if (marks == 3) family.sections.push_back({quotedNames(line), {}});
+            if (marks <= 3) continue;
+        }
+        if (inSection) family.sections.back().text += std::wstring(line) + L'\n';
+    }
+    for (Section& section : family.sections)
+        trimBlankLines(section.text);
+    std::erase_if(family.sections, [](const Section& section) { return section.names.empty(); });
+    if (!family.sections.empty()) families_.push_back(std::move(family));
+}
+
+std::optional<FunctionPages::Found> FunctionPages::find(std::wstring_view name) const {
+    for (const Family& family : families_) {
+        for (const Section& section : family.sections) {
+            for (const std::wstring& one : section.names) {
+                if (equalIgnoringCase(one, name)) return Found{&family, &section};
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+std::vector<std::wstring> FunctionPages::nearest(std::wstring_view name, size_t most) const {
+    const std::wstring wanted = lowerCased(name);
+    const size_t farthest = std::max<size_t>(1, wanted.size() / 3);
+    std::vector<std::pair<size_t, std::wstring>> near;
+    for (const Family& family : families_) {
+        for (const Section& section : family.sections) {
+            for (const std::wstring& one : section.names) {
+                const std::wstring candidate = lowerCased(one);
+                const size_t distance = distanceOf(wanted, candidate);
+                if (distance <= farthest) {
+                    near.emplace_back(distance, one);
+                } else if (wanted.size() > 2 && candidate.find(wanted) != std::wstring::npos) {
+                    near.emplace_back(farthest + 1, one);
+                }
+            }
+        }
+    }
+    std::sort(near.begin(), near.end());
+    std::vector<std::wstring> names;
+    for (const auto& [distance, one] : near) {
+        if (names.size() == most) break;
+        if (names.empty() || names.back() != one) names.push_back(one);
+    }
+    return names;
+}
+
+std::wstring inColumns(const std::vector<std::wstring>& names, int width) {
+    size_t widest = 0;
+    for (const std::wstring& name : names)
+        widest = std::max(widest, name.size());
+    const size_t columns = std::max<size_t>(1, static_cast<size_t>(width) / (widest + 2));
+    const size_t rows = (names.size() + columns - 1) / columns;
+    std::wstring text;
+    for (size_t row = 0; row < rows; ++row) {
+        std::wstring line;
+        for (size_t at = row; at < names.size(); at += rows) {
+            line += L"  " + names[at] + std::wstring(widest - names[at].size(), L' ');
+        }
+        text += std::wstring(trimmedRight(line)) + L'\n';
+    }
+    return text;
+}
+
+}  // namespace sg::app

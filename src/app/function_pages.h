@@ -1,0 +1,50 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sg::app {
+
+// The function reference: Markdown files of one family each. A file's "# " heading is the family's
+// title; each "### " heading holds the names of the functions that the text below it, up to the
+// next heading, explains, each name in backquotes.
+class FunctionPages {
+  public:
+    struct Section {
+        std::vector<std::wstring> names;
+        std::wstring text;  // without the heading and without blank lines around it
+    };
+    struct Family {
+        std::wstring file;  // the file's name without .md
+        std::wstring title;
+        std::vector<Section> sections;
+    };
+    struct Found {
+        const Family* family;
+        const Section* section;
+    };
+
+    // Reads the files of a folder, in the order of their names. Without any there are no families.
+    static FunctionPages read(const std::wstring& folder);
+
+    // Adds the sections of one file's text.
+    void add(const std::wstring& file, std::wstring_view text);
+
+    const std::vector<Family>& families() const { return families_; }
+
+    // The section that explains a function, whose name may be written in any case.
+    std::optional<Found> find(std::wstring_view name) const;
+
+    // Names that `name` may be a slip for, the nearest first, at most `most`.
+    std::vector<std::wstring> nearest(std::wstring_view name, size_t most) const;
+
+  private:
+    std::vector<Family> families_;
+};
+
+// Names in columns of equal width, filled downwards, each line indented by two blanks.
+std::wstring inColumns(const std::vector<std::wstring>& names, int width);
+
+}  // namespace sg::app

@@ -1,0 +1,86 @@
+#include "app/process.h"
+
+#include <sys/ioctl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "base/encoding.h"
+
+namespace sg::app {
+namespace {
+
+// The system keeps 128 MB free below the main thread's stack, whatever the limit was at start.
+constexpr rlim_t kStackBytes = 100 << 20;
+
+// Makes a folder and those above it.
+bool makeFolders(const std::string& path) {
+    for (size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
+        const std::string folder = path.substr(0, end);
+        struct stat status;
+        if (stat(folder.c_str(), &status) != 0 && mkdir(folder.c_str(), 0700) != 0) return false;
+        if (end == std::string::npos) return true;
+    }
+}
+
+}  // namespace
+
+void raiseStackLimit() {
+    rlimit limit;
+    if (getrlimit(RLIMIT_STACK, &limit) != 0) return;
+    // An unlimited stack is cut down too: how deep a program may recurse should not depend on the
+    // shell that started it.
+    rlim_t wanted = kStackBytes;
+    if (limit.rlim_max != RLIM_INFINITY && limit.rlim_max < wanted) wanted = limit.rlim_max;
+    limit.rlim_cur = wanted;
+    setrlimit(RLIMIT_STACK, &limit);
+}
+
+std::wstring executableFolder() {
+    std::string path(4096, '\0');
+    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
+    path.resize(length > 0 ? static_cast<size_t>(length) : 0);
+    const size_t slash = path.rfind('/');
+    return fromUtf8(path.substr(0, slash == std::string::npos ? 0 : slash));
+}
+
+std::wstring stateFolder() {
+    std::string folder;
+    const char* const state = std::getenv("XDG_STATE_HOME");
+    const char* const home = std::getenv("HOME");
+    if (state != nullptr && state[0] == '/') {
+        folder = state;
+    } else if (home != nullptr && home[0] == '/') {
+        folder = std::string(home) + "/.local/state";
+    } else {
+        return {};
+    }
+    folder += "/swiftgate";
+    return makeFolders(folder) ? fromUtf8(folder) : std::wstring();
+}
+
+void printOut(const std::wstring& text) {
+    const std::string bytes = toUtf8(text);
+    std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+}
+
+void complain(const std::wstring& text) {
+    const std::string bytes = toUtf8(L"swiftgate: " + text + L"\n");
+    std::fwrite(bytes.data(), 1, bytes.size(), stderr);
+}
+
+bool flushOutput() {
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+}
+
+int terminalColumns() {
+    winsize size;
+    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col < 20) return 80;
+    return size.ws_col;
+}
+
+}  // namespace sg::app

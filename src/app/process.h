@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+
+// What the process asks of the operating system for itself.
+namespace sg::app {
+
+// Lets the main thread's stack grow far enough for deep recursion of LISP programs. Must be called
+// before the host is made, which measures the stack.
+void raiseStackLimit();
+
+// The folder that holds this executable; its neighbours hold modules and function pages.
+std::wstring executableFolder();
+
+// The folder for what the program remembers between runs, made when it is not there:
+// $XDG_STATE_HOME/swiftgate, else ~/.local/state/swiftgate. Empty when it cannot be made.
+std::wstring stateFolder();
+
+// Writes to standard output, or a line to standard error with the program's name in front.
+void printOut(const std::wstring& text);
+void complain(const std::wstring& text);
+
+// Writes what standard output still holds. False when that, or any write before, failed.
+bool flushOutput();
+
+// The columns of the terminal on standard output; 80 when it is none.
+int terminalColumns();
+
+}  // namespace sg::app

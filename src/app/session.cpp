@@ -1,0 +1,131 @@
+#include "app/session.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "app/exit_codes.h"
+#include "app/process.h"
+#include "base/encoding.h"
+#include "base/text.h"
+#include "host/editor/command_line_output.h"
+#include "host/editor/documents.h"
+#include "host/editor/script_input.h"
+#include "host/editor/terminal_input.h"
+#include "host/lisp/interpreter.h"
+#include "host/seam/file_error.h"
+#include "host/system/files.h"
+
+namespace sg::app {
+namespace {
+
+constexpr const wchar_t* kModule = L"SwiftGate2017.arx";
+
+HostOptions hostOptions(const Arguments& arguments) {
+    HostOptions options;
+    options.supportPath = arguments.folders;
+    options.moduleFolder = executableFolder() + L"/../modules";
+    if (!arguments.noModule) options.modules = {kModule};
+    options.failEngine = arguments.failEngine;
+    options.locale = arguments.locale;
+    options.memoryLimit = arguments.memoryLimit;
+    options.drawing = arguments.drawing;
+    options.arguments = arguments.programArguments;
+    return options;
+}
+
+// The symbols of the active document that have a value and begin with the word, in the word's case.
+std::vector<std::wstring> symbolsThatBegin(Host& host, std::wstring_view word) {
+    std::vector<std::wstring> found;
+    Document* const document = host.documents().active();
+    if (document == nullptr) return found;
+    const lisp::Interpreter& interpreter = host.interpreter();
+    const std::wstring start = upperCased(word);
+    const bool lower = start != word;
+    for (uint32_t slot = 0; slot < interpreter.symbols().size(); ++slot) {
+        const std::wstring& name = interpreter.symbols().name(slot);
+        if (!name.starts_with(start)) continue;
+        if (interpreter.valueIn(document->variables(), slot).isNil()) continue;
+        found.push_back(lower ? lowerCased(name) : name);
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+}  // namespace
+
+Session::Session(const Arguments& arguments, bool interactive)
+    : host_(hostOptions(arguments)),
+      signals_(host_.interpreter()),
+      terminal_(interactive && isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1) {
+    setInput(arguments);
+}
+
+void Session::setInput(const Arguments& arguments) {
+    std::vector<std::shared_ptr<InputSource>> sources;
+    if (!arguments.script.empty()) {
+        const auto bytes = readFile(arguments.script);
+        if (!bytes) throw FileError(L"the input script cannot be read: " + arguments.script);
+        std::wstring error;
+        auto script = ScriptInput::parse(
+            decodeTextFile(*bytes), arguments.script,
+            [this](const std::wstring& text) { host_.output().reportError(text); }, error);
+        if (script == nullptr) throw FileError(error);
+        sources.push_back(std::move(script));
+    }
+    if (terminal_) {
+        sources.push_back(std::make_shared<TerminalInput>(
+            [this](const std::wstring& prompt) -> Answer<std::wstring> {
+                if (!host_.output().atLineStart()) host_.output().print(L"\n");
+                editor().completing = false;
+                const LineEditor::Line line = editor().read(prompt);
+                editor().completing = true;
+                if (line.ending == LineEditor::Ending::Closed) return {};
+                if (line.ending == LineEditor::Ending::Entered) {
+                    return Answer<std::wstring>::of(line.text);
+                }
+                host_.interpreter().clearInterrupt();
+                return Answer<std::wstring>::cancel();
+            },
+            [this](const std::wstring& text) { host_.output().print(text); }));
+    }
+    host_.setInput(sources);
+}
+
+Document& Session::document() {
+    Document* const document = host_.documents().active();
+    if (document == nullptr) throw FileError(L"no drawing is open");
+    return *document;
+}
+
+LineEditor& Session::editor() {
+    if (editor_ == nullptr) {
+        const std::wstring folder = stateFolder();
+        editor_ = std::make_unique<LineEditor>(
+            host_.interpreter(), folder.empty() ? folder : folder + L"/history",
+            [this](std::wstring_view word) { return symbolsThatBegin(host_, word); });
+    }
+    return *editor_;
+}
+
+int Session::conclude(const std::function<int()>& body) {
+    int code = kFileError;
+    try {
+        code = body();
+    } catch (const FileError& error) {
+        complain(error.text());
+    }
+    Output& output = host_.output();
+    if (isatty(STDOUT_FILENO) == 1 && !output.atLineStart()) output.print(L"\n");
+    if (output.flush()) return code;
+    complain(L"standard output cannot be written");
+    return kFileError;
+}
+
+void Session::complain(const std::wstring& text) {
+    host_.output().reportError(L"swiftgate: " + text);
+}
+
+}  // namespace sg::app

@@ -1,0 +1,62 @@
+#include "app/signals.h"
+
+#include <poll.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+
+#include "host/lisp/interpreter.h"
+
+namespace sg::app {
+namespace {
+
+std::atomic<lisp::Interpreter*> interrupted{nullptr};
+static_assert(std::atomic<lisp::Interpreter*>::is_always_lock_free);
+
+void onInterrupt(int signal) {
+    lisp::Interpreter* const interpreter = interrupted.load();
+    if (interpreter != nullptr && !interpreter->interruptPending()) {
+        interpreter->interrupt();
+        return;
+    }
+    ::signal(signal, SIG_DFL);
+    raise(signal);
+}
+
+}  // namespace
+
+Signals::Signals(lisp::Interpreter& interpreter) {
+    interrupted = &interpreter;
+    struct sigaction action = {};
+    action.sa_handler = onInterrupt;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = 0;  // no SA_RESTART: reads must end
+    sigaction(SIGINT, &action, nullptr);
+    signal(SIGPIPE, SIG_IGN);
+}
+
+Signals::~Signals() {
+    signal(SIGINT, SIG_DFL);
+    interrupted = nullptr;
+}
+
+bool waitForInput(const lisp::Interpreter& interpreter) {
+    // The signal is let through only while ppoll waits, so that none falls between the look at the
+    // interpreter and the wait.
+    sigset_t blocked, before;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &blocked, &before);
+    bool ready = false;
+    while (!ready && !interpreter.interruptPending()) {
+        pollfd input = {STDIN_FILENO, POLLIN, 0};
+        const int count = ppoll(&input, 1, nullptr, &before);
+        ready = count > 0 || (count < 0 && errno != EINTR);
+    }
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return ready;
+}
+
+}  // namespace sg::app

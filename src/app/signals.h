@@ -1,0 +1,26 @@
+#pragma once
+
+namespace sg::lisp {
+class Interpreter;
+}
+
+namespace sg::app {
+
+// While it lives, Ctrl-C cancels the LISP program that runs, and a second Ctrl-C that comes before
+// the program has noticed the first one ends the process, as it does without a handler. Writing to
+// a closed pipe becomes an error of the write in place of a signal.
+//
+// Blocking reads end with EINTR. One at a time.
+class Signals {
+  public:
+    explicit Signals(lisp::Interpreter& interpreter);
+    ~Signals();
+    Signals(const Signals&) = delete;
+    Signals& operator=(const Signals&) = delete;
+};
+
+// Waits until standard input has something to read. False when Ctrl-C came first, or had come
+// before and no program has noticed it.
+bool waitForInput(const lisp::Interpreter& interpreter);
+
+}  // namespace sg::app

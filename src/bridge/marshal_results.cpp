@@ -1,0 +1,88 @@
+#include "bridge/marshal_results.h"
+
+#include <span>
+#include <utility>
+
+#include "bridge/marshal_builders.h"
+#include "bridge/marshal_variants.h"
+#include "platform/lisp/external_functions.h"
+
+namespace sg {
+namespace {
+
+// A list under construction, released unless it is taken.
+class ListInProgress {
+  public:
+    ListInProgress() { beginResultList(head_, tail); }
+    ListInProgress(const ListInProgress&) = delete;
+    ListInProgress& operator=(const ListInProgress&) = delete;
+    ~ListInProgress() { acutRelRb(head_); }
+
+    resbuf* closeAndTake() {
+        appendListEnd(tail);
+        return std::exchange(head_, nullptr);
+    }
+
+  private:
+    resbuf* head_ = nullptr;
+
+  public:
+    resbuf* tail = nullptr;
+};
+
+void returnAndRelease(resbuf* list) {
+    acedRetList(list);
+    acutRelRb(list);
+}
+
+}  // namespace
+
+resbuf* buildPairList(const COleSafeArray& array) {
+    ListInProgress list;
+    const std::span<const COleVariant> items = array.Variants();
+    for (size_t i = 0; i + 1 < items.size(); i += 2) {
+        appendPair(list.tail, variantText(items[i]), items[i + 1]);
+    }
+    return list.closeAndTake();
+}
+
+resbuf* buildValueList(const COleSafeArray& array) {
+    ListInProgress list;
+    for (const COleVariant& item : array.Variants())
+        appendVariant(list.tail, item);
+    return list.closeAndTake();
+}
+
+resbuf* buildRecordList(const COleSafeArray& array) {
+    ListInProgress list;
+    const std::span<const COleVariant> items = array.Variants();
+    bool recordOpen = false;
+    for (size_t i = 0; i < items.size(); ++i) {
+        const COleVariant& item = items[i];
+        if (isNewRecordMarker(item)) {
+            if (recordOpen) appendListEnd(list.tail);
+            appendListBegin(list.tail);
+            recordOpen = true;
+        } else if (!recordOpen) {
+            appendVariant(list.tail, item);
+        } else if (i + 1 < items.size()) {
+            appendPair(list.tail, variantText(item), items[++i]);
+        }
+    }
+    if (recordOpen) appendListEnd(list.tail);
+    return list.closeAndTake();
+}
+
+void returnPairList(const COleSafeArray& array) {
+    returnAndRelease(buildPairList(array));
+}
+
+void returnValueList(const COleSafeArray& array) {
+    returnAndRelease(buildValueList(array));
+}
+
+void returnRecordList(const COleSafeArray& array) {
+    returnAndRelease(buildRecordList(array));
+}
+
+}  // namespace sg

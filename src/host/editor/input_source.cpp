@@ -1,0 +1,65 @@
+#include "host/editor/input_source.h"
+
+#include <algorithm>
+
+#include "base/text.h"
+#include "host/editor/message_buttons.h"
+
+namespace sg {
+
+Answer<std::wstring> InputSource::text(const TextRequest&) {
+    return {};
+}
+Answer<int> InputSource::messageBox(const BoxRequest&) {
+    return {};
+}
+
+template <class Value, class Ask>
+Answer<Value> InputChain::firstAnswer(Ask ask) {
+    for (size_t i = 0; i < sources_.size(); ++i) {  // asking may add a source
+        const std::shared_ptr<InputSource> source = sources_[i];
+        Answer<Value> answer = ask(*source);
+        if (answer.outcome != Outcome::none) return answer;
+    }
+    return Answer<Value>::cancel();
+}
+
+std::optional<std::wstring> InputChain::text(const TextRequest& request) {
+    auto answer = firstAnswer<std::wstring>([&](InputSource& each) { return each.text(request); });
+    if (answer.outcome == Outcome::cancelled) return std::nullopt;
+    return std::move(answer.value);
+}
+
+int InputChain::messageBox(const BoxRequest& request) {
+    const auto answer =
+        firstAnswer<int>([&](InputSource& each) { return each.messageBox(request); });
+    return answer.outcome == Outcome::answered ? answer.value : escapeButton(request.flags);
+}
+
+void TypedWords::set(std::wstring_view line) {
+    rest_ = trimmed(line);
+}
+
+Answer<std::wstring> TypedWords::text(const TextRequest& request) {
+    if (rest_.empty()) return {};
+    const auto end =
+        request.wholeLine ? rest_.end() : std::find_if(rest_.begin(), rest_.end(), isBlank);
+    std::wstring word(rest_.begin(), end);
+    rest_ = trimmed(std::wstring(end, rest_.end()));
+    return Answer<std::wstring>::of(std::move(word));
+}
+
+Answer<std::wstring> UnattendedInput::text(const TextRequest&) {
+    return Answer<std::wstring>::cancel();
+}
+
+Answer<int> UnattendedInput::messageBox(const BoxRequest& request) {
+    const int button = defaultButton(request.flags);
+    if (report_) {
+        report_(L"message box \"" + request.title + L"\": " + request.text + L" [answered: " +
+                std::wstring(buttonName(button)) + L"]");
+    }
+    return Answer<int>::of(button);
+}
+
+}  // namespace sg

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/export.h"
+
+namespace sg {
+
+// What becomes of a request.
+enum class Outcome {
+    answered,
+    cancelled,  // Esc
+    none,       // this source has nothing for it: the next one is asked
+};
+
+template <class Value>
+struct Answer {
+    Outcome outcome = Outcome::none;
+    Value value{};
+
+    static Answer of(Value value) { return {Outcome::answered, std::move(value)}; }
+    static Answer cancel() { return {Outcome::cancelled, {}}; }
+};
+
+// A line at the command line. An empty answer is Enter.
+struct TextRequest {
+    std::wstring prompt;     // as it was printed, with its leading line feed
+    bool wholeLine = false;  // blanks belong to the answer; otherwise a blank ends it
+};
+
+struct BoxRequest {
+    std::wstring title;
+    std::wstring text;
+    unsigned flags = 0;  // of MessageBoxW
+};
+
+// Where answers come from: a script, the words behind a command, a terminal. Every kind of request
+// is one operation, and a source answers Outcome::none to the kinds that it does not know, so that
+// a new kind needs a line in those sources only that can answer it.
+class SG_API InputSource {
+  public:
+    virtual ~InputSource() = default;
+    virtual Answer<std::wstring> text(const TextRequest& request);
+    virtual Answer<int> messageBox(const BoxRequest& request);  // the button's id
+};
+
+// Asks its sources in their order until one has an answer. The last one should be an
+// UnattendedInput, which always has; without it a request that nobody answers is cancelled.
+class SG_API InputChain {
+  public:
+    void add(std::shared_ptr<InputSource> source) { sources_.push_back(std::move(source)); }
+
+    std::optional<std::wstring> text(const TextRequest& request);  // nullopt: cancelled
+    int messageBox(const BoxRequest& request);
+
+  private:
+    template <class Value, class Ask>
+    Answer<Value> firstAnswer(Ask ask);
+
+    std::vector<std::shared_ptr<InputSource>> sources_;
+};
+
+// The words that remain on a command line answer the prompts of its command.
+class SG_API TypedWords : public InputSource {
+  public:
+    void set(std::wstring_view line);  // replaces what is left
+    void clear() { rest_.clear(); }
+    bool empty() const { return rest_.empty(); }
+
+    // The next word, or all that is left for a whole line.
+    Answer<std::wstring> text(const TextRequest& request) override;
+
+  private:
+    std::wstring rest_;  // trimmed
+};
+
+// Stands behind the last source: nobody is there. A prompt is cancelled, a box gets its default
+// button and is reported with its title, its text and the answer.
+class SG_API UnattendedInput : public InputSource {
+  public:
+    explicit UnattendedInput(std::function<void(const std::wstring&)> report)
+        : report_(std::move(report)) {}
+    Answer<std::wstring> text(const TextRequest& request) override;
+    Answer<int> messageBox(const BoxRequest& request) override;
+
+  private:
+    const std::function<void(const std::wstring&)> report_;
+};
+
+}  // namespace sg

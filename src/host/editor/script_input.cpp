@@ -1,0 +1,81 @@
+#include "host/editor/script_input.h"
+
+#include <algorithm>
+
+#include "base/text.h"
+#include "host/editor/message_buttons.h"
+#include "host/editor/script_parser.h"
+
+namespace sg {
+
+ScriptInput::ScriptInput(std::vector<ScriptItem> items, std::wstring file, Report report)
+    : items_(std::move(items)), file_(std::move(file)), report_(std::move(report)) {}
+
+std::shared_ptr<ScriptInput> ScriptInput::parse(std::wstring_view content, std::wstring file,
+                                                Report report, std::wstring& error) {
+    std::vector<ScriptItem> items;
+    std::wstring problem;
+    size_t line = 0;
+    for (size_t start = 0; start < content.size();) {
+        const size_t end = std::min(content.find(L'\n', start), content.size());
+        auto item = parseScriptLine(content.substr(start, end - start), problem);
+        start = end + 1;
+        ++line;
+        if (!problem.empty()) {
+            error = file + L":" + std::to_wstring(line) + L": " + problem;
+            return nullptr;
+        }
+        if (!item) continue;
+        item->line = line;
+        items.push_back(std::move(*item));
+    }
+    error.clear();
+    return std::shared_ptr<ScriptInput>(
+        new ScriptInput(std::move(items), std::move(file), std::move(report)));
+}
+
+const ScriptItem* ScriptInput::take() {
+    return next_ < items_.size() ? &items_[next_++] : nullptr;
+}
+
+void ScriptInput::reportMismatch(const ScriptItem& item, const std::wstring& asked) const {
+    if (!report_) return;
+    report_(file_ + L":" + std::to_wstring(item.line) + L": the program asked for " + asked +
+            L"; the script has \"" + item.source + L"\", which answers as Esc");
+}
+
+Answer<std::wstring> ScriptInput::text(const TextRequest& request) {
+    const ScriptItem* const item = take();
+    if (item == nullptr) return {};
+    switch (item->kind) {
+        case ScriptItem::Kind::text:
+        case ScriptItem::Kind::keyword:
+        case ScriptItem::Kind::number:
+        case ScriptItem::Kind::point:
+            return Answer<std::wstring>::of(item->value);
+        case ScriptItem::Kind::enter:
+            return Answer<std::wstring>::of(L"");
+        case ScriptItem::Kind::escape:
+            return Answer<std::wstring>::cancel();
+        default:
+            reportMismatch(*item, L"text (\"" + std::wstring(trimmed(request.prompt)) + L"\")");
+            return Answer<std::wstring>::cancel();
+    }
+}
+
+Answer<int> ScriptInput::messageBox(const BoxRequest& request) {
+    const ScriptItem* const item = take();
+    if (item == nullptr) return {};
+    std::wstring names;
+    for (const MessageButton& button : messageButtons(request.flags)) {
+        if (item->kind == ScriptItem::Kind::box && item->button == button.id) {
+            return Answer<int>::of(button.id);
+        }
+        names += (names.empty() ? L"" : L", ") + std::wstring(button.name);
+    }
+    reportMismatch(*item, L"an answer to the message box \"" + request.title + L"\": " +
+                              request.text + L" (" + names + L")");
+    return Answer<int>::of(escapeButton(request.flags));
+}
+
+}  // namespace sg

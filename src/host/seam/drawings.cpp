@@ -1,0 +1,77 @@
+#include <fmt/xchar.h>
+
+#include "base/text.h"
+#include "host/editor/documents.h"
+#include "host/editor/editor.h"
+#include "host/rx/module_loader.h"
+#include "host/seam/file_error.h"
+#include "host/seam/host.h"
+#include "host/system/files.h"
+#include "host/system/paths.h"
+
+// Drawings as files. This host does not read what a drawing file holds and no operation changes it,
+// so a drawing's content is the bytes of the file that it was opened from: saving under another
+// name is an exact copy, and saving under its own name leaves the file as it is.
+
+namespace sg {
+namespace {
+
+// A drawing without any entity, as an interchange file that every reader accepts.
+constexpr std::string_view kEmptyDrawing =
+    "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1009\n  0\nENDSEC\n"
+    "  0\nSECTION\n  2\nENTITIES\n  0\nENDSEC\n  0\nEOF\n";
+
+bool hasExtension(std::wstring_view path, std::wstring_view extension) {
+    const size_t dot = path.rfind(L'.');
+    return dot != std::wstring_view::npos && equalIgnoringCase(path.substr(dot), extension);
+}
+
+}  // namespace
+
+Document& Host::openDrawing(const std::wstring& path) {
+    const ResolvedPath found = resolvePath(absolutePath(path));
+    if (!found.exists) throw FileError(L"no such drawing: " + found.path);
+    if (!isFile(found.path)) throw FileError(L"not a drawing file: " + found.path);
+    if (!readFile(found.path)) throw FileError(L"the drawing cannot be read: " + found.path);
+    for (const auto& document : documents().all()) {
+        if (document->isTitled() && document->fileName() == found.path) {
+            documents().activateDocument(document.get());
+            return *document;
+        }
+    }
+    return documents().open(found.path);
+}
+
+void Host::saveDrawing(Document& document, const std::wstring& path) {
+    const bool own = path.empty();
+    if (own && !document.isTitled()) {
+        throw FileError(fmt::format(L"{} has no file yet: name one", document.fileName()));
+    }
+    const std::wstring target =
+        own ? std::wstring(document.fileName()) : resolvePath(absolutePath(path)).path;
+    const bool same = document.isTitled() && target == document.fileName();
+    editor().notify(
+        [&](AcEditorReactor& reactor) { reactor.beginSave(document.database(), target.c_str()); });
+    if (!same) {
+        std::string content(kEmptyDrawing);
+        if (document.isTitled()) {
+            auto bytes = readFile(document.fileName());
+            if (!bytes) {
+                throw FileError(
+                    fmt::format(L"the drawing cannot be read: {}", document.fileName()));
+            }
+            content = std::move(*bytes);
+        } else if (!hasExtension(target, L".dxf")) {
+            throw FileError(fmt::format(
+                L"{}: a new drawing can be written as .dxf only by this build", target));
+        }
+        const FileResult written = writeFileAtomically(target, content);
+        if (!written) throw FileError(written.error);
+        document.setFile(target);
+    }
+    editor().notify([&](AcEditorReactor& reactor) {
+        reactor.saveComplete(document.database(), target.c_str());
+    });
+}
+
+}  // namespace sg

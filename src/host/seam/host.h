@@ -1,0 +1,140 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/export.h"
+#include "platform/rx/messages.h"
+
+class AcDbHostApplicationServices;
+class AcEditor;
+class AcRxClassRegistry;
+struct AFX_MODULE_STATE;
+
+namespace sg {
+
+namespace lisp {
+class Interpreter;
+}
+class CommandLine;
+class Document;
+class DocumentManager;
+class Editor;
+class ExternalFunctions;
+class InputChain;
+class InputSource;
+class ModuleLoader;
+class NamedMutexes;
+class Output;
+class RegistryStore;
+class Shell;
+class SupportPath;
+class SystemRegistry;
+class SystemVariables;
+class TypedWords;
+
+struct HostOptions {
+    std::vector<std::wstring> supportPath;  // folders, ahead of those that are always searched
+    std::wstring moduleFolder;              // where modules are found besides the support path
+    // File names of modules that start() loads, and modules that are linked into the process.
+    std::vector<std::wstring> modules;
+    std::vector<std::pair<std::wstring, AcRxEntryPoint>> staticModules;
+    bool failEngine = false;   // the database engine refuses to start
+    std::wstring locale;       // of date texts, such as "de-DE"; empty: that of the environment
+    uint64_t memoryLimit = 0;  // of LISP data, in bytes; 0: half of the machine's memory
+    std::wstring drawing;      // the drawing that start() opens; empty: a new one
+    std::vector<std::wstring> arguments;  // what (host-arguments) answers
+    std::wstring registryFile;            // empty: the user's own
+};
+
+// A program that modules and LISP programs live in: the one object behind the seam. It owns the
+// interpreter, the documents, the loaded modules and everything that the free functions of the seam
+// work on. One host at a time; they may be made and destroyed freely.
+class SG_API Host {
+  public:
+    explicit Host(HostOptions options);
+    // Closes all documents and unloads all modules, with their messages.
+    ~Host();
+    Host(const Host&) = delete;
+    Host& operator=(const Host&) = delete;
+
+    // The host that exists. Calling the seam without one is a fault of the program.
+    static Host& the();
+    static bool exists();
+
+    // Opens the first document and loads the modules. A module that does not load is reported, and
+    // the host goes on without it. Throws FileError when the drawing cannot be opened.
+    void start();
+
+    const HostOptions& options() const { return options_; }
+    lisp::Interpreter& interpreter() { return *interpreter_; }
+    DocumentManager& documents() { return *documents_; }
+    ModuleLoader& modules() { return *modules_; }
+    ExternalFunctions& externals() { return *externals_; }
+    CommandLine& commandLine() { return *commandLine_; }
+    Editor& editor() { return *editor_; }
+    Output& output() { return *output_; }
+    RegistryStore& registry() { return *registry_; }
+    SupportPath& supportPath() { return *supportPath_; }
+    Shell& shell() { return *shell_; }
+    NamedMutexes& mutexes() { return *mutexes_; }
+    AcRxClassRegistry& classes() { return *classes_; }
+    SystemRegistry& systemRegistry() { return *systemRegistry_; }
+    AcDbHostApplicationServices& services() { return *services_; }
+    AFX_MODULE_STATE& moduleState() { return *moduleState_; }
+
+    // Who answers prompts and boxes: the words left on a command line, then the sources that a
+    // front end has set, then nobody, which cancels prompts and gives boxes their default button.
+    InputChain& input() { return *input_; }
+    void setInput(const std::vector<std::shared_ptr<InputSource>>& sources);
+    TypedWords& typedWords() { return *typedWords_; }
+
+    // The full path of a file that a program names: as it stands, seen from the current folder,
+    // else on the support path.
+    std::optional<std::wstring> findSupportFile(const std::wstring& name) const;
+
+    // Opens a drawing file, makes it the active document and tells the modules. Throws FileError.
+    Document& openDrawing(const std::wstring& path);
+    // Writes a document's drawing, under its own name or, with a path, under that; reactors hear of
+    // it. Throws FileError and leaves the file as it was.
+    void saveDrawing(Document& document, const std::wstring& path);
+
+    // The system variables as the current document sees them.
+    SystemVariables& systemVariables();
+
+    uint32_t lastError = 0;  // of GetLastError
+    bool textScreen = false;
+
+  private:
+    void createInterpreter();
+    void createModuleLoader();
+    void createDocuments();
+    void provideSystemVariables();
+
+    HostOptions options_;
+    std::unique_ptr<Output> output_;
+    std::unique_ptr<InputChain> input_;
+    std::shared_ptr<TypedWords> typedWords_;
+    std::shared_ptr<SystemVariables> applicationVariables_;
+    std::unique_ptr<RegistryStore> registry_;
+    std::unique_ptr<SupportPath> supportPath_;
+    std::unique_ptr<Shell> shell_;
+    std::unique_ptr<NamedMutexes> mutexes_;
+    std::unique_ptr<AcRxClassRegistry> classes_;
+    std::unique_ptr<SystemRegistry> systemRegistry_;
+    std::unique_ptr<Editor> editor_;
+    std::unique_ptr<AcDbHostApplicationServices> services_;
+    std::unique_ptr<AFX_MODULE_STATE> moduleState_;
+    std::unique_ptr<lisp::Interpreter> interpreter_;
+    std::unique_ptr<DocumentManager> documents_;
+    std::unique_ptr<ModuleLoader> modules_;
+    std::unique_ptr<ExternalFunctions> externals_;
+    std::unique_ptr<CommandLine> commandLine_;
+};
+
+}  // namespace sg

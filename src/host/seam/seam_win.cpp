@@ -1,0 +1,47 @@
+#include "host/editor/input_source.h"
+#include "host/seam/host.h"
+#include "host/system/mutexes.h"
+#include "host/system/shell.h"
+#include "platform/win/message_box.h"
+#include "platform/win/shell.h"
+#include "platform/win/system.h"
+#include "platform/win/window.h"
+
+// platform/win on the Host, which has no windows of its own.
+
+using sg::Host;
+
+HWND GetActiveWindow() {
+    return nullptr;
+}
+HWND SetActiveWindow(HWND) {
+    return nullptr;
+}
+HWND adsw_acadMainWnd() {
+    return nullptr;
+}
+
+int MessageBoxW(HWND, const wchar_t* text, const wchar_t* title, unsigned flags) {
+    return Host::the().input().messageBox(
+        {title != nullptr ? title : L"Error", text != nullptr ? text : L"", flags});
+}
+
+intptr_t ShellExecuteW(HWND, const wchar_t* operation, const wchar_t* file,
+                       const wchar_t* parameters, const wchar_t* directory, int) {
+    const auto orEmpty = [](const wchar_t* text) { return text != nullptr ? text : L""; };
+    return Host::the().shell().execute(orEmpty(operation), orEmpty(file), orEmpty(parameters),
+                                       orEmpty(directory));
+}
+
+uint32_t GetLastError() {
+    return Host::the().lastError;
+}
+void SetLastError(uint32_t code) {
+    Host::the().lastError = code;
+}
+
+SgMutex* CreateMutexW(const void*, bool, const wchar_t* name) {
+    const auto created = Host::the().mutexes().create(name);
+    Host::the().lastError = created.error;
+    return created.mutex;
+}

@@ -1,0 +1,238 @@
+#include "host/system/files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <utility>
+
+#include "base/encoding.h"
+#include "host/system/folders.h"
+#include "host/system/paths.h"
+
+namespace sg {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::wstring systemError(int code) {
+    return fromUtf8(std::strerror(code));
+}
+
+FileResult failure(const wchar_t* doing, const std::wstring& path, const std::wstring& why) {
+    return {false, std::wstring(L"cannot ") + doing + L" \"" + path + L"\": " + why};
+}
+
+FileResult failure(const wchar_t* doing, const std::wstring& path, int code = errno) {
+    return failure(doing, path, systemError(code));
+}
+
+// A file descriptor that closes itself.
+class Descriptor {
+  public:
+    Descriptor(const std::wstring& path, int flags, mode_t mode = 0)
+        : value_(::open(toUtf8(path).c_str(), flags | O_CLOEXEC, mode)) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() { close(); }
+
+    int get() const { return value_; }
+    bool isOpen() const { return value_ >= 0; }
+    bool close() {
+        const int value = std::exchange(value_, -1);
+        return value < 0 || ::close(value) == 0;
+    }
+
+  private:
+    int value_;
+};
+
+bool writeAll(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return false;
+        bytes.remove_prefix(static_cast<size_t>(written));
+    }
+    return true;
+}
+
+ssize_t readSome(int descriptor, char* buffer, size_t size) {
+    ssize_t got = 0;
+    do {
+        got = ::read(descriptor, buffer, size);
+    } while (got < 0 && errno == EINTR);
+    return got;
+}
+
+bool status(std::wstring_view path, struct stat& info) {
+    return ::stat(toUtf8(resolvePath(path).path).c_str(), &info) == 0;
+}
+
+// Copies at most `limit` bytes, so that a file that is appended to itself under two names ends.
+CopyResult copyContent(const Descriptor& from, const Descriptor& to, int64_t limit,
+                       const std::wstring& source, const std::wstring& target) {
+    CopyResult result;
+    std::string buffer(1 << 16, '\0');
+    while (result.bytes < limit) {
+        const auto want = std::min<int64_t>(limit - result.bytes, int64_t(buffer.size()));
+        const ssize_t got = readSome(from.get(), buffer.data(), static_cast<size_t>(want));
+        if (got < 0) {
+            static_cast<FileResult&>(result) = failure(L"read", source);
+            return result;
+        }
+        if (got == 0) break;
+        if (!writeAll(to.get(), {buffer.data(), static_cast<size_t>(got)})) {
+            static_cast<FileResult&>(result) = failure(L"write", target);
+            return result;
+        }
+        result.bytes += got;
+    }
+    result.ok = true;
+    return result;
+}
+
+}  // namespace
+
+CopyResult copyFile(std::wstring_view from, std::wstring_view to, bool append) {
+    const std::wstring source = resolvePath(from).path;
+    const std::wstring target = resolvePath(to).path;
+    const Descriptor in(source, O_RDONLY);
+    if (!in.isOpen()) return {failure(L"read", source)};
+    struct stat info, other;
+    if (::fstat(in.get(), &info) != 0) return {failure(L"read", source)};
+    if (S_ISDIR(info.st_mode)) return {failure(L"copy", source, L"it is a folder")};
+    const bool existed = ::stat(toUtf8(target).c_str(), &other) == 0;
+    if (existed && info.st_dev == other.st_dev && info.st_ino == other.st_ino) {
+        return {failure(L"copy", source, L"source and target are the same file")};
+    }
+
+    Descriptor out(target, O_WRONLY | O_CREAT | (append ? O_APPEND : O_EXCL), info.st_mode & 0777);
+    if (!out.isOpen()) return {failure(L"write", target)};
+    CopyResult result = copyContent(in, out, INT64_MAX, source, target);
+    if (result.ok && !out.close()) static_cast<FileResult&>(result) = failure(L"write", target);
+    if (!result.ok && !existed) ::unlink(toUtf8(target).c_str());
+    return result;
+}
+
+FileResult renameFile(std::wstring_view from, std::wstring_view to) {
+    const std::wstring source = resolvePath(from).path;
+    const ResolvedPath target = resolvePath(to);
+    // A change of case alone finds the file itself, which may be renamed.
+    std::error_code ignored;
+    const bool same = target.exists && fs::equivalent(toUtf8(source), toUtf8(target.path), ignored);
+    if (target.exists && !same) return failure(L"rename to", target.path, EEXIST);
+    const std::wstring place = same ? withSlashes(to) : target.path;
+    if (::rename(toUtf8(source).c_str(), toUtf8(place).c_str()) == 0) return {true, {}};
+    if (errno != EXDEV) return failure(L"rename", source);
+    CopyResult copied = copyFile(source, place, false);
+    if (!copied) return copied;
+    return deleteFile(source);
+}
+
+FileResult deleteFile(std::wstring_view path) {
+    const std::wstring file = resolvePath(path).path;
+    if (::unlink(toUtf8(file).c_str()) == 0) return {true, {}};
+    return failure(L"delete", file);
+}
+
+FileResult makeFolder(std::wstring_view path) {
+    const ResolvedPath folder = resolvePath(path);
+    if (folder.exists) return failure(L"make folder", folder.path, EEXIST);
+    if (::mkdir(toUtf8(folder.path).c_str(), 0777) == 0) return {true, {}};
+    return failure(L"make folder", folder.path);
+}
+
+bool isFile(std::wstring_view path) {
+    struct stat info;
+    return status(path, info) && !S_ISDIR(info.st_mode);
+}
+
+bool isFolder(std::wstring_view path) {
+    struct stat info;
+    return status(path, info) && S_ISDIR(info.st_mode);
+}
+
+std::optional<int64_t> fileSize(std::wstring_view path) {
+    struct stat info;
+    if (!status(path, info)) return std::nullopt;
+    return S_ISDIR(info.st_mode) ? 0 : static_cast<int64_t>(info.st_size);
+}
+
+std::optional<std::timespec> fileTime(std::wstring_view path) {
+    struct stat info;
+    if (!status(path, info)) return std::nullopt;
+    return info.st_mtim;
+}
+
+std::optional<std::string> readFile(std::wstring_view path) {
+    const Descriptor file(resolvePath(path).path, O_RDONLY);
+    if (!file.isOpen()) return std::nullopt;
+    std::string content, buffer(1 << 16, '\0');
+    for (;;) {
+        const ssize_t got = readSome(file.get(), buffer.data(), buffer.size());
+        if (got < 0) return std::nullopt;
+        if (got == 0) return content;
+        content.append(buffer, 0, static_cast<size_t>(got));
+    }
+}
+
+FileResult writeFileAtomically(std::wstring_view path, std::string_view content) {
+    std::wstring target = resolvePath(path).path;
+    std::error_code error;  // a link stays a link: the file that it leads to is replaced
+    const fs::path followed = fs::canonical(toUtf8(target), error);
+    if (!error) target = fromUtf8(followed.native());
+    const std::wstring beside = target + L".new-" + std::to_wstring(::getpid());
+    struct stat info;
+    const mode_t mode = ::stat(toUtf8(target).c_str(), &info) == 0 ? info.st_mode & 0777 : 0666;
+    Descriptor file(beside, O_WRONLY | O_CREAT | O_TRUNC, mode);
+    if (!file.isOpen()) return failure(L"write", beside);
+    const bool written = writeAll(file.get(), content) && ::fsync(file.get()) == 0 &&
+                         file.close() &&
+                         ::rename(toUtf8(beside).c_str(), toUtf8(target).c_str()) == 0;
+    if (!written) {
+        FileResult result = failure(L"write", target);
+        ::unlink(toUtf8(beside).c_str());
+        return result;
+    }
+    const std::wstring_view parent = parentFolder(target);
+    const Descriptor folder(parent.empty() ? L"." : std::wstring(parent), O_RDONLY | O_DIRECTORY);
+    if (folder.isOpen()) ::fsync(folder.get());  // the new name is on disk too
+    return {true, {}};
+}
+
+TemporaryFiles::~TemporaryFiles() {
+    for (const std::wstring& name : names_)
+        ::unlink(toUtf8(name).c_str());
+}
+
+std::wstring TemporaryFiles::next(std::wstring_view pattern, std::wstring_view folder,
+                                  std::optional<std::wstring_view> extension) {
+    if (pattern.empty()) pattern = L"$VL~~";
+    std::wstring_view name = lastComponent(pattern);
+    std::wstring place(folder.empty() ? parentFolder(pattern) : folder);
+    if (place.empty()) place = knownFolder(KnownFolder::temporary);
+
+    const size_t dot = name.rfind(L'.');
+    std::wstring ending(dot == std::wstring_view::npos ? L"" : name.substr(dot));
+    name = name.substr(0, dot);
+    if (extension) ending = *extension;
+    if (!ending.empty() && ending[0] != L'.') ending.insert(0, 1, L'.');
+
+    for (;;) {
+        wchar_t digits[16];
+        std::swprintf(digits, 16, L"%03x", ++counter_);
+        const ResolvedPath path =
+            resolvePath(joinPath(place, std::wstring(name) + digits + ending));
+        if (path.exists) continue;
+        names_.push_back(absolutePath(path.path));
+        return names_.back();
+    }
+}
+
+}  // namespace sg

@@ -1,0 +1,81 @@
+#include "module/function_tables.h"
+#include "module/missing.h"
+
+namespace sg {
+namespace {
+
+// The order gives the functions their numbers. A row of a function that this build has reads
+// {L"sg_name", sgHandler<implementation>}.
+constexpr FunctionRow kRows[] = {
+    missingSgRow<L"sg_append">(),
+    missingSgRow<L"sg_append_withindex">(),
+    missingSgRow<L"sg_closeall_tables">(),
+    missingSgRow<L"sg_close_table">(),
+    missingSgRow<L"sg_bottom">(),
+    missingSgRow<L"sg_count">(),
+    missingSgRow<L"sg_delete">(),
+    missingSgRow<L"sg_getrec">(),
+    missingSgRow<L"sg_structure">(),
+    missingSgRow<L"sg_list_indexes">(),
+    missingSgRow<L"sg_modify_table">(),
+    missingSgRow<L"sg_replace">(),
+    missingSgRow<L"sg_seek">(),
+    missingSgRow<L"sg_skip">(),
+    missingSgRow<L"sg_top">(),
+    missingSgRow<L"sg_table">(),
+    missingSgRow<L"sg_rename_table">(),
+    missingSgRow<L"sg_connect">(),
+    missingSgRow<L"sg_mdb">(),
+    missingSgRow<L"sg_create_db">(),
+    missingSgRow<L"sg_create_table">(),
+    missingSgRow<L"sg_close_db">(),
+    missingSgRow<L"sg_beep">(),
+    missingSgRow<L"sg_random">(),
+    missingSgRow<L"sg_message_beep">(),
+    missingSgRow<L"sg_exist">(),
+    missingSgRow<L"sg_readonly">(),
+    missingSgRow<L"sg_delete_table">(),
+    missingSgRow<L"sg_list_tables">(),
+    missingSgRow<L"sg_current_table">(),
+    missingSgRow<L"sg_current_index">(),
+    missingSgRow<L"sg_sql">(),
+    missingSgRow<L"sg_sql-nil">(),
+    missingSgRow<L"sg_sql-error">(),
+    missingSgRow<L"sg_command">(),
+    missingSgRow<L"sg_compact">(),
+    missingSgRow<L"sg_link_table">(),
+    missingSgRow<L"sg_query">(),
+    missingSgRow<L"sg_message_box">(),
+    missingSgRow<L"sg_create_index">(),
+    missingSgRow<L"sg_create_query">(),
+    missingSgRow<L"sg_xdput-list">(),
+    missingSgRow<L"sg_xdget">(),
+    missingSgRow<L"sg_xdget-list">(),
+    missingSgRow<L"sg_xdget-all">(),
+    missingSgRow<L"sg_mkdir">(),
+    missingSgRow<L"sg_relationExists">(),
+    missingSgRow<L"sg_relationDelete">(),
+    missingSgRow<L"sg_lastError">(),
+    missingSgRow<L"sg_resetLastError">(),
+    missingSgRow<L"sg_field_required">(),
+    missingSgRow<L"sg_attributes">(),
+    missingSgRow<L"sg_getVersion">(),
+    missingSgRow<L"sg_rmdir">(),
+    missingSgRow<L"sg_fmove">(),
+    missingSgRow<L"sg_fcopy">(),
+    missingSgRow<L"sg_fcopyIfChanged">(),
+    missingSgRow<L"sg_fdir">(),
+    missingSgRow<L"sg_fdelete">(),
+    missingSgRow<L"sg_indexUnique">(),
+    missingSgRow<L"sg_indexFields">(),
+    missingSgRow<L"sg_relationCount">(),
+    missingSgRow<L"sg_relationInfo">(),
+};
+
+}  // namespace
+
+std::span<const FunctionRow> sgFunctions() {
+    return kRows;
+}
+
+}  // namespace sg

@@ -1,0 +1,12 @@
+;; autoload defines commands that load their program when they are first called.
+(load "helpers/show")
+(autoload "helpers/answer" '("answer" "QUESTION"))
+(show 'loaded-times)
+(show '(c:answer))
+(show 'loaded-times)
+(show '(c:answer))
+(c:question)
+(show 'loaded-times)
+(autoload "helpers/none" '("lost"))
+(show '(c:lost))
+(princ)

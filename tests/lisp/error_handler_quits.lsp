@@ -1,0 +1,6 @@
+;; (exit) in *error* ends the handler quietly.
+(defun *error* (message)
+  (princ (strcat "handler: " message "\n"))
+  (exit)
+  (princ "never reached\n"))
+(strcat 1)

@@ -1,0 +1,2 @@
+(setq before-the-break T)
+(defun broken (

@@ -1,0 +1,10 @@
+;; Shows a form and its value, or the error that it ends in.
+(defun show (form / value)
+  (setq value (vl-catch-all-apply 'eval (list form)))
+  (prin1 form)
+  (princ "  =>  ")
+  (if (vl-catch-all-error-p value)
+    (princ (strcat "; error: " (vl-catch-all-error-message value)))
+    (prin1 value))
+  (terpri))
+(princ)

@@ -1,0 +1,13 @@
+;; load finds programs with and without .lsp, in either spelling of a path, whatever the case.
+(load "helpers/show")
+(show '(load "helpers/answer"))
+(show '(load "helpers/answer.lsp"))
+(show '(load "helpers\\ANSWER"))
+(show 'loaded-times)
+(show '(load "helpers/none" "not there"))
+(show '(load "helpers/none" '(lambda () "called")))
+(show '(load "helpers/none"))
+(show '(load "helpers/broken"))
+(show 'before-the-break)
+(show '(c:answer))
+(princ)

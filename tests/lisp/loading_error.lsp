@@ -1,0 +1,2 @@
+;; An error in a loaded file tells both places.
+(load "helpers/fails")

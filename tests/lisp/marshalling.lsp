@@ -1,0 +1,2 @@
+;; The example, as it ships.
+(load "../../examples/marshalling/marshalling.lsp")

@@ -1,0 +1,10 @@
+;; Functions of the module that this build lacks are defined; a call says so and fails.
+(load "helpers/show")
+(show '(type sg_append))
+(show '(type qn_qn-getPoint))
+(show '(sg_append "a" 1))
+(show '(SG_COUNT))
+(show '(ssgetX-all))
+(show '(AcDbCurve::getLength nil))
+(show '(mapcar 'asin '(0.5)))
+(princ)

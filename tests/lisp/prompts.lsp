@@ -1,0 +1,12 @@
+;; Prompts and boxes answered by a script.
+(load "helpers/show")
+(show '(getstring "\nName: "))
+(show '(getstring T "\nFull name: "))
+(show '(getstring))
+(show '(alert "Read this"))
+(show '(getstring "\nEnter: "))
+(show '(getstring "\nEsc: "))
+(show '(getstring "\nNumber: "))
+(show '(getstring "\nWrong kind: "))
+(show '(getstring "\nNothing left: "))
+(princ)

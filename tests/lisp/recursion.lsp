@@ -1,0 +1,13 @@
+;; Deep recursion works up to a limit and then is an error like any other.
+(load "helpers/show")
+(defun depth (n) (if (= n 0) 0 (1+ (depth (1- n)))))
+(show '(depth 10000))
+(defun endless (n) (1+ (endless n)))
+(show '(endless 1))
+(defun nested (n) (if (= n 0) nil (list (nested (1- n)))))
+(setq deep nil)
+(repeat 200000 (setq deep (list deep)))
+(show '(strlen (vl-prin1-to-string (list 1))))
+(show '(equal deep (list deep)))
+(show '(depth 10000))
+(princ)

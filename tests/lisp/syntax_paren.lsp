@@ -1,0 +1,3 @@
+(princ "printed before\n")
+(princ (+ 1 2)))
+(princ "never reached")

@@ -1,0 +1,4 @@
+(princ "printed before\n")
+(setq a 1)
+(princ "never closed)
+(princ a)
