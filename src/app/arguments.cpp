@@ -129,7 +129,7 @@ ParsedArguments parseArguments(int count, char** words) {
 
     CLI::App app("Runs AutoLISP programs for building services.", "swiftgate");
     app.set_version_flag("--version", "swiftgate " + toUtf8(SWIFTGATE_VERSION));
-    app.require_subcommand(1);
+    app.require_subcommand(0, 1);
 
     CLI::App* const run = app.add_subcommand("run", "Run a program");
     run->add_option("PROGRAM", narrow.program,
@@ -162,8 +162,9 @@ ParsedArguments parseArguments(int count, char** words) {
     });
     try {
         app.parse(static_cast<int>(separator - words), words);
+        if (app.get_subcommands().empty()) throw CLI::RequiredError("A command: run, repl or help");
         if (run->parsed() && narrow.program.empty() && narrow.expressions.empty()) {
-            throw CLI::RequiredError("a PROGRAM or an --eval expression");
+            throw CLI::RequiredError("A PROGRAM or an --eval expression");
         }
     } catch (const CLI::ParseError& error) {
         return {std::nullopt, app.exit(error) == 0 ? kDone : kWrongUsage};

@@ -29,6 +29,13 @@ void trimBlankLines(std::wstring& text) {
     text.resize(trimmedRight(text).size());
 }
 
+// caar, cddr and so on share the page of cdr.
+bool isCombination(std::wstring_view name) {
+    if (name.size() < 4 || name.size() > 6) return false;
+    return toLower(name.front()) == L'c' && toLower(name.back()) == L'r' &&
+           name.substr(1, name.size() - 2).find_first_not_of(L"adAD") == std::wstring_view::npos;
+}
+
 // How many letters must be changed, put in, left out or exchanged with their neighbour.
 size_t distanceOf(std::wstring_view a, std::wstring_view b) {
     std::vector<size_t> beforeLast(b.size() + 1), last(b.size() + 1), now(b.size() + 1);
@@ -85,6 +92,7 @@ void FunctionPages::add(const std::wstring& file, std::wstring_view text) {
 }
 
 std::optional<FunctionPages::Found> FunctionPages::find(std::wstring_view name) const {
+    if (isCombination(name)) name = L"cdr";
     for (const Family& family : families_) {
         for (const Section& section : family.sections) {
             for (const std::wstring& one : section.names) {

@@ -34,7 +34,8 @@ class FunctionPages {
 
     const std::vector<Family>& families() const { return families_; }
 
-    // The section that explains a function, whose name may be written in any case.
+    // The section that explains a function, whose name may be written in any case. The combinations
+    // of car and cdr are explained with cdr.
     std::optional<Found> find(std::wstring_view name) const;
 
     // Names that `name` may be a slip for, the nearest first, at most `most`.

@@ -16,6 +16,7 @@
 #include "host/lisp/objects.h"
 #include "host/seam/external_functions.h"
 #include "host/seam/file_error.h"
+#include "host/system/paths.h"
 
 namespace sg::app {
 namespace {
@@ -28,7 +29,7 @@ bool isOfModule(const FunctionPages::Family& family) {
 }
 
 std::wstring functionFolder() {
-    return executableFolder() + L"/../share/swiftgate/functions";
+    return absolutePath(executableFolder() + L"/../share/swiftgate/functions");
 }
 
 // The spelling that the module's table has of a missing function; null when it is none.

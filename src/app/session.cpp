@@ -17,6 +17,7 @@
 #include "host/lisp/interpreter.h"
 #include "host/seam/file_error.h"
 #include "host/system/files.h"
+#include "host/system/paths.h"
 
 namespace sg::app {
 namespace {
@@ -26,7 +27,7 @@ constexpr const wchar_t* kModule = L"SwiftGate2017.arx";
 HostOptions hostOptions(const Arguments& arguments) {
     HostOptions options;
     options.supportPath = arguments.folders;
-    options.moduleFolder = executableFolder() + L"/../modules";
+    options.moduleFolder = absolutePath(executableFolder() + L"/../modules");
     if (!arguments.noModule) options.modules = {kModule};
     options.failEngine = arguments.failEngine;
     options.locale = arguments.locale;

@@ -55,6 +55,7 @@ bool startDatabaseEngine() {
         AfxDaoInit();
     } catch (CException* exception) {
         exception->Delete();
+        daoStarted = false;
         return false;
     }
     return true;

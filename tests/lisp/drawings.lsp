@@ -24,5 +24,7 @@
 (show '(length (host-drawings)))
 (show '(host-close-drawing))
 (show '(= (host-open-drawing path) path))
-(show '(host-save-drawing (strcat (getenv "TEMP") "/no such folder/plan.dxf")))
+(show '(vl-catch-all-error-p
+         (vl-catch-all-apply 'host-save-drawing
+                             (list (strcat (getenv "TEMP") "/no such folder/plan.dxf")))))
 (princ)

@@ -1,4 +1,12 @@
-;; Data without end is an error at the limit, and the program's handler still runs.
-(defun *error* (message) (princ (strcat "handler: " message "\n")))
-(setq all nil)
-(while T (setq all (cons (strcat "a string " (itoa (length (list 1 2 3)))) all)))
+;; Data without end is an error at the limit. What the failed function held is free again, so a
+;; program that catches the error goes on.
+(defun gather-cells (/ all) (while T (setq all (cons 1 all))))
+(defun gather-text (/ all) (setq all "x") (while T (setq all (strcat all all))))
+(foreach function '(gather-cells gather-text gather-cells)
+  (princ (vl-catch-all-error-message (vl-catch-all-apply function nil)))
+  (terpri))
+(setq kept nil)
+(repeat 100000 (setq kept (cons 1 kept)))
+(princ (length kept)) (terpri)
+(gather-cells)
+(princ "never reached\n")

@@ -20,7 +20,7 @@ class SystemVariables;
 
 // One open drawing: its database, its LISP namespace, its system variables, its locks and what
 // waits to be typed into it.
-class Document final : public AcApDocument {
+class SG_API Document final : public AcApDocument {
   public:
     Document(std::wstring fileName, std::unique_ptr<lisp::Namespace> ns,
              std::shared_ptr<SystemVariables> application);
@@ -70,7 +70,7 @@ class Document final : public AcApDocument {
 
 // The open documents. The host is told of comings and goings through Events, so that it can send
 // modules their messages.
-class DocumentManager final : public AcApDocManager {
+class SG_API DocumentManager final : public AcApDocManager {
   public:
     struct Events {
         std::function<void(Document&)> opened;   // it is in the list, and current

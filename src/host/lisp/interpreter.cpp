@@ -306,8 +306,8 @@ Value Interpreter::loadText(std::wstring_view text, const std::wstring& file) {
     loading_.push_back({name, 0});
     while (reader.more()) {
         lines.clear();
+        loading_.back().line = reader.nextLine();
         const Value form = reader.read();
-        loading_.back().line = reader.line();
         push(form);
         const Operand code = Compiler(*this, name, &lines).compile(form);
         value = code.get(*this);

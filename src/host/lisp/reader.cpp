@@ -98,8 +98,6 @@ void Reader::fail(const std::wstring& what, uint32_t line, const std::wstring& h
 
 Value Reader::read() {
     if (!more()) fail(L"malformed list on input", line_, L"the text ends where a form is expected");
-    formLine_ = line_;
-    // Quotes before the form; more than the stack of lists can tell apart is no use to anyone.
     const uint32_t startLine = line_;
     const wchar_t c = text_[at_];
     if (c == L'\'') {
@@ -109,14 +107,12 @@ Value Reader::read() {
             fail(L"malformed list on input", startLine, L"a form is expected after \"'\"");
         }
         const Value quoted = read();
-        formLine_ = startLine;
         const Value form = in_.list({in_.symbol(L"QUOTE"), quoted});
         if (lines_ != nullptr) lines_->emplace(form.asCons(), startLine);
         return form;
     }
     if (c == L'(') {
         const Value list = readList();
-        formLine_ = startLine;
         return list;
     }
     if (c == L')') {

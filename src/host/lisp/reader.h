@@ -31,8 +31,8 @@ class Reader {
     // named.
     Value read();
 
-    // The line at which the last form began, from 1.
-    uint32_t line() const { return formLine_; }
+    // The line at which the next form begins once more() has found it, from 1.
+    uint32_t nextLine() const { return line_; }
     size_t position() const { return at_; }
 
   private:
@@ -49,7 +49,6 @@ class Reader {
     LineMap* lines_;
     size_t at_ = 0;
     uint32_t line_ = 1;
-    uint32_t formLine_ = 1;
 };
 
 // True when `text` ends inside a list, a string or a block comment, so that more lines must follow.

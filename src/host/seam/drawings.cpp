@@ -50,6 +50,11 @@ void Host::saveDrawing(Document& document, const std::wstring& path) {
     const std::wstring target =
         own ? std::wstring(document.fileName()) : resolvePath(absolutePath(path)).path;
     const bool same = document.isTitled() && target == document.fileName();
+    for (const auto& other : documents().all()) {
+        if (other.get() != &document && other->fileName() == target) {
+            throw FileError(fmt::format(L"{}: that drawing is open", target));
+        }
+    }
     editor().notify(
         [&](AcEditorReactor& reactor) { reactor.beginSave(document.database(), target.c_str()); });
     if (!same) {

@@ -21,11 +21,17 @@ bool ExternalFunctions::define(Document& document, Module& module, const std::ws
     entry->code = code;
     auto function = new lisp::ExternalFunction(
         upperCased(name), [this, entry](lisp::Interpreter& in, lisp::Args arguments) {
-            return call(*entry, in, arguments);
+            // The call may take the function itself away, and a collection this closure with it.
+            const std::shared_ptr<Entry> kept = entry;
+            return call(*kept, in, arguments);
         });
-    interpreter_.setValueIn(document.variables(), entry->slot,
-                            lisp::Value::object(interpreter_.heap().adopt(function)));
-    entries_[{&document, &module, code}] = std::move(entry);
+    entry->function = function;
+    const lisp::Value value = lisp::Value::object(interpreter_.heap().adopt(function));
+    // A number stands for one function: the one that had it before is gone.
+    std::shared_ptr<Entry>& place = entries_[{&document, &module, code}];
+    if (place != nullptr) withdraw(document, *place);
+    interpreter_.setValueIn(document.variables(), entry->slot, value);
+    place = std::move(entry);
     return true;
 }
 
@@ -42,14 +48,15 @@ void ExternalFunctions::withdraw(Document& document, Entry& entry) {
     // A program may have given the name another value since; that stays.
     const lisp::Value value = interpreter_.valueIn(document.variables(), entry.slot);
     const lisp::ExternalFunction* function = lisp::asExternal(value);
-    if (function != nullptr && function->name == upperCased(entry.name)) {
+    if (function != nullptr && function == entry.function) {
         interpreter_.setValueIn(document.variables(), entry.slot, lisp::Value::nil());
     }
 }
 
-bool ExternalFunctions::undefine(Document& document, Module& module, int code) {
+bool ExternalFunctions::undefine(Document& document, Module& module, const std::wstring& name,
+                                 int code) {
     const auto found = entries_.find({&document, &module, code});
-    if (found == entries_.end()) return false;
+    if (found == entries_.end() || !equalIgnoringCase(found->second->name, name)) return false;
     withdraw(document, *found->second);
     entries_.erase(found);
     return true;

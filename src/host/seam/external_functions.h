@@ -22,7 +22,7 @@ class ExternalFunctions {
     // What acedDefun, acedRegFunc and acedUndef do, for a document and a module.
     bool define(Document& document, Module& module, const std::wstring& name, int code);
     bool setHandler(Document& document, Module& module, int (*handler)(), int code);
-    bool undefine(Document& document, Module& module, int code);
+    bool undefine(Document& document, Module& module, const std::wstring& name, int code);
 
     // Takes away what a module has defined in any document, and what is defined in a document.
     void forgetModule(const Module& module,
@@ -50,6 +50,7 @@ class ExternalFunctions {
     struct Entry {
         std::wstring name;
         uint32_t slot;
+        const lisp::ExternalFunction* function;  // what define() gave the name; not owned
         Module* module;
         int code;
         int (*handler)() = nullptr;

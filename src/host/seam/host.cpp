@@ -80,7 +80,9 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     if (theHost != nullptr) throw std::logic_error("a second host is made");
     theHost = this;
     if (options_.locale.empty()) options_.locale = localeOfEnvironment();
-    output_ = std::make_unique<Output>();
+    output_ = options_.standardOutput
+                  ? std::make_unique<Output>(options_.standardOutput, options_.standardError)
+                  : std::make_unique<Output>();
     input_ = std::make_unique<InputChain>();
     typedWords_ = std::make_shared<TypedWords>();
     setInput({});

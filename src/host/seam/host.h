@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -50,6 +51,9 @@ struct HostOptions {
     std::wstring drawing;      // the drawing that start() opens; empty: a new one
     std::vector<std::wstring> arguments;  // what (host-arguments) answers
     std::wstring registryFile;            // empty: the user's own
+    // Take what is printed and reported in place of the process's standard output and standard
+    // error, as UTF-8; false when it could not be written. Both or neither.
+    std::function<bool(std::string_view bytes)> standardOutput, standardError;
 };
 
 // A program that modules and LISP programs live in: the one object behind the seam. It owns the

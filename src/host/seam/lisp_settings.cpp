@@ -109,6 +109,43 @@ Value fnRegistryDescendents(Interpreter& in, Args a) {
     return out.list();
 }
 
+// ---- The configuration of getcfg and setcfg: a part of the registry ---------------------------
+
+struct ConfigurationName {
+    std::wstring key;
+    std::wstring value;
+};
+
+// "AppData/application/section/parameter"; nullopt for a name that does not begin so.
+std::optional<ConfigurationName> configurationName(std::wstring_view path) {
+    constexpr std::wstring_view kRoot = L"AppData/";
+    if (path.size() <= kRoot.size() || !equalIgnoringCase(path.substr(0, kRoot.size()), kRoot)) {
+        return std::nullopt;
+    }
+    std::wstring key = L"HKEY_CURRENT_USER\\Software\\Swift Gate\\" + std::wstring(path);
+    for (wchar_t& c : key) {
+        if (c == L'/') c = L'\\';
+    }
+    const size_t last = key.rfind(L'\\');
+    return ConfigurationName{key.substr(0, last), key.substr(last + 1)};
+}
+
+Value fnGetCfg(Interpreter& in, Args a) {
+    const auto name = configurationName(in.text(a[0]));
+    if (!name) return Value::nil();
+    const auto data = Host::the().registry().read(name->key, name->value);
+    const auto* text = data ? std::get_if<RegistryText>(&*data) : nullptr;
+    return in.string(text != nullptr ? text->text : L"");
+}
+
+Value fnSetCfg(Interpreter& in, Args a) {
+    const auto name = configurationName(in.text(a[0]));
+    if (!name) return Value::nil();
+    const auto error = Host::the().registry().write(name->key, name->value,
+                                                    RegistryText{in.str(a[1])}, true);
+    return error == RegistryError::none ? a[1] : Value::nil();
+}
+
 // ---- System variables --------------------------------------------------------------------------
 
 std::wstring variableName(Interpreter& in, Value name) {
@@ -137,6 +174,8 @@ Value fnSetVar(Interpreter& in, Args a) {
 constexpr FunctionRow kRows[] = {
     {L"getvar", fnGetVar, 1, 1},
     {L"setvar", fnSetVar, 2, 2},
+    {L"getcfg", fnGetCfg, 1, 1},
+    {L"setcfg", fnSetCfg, 2, 2},
     {L"vl-registry-read", fnRegistryRead, 1, 2},
     {L"vl-registry-write", fnRegistryWrite, 1, 3},
     {L"vl-registry-delete", fnRegistryDelete, 1, 2},

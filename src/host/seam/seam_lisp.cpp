@@ -45,6 +45,16 @@ lisp::Interpreter::Outcome inCurrentDocument(Host& host, const Body& body) {
     return outcome;
 }
 
+// Null for a value that no node holds: a function, a symbol other than T, void.
+lisp::ResbufList resultToResbuf(lisp::Interpreter& in, Value value) {
+    if (value.isVoid()) return nullptr;
+    try {
+        return lisp::valueToResbuf(in, value);
+    } catch (const lisp::LispError&) {
+        return nullptr;
+    }
+}
+
 int report(Host& host, const lisp::LispError& error) {
     host.output().reportError(L"; error: " + error.message);
     return error.kind == lisp::ErrorKind::Cancel ? RTCAN : RTERROR;
@@ -60,12 +70,12 @@ int acedDefun(const wchar_t* name, int code) {
     return host.externals().define(*document, *module, name, code) ? RTNORM : RTERROR;
 }
 
-int acedUndef(const wchar_t*, int code) {
+int acedUndef(const wchar_t* name, int code) {
     Host& host = Host::the();
     Document* const document = host.documents().current();
     Module* const module = host.modules().currentModule();
-    if (document == nullptr || module == nullptr) return RTERROR;
-    return host.externals().undefine(*document, *module, code) ? RTNORM : RTERROR;
+    if (name == nullptr || document == nullptr || module == nullptr) return RTERROR;
+    return host.externals().undefine(*document, *module, name, code) ? RTNORM : RTERROR;
 }
 
 int acedRegFunc(int (*handler)(), int code) {
@@ -155,7 +165,7 @@ int acedInvoke(const resbuf* arguments, resbuf** result) {
         if (count < 0) in.fail(L"malformed argument list");
         const Value value = in.call(function, base, static_cast<size_t>(count), nullptr);
         in.push(value);
-        if (result != nullptr && !value.isVoid()) answer = lisp::valueToResbuf(in, value);
+        if (result != nullptr) answer = resultToResbuf(in, value);
         return value;
     });
     if (outcome.failed || outcome.exited) {

@@ -9,11 +9,12 @@
 // Functions belong to a document: acedDefun, acedRegFunc and acedUndef work on the current document
 // and on the module whose entry point or handler is running.
 
-// Defines the LISP function `name` in the current document under the number `code`.
+// Defines the LISP function `name` in the current document under the number `code`, in place of a
+// function that the module has under that number.
 // RTNORM, or RTERROR for an empty name or when no module is running.
 SG_API int acedDefun(const wchar_t* name, int code);
 
-// Removes the function again. RTNORM, or RTERROR when `code` has no such function.
+// Removes the function again. RTNORM, or RTERROR when `code` is not the number of `name`.
 SG_API int acedUndef(const wchar_t* name, int code);
 
 // Makes the host call `handler` directly for the function numbered `code`; null takes it back, and

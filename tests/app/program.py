@@ -1,0 +1,50 @@
+"""Runs the built executable for the tests of this folder."""
+
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+BUILD = os.path.abspath(sys.argv.pop(1)) if len(sys.argv) > 1 else ""
+SWIFTGATE = os.path.join(BUILD, "bin", "swiftgate")
+LOADING = "Loading Quillon Swift Gate (Direct)"
+
+
+class ProgramTest(unittest.TestCase):
+    """A test with a folder of its own, in which the program runs and which is its home too."""
+
+    maxDiff = None
+
+    def setUp(self):
+        self.folder = os.path.realpath(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.environment = {
+            name: value for name, value in os.environ.items()
+            if not name.startswith(("XDG_", "LC_"))
+        }
+        self.environment.update(
+            HOME=self.folder, LANG="C.UTF-8", TERM="vt100", SWIFTGATE_SHELL="false")
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+    def write(self, name, text):
+        os.makedirs(os.path.dirname(self.path(name)), exist_ok=True)
+        with open(self.path(name), "w", encoding="utf-8") as file:
+            file.write(text)
+        return self.path(name)
+
+    def popen(self, *words, **options):
+        return subprocess.Popen(
+            [SWIFTGATE, *words], cwd=self.folder, env=self.environment, text=True,
+            encoding="utf-8", **options)
+
+    def run_program(self, *words, typed="", executable=SWIFTGATE):
+        """The exit code, standard output, and standard error without the line about loading."""
+        done = subprocess.run(
+            [executable, *words], cwd=self.folder, env=self.environment, input=typed, text=True,
+            encoding="utf-8", capture_output=True, timeout=120)
+        errors = done.stderr.replace("\n" + LOADING, "", 1).lstrip("\n")
+        return done.returncode, done.stdout, errors
