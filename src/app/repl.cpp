@@ -65,10 +65,16 @@ Line readEntry(Session& session) {
     return entry;
 }
 
-bool hasNothingToRun(const std::wstring& text) {
-    const std::wstring_view line = trimmed(text);
-    return line.empty() || (line.front() == L';' && line.find(L'\n') == std::wstring_view::npos &&
-                            !line.starts_with(L";|"));
+// What follows the comments and blanks at the start of a text.
+std::wstring_view withoutComments(std::wstring_view text) {
+    for (;;) {
+        text = trimmed(text);
+        if (!text.starts_with(L';')) return text;
+        const std::wstring_view end = text.starts_with(L";|") ? L"|;" : L"\n";
+        const size_t found = text.find(end, end.size());
+        if (found == std::wstring_view::npos) return {};
+        text.remove_prefix(found + end.size());
+    }
 }
 
 int runLines(Session& session) {
@@ -79,10 +85,11 @@ int runLines(Session& session) {
         const Line entry = readEntry(session);
         if (entry.ending == Ending::Closed) break;
         interpreter.clearInterrupt();
-        if (entry.ending == Ending::Cancelled || hasNothingToRun(entry.text)) continue;
+        const std::wstring_view text = withoutComments(entry.text);
+        if (entry.ending == Ending::Cancelled || text.empty()) continue;
         if (session.hasTerminal()) session.editor().remember(entry.text);
-        const CommandLine::Result result = session.host().commandLine().run(
-            session.document(), entry.text, CommandLine::Echo::Values);
+        const CommandLine::Result result =
+            session.host().commandLine().run(session.document(), text, CommandLine::Echo::Values);
         failed = failed || result.failed;
         if (result.exited) break;
     }

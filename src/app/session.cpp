@@ -120,6 +120,10 @@ int Session::conclude(const std::function<int()>& body) {
     }
     Output& output = host_.output();
     if (isatty(STDOUT_FILENO) == 1 && !output.atLineStart()) output.print(L"\n");
+    if (isatty(STDERR_FILENO) == 1 && !output.errorAtLineStart()) {
+        const Output::LoadingScope toStandardError(output);
+        output.print(L"\n");
+    }
     if (output.flush()) return code;
     complain(L"standard output cannot be written");
     return kFileError;

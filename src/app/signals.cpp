@@ -6,6 +6,8 @@
 
 #include <atomic>
 #include <cerrno>
+#include <cstdint>
+#include <ctime>
 
 #include "host/lisp/interpreter.h"
 
@@ -15,9 +17,23 @@ namespace {
 std::atomic<lisp::Interpreter*> interrupted{nullptr};
 static_assert(std::atomic<lisp::Interpreter*>::is_always_lock_free);
 
+// When the signal came last, in milliseconds; a program that catches every cancel is ended by two
+// within a second.
+std::atomic<int64_t> lastInterrupt{INT64_MIN / 2};
+constexpr int64_t kTogether = 1000;
+
+int64_t milliseconds() {
+    timespec now = {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
+}
+
 void onInterrupt(int signal) {
     lisp::Interpreter* const interpreter = interrupted.load();
-    if (interpreter != nullptr && !interpreter->interruptPending()) {
+    const int64_t now = milliseconds();
+    const bool together = now - lastInterrupt.exchange(now) < kTogether;
+    const bool busy = interpreter != nullptr && interpreter->running();
+    if (interpreter != nullptr && !interpreter->interruptPending() && !(together && busy)) {
         interpreter->interrupt();
         return;
     }

@@ -175,6 +175,7 @@ class Lines(ProgramTest):
             ("(+ 1 2)", 0, "3\n"),
             ("", 0, ""),
             ("\n; a comment\n  (list 1\n\n  \"a)\" ; not the end )\n 2)\n", 0, '(1 "a)" 2)\n'),
+            (";| over (\nlines |; (+ 1 1)\n;|| |;\n;\n(+ 1 2)", 0, "2\n3\n"),
             ("(setq a 1) (setq b 2)\n!(+ a b)\n!a\n", 0, "1\n2\n3\n1\n"),
             ('(princ "text")\n', 0, 'text\n"text"\n'),
             ("(princ)\n", 0, ""),

@@ -38,6 +38,8 @@ class SG_API Output {
 
     // True when the next text to standard output starts a line.
     bool atLineStart() const { return output_.atLineStart; }
+    // The same for standard error.
+    bool errorAtLineStart() const { return error_.atLineStart; }
 
     // While one lives, printed text goes to standard error.
     class SG_API LoadingScope {

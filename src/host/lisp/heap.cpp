@@ -87,7 +87,8 @@ Heap::~Heap() {
 void Heap::checkLimit(size_t more) {
     const size_t after = bytesInUse() + more;
     if (after > limit_) {
-        wantsCollection_ = true;
+        // Not for every block: a heap in pieces may stay above the limit with little alive in it.
+        if (sinceCollection_ + more > limit_ / 32) wantsCollection_ = true;
         // The slack lets a program that is over the limit reach a safepoint, where a collection may
         // still make room.
         if (after > limit_ + limit_ / 8 + (size_t{8} << 20)) throw OutOfMemory{};
@@ -288,7 +289,7 @@ void Heap::finishMarking() {
         markRange(bump.next, bump.end, false);
         bump = {};
     }
-    size_t live = 0;
+    liveBytes_ = 0;
     for (size_t c = 0; c < kClasses; ++c) {
         auto& blocks = blocks_[c];
         size_t kept = 0;
@@ -299,14 +300,14 @@ void Heap::finishMarking() {
                 blockBytes_ -= kBlockBytes;
                 continue;
             }
-            live += slots * kClassBytes[c];
+            liveBytes_ += slots * kClassBytes[c];
             block->scan = Block::kFirst;
             blocks[kept++] = block;
         }
         blocks.resize(kept);
         cursor_[c] = 0;
     }
-    threshold_ = std::max(kFirstThreshold, live + largeBytes_ / 2);
+    threshold_ = std::max(kFirstThreshold, liveBytes_ + largeBytes_ / 2);
     sinceCollection_ = 0;
     sweepRead_ = sweepWrite_ = sweepLargeRead_ = sweepLargeWrite_ = 0;
     phase_ = Phase::Sweeping;

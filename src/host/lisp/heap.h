@@ -123,6 +123,9 @@ class Heap {
     void addExternal(ptrdiff_t bytes) { external_ += bytes; }
     size_t bytesInUse() const { return blockBytes_ + largeBytes_ + external_; }
     bool overLimit() const { return bytesInUse() > limit_; }
+    // As overLimit, of what the last collection found alive: blocks that are only partly used do not
+    // count as a whole.
+    bool liveOverLimit() const { return liveBytes_ + largeBytes_ + external_ > limit_; }
     size_t collections() const { return collections_; }
     // The longest time that one slice of collection work has taken, in seconds.
     double longestPause() const { return longestPause_; }
@@ -175,6 +178,7 @@ class Heap {
     bool wantsCollection_ = false;
     size_t limit_ = SIZE_MAX;
     size_t blockBytes_ = 0, largeBytes_ = 0, external_ = 0;
+    size_t liveBytes_ = 0;        // in blocks, when the last collection had marked them
     size_t sinceCollection_ = 0;  // bytes handed out since the last collection ended
     size_t threshold_ = 0;        // ... at which the next one starts
     size_t collections_ = 0;

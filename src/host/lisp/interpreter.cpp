@@ -26,6 +26,8 @@ constexpr size_t kNativeStackReserve = size_t{1} << 20;  // for native code belo
 constexpr size_t kReservedValues = size_t{64} << 10;
 constexpr size_t kReservedFrames = size_t{8} << 10;
 
+constexpr size_t kHandlerMemory = size_t{16} << 20;
+
 // Address space that costs memory only where it is touched.
 template <class T>
 T* reserve(size_t count) {
@@ -250,8 +252,8 @@ void Interpreter::handleAttention() {
     }
     // Twice: the first may only have finished a collection whose snapshot is old.
     heap_.collectFully();
-    if (heap_.overLimit()) heap_.collectFully();
-    if (heap_.overLimit()) throw OutOfMemory{};
+    if (heap_.liveOverLimit()) heap_.collectFully();
+    if (heap_.liveOverLimit()) throw OutOfMemory{};
 }
 
 void Interpreter::traceRoots(Marker& marker) {
@@ -392,7 +394,10 @@ Interpreter::Outcome Interpreter::runGuarded(const std::function<Value()>& body,
     currentSubr = nullptr;
     unwind(height, stack);
     // What the program held is garbage now; without it there is room to go on.
-    if (memoryExhausted) heap_.collectFully();
+    if (memoryExhausted) {
+        heap_.collectFully();
+        if (heap_.liveOverLimit()) heap_.collectFully();
+    }
     return outcome;
 }
 

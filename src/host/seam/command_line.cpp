@@ -17,6 +17,18 @@ namespace sg {
 using lisp::Interpreter;
 using lisp::Value;
 
+namespace {
+
+// What follows the comment that the text begins with.
+std::wstring_view withoutComment(std::wstring_view text) {
+    const bool block = text.starts_with(L";|");
+    const size_t end = block ? text.find(L"|;", 2) : text.find(L'\n');
+    if (end == std::wstring_view::npos) return {};
+    return trimmed(text.substr(end + (block ? 2 : 1)));
+}
+
+}  // namespace
+
 // Runs `body` as a program of the document, in the document's variables.
 template <class Body>
 CommandLine::Result CommandLine::inDocument(Document& document, const Body& body) {
@@ -103,6 +115,10 @@ CommandLine::Result CommandLine::runOne(Document& document, std::wstring_view te
             result.exited = one.exited;
             if (one.failed && used == text.size()) break;
             text = trimmed(text.substr(used));
+            continue;
+        }
+        if (text.front() == L';') {
+            text = withoutComment(text);
             continue;
         }
         const size_t end = std::min(text.find(L'\n'), text.size());

@@ -191,7 +191,7 @@ FileResult writeFileAtomically(std::wstring_view path, std::string_view content)
     struct stat info;
     const mode_t mode = ::stat(toUtf8(target).c_str(), &info) == 0 ? info.st_mode & 0777 : 0666;
     Descriptor file(beside, O_WRONLY | O_CREAT | O_TRUNC, mode);
-    if (!file.isOpen()) return failure(L"write", beside);
+    if (!file.isOpen()) return failure(L"write", target);
     const bool written = writeAll(file.get(), content) && ::fsync(file.get()) == 0 &&
                          file.close() &&
                          ::rename(toUtf8(beside).c_str(), toUtf8(target).c_str()) == 0;

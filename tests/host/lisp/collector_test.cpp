@@ -10,8 +10,8 @@ class Collector : public testing::Test {
     Collector() {
         // Lists, strings and functions, some 40 MB of them.
         session.evaluate(
-            L"(defun churn (/ l) (repeat 60 (setq l nil) (repeat 20000 (setq l (cons (list 1) l))))"
-            L" (repeat 20000 (strcat \"some\" \"garbage\") (eval '(lambda (x) x))) nil)");
+            L"(defun churn (/ l) (repeat 75 (setq l nil) (repeat 20000 (setq l (cons (list 1) l))))"
+            L" (repeat 2000 (strcat \"some\" \"garbage\") (eval '(lambda (x) x))) nil)");
     }
 
     // Runs a program that calls (churn), and checks that it was enough for collections.
@@ -60,7 +60,8 @@ TEST_F(Collector, KeepsWhatProgramsHold) {
          L"(churn) (vl-catch-all-error-message e)",
          L"\"ab\""},
         // The value of the last turn outlives the test that ends the loop.
-        {L"(setq i 0) (while (progn (churn) (< i 2)) (setq i (1+ i)) (list i (strcat \"a\" "
+        {L"(setq i 0) (while (progn (churn) (churn) (churn) (< i 2)) (setq i (1+ i)) (list i "
+         L"(strcat \"a\" "
          L"\"b\")))",
          L"(2 \"ab\")"},
         {L"(setq big (list nil)) (repeat 14 (setq big (list big big))) (churn)"
@@ -151,14 +152,12 @@ TEST_F(Collector, OutOfMemoryMayBeCaught) {
 }
 
 TEST(CollectorTeardown, InterpretersEndAtAnyPointOfACollection) {
-    // A function counts as 256 bytes, so a collection starts at the 65536th.
-    for (int more = 0; more < 20; ++more) {
+    const std::wstring function = L"(function (lambda (x) x))";
+    for (int turns = 0; turns < 100; ++turns) {
         Session session;
-        session.evaluate(
-            L"(setq k nil) (repeat 3000 (setq k (cons (function (lambda (x) x)) k)))"
-            L"(repeat 63000 (function (lambda (x) x)))"
-            L"(repeat " +
-            std::to_wstring(more * 100) + L" (function (lambda (x) x)))");
+        session.evaluate(L"(repeat 9000 " + function + L")");
+        session.in.heap().startCollection();
+        session.evaluate(L"(repeat " + std::to_wstring(turns) + L" " + function + L")");
     }
 }
 
