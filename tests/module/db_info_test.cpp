@@ -187,7 +187,7 @@ TEST_F(DbInfoTest, ClosingADrawingClosesAndDeletesItsConnection) {
     documents().close(documentAt(0));
     EXPECT_THAT(log, ElementsAre("close one", "delete one"));
     EXPECT_EQ(currentConnection(), nullptr);
-    EXPECT_THAT(entries(), ElementsAre("Drawing2.dwg", "Drawing3.dwg"));
+    EXPECT_THAT(entries(), ElementsAre("Drawing3.dwg", "Drawing2.dwg"));
     selectDocumentDatabase();
     EXPECT_EQ(currentConnection(), two) << "the other drawing has its database still";
     log.clear();

@@ -26,8 +26,6 @@ constexpr size_t kNativeStackReserve = size_t{1} << 20;  // for native code belo
 constexpr size_t kReservedValues = size_t{64} << 10;
 constexpr size_t kReservedFrames = size_t{8} << 10;
 
-constexpr size_t kHandlerMemory = size_t{16} << 20;
-
 // Address space that costs memory only where it is touched.
 template <class T>
 T* reserve(size_t count) {

@@ -3,11 +3,10 @@
 #include <dlfcn.h>
 
 #include <algorithm>
-#include <exception>
 
 #include "base/encoding.h"
 #include "base/text.h"
-#include "platform/win/exceptions.h"
+#include "host/rx/exception_text.h"
 
 namespace sg {
 namespace {
@@ -56,22 +55,6 @@ ModuleLoader::Result loadFailure(const std::wstring& module, const std::wstring&
 std::wstring lastLinkerError() {
     const char* const text = dlerror();
     return text != nullptr ? fromUtf8(text) : L"unknown error of the dynamic linker";
-}
-
-// The text of the exception that is being handled.
-std::wstring currentExceptionText() {
-    try {
-        throw;
-    } catch (CException* exception) {
-        wchar_t text[1000] = L"";
-        const bool hasText = exception->GetErrorMessage(text, 1000);
-        exception->Delete();
-        return hasText ? text : L"an exception without a text";
-    } catch (const std::exception& exception) {
-        return fromUtf8(exception.what());
-    } catch (...) {
-        return L"an unknown exception";
-    }
 }
 
 }  // namespace

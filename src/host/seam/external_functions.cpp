@@ -3,11 +3,9 @@
 #include <fmt/xchar.h>
 
 #include <algorithm>
-#include <exception>
 
-#include "base/encoding.h"
 #include "base/text.h"
-#include "platform/win/exceptions.h"
+#include "host/rx/exception_text.h"
 
 namespace sg {
 
@@ -120,14 +118,6 @@ lisp::Value ExternalFunctions::call(Entry& entry, lisp::Interpreter& in, lisp::A
         const Scope scope{innermost_};
         try {
             answer = run(entry);
-        } catch (CException* exception) {
-            wchar_t text[1000];
-            exception->GetErrorMessage(text, std::size(text));
-            exception->Delete();
-            escaped = text;
-            if (escaped.empty()) escaped = L"an exception without a message";
-        } catch (const std::exception& exception) {
-            escaped = fromUtf8(exception.what());
         } catch (const lisp::LispError&) {
             throw;
         } catch (const lisp::OutOfMemory&) {
@@ -135,7 +125,7 @@ lisp::Value ExternalFunctions::call(Entry& entry, lisp::Interpreter& in, lisp::A
         } catch (const lisp::ExitWithValue&) {
             throw;
         } catch (...) {
-            escaped = L"an exception of an unknown kind";
+            escaped = currentExceptionText();
         }
     }
     if (!escaped.empty()) in.fail(fmt::format(L"exception in {}: {}", entry.name, escaped));

@@ -85,14 +85,14 @@ TEST(Reader, StringEscapes) {
         {L"(;|", L"(;|"},
         {L"\u00E4\U0001F600", L"\u00E4\U0001F600"},
     };
-    for (const auto& [text, value] : kTable) {
+    for (const Row& row : kTable) {
         Session session;
         std::wstring got;
         session.in.runProtected([&] {
-            got = session.in.str(session.in.loadText(L"\"" + std::wstring(text) + L"\"", L""));
+            got = session.in.str(session.in.loadText(L"\"" + std::wstring(row.text) + L"\"", L""));
             return Value::nil();
         });
-        EXPECT_EQ(got, value) << testing::PrintToString(std::wstring(text));
+        EXPECT_EQ(got, row.value) << testing::PrintToString(std::wstring(row.text));
     }
 }
 
