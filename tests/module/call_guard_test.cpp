@@ -136,8 +136,7 @@ TEST_F(CallGuardTest, WhatIsThrownPassesOnAfterTheUnlock) {
          "; error: exception in guarded: "},
         {[] { throw new CMemoryException; }, "own\nGeneral Exception",
          "; error: exception in guarded: Out of memory."},
-        {[] { throw 5; }, "own\nError",
-         "; error: exception in guarded: an exception of an unknown kind"},
+        {[] { throw 5; }, "own\nError", "; error: exception in guarded: an unknown exception"},
         {[] { throw std::runtime_error("odd"); }, "own\nError",
          "; error: exception in guarded: odd"},
     };

@@ -454,6 +454,13 @@ TEST_F(InvokeTest, FailuresAreReported) {
     eval("(defun stops () (getstring))");
     EXPECT_EQ(invoke("'stops'"), "cancelled ");
     EXPECT_EQ(errors(), "; error: Function cancelled\n");
+    probe.inner = [&] {
+        host().interpreter().interrupt();
+        return int{RSRSLT};
+    };
+    eval("(defun interrupted () (inner) (while T (setq i 1)))");
+    EXPECT_EQ(invoke("'interrupted'"), "cancelled ");
+    errors();
     eval("(defun leaves () (vl-exit-with-value 3)) (defun quits () (quit))");
     EXPECT_EQ(invoke("'leaves'"), "error ");
     EXPECT_EQ(invoke("'quits'"), "error ");
@@ -496,6 +503,17 @@ TEST_F(InvokeTest, AnErrorInANestedCallRestoresVariables) {
         acedRetT();
     });
     EXPECT_EQ(evalExactly("(list (caller 4) a b c)"), "((T 4 5) 1 2 3)");
+}
+
+TEST_F(InvokeTest, CallsWithoutAnEndOverflowTheStackAndNothingElse) {
+    eval("(defun again () (outer))");
+    int refused = 0;
+    answer([&] {
+        if (acedInvoke(makeList("'again'").get(), nullptr) != RTNORM) ++refused;
+        acedRetInt(refused);
+    });
+    EXPECT_EQ(evalExactly("(outer)"), "1") << "the innermost call alone fails";
+    EXPECT_THAT(errors(), HasSubstr("; error: AutoLISP stack overflow"));
 }
 
 TEST_F(InvokeTest, TheActiveDrawingsFunctionIsCalled) {

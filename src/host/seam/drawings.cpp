@@ -1,8 +1,10 @@
 #include <fmt/xchar.h>
 
 #include "base/text.h"
+#include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
 #include "host/editor/editor.h"
+#include "host/rx/exception_text.h"
 #include "host/rx/module_loader.h"
 #include "host/seam/file_error.h"
 #include "host/seam/host.h"
@@ -24,6 +26,41 @@ constexpr std::string_view kEmptyDrawing =
 bool hasExtension(std::wstring_view path, std::wstring_view extension) {
     const size_t dot = path.rfind(L'.');
     return dot != std::wstring_view::npos && equalIgnoringCase(path.substr(dot), extension);
+}
+
+// Two open drawings never have one file.
+void checkNotOpenElsewhere(const DocumentManager& documents, const Document& document,
+                           const std::wstring& file) {
+    for (const auto& other : documents.all()) {
+        if (other.get() != &document && other->fileName() == file) {
+            throw FileError(fmt::format(L"{}: that drawing is open", file));
+        }
+    }
+}
+
+// The bytes of a drawing's file; an empty drawing for one that has none.
+std::string contentToSave(const Document& document, const std::wstring& target) {
+    if (document.isTitled()) {
+        auto bytes = readFile(document.fileName());
+        if (bytes) return std::move(*bytes);
+        throw FileError(fmt::format(L"the drawing cannot be read: {}", document.fileName()));
+    }
+    if (!hasExtension(target, L".dxf")) {
+        throw FileError(
+            fmt::format(L"{}: a new drawing can be written as .dxf only by this build", target));
+    }
+    return std::string(kEmptyDrawing);
+}
+
+// A reactor that fails is reported; the others hear of the event, and the operation goes on.
+void notifyReactors(Host& host, const std::function<void(AcEditorReactor&)>& event) {
+    host.editor().notify([&](AcEditorReactor& reactor) {
+        try {
+            event(reactor);
+        } catch (...) {
+            host.output().reportError(L"an editor reactor failed: " + currentExceptionText());
+        }
+    });
 }
 
 }  // namespace
@@ -49,32 +86,17 @@ void Host::saveDrawing(Document& document, const std::wstring& path) {
     }
     const std::wstring target =
         own ? std::wstring(document.fileName()) : resolvePath(absolutePath(path)).path;
-    const bool same = document.isTitled() && target == document.fileName();
-    for (const auto& other : documents().all()) {
-        if (other.get() != &document && other->fileName() == target) {
-            throw FileError(fmt::format(L"{}: that drawing is open", target));
-        }
-    }
-    editor().notify(
-        [&](AcEditorReactor& reactor) { reactor.beginSave(document.database(), target.c_str()); });
-    if (!same) {
-        std::string content(kEmptyDrawing);
-        if (document.isTitled()) {
-            auto bytes = readFile(document.fileName());
-            if (!bytes) {
-                throw FileError(
-                    fmt::format(L"the drawing cannot be read: {}", document.fileName()));
-            }
-            content = std::move(*bytes);
-        } else if (!hasExtension(target, L".dxf")) {
-            throw FileError(fmt::format(
-                L"{}: a new drawing can be written as .dxf only by this build", target));
-        }
+    checkNotOpenElsewhere(documents(), document, target);
+    notifyReactors(*this, [&](AcEditorReactor& reactor) {
+        reactor.beginSave(document.database(), target.c_str());
+    });
+    const std::string content = contentToSave(document, target);
+    if (!document.isTitled() || target != document.fileName()) {
         const FileResult written = writeFileAtomically(target, content);
         if (!written) throw FileError(written.error);
         document.setFile(target);
     }
-    editor().notify([&](AcEditorReactor& reactor) {
+    notifyReactors(*this, [&](AcEditorReactor& reactor) {
         reactor.saveComplete(document.database(), target.c_str());
     });
 }

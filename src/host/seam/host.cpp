@@ -115,6 +115,7 @@ Host::~Host() {
     while (!documents_->all().empty())
         documents_->close(*documents_->all().back());
     modules_->unloadAll();
+    AfxDeleteDaoState();  // where a module has left the engine started
     output_->flush();
     commandLine_.reset();
     externals_.reset();

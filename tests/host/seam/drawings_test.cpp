@@ -6,6 +6,7 @@
 #include "host/seam/file_error.h"
 #include "host/seam/host_fixture.h"
 #include "platform/db/database.h"
+#include "platform/win/exceptions.h"
 
 // Drawings as files: Host::openDrawing and Host::saveDrawing.
 namespace sg {
@@ -134,7 +135,26 @@ TEST_F(DrawingsTest, AFailedSaveLeavesEverything) {
     EXPECT_EQ(read("other.dwg"), "other") << "an open drawing's file is no target";
     std::filesystem::remove(folder_ / "plan.dwg");
     EXPECT_THAT(save(plan, path("copy.dwg")), HasSubstr("the drawing cannot be read"));
+    EXPECT_THAT(save(plan), HasSubstr("the drawing cannot be read"));
     EXPECT_FALSE(exists("copy.dwg"));
+}
+
+TEST_F(DrawingsTest, AReactorThatFailsStopsNothing) {
+    class Failing : public AcEditorReactor {
+      public:
+        void beginSave(AcDbDatabase*, const wchar_t*) override { throw 1; }
+        void saveComplete(AcDbDatabase*, const wchar_t*) override { AfxThrowMemoryException(); }
+    } failing;
+    host().editor().removeReactor(&saves_);
+    host().editor().addReactor(&failing);
+    host().editor().addReactor(&saves_);
+    open(path("plan.dwg"));
+    errors();
+    EXPECT_EQ(save(active(), path("copy.dwg")), "saved");
+    EXPECT_EQ(errors(),
+              "an editor reactor failed: an unknown exception\n"
+              "an editor reactor failed: Out of memory.\n");
+    EXPECT_EQ(saves_.log.size(), 2u);
 }
 
 TEST_F(DrawingsTest, AMissingFirstDrawingEndsTheStart) {

@@ -1,0 +1,139 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "base/export.h"
+#include "host/jet/byte_view.h"
+#include "host/jet/format.h"
+
+// Pages by number, whatever stands behind them: a file, a buffer, later a transaction's view.
+namespace sg::jet {
+
+// The bytes of one page, kept as long as somebody holds them. Frames belong to one thread.
+struct PageFrame {
+    uint32_t holders = 0;
+    uint32_t page = 0;
+    bool recentlyUsed = false;  // the cache's second chance
+    std::unique_ptr<uint8_t[]> bytes;
+};
+
+// A page that stays where it is, and as it is, while the reference lives.
+class SG_API PageRef {
+  public:
+    PageRef() = default;
+    // Bytes that outlive every reference.
+    PageRef(uint32_t page, ByteView bytes) : page_(page), bytes_(bytes) {}
+    PageRef(PageFrame* frame, size_t size)
+        : frame_(frame), page_(frame->page), bytes_(frame->bytes.get(), size) {
+        ++frame_->holders;
+    }
+    PageRef(const PageRef& other) : frame_(other.frame_), page_(other.page_), bytes_(other.bytes_) {
+        if (frame_ != nullptr) {
+            ++frame_->holders;
+        }
+    }
+    PageRef(PageRef&& other) noexcept
+        : frame_(other.frame_), page_(other.page_), bytes_(other.bytes_) {
+        other.frame_ = nullptr;
+        other.bytes_ = {};
+    }
+    PageRef& operator=(PageRef other) noexcept {
+        std::swap(frame_, other.frame_);
+        std::swap(page_, other.page_);
+        std::swap(bytes_, other.bytes_);
+        return *this;
+    }
+    ~PageRef() {
+        if (frame_ != nullptr && --frame_->holders == 0) {
+            delete frame_;
+        }
+    }
+
+    explicit operator bool() const { return bytes_.data() != nullptr; }
+    uint32_t page() const { return page_; }
+    const ByteView& bytes() const { return bytes_; }
+    const ByteView* operator->() const { return &bytes_; }
+
+  private:
+    PageFrame* frame_ = nullptr;
+    uint32_t page_ = 0;
+    ByteView bytes_;
+};
+
+class SG_API PageStore {
+  public:
+    virtual ~PageStore() = default;
+
+    // The file's layout, which page 0 tells; its pageSize is the size of every page.
+    virtual const Format& format() const = 0;
+    // Whole pages in the file. A part of a page at its end does not count.
+    virtual uint32_t pageCount() const = 0;
+    // What errors call the file.
+    virtual const std::wstring& name() const = 0;
+    // Throws Error: Damaged for a page beyond the end, DiskOrNetwork when reading fails.
+    virtual PageRef read(uint32_t page) const = 0;
+
+    size_t pageSize() const { return format().pageSize; }
+    // The page, which must be of this kind: Damaged otherwise.
+    PageRef read(uint32_t page, PageKind kind) const;
+};
+
+// A file, read with pread through a cache that holds at most `cacheBytes` (and at least 16 pages).
+// Pages that somebody holds do not count once the cache has let them go.
+class SG_API FilePageStore final : public PageStore {
+  public:
+    static constexpr size_t defaultCacheBytes = 16 * 1024 * 1024;
+
+    // Throws FileNotFound, CannotOpenFile when the file may not be read, UnrecognizedFormat and
+    // CannotOpenDatabase as identifyFormat() does.
+    explicit FilePageStore(const std::wstring& path, size_t cacheBytes = defaultCacheBytes);
+    ~FilePageStore() override;
+    FilePageStore(const FilePageStore&) = delete;
+    FilePageStore& operator=(const FilePageStore&) = delete;
+
+    const Format& format() const override { return *format_; }
+    uint32_t pageCount() const override { return pageCount_; }
+    const std::wstring& name() const override { return name_; }
+    PageRef read(uint32_t page) const override;
+    using PageStore::read;
+
+    // Pages in the cache at the moment.
+    size_t cachedPages() const { return ring_.size(); }
+
+  private:
+    PageFrame* load(uint32_t page) const;
+    void admit(PageFrame* frame) const;
+
+    int file_ = -1;
+    std::wstring name_;
+    const Format* format_ = nullptr;
+    uint32_t pageCount_ = 0;
+    size_t capacity_ = 0;                     // pages
+    mutable std::vector<PageFrame*> byPage_;  // null where the page is not in the cache
+    mutable std::vector<PageFrame*> ring_;    // every cached frame once; one holder each
+    mutable size_t hand_ = 0;                 // where the search for a frame to let go continues
+};
+
+// A file's bytes in memory. The buffer must outlive the store and every PageRef.
+class SG_API MemoryPageStore final : public PageStore {
+  public:
+    MemoryPageStore(std::span<const uint8_t> bytes, std::wstring name);
+
+    const Format& format() const override { return *format_; }
+    uint32_t pageCount() const override { return pageCount_; }
+    const std::wstring& name() const override { return name_; }
+    PageRef read(uint32_t page) const override;
+    using PageStore::read;
+
+  private:
+    ByteView bytes_;
+    std::wstring name_;
+    const Format* format_ = nullptr;
+    uint32_t pageCount_ = 0;
+};
+
+}  // namespace sg::jet
