@@ -169,7 +169,6 @@ void Interpreter::define(std::span<const FunctionRow> rows) {
         const uint32_t slot = intern(name);
         const Value subr =
             Value::object(heap_.adopt(new Subr(name, row.function, row.least, row.most)));
-        defined_.push_back(slot);
         subrs_.push_back(subr);
         if (initial_.size() < symbols_.size()) initial_.resize(symbols_.size());
         initial_[slot] = subr;
@@ -180,17 +179,6 @@ void Interpreter::define(std::span<const FunctionRow> rows) {
 const SpecialForm* Interpreter::specialForm(uint32_t symbol) const {
     const auto found = specialForms_.find(symbol);
     return found == specialForms_.end() ? nullptr : found->second;
-}
-
-std::vector<std::wstring> Interpreter::functionNames() const {
-    std::vector<std::wstring> names;
-    for (const uint32_t slot : defined_)
-        names.push_back(symbols_.name(slot));
-    for (const auto& [slot, form] : specialForms_)
-        names.push_back(symbols_.name(slot));
-    std::sort(names.begin(), names.end());
-    names.erase(std::unique(names.begin(), names.end()), names.end());
-    return names;
 }
 
 // ---- Values -------------------------------------------------------------------------------------

@@ -114,8 +114,6 @@ class SG_API Interpreter {
     // current one.
     void define(std::span<const FunctionRow> rows);
     const SpecialForm* specialForm(uint32_t symbol) const;
-    // Names of everything that `define` and the special forms brought, sorted.
-    std::vector<std::wstring> functionNames() const;
 
     // ---- Running ----------------------------------------------------------------------------
 
@@ -293,7 +291,6 @@ class SG_API Interpreter {
     Namespace* namespace_ = nullptr;
     std::vector<Namespace*> namespaces_;
     std::vector<Value> initial_;  // what every namespace starts with
-    std::vector<uint32_t> defined_;
     std::unique_ptr<Namespace> ownNamespace_;
 
     Value* stack_ = nullptr;

@@ -21,7 +21,6 @@ namespace {
 using lisp::Args;
 using lisp::FunctionRow;
 using lisp::Interpreter;
-using lisp::kAnyCount;
 using lisp::ListBuilder;
 using lisp::Value;
 
