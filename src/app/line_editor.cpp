@@ -7,6 +7,7 @@
 #include <clocale>
 #include <cstdio>
 #include <cwchar>
+#include <utility>
 
 #include "app/function_pages.h"
 #include "app/process.h"
@@ -41,6 +42,7 @@ struct LineEditor::Library {
     EditLine* editor = nullptr;
     HistoryW* history = nullptr;
     std::wstring prompt;
+    bool atFirst = false;  // no character of the line has been read yet
 
     static LineEditor& of(EditLine* editor) {
         LineEditor* self = nullptr;
@@ -52,12 +54,17 @@ struct LineEditor::Library {
 
     // The library's own reading would go on after a signal.
     static int readCharacter(EditLine* editor, wchar_t* character) {
+        LineEditor& self = of(editor);
         std::mbstate_t state = {};
         for (;;) {
             char byte = 0;
-            if (!waitForInput(of(editor).interpreter_)) return -1;
+            const bool typedAhead = std::exchange(self.library_->atFirst, false) && hasInput();
+            if (!waitForInput(self.interpreter_)) return -1;
             const ssize_t count = ::read(STDIN_FILENO, &byte, 1);
             if (count <= 0) return static_cast<int>(count);
+            // A Ctrl-D that was typed before this line editor took the terminal over has become a
+            // zero.
+            if (typedAhead && byte == 0) return 0;
             const size_t used = std::mbrtowc(character, &byte, 1, &state);
             if (used <= 1) return 1;
             // A byte that fits into no character is left out.
@@ -128,6 +135,7 @@ LineEditor::~LineEditor() {
 
 LineEditor::Line LineEditor::read(const std::wstring& prompt) {
     library_->prompt = prompt;
+    library_->atFirst = true;
     el_resize(library_->editor);
     int count = 0;
     const wchar_t* const typed = el_wgets(library_->editor, &count);

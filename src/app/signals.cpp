@@ -58,6 +58,11 @@ Signals::~Signals() {
     interrupted = nullptr;
 }
 
+bool hasInput() {
+    pollfd input = {STDIN_FILENO, POLLIN, 0};
+    return poll(&input, 1, 0) > 0;
+}
+
 bool waitForInput(const lisp::Interpreter& interpreter) {
     // The signal is let through only while ppoll waits, so that none falls between the look at the
     // interpreter and the wait.

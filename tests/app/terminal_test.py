@@ -61,19 +61,6 @@ class Terminal:
     def enter(self, text):
         self.type(text + "\r")
 
-    def end_input(self):
-        """Types Ctrl-D until the program ends. One that comes between the prompt and the moment in
-        which the line editor takes the terminal over is the terminal's own, and gets lost."""
-        end = time.monotonic() + PATIENCE
-        while self.process.poll() is None and time.monotonic() < end:
-            try:
-                self.type(CTRL_D)
-            except OSError:
-                break
-            if not self.read(0.2):
-                break
-        return self.finish()
-
     def finish(self):
         """The exit code and what was shown last."""
         end = time.monotonic() + PATIENCE
@@ -99,7 +86,15 @@ class Repl(ProgramTest):
         terminal.enter("(progn (princ \"no line end\") (princ))")
         terminal.expect("\nno line end\r\n")
         terminal.expect(PROMPT)
-        self.assertEqual(terminal.end_input()[0], 0)
+        terminal.type(CTRL_D)
+        self.assertEqual(terminal.finish()[0], 0)
+
+    def test_ctrl_d_typed_ahead_ends_it_too(self):
+        terminal = self.start()
+        terminal.enter("(progn (princ \"busy\\n\") (repeat 3000000 nil))")
+        terminal.expect("busy\r\n")
+        terminal.type(CTRL_D)
+        self.assertEqual(terminal.finish()[0], 0)
 
     def test_an_expression_goes_over_several_lines(self):
         terminal = self.start()
