@@ -55,6 +55,14 @@ std::vector<std::wstring> symbolsThatBegin(Host& host, std::wstring_view word) {
     return found;
 }
 
+// What modules print while they load ends without a line end; a person at a terminal sees the next
+// text on a line of its own.
+void finishErrorLine(Output& output) {
+    if (isatty(STDERR_FILENO) != 1 || output.errorAtLineStart()) return;
+    const Output::LoadingScope toStandardError(output);
+    output.print(L"\n");
+}
+
 }  // namespace
 
 Session::Session(const Arguments& arguments, bool interactive)
@@ -62,6 +70,11 @@ Session::Session(const Arguments& arguments, bool interactive)
       signals_(host_.interpreter()),
       terminal_(interactive && isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1) {
     setInput(arguments);
+}
+
+void Session::start() {
+    host_.start();
+    finishErrorLine(host_.output());
 }
 
 void Session::setInput(const Arguments& arguments) {
@@ -120,10 +133,7 @@ int Session::conclude(const std::function<int()>& body) {
     }
     Output& output = host_.output();
     if (isatty(STDOUT_FILENO) == 1 && !output.atLineStart()) output.print(L"\n");
-    if (isatty(STDERR_FILENO) == 1 && !output.errorAtLineStart()) {
-        const Output::LoadingScope toStandardError(output);
-        output.print(L"\n");
-    }
+    finishErrorLine(output);
     if (output.flush()) return code;
     complain(L"standard output cannot be written");
     return kFileError;

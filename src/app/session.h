@@ -28,7 +28,7 @@ class Session {
     bool hasTerminal() const { return terminal_; }
 
     // Opens the drawing and loads the module. Throws FileError.
-    void start() { host_.start(); }
+    void start();
 
     // The active document. Throws FileError when no drawing is open.
     Document& document();
