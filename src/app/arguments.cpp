@@ -18,6 +18,7 @@ namespace {
 struct Narrow {
     std::string program, saveAs, drawing, script, locale, memoryLimit, function;
     std::vector<std::string> expressions, folders;
+    std::string databaseFile, table, output, folder;
 };
 
 std::string joined(const std::vector<std::string>& items) {
@@ -81,6 +82,57 @@ void addDrawingOptions(CLI::App& command, Narrow& narrow) {
         ->type_name("SCRIPT");
 }
 
+CLI::App* addDatabaseCommand(CLI::App& db, Narrow& narrow, DatabaseArguments& arguments,
+                             DatabaseArguments::Action action, const std::string& name,
+                             const std::string& description) {
+    CLI::App* const command = db.add_subcommand(name, description);
+    command->add_option("FILE", narrow.databaseFile, "The database: an .mdb or .accdb file")
+        ->type_name("")
+        ->required();
+    command->callback([&arguments, action] { arguments.action = action; });
+    return command;
+}
+
+CLI::App* addDatabaseCommands(CLI::App& app, Narrow& narrow, DatabaseArguments& arguments) {
+    using Action = DatabaseArguments::Action;
+    CLI::App* const db = app.add_subcommand("db", "Show what is in a database file");
+    db->require_subcommand(0, 1);
+    addDatabaseCommand(*db, narrow, arguments, Action::Tables, "tables", "List the tables");
+
+    CLI::App* const schema =
+        addDatabaseCommand(*db, narrow, arguments, Action::Schema, "schema",
+                           "Print the definitions of tables, indexes and relations");
+    schema->add_option("TABLE", narrow.table, "The table [all]")->type_name("");
+
+    CLI::App* const exporting = addDatabaseCommand(*db, narrow, arguments, Action::Export, "export",
+                                                   "Write tables as comma-separated values");
+    exporting->add_option("TABLE", narrow.table, "The table")->type_name("");
+    exporting->add_option("-o,--output", narrow.output, "The file to write [standard output]")
+        ->type_name("OUT.csv");
+    exporting->add_flag("--all", arguments.all, "Export every table, each to a file of its own");
+    exporting->add_option("-d,--directory", narrow.folder, "Where --all puts the files")
+        ->type_name("FOLDER");
+
+    addDatabaseCommand(*db, narrow, arguments, Action::Queries, "queries",
+                       "Print the stored queries");
+    addDatabaseCommand(*db, narrow, arguments, Action::Check, "check",
+                       "Look for damage; answers 1 when there is any");
+    return db;
+}
+
+// Throws the parser's error for an export of both or neither of a table and all.
+void checkExport(const Narrow& narrow, const DatabaseArguments& arguments) {
+    if (arguments.action != DatabaseArguments::Action::Export) return;
+    if (arguments.all) {
+        if (!narrow.table.empty()) throw CLI::ExcludesError("TABLE", "--all");
+        if (!narrow.output.empty()) throw CLI::ExcludesError("--output", "--all");
+        if (narrow.folder.empty()) throw CLI::RequiresError("--all", "--directory");
+    } else {
+        if (!narrow.folder.empty()) throw CLI::RequiresError("--directory", "--all");
+        if (narrow.table.empty()) throw CLI::RequiredError("A TABLE or --all");
+    }
+}
+
 std::vector<std::wstring> widened(const std::vector<std::string>& items) {
     std::vector<std::wstring> wide;
     for (const std::string& item : items)
@@ -95,6 +147,10 @@ void widen(const Narrow& narrow, Arguments& arguments) {
     arguments.script = fromUtf8(narrow.script);
     arguments.locale = fromUtf8(narrow.locale);
     arguments.function = fromUtf8(narrow.function);
+    arguments.database.file = fromUtf8(narrow.databaseFile);
+    arguments.database.table = fromUtf8(narrow.table);
+    arguments.database.output = fromUtf8(narrow.output);
+    arguments.database.folder = fromUtf8(narrow.folder);
     arguments.expressions = widened(narrow.expressions);
     arguments.folders = widened(narrow.folders);
     arguments.memoryLimit = parseSize(narrow.memoryLimit).value_or(0);
@@ -150,6 +206,8 @@ ParsedArguments parseArguments(int count, char** words) {
     addDrawingOptions(*repl, narrow);
     addHostOptions(*repl, narrow, arguments);
 
+    CLI::App* const db = addDatabaseCommands(app, narrow, arguments.database);
+
     CLI::App* const help = app.add_subcommand("help", "Explain a function, or list them all");
     help->add_option("FUNCTION", narrow.function, "The function's name")->type_name("");
     help->add_flag("--missing", arguments.missing,
@@ -162,16 +220,23 @@ ParsedArguments parseArguments(int count, char** words) {
     });
     try {
         app.parse(static_cast<int>(separator - words), words);
-        if (app.get_subcommands().empty()) throw CLI::RequiredError("A command: run, repl or help");
+        if (app.get_subcommands().empty()) {
+            throw CLI::RequiredError("A command: run, repl, db or help");
+        }
         if (run->parsed() && narrow.program.empty() && narrow.expressions.empty()) {
             throw CLI::RequiredError("A PROGRAM or an --eval expression");
         }
+        if (db->parsed() && db->get_subcommands().empty()) {
+            throw CLI::RequiredError("A command: tables, schema, export, queries or check");
+        }
+        if (db->parsed()) checkExport(narrow, arguments.database);
     } catch (const CLI::ParseError& error) {
         return {std::nullopt, app.exit(error) == 0 ? kDone : kWrongUsage};
     }
 
     arguments.command = run->parsed()    ? Arguments::Command::Run
                         : repl->parsed() ? Arguments::Command::Repl
+                        : db->parsed()   ? Arguments::Command::Db
                                          : Arguments::Command::Help;
     widen(narrow, arguments);
     for (char** word = separator; word != end && ++word != end;) {

@@ -8,9 +8,20 @@
 
 namespace sg::app {
 
+// The words behind db.
+struct DatabaseArguments {
+    enum class Action { Tables, Schema, Export, Queries, Check };
+    Action action = Action::Tables;
+    std::wstring file;
+    std::wstring table;   // of schema and export; empty: all
+    std::wstring output;  // of export; empty: standard output
+    std::wstring folder;  // of export, with `all`
+    bool all = false;
+};
+
 // The command line of the process, taken apart.
 struct Arguments {
-    enum class Command { Run, Repl, Help };
+    enum class Command { Run, Repl, Help, Db };
     Command command = Command::Run;
 
     std::wstring program;                   // of run; "-" is standard input, empty is none
@@ -28,6 +39,8 @@ struct Arguments {
 
     std::wstring function;  // of help; empty: the overview
     bool missing = false;
+
+    DatabaseArguments database;
 };
 
 struct ParsedArguments {

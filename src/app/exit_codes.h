@@ -6,7 +6,8 @@ namespace sg::app {
 enum ExitCode : int {
     kDone = 0,
     kLispError = 1,   // the program ended in a LISP error
-    kWrongUsage = 2,  // options that are unknown, missing or wrong; an unknown function
+    kFindings = 1,    // a database is not sound
+    kWrongUsage = 2,  // options that are unknown, missing or wrong; an unknown function or table
     kFileError = 3,   // a file could not be read or written
 };
 

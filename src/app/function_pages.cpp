@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/nearest_names.h"
 #include "base/encoding.h"
 #include "base/text.h"
 #include "host/system/files.h"
@@ -34,26 +35,6 @@ bool isCombination(std::wstring_view name) {
     if (name.size() < 4 || name.size() > 6) return false;
     return toLower(name.front()) == L'c' && toLower(name.back()) == L'r' &&
            name.substr(1, name.size() - 2).find_first_not_of(L"adAD") == std::wstring_view::npos;
-}
-
-// How many letters must be changed, put in, left out or exchanged with their neighbour.
-size_t distanceOf(std::wstring_view a, std::wstring_view b) {
-    std::vector<size_t> beforeLast(b.size() + 1), last(b.size() + 1), now(b.size() + 1);
-    for (size_t j = 0; j <= b.size(); ++j)
-        last[j] = j;
-    for (size_t i = 1; i <= a.size(); ++i) {
-        now[0] = i;
-        for (size_t j = 1; j <= b.size(); ++j) {
-            const size_t changed = last[j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
-            now[j] = std::min({changed, last[j] + 1, now[j - 1] + 1});
-            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
-                now[j] = std::min(now[j], beforeLast[j - 2] + 1);
-            }
-        }
-        std::swap(beforeLast, last);
-        std::swap(last, now);
-    }
-    return last[b.size()];
 }
 
 }  // namespace
@@ -104,29 +85,13 @@ std::optional<FunctionPages::Found> FunctionPages::find(std::wstring_view name) 
 }
 
 std::vector<std::wstring> FunctionPages::nearest(std::wstring_view name, size_t most) const {
-    const std::wstring wanted = lowerCased(name);
-    const size_t farthest = std::max<size_t>(1, wanted.size() / 3);
-    std::vector<std::pair<size_t, std::wstring>> near;
+    std::vector<std::wstring> names;
     for (const Family& family : families_) {
         for (const Section& section : family.sections) {
-            for (const std::wstring& one : section.names) {
-                const std::wstring candidate = lowerCased(one);
-                const size_t distance = distanceOf(wanted, candidate);
-                if (distance <= farthest) {
-                    near.emplace_back(distance, one);
-                } else if (wanted.size() > 2 && candidate.find(wanted) != std::wstring::npos) {
-                    near.emplace_back(farthest + 1, one);
-                }
-            }
+            names.insert(names.end(), section.names.begin(), section.names.end());
         }
     }
-    std::sort(near.begin(), near.end());
-    std::vector<std::wstring> names;
-    for (const auto& [distance, one] : near) {
-        if (names.size() == most) break;
-        if (names.empty() || names.back() != one) names.push_back(one);
-    }
-    return names;
+    return nearestNames(names, name, most);
 }
 
 std::wstring inColumns(const std::vector<std::wstring>& names, int width) {

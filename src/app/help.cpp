@@ -7,6 +7,7 @@
 #include "app/commands.h"
 #include "app/exit_codes.h"
 #include "app/function_pages.h"
+#include "app/nearest_names.h"
 #include "app/process.h"
 #include "app/session.h"
 #include "base/text.h"
@@ -83,10 +84,8 @@ int printFunction(Session& session, const std::wstring& name, const FunctionPage
         output.print(name + L": a function of a module, without a page of its own\n");
         return kDone;
     }
-    std::wstring message = L"no function \"" + name + L"\"";
-    const std::vector<std::wstring> near = pages.nearest(name, kMostSuggestions);
-    if (!near.empty()) message += fmt::format(L"; did you mean: {}", fmt::join(near, L", "));
-    session.complain(message);
+    session.complain(L"no function \"" + name + L"\"" +
+                     suggestion(pages.nearest(name, kMostSuggestions)));
     return kWrongUsage;
 }
 

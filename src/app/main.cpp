@@ -21,6 +21,8 @@ int main(int count, char** words) {
                 return app::repl(*parsed.arguments);
             case app::Arguments::Command::Help:
                 return app::help(*parsed.arguments);
+            case app::Arguments::Command::Db:
+                return app::db(*parsed.arguments);
         }
     } catch (const FileError& error) {
         app::complain(error.text());

@@ -13,7 +13,7 @@ from program import BUILD, SWIFTGATE, ProgramTest
 class Usage(ProgramTest):
     def test_wrong_usage_is_explained_and_answers_2(self):
         for words, said in [
-            ([], "run, repl or help"),
+            ([], "run, repl, db or help"),
             (["no-such-command"], "no-such-command"),
             (["run"], "PROGRAM"),
             (["run", "a.lsp", "b.lsp"], "b.lsp"),

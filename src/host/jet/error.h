@@ -72,10 +72,10 @@ SG_API std::wstring errorText(int code, const std::vector<std::wstring>& names =
 
 // Where an error was met. Lower layers know the page, higher ones add table and file.
 struct ErrorPlace {
-    std::wstring file;
-    std::wstring table;
-    std::optional<uint32_t> page;
-    std::wstring detail;  // what was wrong there, in words for the person who mends the file
+    std::wstring file{};
+    std::wstring table{};
+    std::optional<uint32_t> page{};
+    std::wstring detail{};  // what was wrong there, in words for the person who mends the file
 };
 
 class SG_API Error : public std::exception {

@@ -10,16 +10,16 @@ namespace sg::jet {
 
 namespace {
 
-constexpr std::uint16_t kGeneralLanguage = 0x0409;
+constexpr uint16_t kGeneralLanguage = 0x0409;
 
-constexpr std::uint8_t kEndOfText = 0x01;    // ends the inline bytes, and each further section
-constexpr std::uint8_t kEndOfKey = 0x00;     // ends the whole key
-constexpr std::uint8_t kPlainExtra = 0x02;   // extra byte of a character that has none
-constexpr std::uint8_t kPlainKana = 0x03;    // kana flag that need not be written at the end
-constexpr std::uint8_t kKanaPrefix = 0x80;   // high bits of a byte of three kana flags
-constexpr std::uint8_t kKanaEnd[] = {0xFF, 0x02, 0x80, 0xFF, 0x80};
-constexpr std::uint8_t kKanaMore = 0xFF;     // kana section followed by unprintable characters
-constexpr std::uint8_t kPositionEnd = 0x06;  // between an unprintable character's position and code
+constexpr uint8_t kEndOfText = 0x01;   // ends the inline bytes, and each further section
+constexpr uint8_t kEndOfKey = 0x00;    // ends the whole key
+constexpr uint8_t kPlainExtra = 0x02;  // extra byte of a character that has none
+constexpr uint8_t kPlainKana = 0x03;   // kana flag that need not be written at the end
+constexpr uint8_t kKanaPrefix = 0x80;  // high bits of a byte of three kana flags
+constexpr uint8_t kKanaEnd[] = {0xFF, 0x02, 0x80, 0xFF, 0x80};
+constexpr uint8_t kKanaMore = 0xFF;     // kana section followed by unprintable characters
+constexpr uint8_t kPositionEnd = 0x06;  // between an unprintable character's position and code
 constexpr unsigned kPositionFlag = 0x8000;
 constexpr unsigned kPositionStart = 7;
 constexpr unsigned kPositionStep = 4;
@@ -32,8 +32,8 @@ constexpr unsigned kPastTable = 0x10000;
 constexpr unsigned kPageWeights = 254;
 
 struct Weight {
-    std::uint16_t value = 0;  // as it stands in the key
-    std::uint8_t classIndex = 0;
+    uint16_t value = 0;  // as it stands in the key
+    uint8_t classIndex = 0;
 };
 
 // The packed runs laid out, one weight a character.
@@ -42,25 +42,26 @@ class Weights {
     explicit Weights(const WeightTable& table)
         : table_(table), weights_(std::make_unique<Weight[]>(kPastTable)) {
         unsigned character = 0;
-        for (std::uint32_t run : table.runs) character = layOut(run, character);
+        for (uint32_t run : table.runs)
+            character = layOut(run, character);
     }
 
-    const Weight& operator[](wchar_t c) const { return weights_[static_cast<std::size_t>(c)]; }
+    const Weight& operator[](wchar_t c) const { return weights_[static_cast<size_t>(c)]; }
     const WeightClass& classOf(const Weight& weight) const {
         return table_.classes[weight.classIndex];
     }
     const WideWeight& wide(const Weight& weight) const { return table_.wide[weight.value]; }
 
   private:
-    unsigned layOut(std::uint32_t run, unsigned character) {
-        const auto classIndex = static_cast<std::uint8_t>(run >> 8);
+    unsigned layOut(uint32_t run, unsigned character) {
+        const auto classIndex = static_cast<uint8_t>(run >> 8);
         const RunShape& shape = table_.shapes[run & 0xFF];
         const bool paged = table_.classes[classIndex].inlineLength == 2;
         unsigned value = run >> 16;
         for (unsigned i = 0; i < shape.count && character < kPastTable; ++i, value += shape.step) {
             const unsigned bytes =
                 paged ? (value / kPageWeights) << 8 | (value % kPageWeights + 2) : value;
-            weights_[character] = {static_cast<std::uint16_t>(bytes), classIndex};
+            weights_[character] = {static_cast<uint16_t>(bytes), classIndex};
             if (++character == kFirstSurrogate) character = kPastSurrogates;
         }
         return character;
@@ -97,10 +98,10 @@ class LegacyKey {
                 addInline(weight.value, kind.inlineLength);
                 break;
             case WeightKind::Unprintable:
-                addUnprintable(static_cast<std::uint8_t>(weight.value));
+                addUnprintable(static_cast<uint8_t>(weight.value));
                 break;
             case WeightKind::Accent:
-                addAccent(static_cast<std::uint8_t>(weight.value));
+                addAccent(static_cast<uint8_t>(weight.value));
                 break;
             case WeightKind::International:
             case WeightKind::Kana:
@@ -116,7 +117,8 @@ class LegacyKey {
 
     void finish() {
         key_.push_back(kEndOfText);
-        while (!extra_.empty() && extra_.back() <= kPlainExtra) extra_.pop_back();
+        while (!extra_.empty() && extra_.back() <= kPlainExtra)
+            extra_.pop_back();
         key_.insert(key_.end(), extra_.begin(), extra_.end());
         if (!kanaFlags_.empty() || !unprintable_.empty()) {
             key_.insert(key_.end(), 2, kEndOfText);
@@ -126,9 +128,9 @@ class LegacyKey {
     }
 
   private:
-    void addInline(std::uint16_t value, std::uint8_t length) {
-        if (length == 2) key_.push_back(static_cast<std::uint8_t>(value >> 8));
-        key_.push_back(static_cast<std::uint8_t>(value));
+    void addInline(uint16_t value, uint8_t length) {
+        if (length == 2) key_.push_back(static_cast<uint8_t>(value >> 8));
+        key_.push_back(static_cast<uint8_t>(value));
         ++characters_;
     }
 
@@ -144,45 +146,43 @@ class LegacyKey {
         extraCharacters_ = characters_;
     }
 
-    void addExtra(std::span<const std::uint8_t> bytes) {
-        hasExtra_ = true;
+    void addExtra(std::span<const uint8_t> bytes) {
         fillExtra();
         extra_.insert(extra_.end(), bytes.begin(), bytes.end());
         ++extraCharacters_;
     }
 
     // An accent with nothing before it stands alone, and is not counted in positions.
-    void addAccent(std::uint8_t code) {
-        hasExtra_ = true;
+    void addAccent(uint8_t code) {
         fillExtra();
         if (extra_.empty()) {
             extra_.push_back(code);
             leadingAccent_ = 1;
         } else {
-            extra_.back() = static_cast<std::uint8_t>(extra_.back() + code);
+            extra_.back() = static_cast<uint8_t>(extra_.back() + code);
         }
     }
 
     // Positions count extra bytes, also those that are dropped when the key is finished.
-    void addUnprintable(std::uint8_t code) {
-        std::size_t position = characters_;
-        if (hasExtra_) position = extra_.size() + characters_ - extraCharacters_ - leadingAccent_;
+    void addUnprintable(uint8_t code) {
+        const size_t position = extra_.size() + characters_ - extraCharacters_ - leadingAccent_;
         const unsigned coded =
             (kPositionStart + kPositionStep * static_cast<unsigned>(position)) | kPositionFlag;
-        const std::uint8_t bytes[] = {static_cast<std::uint8_t>(coded >> 8),
-                                      static_cast<std::uint8_t>(coded), kPositionEnd, code};
+        const uint8_t bytes[] = {static_cast<uint8_t>(coded >> 8), static_cast<uint8_t>(coded),
+                                 kPositionEnd, code};
         unprintable_.insert(unprintable_.end(), std::begin(bytes), std::end(bytes));
     }
 
     // Three flags of two bits a byte, from the high end.
     void writeKana() {
         if (kanaFlags_.empty()) return;
-        while (!kanaFlags_.empty() && kanaFlags_.back() == kPlainKana) kanaFlags_.pop_back();
-        for (std::size_t i = 0; i < kanaFlags_.size(); i += 3) {
+        while (!kanaFlags_.empty() && kanaFlags_.back() == kPlainKana)
+            kanaFlags_.pop_back();
+        for (size_t i = 0; i < kanaFlags_.size(); i += 3) {
             unsigned packed = kKanaPrefix;
-            for (std::size_t j = 0; j < 3 && i + j < kanaFlags_.size(); ++j)
+            for (size_t j = 0; j < 3 && i + j < kanaFlags_.size(); ++j)
                 packed |= static_cast<unsigned>(kanaFlags_[i + j]) << (2 * (2 - j));
-            key_.push_back(static_cast<std::uint8_t>(packed));
+            key_.push_back(static_cast<uint8_t>(packed));
         }
         key_.insert(key_.end(), std::begin(kKanaEnd), std::end(kKanaEnd));
         if (!unprintable_.empty()) key_.push_back(kKanaMore);
@@ -195,10 +195,9 @@ class LegacyKey {
     }
 
     KeyBytes& key_;
-    std::size_t characters_ = 0;       // with inline bytes
-    std::size_t extraCharacters_ = 0;  // of those, the ones that extra_ covers
-    bool hasExtra_ = false;
-    std::size_t leadingAccent_ = 0;  // bytes of extra_ before the first character's
+    size_t characters_ = 0;       // with inline bytes
+    size_t extraCharacters_ = 0;  // of those, the ones that extra_ covers
+    size_t leadingAccent_ = 0;    // bytes of extra_ before the first character's
     KeyBytes extra_;
     KeyBytes unprintable_;
     KeyBytes kanaFlags_;
@@ -206,24 +205,26 @@ class LegacyKey {
 
 std::wstring_view indexedPart(std::wstring_view text) {
     text = text.substr(0, kIndexedTextUnits);
-    while (!text.empty() && text.back() == L' ') text.remove_suffix(1);
+    while (!text.empty() && text.back() == L' ')
+        text.remove_suffix(1);
     return text;
 }
 
-void invert(KeyBytes& key, std::size_t from) {
-    for (std::size_t i = from; i < key.size(); ++i) key[i] = static_cast<std::uint8_t>(~key[i]);
+void invert(KeyBytes& key, size_t from) {
+    for (size_t i = from; i < key.size(); ++i)
+        key[i] = static_cast<uint8_t>(~key[i]);
 }
 
 }  // namespace
 
-TextOrder textOrder(std::uint16_t language, std::uint8_t version) {
+TextOrder textOrder(uint16_t language, uint8_t version) {
     const bool general = language == kGeneralLanguage || language == 0;
     return general && version == 0 ? TextOrder::GeneralLegacy : TextOrder::Unknown;
 }
 
 bool appendTextKey(TextOrder order, std::wstring_view text, bool descending, KeyBytes& key) {
     text = indexedPart(text);
-    const std::size_t start = key.size();
+    const size_t start = key.size();
     switch (order) {
         case TextOrder::General97:
             appendGeneral97Key(text, key);
@@ -232,7 +233,8 @@ bool appendTextKey(TextOrder order, std::wstring_view text, bool descending, Key
         case TextOrder::GeneralLegacy: {
             if (!std::all_of(text.begin(), text.end(), hasWeight)) return false;
             LegacyKey builder(key);
-            for (wchar_t c : text) builder.add(c);
+            for (wchar_t c : text)
+                builder.add(c);
             builder.finish();
             break;
         }

@@ -87,8 +87,8 @@ constexpr WeightClass kClasses[] = {
     {WeightKind::International, 2, 0x7e, 0}, {WeightKind::International, 2, 0xee, 0},
     {WeightKind::International, 2, 0xef, 0}, {WeightKind::International, 2, 0xf3, 0},
     {WeightKind::International, 2, 0xf4, 0}, {WeightKind::Kana, 2, 0x00, 2},
-    {WeightKind::Kana, 2, 0x00, 3},       {WeightKind::Flagged, 2, 0x03, 3},
-    {WeightKind::Kana, 2, 0x04, 3},       {WeightKind::Flagged, 2, 0xee, 3},
+    {WeightKind::Kana, 2, 0x00, 3},          {WeightKind::Kana, 2, 0x03, 3},
+    {WeightKind::Kana, 2, 0x04, 3},          {WeightKind::Kana, 2, 0xee, 3},
     {WeightKind::Wide, 0, 0x00, 0},
 };
 
@@ -125,7 +125,7 @@ constexpr WideWeight kWide[] = {
 
 // From U+0000 upwards without gaps, but for the surrogates: first weight << 16 | class << 8 |
 // shape.
-constexpr std::uint32_t kRuns[] = {
+constexpr uint32_t kRuns[] = {
     0x00000000, 0x00030333, 0x07f10230, 0x000b033c, 0x0007017b, 0x000a017e, 0x00800300, 0x0014017c,
     0x002c0100, 0x001a0100, 0x00820300, 0x001c017b, 0x00360183, 0x0020017b, 0x002e017c, 0x0024017b,
     0x004a017b, 0x004d0181, 0x005c0180, 0x00690180, 0x0076017b, 0x00270100, 0x0029012d, 0x2aaa022d,

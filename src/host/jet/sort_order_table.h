@@ -7,7 +7,7 @@
 // key is put together from them, are described in docs/formats/jet_index.md.
 namespace sg::jet {
 
-enum class WeightKind : std::uint8_t {
+enum class WeightKind : uint8_t {
     Ignored,        // leaves nothing in the key
     Simple,         // inline bytes
     Unprintable,    // one byte with its position, in the last section of the key
@@ -20,24 +20,24 @@ enum class WeightKind : std::uint8_t {
 // What the characters of a run have in common.
 struct WeightClass {
     WeightKind kind;
-    std::uint8_t inlineLength;  // 0 to 2
-    std::uint8_t extra;         // 0 for none
-    std::uint8_t flag;          // Kana: 2 or 3
+    uint8_t inlineLength;  // 0 to 2
+    uint8_t extra;         // 0 for none
+    uint8_t flag;          // Kana: 2 or 3
 };
 
 // A run covers `count` characters. Its weight advances by `step` from each to the next; a two-byte
 // weight that would get past XXFF goes on at the next page's 02.
 struct RunShape {
-    std::uint16_t count;
-    std::uint8_t step;
+    uint16_t count;
+    uint8_t step;
 };
 
 // Characters whose inline or extra bytes are longer than a class has room for.
 struct WideWeight {
-    std::uint8_t inlineLength;
-    std::uint8_t inlineBytes[4];
-    std::uint8_t extraLength;
-    std::uint8_t extraBytes[2];
+    uint8_t inlineLength;
+    uint8_t inlineBytes[4];
+    uint8_t extraLength;
+    uint8_t extraBytes[2];
 };
 
 // `runs` follow each other from U+0000 to U+FFFF and leave out the surrogates. A run is
@@ -47,7 +47,7 @@ struct WeightTable {
     std::span<const WeightClass> classes;
     std::span<const RunShape> shapes;
     std::span<const WideWeight> wide;
-    std::span<const std::uint32_t> runs;
+    std::span<const uint32_t> runs;
 };
 
 const WeightTable& generalLegacyWeights();

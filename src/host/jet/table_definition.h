@@ -84,7 +84,7 @@ struct LogicalIndex {
     uint32_t realIndex = 0;
     IndexKind kind = IndexKind::Normal;
     // Foreign only:
-    uint8_t relatedType = 0;        // 1 where the other table is the primary one
+    uint8_t relatedType = 0;        // 1 in the table referred to, 2 in the one that refers
     uint32_t relatedIndex = 0;      // LogicalIndex::number in the other table
     uint32_t relatedTablePage = 0;  // definition page of the other table
     bool cascadeUpdates = false;

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sg::app {
+
+// Those of `names` that `name` may be a slip for, the nearest first, at most `most`, each once.
+std::vector<std::wstring> nearestNames(const std::vector<std::wstring>& names,
+                                       std::wstring_view name, size_t most);
+
+// "; did you mean: A, B" for a message about an unknown name; empty when there are none.
+std::wstring suggestion(const std::vector<std::wstring>& near);
+
+}  // namespace sg::app

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "base/export.h"
+#include "host/jet/page_store.h"
+#include "host/jet/table_definition.h"
+#include "host/jet/value.h"
+
+// What page 0 says of the whole file. See docs/formats/jet.md, "The database page".
+namespace sg::jet {
+
+struct DatabaseHeader {
+    Version version = Version::Jet4;
+    SortOrder sortOrder;
+    uint16_t codePage = 0;
+    std::optional<Date> created;  // Jet 3 does not tell
+    bool hasPassword = false;
+    bool isEncoded = false;  // the other pages are encrypted
+};
+
+// Throws CannotOpenDatabase only when the page cannot be read.
+SG_API DatabaseHeader readDatabaseHeader(const PageStore& store);
+
+// Takes the mask off the start of page 0, or puts it on: the operation is its own reverse. `page`
+// is the whole page.
+SG_API void maskDatabasePage(std::span<uint8_t> page, const Format& format);
+
+}  // namespace sg::jet

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/export.h"
+#include "host/jet/byte_view.h"
+#include "host/jet/value.h"
+
+// The properties that programs keep with an object and with its columns. See
+// docs/formats/jet.md, "Properties".
+namespace sg::jet {
+
+struct Property {
+    std::wstring name;
+    ColumnType type = ColumnType::Text;
+    bool needsDesignRights = false;  // only who may change the object's design may set it
+    Value value;
+};
+
+struct PropertyBlock {
+    std::wstring owner;  // a column's name; empty for the object itself
+    uint16_t kind = 0;   // 0 the object, 1 a column; others are kept as they are
+    std::vector<Property> properties;
+};
+
+class SG_API Properties {
+  public:
+    // The blocks that `bytes`, an LvProp value, holds; none for no bytes. Throws Damaged when it
+    // is no property value or contradicts itself.
+    static Properties parse(ByteView bytes, const Format& format);
+
+    const std::vector<PropertyBlock>& blocks() const { return blocks_; }
+
+    // The property `name` of `owner`, both ignoring case; nullptr when there is none. The owner ""
+    // is the object itself.
+    const Property* find(std::wstring_view owner, std::wstring_view name) const;
+    // The same as text, "" when there is none or it is no text.
+    std::wstring text(std::wstring_view owner, std::wstring_view name) const;
+    // The same as a truth value, false when there is none or it is neither a Boolean nor a number.
+    bool flag(std::wstring_view owner, std::wstring_view name) const;
+
+  private:
+    std::vector<PropertyBlock> blocks_;
+};
+
+}  // namespace sg::jet

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "base/export.h"
+#include "host/jet/data_page.h"
+#include "host/jet/page_store.h"
+#include "host/jet/row.h"
+#include "host/jet/row_id.h"
+#include "host/jet/table_definition.h"
+#include "host/jet/usage_map.h"
+#include "host/jet/value.h"
+
+// A table's rows, in the order in which they stand in the file or by their ids.
+namespace sg::jet {
+
+class RowCursor;
+
+// A table that can be read. Copies are cheap and share the definition; the store that it was read
+// from must outlive them.
+class SG_API Table {
+  public:
+    Table(const PageStore& store, std::shared_ptr<const TableDefinition> definition)
+        : store_(&store), definition_(std::move(definition)) {}
+
+    const PageStore& store() const { return *store_; }
+    const TableDefinition& definition() const { return *definition_; }
+    const std::wstring& name() const { return definition_->name; }
+    // As the definition has it.
+    uint32_t rowCount() const { return definition_->rowCount; }
+
+    // A cursor before the first row.
+    RowCursor scan() const;
+
+  private:
+    friend class RowCursor;
+    const PageStore* store_;
+    std::shared_ptr<const TableDefinition> definition_;
+};
+
+// Walks a table's rows page by page in ascending order, and within a page in the order of the row
+// directory. Deleted rows are passed over; a row that overflowed comes where its id is.
+class SG_API RowCursor {
+  public:
+    explicit RowCursor(const Table& table);
+    RowCursor(const RowCursor&) = delete;
+    RowCursor& operator=(const RowCursor&) = delete;
+
+    // Goes to the next row; false behind the last. Throws Error with table and page for a damaged
+    // page or row; called again after that it goes on with what stands behind.
+    bool next();
+
+    // Goes to the row with this id; false, with no row under the cursor, when there is no row with
+    // it in this table or it is deleted. next() goes on behind it.
+    bool seek(RowId id);
+
+    // The rest is for a cursor that stands on a row. Columns are places in
+    // TableDefinition::columns.
+    RowId id() const { return id_; }
+    const RowReader& row() const { return reader_; }
+    bool isNull(size_t column) const { return reader_.isNull(column); }
+    // Throws Error with table and page when the value is damaged; the others stay readable.
+    void value(size_t column, Value& into) const;
+    Value value(size_t column) const;
+
+  private:
+    bool advance();
+    bool openNextPage();
+    bool belongsHere(const DataPage& page) const;
+    void stand(uint16_t row);
+
+    Table table_;
+    std::optional<UsageMap> map_;
+    DataPage page_;      // whose directory is walked
+    DataPage overflow_;  // where the bytes of a row that overflowed are
+    RowReader reader_;
+    RowId id_;
+    uint32_t nextPage_ = 0;  // where the search for the next page begins
+    uint32_t nextRow_ = 0;   // of page_
+    bool finished_ = false;
+};
+
+}  // namespace sg::jet
