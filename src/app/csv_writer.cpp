@@ -65,17 +65,17 @@ CsvWriter::CsvWriter(int file)
 
 bool CsvWriter::flush() {
     const char* from = buffer_.get();
-    while (size_ > 0 && !failed_) {
+    while (size_ > 0 && !failed()) {
         const ssize_t written = ::write(file_, from, size_);
         if (written >= 0) {
             from += written;
             size_ -= static_cast<size_t>(written);
         } else if (errno != EINTR) {
-            failed_ = true;
+            error_ = errno;
         }
     }
     size_ = 0;
-    return !failed_;
+    return !failed();
 }
 
 char* CsvWriter::reserve(size_t size) {

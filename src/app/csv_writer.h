@@ -38,7 +38,9 @@ class CsvWriter {
 
     // Writes what is still gathered. False when that, or any write before, failed.
     bool flush();
-    bool failed() const { return failed_; }
+    bool failed() const { return error_ != 0; }
+    // The system's number for what failed first; 0 for nothing.
+    int error() const { return error_; }
 
   private:
     static constexpr size_t kCapacity = 64 * 1024;
@@ -55,7 +57,7 @@ class CsvWriter {
     const std::unique_ptr<char[]> buffer_;
     size_t size_ = 0;
     bool inRow_ = false;  // the row has a field already
-    bool failed_ = false;
+    int error_ = 0;
 };
 
 }  // namespace sg::app

@@ -27,8 +27,9 @@ namespace {
     throw FileError(L"cannot write " + path + L": " + why);
 }
 
-[[noreturn]] void failWriting(const std::wstring& path) {
-    failWriting(path, fromUtf8(std::strerror(errno)));
+// `error` is the system's number.
+[[noreturn]] void failWriting(const std::wstring& path, int error) {
+    failWriting(path, fromUtf8(std::strerror(error)));
 }
 
 bool isSameFile(const struct stat& status, const std::wstring& path) {
@@ -40,9 +41,8 @@ bool isSameFile(const struct stat& status, const std::wstring& path) {
 // A file that is made, or emptied when it is there; standard output when the path is empty.
 class OutputFile {
   public:
-    // Throws FileError, also when this is the file that `database` is read from, which is left as
-    // it is.
-    OutputFile(const std::wstring& path, const jet::Database& database);
+    // Throws FileError, also when this is one of the files that are read, which is left as it is.
+    OutputFile(const std::wstring& path, const std::vector<std::wstring>& read);
     ~OutputFile() {
         if (owned_ >= 0) ::close(owned_);
     }
@@ -54,44 +54,45 @@ class OutputFile {
     void finish(CsvWriter& writer);
 
   private:
-    void empty(const jet::Database& database) const;
+    void empty(const std::vector<std::wstring>& read) const;
 
     const std::wstring path_;
     int owned_ = -1;
 };
 
-OutputFile::OutputFile(const std::wstring& path, const jet::Database& database)
+OutputFile::OutputFile(const std::wstring& path, const std::vector<std::wstring>& read)
     : path_(resolvePath(path).path) {
     if (path.empty()) return;
     owned_ = ::open(toUtf8(path_).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
-    if (owned_ < 0) failWriting(path_);
+    if (owned_ < 0) failWriting(path_, errno);
     try {
-        empty(database);
+        empty(read);
     } catch (...) {
         ::close(owned_);
         throw;
     }
 }
 
-void OutputFile::empty(const jet::Database& database) const {
+void OutputFile::empty(const std::vector<std::wstring>& read) const {
     struct stat status;
-    if (fstat(owned_, &status) != 0) failWriting(path_);
+    if (fstat(owned_, &status) != 0) failWriting(path_, errno);
     if (!S_ISREG(status.st_mode)) return;
-    if (isSameFile(status, database.store().name())) {
-        failWriting(path_, L"it is the database itself");
+    for (const std::wstring& file : read) {
+        if (isSameFile(status, file)) failWriting(path_, L"it is the database itself");
     }
-    if (ftruncate(owned_, 0) != 0) failWriting(path_);
+    if (ftruncate(owned_, 0) != 0) failWriting(path_, errno);
 }
 
 void OutputFile::finish(CsvWriter& writer) {
-    bool good = writer.flush();
+    writer.flush();
+    int error = writer.error();
     if (owned_ >= 0) {
-        good = ::close(owned_) == 0 && good;
+        if (::close(owned_) != 0 && error == 0) error = errno;
         owned_ = -1;
     }
-    if (good) return;
+    if (error == 0) return;
     if (path_.empty()) throw FileError(L"standard output cannot be written");
-    failWriting(path_);
+    failWriting(path_, error);
 }
 
 struct FieldWriter {
@@ -164,16 +165,18 @@ void writeRows(const jet::Table& table, CsvWriter& csv, DamageReport& damage) {
 void exportTable(const jet::Database& database, const jet::CatalogObject& object,
                  const std::wstring& path, DamageReport& damage) {
     const OpenTable open = openTable(database, object);
-    OutputFile output(path, open.other ? *open.other : database);
+    OutputFile output(path, {database.store().name(), open.table.store().name()});
     CsvWriter csv(output.descriptor());
     writeRows(open.table, csv, damage);
     output.finish(csv);
 }
 
-// A file name for the table that differs from the names given before, also in more than case.
+// A file name for the table, which leads to no other folder and differs from the names given before
+// in more than case.
 std::wstring fileNameFor(const std::wstring& table, std::set<std::wstring>& taken) {
     std::wstring name = onOneLine(table);
     std::replace(name.begin(), name.end(), L'/', L'_');
+    std::replace(name.begin(), name.end(), L'\\', L'_');
     std::wstring unique = name;
     for (int i = 2; !taken.insert(lowerCased(unique)).second; ++i)
         unique = name + L" (" + std::to_wstring(i) + L")";

@@ -93,6 +93,19 @@ class SmallFiles(ProgramTest):
                         b"Id,Heated,Level,Name,Area,Price,Kind,Built,Note,Key",
                         b"1,1,0,Room 0,0,0.0000,200,2000-01-01 06:00:00,inline,01020003"])
 
+    def test_no_table_name_leads_out_of_the_folder(self):
+        with open(os.path.join(CORPUS, "jet3"), "rb") as file:
+            content = file.read()
+        for name, exported in [(b"../xs", ".._xs.csv"), (b"..\\xs", ".._xs.csv"),
+                               (b"/tmp/", "_tmp_.csv"), (b"a\nb\x1bc", "a b c.csv")]:
+            with self.subTest(name):
+                with open(self.path("plan.mdb"), "wb") as file:
+                    file.write(content.replace(b"Rooms", name))
+                self.run_program("db", "export", "plan.mdb", "--all", "-d", "out")
+                self.assertEqual(os.listdir(self.path("out")), [exported])
+                self.assertEqual(sorted(os.listdir(self.folder)), ["out", "plan.mdb"])
+                shutil.rmtree(self.path("out"))
+
     def test_a_link_is_followed(self):
         os.mkdir(self.path("c:"))
         shutil.copy(os.path.join(CORPUS, "jet4"), self.path("c:/FAR.mdb"))

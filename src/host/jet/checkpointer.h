@@ -44,6 +44,8 @@ class SG_API Checkpointer {
     // The writing lock, between processes and between the two threads. False when another has it.
     bool tryLockWriting();
     void unlockWriting();
+    // True while one of this process's two threads has it.
+    bool isWriting() const { return writing_.load(); }
 
   private:
     void work();

@@ -20,9 +20,9 @@ namespace {
 
 [[noreturn]] void throwSystem(int error, const std::wstring& path, const wchar_t* what) {
     const bool full = error == ENOSPC || error == EDQUOT || error == EFBIG;
-    throw Error(full ? DiskFull : DiskOrNetwork, {},
-                {.file = path,
-                 .detail = std::wstring(what) + L": " + fromUtf8(std::strerror(error))});
+    throw Error(
+        full ? DiskFull : DiskOrNetwork, {},
+        {.file = path, .detail = std::wstring(what) + L": " + fromUtf8(std::strerror(error))});
 }
 
 std::wstring folderOf(const std::wstring& path) {
@@ -64,7 +64,9 @@ struct flock lockOf(short type, uint64_t offset, uint64_t size) {
     return lock;
 }
 
-short lockType(LockKind kind) { return kind == LockKind::Shared ? F_RDLCK : F_WRLCK; }
+short lockType(LockKind kind) {
+    return kind == LockKind::Shared ? F_RDLCK : F_WRLCK;
+}
 
 class PosixFile final : public File {
   public:

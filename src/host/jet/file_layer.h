@@ -11,8 +11,8 @@
 
 // What the storage asks of the operating system. The product stands on posixFiles(); tests put a
 // layer that records or fails in its place. Failures are Error: FileNotFound, InvalidPath (a folder
-// of the path is missing), CannotOpenFile (permission) from opening, DiskFull and DiskOrNetwork from
-// everything; the detail has the system's words.
+// of the path is missing), CannotOpenFile (permission) from opening, DiskFull and DiskOrNetwork
+// from everything; the detail has the system's words.
 namespace sg::jet {
 
 enum class FileAccess {

@@ -20,8 +20,7 @@ std::optional<uint64_t> pageChecksum(const File& database, uint32_t page, size_t
 
 bool fitsHeader(const log::Header& header, const File& database) {
     if (database.size() / header.pageSize != header.basePages) return false;
-    return header.basePages == 0 ||
-           pageChecksum(database, 0, header.pageSize) == header.basePage0;
+    return header.basePages == 0 || pageChecksum(database, 0, header.pageSize) == header.basePage0;
 }
 
 bool fitsEntry(const log::Entry& entry, const log::Header& header, const File& database) {
@@ -37,8 +36,8 @@ std::optional<log::Header> readLogHeader(const File& file) {
     return log::decodeHeader({bytes.data(), bytes.size()});
 }
 
-LogVerdict readLog(PageLog& log, const File& file, const File& database,
-                   const log::Header& header, uint64_t generation) {
+LogVerdict readLog(PageLog& log, const File& file, const File& database, const log::Header& header,
+                   uint64_t generation) {
     log.restart(generation, header.salt, header.baseSequence, header.basePages);
     // Once pages were being brought over, the file may be anything between the states before and
     // after; until then it must be the state that the log began with.

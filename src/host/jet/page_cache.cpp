@@ -24,7 +24,8 @@ PageCache::Place& PageCache::place(uint32_t page) {
 
 void PageCache::put(FrameHandle frame) {
     Place& place = this->place(frame->page);
-    frame->recentlyUsed = false;  // a page that is read once gives way before one that is used again
+    frame->recentlyUsed =
+        false;  // a page that is read once gives way before one that is used again
     if (place.frame != nullptr) {
         place.frame = frame.get();
         ring_[place.ring] = std::move(frame);

@@ -68,7 +68,7 @@ class SG_API PageCache {
     static constexpr size_t partSize = 1024;
     struct Place {
         PageFrame* frame = nullptr;  // held by the ring
-        size_t ring = 0;  // where the frame stands in the ring
+        size_t ring = 0;             // where the frame stands in the ring
     };
     using Part = std::vector<Place>;
 

@@ -110,8 +110,8 @@ std::optional<log::RecordHead> PageLog::readRecord(Position& at, bool checkAll,
         const log::Entry entry = log::decodeEntry(directory, i);
         if (entry.delta ? entry.size > pageSize_ : entry.size != pageSize_) return std::nullopt;
         if (checkAll && !isBodyWhole(entry, offset)) return std::nullopt;
-        staged.push_back({entry.page,
-                          {head->sequence, offset, entry.size, entry.delta, entry.checksum}});
+        staged.push_back(
+            {entry.page, {head->sequence, offset, entry.size, entry.delta, entry.checksum}});
         entries.push_back(entry);
         offset += entry.size;
     }
@@ -158,7 +158,8 @@ void PageLog::insert(uint32_t page, const PageVersion& version) {
             [](uint64_t needed, const PageVersion& v) { return needed < v.sequence; });
         if (keep != versions.begin()) {
             --keep;
-            while (keep->delta && keep != versions.begin()) --keep;
+            while (keep->delta && keep != versions.begin())
+                --keep;
             versions.erase(versions.begin(), keep);
         }
     }
@@ -190,7 +191,8 @@ bool PageLog::load(uint32_t page, uint64_t sequence, const SharedBlock& block,
     const Versions* versions = versionsOf(page);
     if (versions == nullptr || block.generation.load() != generation_) return false;
     size_t index = versions->size();
-    while (index > 0 && (*versions)[index - 1].sequence > sequence) --index;
+    while (index > 0 && (*versions)[index - 1].sequence > sequence)
+        --index;
     if (index == 0) return false;
     if (build(*versions, index - 1, into)) return true;
     // The bytes may be those of a new generation, which began while they were read.
@@ -200,7 +202,8 @@ bool PageLog::load(uint32_t page, uint64_t sequence, const SharedBlock& block,
 
 bool PageLog::build(const Versions& versions, size_t index, std::span<uint8_t> into) const {
     size_t image = index;
-    while (image > 0 && versions[image].delta) --image;
+    while (image > 0 && versions[image].delta)
+        --image;
     if (versions[image].delta) return false;
     for (size_t i = image; i <= index; ++i) {
         const PageVersion& version = versions[i];

@@ -150,7 +150,7 @@ class SG_API LogAppender {
     std::vector<log::Entry> pending_;  // in the buffer
     std::vector<StagedVersion> written_;
     std::unordered_map<uint32_t, size_t> lastWritten_;  // as of the last flush()
-    size_t indexed_ = 0;  // how many of `written_` that has
+    size_t indexed_ = 0;                                // how many of `written_` that has
 };
 
 }  // namespace sg::jet

@@ -152,8 +152,8 @@ uint64_t encodeRecord(std::span<uint8_t> into, const RecordHead& head,
     uint8_t* next = at + recordHeadSize;
     for (const Entry& entry : entries) {
         put(next + entryPage, entry.page);
-        put(next + entryKind, entry.size | (entry.delta ? deltaFlag : 0u) |
-                                  (entry.first ? firstFlag : 0u));
+        put(next + entryKind,
+            entry.size | (entry.delta ? deltaFlag : 0u) | (entry.first ? firstFlag : 0u));
         put(next + entryChecksum, entry.checksum);
         put(next + entryBase, entry.base);
         next += entrySize;

@@ -29,7 +29,8 @@ void putName(char (&into)[64], const std::wstring& name) {
     std::string bytes = toUtf8(name);
     if (bytes.size() >= sizeof into) {
         size_t end = sizeof into - 1;
-        while (end > 0 && (static_cast<unsigned char>(bytes[end]) & 0xC0) == 0x80) --end;
+        while (end > 0 && (static_cast<unsigned char>(bytes[end]) & 0xC0) == 0x80)
+            --end;
         bytes.resize(end);
     }
     std::memset(into, 0, sizeof into);
@@ -41,7 +42,9 @@ std::wstring getName(const char (&from)[64]) {
 }
 
 // A note says who has a record: the key and the slot, never 0.
-uint64_t noteOf(uint64_t key, size_t slot) { return key << 16 | (slot + 1); }
+uint64_t noteOf(uint64_t key, size_t slot) {
+    return key << 16 | (slot + 1);
+}
 
 }  // namespace
 
@@ -169,7 +172,9 @@ UserName SharedState::nameOf(size_t slot) const {
     return {getName(user.user), getName(user.machine)};
 }
 
-UserName SharedState::writerName() const { return nameOf(block_->writer.load()); }
+UserName SharedState::writerName() const {
+    return nameOf(block_->writer.load());
+}
 
 std::optional<UserName> SharedState::lockRecord(uint64_t key) {
     if (file_ == nullptr || file_->tryLock(LockKind::Exclusive, recordBytes + key)) {
@@ -207,8 +212,7 @@ void SharedState::forget(uint64_t key) {
     for (size_t i = 0; i < SharedBlock::recordLocks; ++i) {
         uint64_t own = noteOf(key, slot_);
         std::atomic<uint64_t>& place = block_->locked[(key + i) % SharedBlock::recordLocks];
-        if (place.load(std::memory_order_relaxed) == own &&
-            place.compare_exchange_strong(own, 0)) {
+        if (place.load(std::memory_order_relaxed) == own && place.compare_exchange_strong(own, 0)) {
             return;
         }
     }

@@ -110,8 +110,8 @@ class SG_API SharedState {
     FileLayer* layer_ = nullptr;
     std::wstring path_;
     std::wstring databaseName_;
-    std::unique_ptr<File> file_;         // null when private
-    std::unique_ptr<SharedBlock> own_;   // when private
+    std::unique_ptr<File> file_;        // null when private
+    std::unique_ptr<SharedBlock> own_;  // when private
     SharedBlock* block_ = nullptr;
     size_t slot_ = 0;
     bool joined_ = false;

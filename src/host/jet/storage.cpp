@@ -12,7 +12,12 @@ namespace {
 // Pages that one snapshot keeps in the form that they had.
 constexpr size_t snapshotPages = 64;
 
-constexpr uint64_t keyOf(RowId row) { return uint64_t(row.page) << 16 | row.row; }
+// A target is never newer than the last commit, so that a second look is rare and a third a wonder.
+constexpr int maxAttempts = 10000;
+
+constexpr uint64_t keyOf(RowId row) {
+    return uint64_t(row.page) << 16 | row.row;
+}
 
 }  // namespace
 
@@ -52,7 +57,9 @@ void Storage::enter() const {
     try {
         // Once the pin is out, pages of later commits stay out of the database file; a checkpoint
         // that took its target before that shows in the target.
+        int attempts = 0;
         do {
+            if (++attempts > maxAttempts) throwDamaged(L"the shared file contradicts itself");
             refresh();
             publishPin();
         } while (shared_->block().target.load() > logView_->sequence());
@@ -135,7 +142,9 @@ PageRef Storage::View::read(uint32_t page) const {
 
 // --- snapshots ---
 
-std::unique_ptr<Snapshot> Storage::snapshot() const { return std::make_unique<Snapshot>(*this); }
+std::unique_ptr<Snapshot> Storage::snapshot() const {
+    return std::make_unique<Snapshot>(*this);
+}
 
 Snapshot::Snapshot(const Storage& storage)
     : storage_(&storage), changed_(storage.pageSize_, snapshotPages * storage.pageSize_) {
@@ -191,7 +200,8 @@ void Storage::takeWriting() {
     const auto end = std::chrono::steady_clock::now() + options_.writerPatience;
     auto pause = std::chrono::microseconds(20);
     while (!checkpointer_->tryLockWriting()) {
-        if (std::chrono::steady_clock::now() > end) {
+        // This object's own checkpoint passes, however slow the disk is.
+        if (std::chrono::steady_clock::now() > end && !checkpointer_->isWriting()) {
             const UserName other = shared_->writerName();
             throw Error(savingLocked, {other.user, other.machine}, {.file = path_});
         }

@@ -21,7 +21,9 @@ constexpr uint64_t firstGeneration = 2;
 // The database page, the page of the free page map and the catalog's definition.
 constexpr uint32_t fewestPages = 3;
 
-std::wstring unrelatedPath(const std::wstring& database) { return database + L"-log.unrelated"; }
+std::wstring unrelatedPath(const std::wstring& database) {
+    return database + L"-log.unrelated";
+}
 
 }  // namespace
 
@@ -67,7 +69,8 @@ void Storage::openFiles(const Format* newFormat) {
     try {
         shared_ = std::make_unique<SharedState>(*files_, sharedPath(path_), path_);
     } catch (const Error& error) {
-        if (mode_ != OpenMode::ReadOnly || error.code() == FileInUse) throw;
+        if (error.code() == FileInUse) throw;
+        if (mode_ != OpenMode::ReadOnly) throw Error(error.code(), {path_}, error.place());
         startPrivate();
         return;
     }
@@ -200,9 +203,8 @@ void Storage::startAlone(bool isNew) {
 void Storage::startCheckpointer() {
     File* database = mode_ == OpenMode::ReadOnly ? writable_.get() : database_.get();
     if (database == nullptr) return;
-    checkpointer_ =
-        std::make_unique<Checkpointer>(*files_, logPath(path_), *log_, *database, *shared_,
-                                       pageSize_, options_.checkpointDelay);
+    checkpointer_ = std::make_unique<Checkpointer>(*files_, logPath(path_), *log_, *database,
+                                                   *shared_, pageSize_, options_.checkpointDelay);
 }
 
 void Storage::setAsideLog() {
@@ -258,8 +260,7 @@ size_t Storage::findPageSize() const {
 void Storage::adoptFormat() {
     const ReadScope scope(*this);
     if (logView_->pageCount() < fewestPages) {
-        throw Error(CannotOpenDatabase, {path_},
-                    {.file = path_, .detail = L"the file is cut off"});
+        throw Error(CannotOpenDatabase, {path_}, {.file = path_, .detail = L"the file is cut off"});
     }
     format_ = &identifyFormat(read(0).bytes(), path_);
     if (format_->pageSize != pageSize_) {

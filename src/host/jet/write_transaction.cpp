@@ -25,10 +25,16 @@ WriteTransaction::~WriteTransaction() {
     if (isOpen_) end();
 }
 
-const Format& WriteTransaction::format() const { return storage_->format(); }
-const std::wstring& WriteTransaction::name() const { return storage_->name(); }
+const Format& WriteTransaction::format() const {
+    return storage_->format();
+}
+const std::wstring& WriteTransaction::name() const {
+    return storage_->name();
+}
 
-size_t WriteTransaction::memoryBytes() const { return frames_ * storage_->pageSize_; }
+size_t WriteTransaction::memoryBytes() const {
+    return frames_ * storage_->pageSize_;
+}
 
 void WriteTransaction::requireOpen() const {
     if (!isOpen_) throw Error(InvalidOperation, {}, {.file = storage_->path_});
@@ -114,8 +120,8 @@ void WriteTransaction::forgetBefores() {
 uint32_t WriteTransaction::grow(uint32_t count) {
     requireOpen();
     const uint32_t first = pageCount_;
-    const uint64_t most = std::min<uint64_t>(
-        storage_->format_->maxFileSize / storage_->pageSize_, log::maxPages);
+    const uint64_t most =
+        std::min<uint64_t>(storage_->format_->maxFileSize / storage_->pageSize_, log::maxPages);
     if (count > most || first > most - count) {
         throw Error(DiskFull, {},
                     {.file = storage_->path_,
@@ -150,8 +156,9 @@ WriteTransaction::SavepointId WriteTransaction::savepoint() {
 
 WriteTransaction::Savepoint& WriteTransaction::find(SavepointId id) {
     requireOpen();
-    const auto found = std::find_if(savepoints_.begin(), savepoints_.end(),
-                                    [id](const Savepoint& savepoint) { return savepoint.id == id; });
+    const auto found =
+        std::find_if(savepoints_.begin(), savepoints_.end(),
+                     [id](const Savepoint& savepoint) { return savepoint.id == id; });
     if (found == savepoints_.end()) throw Error(InvalidOperation, {}, {.file = storage_->path_});
     return *found;
 }
@@ -217,7 +224,8 @@ bool WriteTransaction::addChanges(bool early) {
         const Change& change = changes_[page];
         const std::span<const uint8_t> bytes(change.frame->bytes.get(), pageSize);
         std::span<const uint8_t> before;
-        if (change.before && !change.saved && !early) before = {change.before->bytes.get(), pageSize};
+        if (change.before && !change.saved && !early)
+            before = {change.before->bytes.get(), pageSize};
         const bool isSame =
             !before.empty() && std::memcmp(before.data(), bytes.data(), pageSize) == 0;
         if (!isSame) appender_.add(page, bytes, before, change.base);

@@ -61,12 +61,12 @@ class SG_API WriteTransaction final : public PageStore {
 
   private:
     struct Change {
-        FrameHandle frame;                  // empty when only the log has the content
-        bool unsaved = false;               // the frame is newer than `saved`
-        std::optional<PageVersion> saved;   // in the log, by this transaction
-        FrameHandle before;                 // the committed content, while there are few changes
-        uint64_t base = 0;                  // checksum of the page in the database file, if asked
-        SavepointId writtenIn = 0;          // the savepoint that has kept what was before
+        FrameHandle frame;                 // empty when only the log has the content
+        bool unsaved = false;              // the frame is newer than `saved`
+        std::optional<PageVersion> saved;  // in the log, by this transaction
+        FrameHandle before;                // the committed content, while there are few changes
+        uint64_t base = 0;                 // checksum of the page in the database file, if asked
+        SavepointId writtenIn = 0;         // the savepoint that has kept what was before
     };
     struct Savepoint {
         SavepointId id;

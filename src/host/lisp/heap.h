@@ -123,8 +123,8 @@ class Heap {
     void addExternal(ptrdiff_t bytes) { external_ += bytes; }
     size_t bytesInUse() const { return blockBytes_ + largeBytes_ + external_; }
     bool overLimit() const { return bytesInUse() > limit_; }
-    // As overLimit, of what the last collection found alive: blocks that are only partly used do not
-    // count as a whole.
+    // As overLimit, of what the last collection found alive: blocks that are only partly used do
+    // not count as a whole.
     bool liveOverLimit() const { return liveBytes_ + largeBytes_ + external_ > limit_; }
     size_t collections() const { return collections_; }
     // The longest time that one slice of collection work has taken, in seconds.

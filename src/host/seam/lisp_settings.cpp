@@ -141,8 +141,8 @@ Value fnGetCfg(Interpreter& in, Args a) {
 Value fnSetCfg(Interpreter& in, Args a) {
     const auto name = configurationName(in.text(a[0]));
     if (!name) return Value::nil();
-    const auto error = Host::the().registry().write(name->key, name->value,
-                                                    RegistryText{in.str(a[1])}, true);
+    const auto error =
+        Host::the().registry().write(name->key, name->value, RegistryText{in.str(a[1])}, true);
     return error == RegistryError::none ? a[1] : Value::nil();
 }
 

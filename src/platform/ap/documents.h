@@ -66,9 +66,9 @@ class SG_API AcApDocManager {
     // A new iterator, which the caller deletes.
     virtual AcApDocumentIterator* newAcApDocumentIterator() = 0;
 
-    // Locks count: each needs its unlockDocument. Everything runs on one thread, so no lock excludes
-    // another. eInvalidInput for a document that is not open and for kNone. The command names show
-    // in lock messages only and may be null.
+    // Locks count: each needs its unlockDocument. Everything runs on one thread, so no lock
+    // excludes another. eInvalidInput for a document that is not open and for kNone. The command
+    // names show in lock messages only and may be null.
     virtual Acad::ErrorStatus lockDocument(AcApDocument* document,
                                            AcAp::DocLockMode mode = AcAp::kWrite,
                                            const wchar_t* globalCommand = nullptr,

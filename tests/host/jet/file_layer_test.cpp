@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "host/jet/storage_files.h"
 #include "host/system/temporary_folder.h"
-#include "storage_files.h"
 
 namespace sg::jet {
 namespace {
@@ -17,15 +17,15 @@ TEST_F(FileLayerTest, OpeningTellsWhatIsWrong) {
         FileAccess access;
         int code;
     };
-    for (const Case& c : {Case{"there", FileAccess::Read, 0},
-                          Case{"there", FileAccess::CreateNew, DatabaseExists},
-                          Case{"missing", FileAccess::Read, FileNotFound},
-                          Case{"missing", FileAccess::ReadWrite, FileNotFound},
-                          Case{"no/folder", FileAccess::Read, InvalidPath},
-                          Case{"no/folder", FileAccess::CreateNew, InvalidPath},
-                          Case{"there/below", FileAccess::Read, InvalidPath},
-                          Case{".", FileAccess::Read, CannotOpenFile},
-                          Case{".", FileAccess::ReadWrite, CannotOpenFile}}) {
+    for (const Case& c :
+         {Case{"there", FileAccess::Read, 0}, Case{"there", FileAccess::CreateNew, DatabaseExists},
+          Case{"missing", FileAccess::Read, FileNotFound},
+          Case{"missing", FileAccess::ReadWrite, FileNotFound},
+          Case{"no/folder", FileAccess::Read, InvalidPath},
+          Case{"no/folder", FileAccess::CreateNew, InvalidPath},
+          Case{"there/below", FileAccess::Read, InvalidPath},
+          Case{".", FileAccess::Read, CannotOpenFile},
+          Case{".", FileAccess::ReadWrite, CannotOpenFile}}) {
         EXPECT_EQ(codeOf([&] { posixFiles().open(path(c.name), c.access); }), c.code)
             << c.name << int(c.access);
     }

@@ -5,8 +5,8 @@
 #include <random>
 
 #include "host/jet/page_cache.h"
-#include "recording_files.h"
-#include "storage_files.h"
+#include "host/jet/recording_files.h"
+#include "host/jet/storage_files.h"
 
 namespace sg::jet {
 namespace {
@@ -43,9 +43,8 @@ TEST(LogFormat, DeltasLeadFromOnePageToTheOther) {
 
 TEST(LogFormat, DamagedDeltasAreRefused) {
     Bytes page(2048);
-    for (const Bytes& delta :
-         {Bytes{0}, Bytes{0, 0, 1}, Bytes{0, 0, 1, 0}, Bytes{0xff, 0xff, 0, 0},
-          Bytes{0xff, 7, 2, 0, 1, 1}, Bytes{0, 0, 0xff, 0xff, 1}}) {
+    for (const Bytes& delta : {Bytes{0}, Bytes{0, 0, 1}, Bytes{0, 0, 1, 0}, Bytes{0xff, 0xff, 0, 0},
+                               Bytes{0xff, 7, 2, 0, 1, 1}, Bytes{0, 0, 0xff, 0xff, 1}}) {
         EXPECT_FALSE(log::applyDelta(page, {delta.data(), delta.size()}));
     }
 }

@@ -1,4 +1,4 @@
-#include "recording_files.h"
+#include "host/jet/recording_files.h"
 
 #include <algorithm>
 #include <cstring>
@@ -46,9 +46,7 @@ class RecordedFile final : public File {
         record({.kind = RecordingFiles::Kind::Truncate, .file = inode_->number, .offset = size});
         inode_->bytes.resize(size);
     }
-    void sync() override {
-        record({.kind = RecordingFiles::Kind::Sync, .file = inode_->number});
-    }
+    void sync() override { record({.kind = RecordingFiles::Kind::Sync, .file = inode_->number}); }
     uint64_t size() const override { return inode_->bytes.size(); }
     FileIdentity identity() const override { return {1, inode_->number}; }
 
@@ -129,7 +127,9 @@ void RecordingFiles::remove(const std::wstring& path) {
     names_.erase(path);
 }
 
-void RecordingFiles::syncFolder(const std::wstring&) { record({.kind = Kind::SyncFolder}); }
+void RecordingFiles::syncFolder(const std::wstring&) {
+    record({.kind = Kind::SyncFolder});
+}
 
 RecordingFiles::Disk RecordingFiles::disk() const {
     Disk disk;
@@ -158,8 +158,8 @@ struct RecordingFiles::Replay {
         if (operation.kind == Kind::Truncate) return apply(operation);
         for (size_t at = 0; at < operation.bytes.size();) {
             // Sectors are whole where they stand in the file.
-            const size_t size = std::min<size_t>(
-                operation.bytes.size() - at, sectorSize - (operation.offset + at) % sectorSize);
+            const size_t size = std::min<size_t>(operation.bytes.size() - at,
+                                                 sectorSize - (operation.offset + at) % sectorSize);
             if (random() % 2 != 0) {
                 writeInto(contents[operation.file], operation.offset + at,
                           operation.bytes.data() + at, size);

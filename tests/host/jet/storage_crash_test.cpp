@@ -5,11 +5,11 @@
 #include <cstdlib>
 #include <random>
 
-#include "child_process.h"
+#include "host/jet/child_process.h"
 #include "host/jet/storage.h"
+#include "host/jet/storage_files.h"
 #include "host/jet/write_transaction.h"
 #include "host/system/temporary_folder.h"
-#include "storage_files.h"
 
 // Writers that are killed at random points. Each writes its numbers into a group of pages, all in
 // one transaction, and reports a number when commit() has returned.
@@ -150,12 +150,10 @@ TEST_F(StorageCrash, TheOthersGoOn) {
     int64_t last[2] = {0, 0};
     for (int run = 0; run < crashRuns() / 4 + 1; ++run) {
         SCOPED_TRACE(run);
-        ChildProcess one([&](const ChildProcess::Parent& parent) {
-            writeNumbers(path("plan.mdb"), 0, parent);
-        });
-        ChildProcess two([&](const ChildProcess::Parent& parent) {
-            writeNumbers(path("plan.mdb"), 1, parent);
-        });
+        ChildProcess one(
+            [&](const ChildProcess::Parent& parent) { writeNumbers(path("plan.mdb"), 0, parent); });
+        ChildProcess two(
+            [&](const ChildProcess::Parent& parent) { writeNumbers(path("plan.mdb"), 1, parent); });
         const size_t reports = 1 + random_() % 50;
         for (size_t i = 0; i < reports; ++i) {
             ASSERT_NE(last[0] = one.hear(), ChildProcess::none);

@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "child_process.h"
+#include "host/jet/child_process.h"
 #include "host/jet/storage.h"
+#include "host/jet/storage_files.h"
 #include "host/jet/write_transaction.h"
 #include "host/system/temporary_folder.h"
-#include "storage_files.h"
 
 // Several processes on one file.
 namespace sg::jet {

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "host/jet/recording_files.h"
 #include "host/jet/storage.h"
+#include "host/jet/storage_files.h"
 #include "host/jet/write_transaction.h"
-#include "recording_files.h"
-#include "storage_files.h"
 
 // Loss of power and kills at every moment of a run.
 namespace sg::jet {

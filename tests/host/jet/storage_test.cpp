@@ -5,10 +5,10 @@
 #include <random>
 
 #include "host/jet/log_recovery.h"
+#include "host/jet/recording_files.h"
+#include "host/jet/storage_files.h"
 #include "host/jet/write_transaction.h"
 #include "host/system/temporary_folder.h"
-#include "recording_files.h"
-#include "storage_files.h"
 
 namespace sg::jet {
 namespace {
@@ -270,14 +270,14 @@ TEST_F(StorageTest, WhatIsNoDatabase) {
         OpenMode mode;
         int code;
     };
-    for (const Case& c : {Case{{}, OpenMode::Shared, CannotOpenDatabase},
-                          Case{{'h', 'i'}, OpenMode::Shared, UnrecognizedFormat},
-                          Case{Bytes(5000), OpenMode::ReadOnly, UnrecognizedFormat},
-                          Case{testDatabase(2), OpenMode::Shared, CannotOpenDatabase},
-                          Case{unknown, OpenMode::ReadOnly, UnrecognizedFormat},
-                          Case{jet3, OpenMode::Shared, CannotOpenFile},
-                          Case{jet3, OpenMode::Exclusive, CannotOpenFile},
-                          Case{jet3, OpenMode::ReadOnly, 0}}) {
+    for (const Case& c :
+         {Case{{}, OpenMode::Shared, CannotOpenDatabase},
+          Case{{'h', 'i'}, OpenMode::Shared, UnrecognizedFormat},
+          Case{Bytes(5000), OpenMode::ReadOnly, UnrecognizedFormat},
+          Case{testDatabase(2), OpenMode::Shared, CannotOpenDatabase},
+          Case{unknown, OpenMode::ReadOnly, UnrecognizedFormat},
+          Case{jet3, OpenMode::Shared, CannotOpenFile},
+          Case{jet3, OpenMode::Exclusive, CannotOpenFile}, Case{jet3, OpenMode::ReadOnly, 0}}) {
         RecordingFiles files({{database, c.content}});
         StorageOptions others = options();
         others.files = &files;
