@@ -47,23 +47,19 @@ CommandLine::Result CommandLine::inDocument(Document& document, const Body& body
 
 CommandLine::Result CommandLine::load(Document& document, std::wstring_view text,
                                       const std::wstring& file) {
-    Result result = inDocument(document, [&] { return host_.interpreter().loadText(text, file); });
-    if (!result.exited) {
-        const Result queued = runQueued();
-        result.failed = result.failed || queued.failed;
-        result.exited = queued.exited;
-    }
-    return result;
+    return withQueued(
+        inDocument(document, [&] { return host_.interpreter().loadText(text, file); }));
 }
 
 CommandLine::Result CommandLine::run(Document& document, std::wstring_view text, Echo echo) {
-    Result result = runOne(document, text, echo);
-    if (!result.exited) {
-        const Result queued = runQueued();
-        result.failed = result.failed || queued.failed;
-        result.exited = queued.exited;
-    }
-    return result;
+    return withQueued(runOne(document, text, echo));
+}
+
+// What a program has sent to documents runs when it has ended, unless it left by (exit).
+CommandLine::Result CommandLine::withQueued(Result result) {
+    if (result.exited) return result;
+    const Result queued = runQueued();
+    return {result.failed || queued.failed, queued.exited};
 }
 
 CommandLine::Result CommandLine::runQueued() {

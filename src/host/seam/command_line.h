@@ -39,6 +39,7 @@ class SG_API CommandLine {
   private:
     Result runOne(Document& document, std::wstring_view text, Echo echo);
     Result runCommand(Document& document, std::wstring_view line);
+    Result withQueued(Result result);
     template <class Body>
     Result inDocument(Document& document, const Body& body);
 

@@ -7,19 +7,10 @@
 #include <string>
 
 #include "host/jet/error.h"
+#include "host/jet/hex.h"
 
 namespace sg::jet {
 namespace {
-
-std::string hex(const KeyBytes& bytes) {
-    static constexpr char digits[] = "0123456789ABCDEF";
-    std::string text;
-    for (uint8_t byte : bytes) {
-        text += digits[byte >> 4];
-        text += digits[byte & 15];
-    }
-    return text;
-}
 
 std::string key(const KeyColumn& column, const Value& value) {
     KeyBytes bytes;

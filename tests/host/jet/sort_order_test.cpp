@@ -8,21 +8,14 @@
 #include <fstream>
 #include <string>
 
+#include "host/jet/hex.h"
+
 namespace {
 
 using sg::jet::appendTextKey;
+using sg::jet::hex;
 using sg::jet::KeyBytes;
 using sg::jet::TextOrder;
-
-std::string hex(const KeyBytes& bytes) {
-    static constexpr char digits[] = "0123456789ABCDEF";
-    std::string text;
-    for (uint8_t byte : bytes) {
-        text += digits[byte >> 4];
-        text += digits[byte & 15];
-    }
-    return text;
-}
 
 std::string key(std::wstring_view text, TextOrder order = TextOrder::GeneralLegacy,
                 bool descending = false) {

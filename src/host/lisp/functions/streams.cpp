@@ -174,11 +174,6 @@ Value fnPrin1ToString(Interpreter& in, Args a) {
     return in.string(in.toQuotedText(a[0]));
 }
 
-// There is one screen, and it shows text.
-Value fnShowScreen(Interpreter&, Args) {
-    return Value::nil();
-}
-
 constexpr FunctionRow kRows[] = {
     {L"open", fnOpen, 2, 3},
     {L"close", fnClose, 1, 1},
@@ -193,9 +188,6 @@ constexpr FunctionRow kRows[] = {
     {L"prompt", fnPrompt, 1, 1},
     {L"vl-princ-to-string", fnPrincToString, 1, 1},
     {L"vl-prin1-to-string", fnPrin1ToString, 1, 1},
-    {L"textscr", fnShowScreen, 0, 0},
-    {L"graphscr", fnShowScreen, 0, 0},
-    {L"textpage", fnShowScreen, 0, 0},
 };
 
 }  // namespace

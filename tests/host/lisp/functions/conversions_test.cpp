@@ -3,6 +3,7 @@
 #include <map>
 
 #include "base/encoding.h"
+#include "host/lisp/evaluate.h"
 #include "host/lisp/interpreter.h"
 
 namespace sg::lisp {
@@ -22,25 +23,16 @@ class ConversionFunctions : public testing::Test {
             if (found == variables.end()) return std::nullopt;
             return found->second;
         };
-        in.setHooks(hooks);
-    }
-    std::wstring evaluate(std::wstring_view program) {
-        std::wstring printed;
-        const auto outcome = in.runProtected([&] {
-            const Value value = in.loadText(program, L"");
-            printed = in.toQuotedText(value);
-            return value;
-        });
-        return outcome.failed ? L"; error: " + outcome.error.message : printed;
+        session.in.setHooks(hooks);
     }
     void check(std::initializer_list<Case> cases) {
         for (const Case& each : cases) {
-            EXPECT_EQ(evaluate(each.program), each.answer) << toUtf8(each.program);
+            EXPECT_EQ(session.evaluate(each.program), each.answer) << toUtf8(each.program);
         }
     }
 
     std::map<std::wstring, Value, std::less<>> variables;
-    Interpreter in;
+    Session session;
 };
 
 TEST_F(ConversionFunctions, NumbersAsText) {

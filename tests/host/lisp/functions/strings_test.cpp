@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "base/encoding.h"
+#include "host/lisp/evaluate.h"
 #include "host/lisp/interpreter.h"
 
 namespace sg::lisp {
@@ -13,22 +14,14 @@ struct Case {
 
 class StringFunctions : public testing::Test {
   protected:
-    std::wstring evaluate(std::wstring_view program) {
-        std::wstring printed;
-        const auto outcome = in.runProtected([&] {
-            const Value value = in.loadText(program, L"");
-            printed = in.toQuotedText(value);
-            return value;
-        });
-        return outcome.failed ? L"; error: " + outcome.error.message : printed;
-    }
     void check(std::initializer_list<Case> cases) {
         for (const Case& each : cases) {
-            EXPECT_EQ(evaluate(each.program), each.answer) << toUtf8(each.program);
+            EXPECT_EQ(session.evaluate(each.program), each.answer) << toUtf8(each.program);
         }
     }
 
-    Interpreter in;
+    Session session;
+    Interpreter& in = session.in;
 };
 
 TEST_F(StringFunctions, JoinAndMeasure) {
@@ -46,7 +39,7 @@ TEST_F(StringFunctions, JoinAndMeasure) {
 
 // One long string many times over, so that the sum leaves the range of integers.
 TEST_F(StringFunctions, LengthsBeyondIntegersAreErrors) {
-    EXPECT_EQ(evaluate(LR"((setq s "0123456789abcdef") (repeat 16 (setq s (strcat s s)))
+    EXPECT_EQ(session.evaluate(LR"((setq s "0123456789abcdef") (repeat 16 (setq s (strcat s s)))
                            (strlen s))"),
               L"1048576");
     in.define(std::initializer_list<FunctionRow>{{L"copies",
@@ -62,7 +55,7 @@ TEST_F(StringFunctions, LengthsBeyondIntegersAreErrors) {
         {L"(apply 'strlen (copies s 2048))",
          L"; error: bad argument value: string length: 2147483648"},
     });
-    EXPECT_THAT(evaluate(L"(apply 'strcat (copies s 2048))"),
+    EXPECT_THAT(session.evaluate(L"(apply 'strcat (copies s 2048))"),
                 testing::StartsWith(L"; error: out of memory"));
 }
 
@@ -214,8 +207,8 @@ TEST_F(StringFunctions, SymbolTableNames) {
     };
     for (const Case& each : extended)
         check({each});
-    EXPECT_EQ(evaluate(L"(snvalid \"" + std::wstring(255, L'a') + L"\")"), L"T");
-    EXPECT_EQ(evaluate(L"(snvalid \"" + std::wstring(256, L'a') + L"\")"), L"nil");
+    EXPECT_EQ(session.evaluate(L"(snvalid \"" + std::wstring(255, L'a') + L"\")"), L"T");
+    EXPECT_EQ(session.evaluate(L"(snvalid \"" + std::wstring(256, L'a') + L"\")"), L"nil");
 
     Hooks hooks = in.hooks();
     hooks.systemVariable = [](std::wstring_view name) -> std::optional<Value> {
