@@ -18,7 +18,7 @@ namespace {
 struct Narrow {
     std::string program, saveAs, drawing, script, locale, memoryLimit, function;
     std::vector<std::string> expressions, folders;
-    std::string databaseFile, table, output, folder;
+    std::string databaseFile, table, output, folder, input, backup;
 };
 
 std::string joined(const std::vector<std::string>& items) {
@@ -93,9 +93,47 @@ CLI::App* addDatabaseCommand(CLI::App& db, Narrow& narrow, DatabaseArguments& ar
     return command;
 }
 
+void addImport(CLI::App& db, Narrow& narrow, DatabaseArguments& arguments) {
+    CLI::App* const command =
+        addDatabaseCommand(db, narrow, arguments, DatabaseArguments::Action::Import, "import",
+                           "Add rows from comma-separated values to a table, all of them or none");
+    command->add_option("CSV", narrow.input, "The file to read; \"-\" is standard input")
+        ->type_name("")
+        ->required();
+    command
+        ->add_option("-t,--table", narrow.table,
+                     "The table, linked ones too [the name of CSV without its extension]")
+        ->type_name("TABLE");
+    CLI::Option* const create =
+        command->add_flag("--create", arguments.create,
+                          "Make the table, with columns named by the first line and of types that "
+                          "hold what is in them");
+    command->add_flag("--replace", arguments.replace, "Delete the rows that the table has")
+        ->excludes(create);
+    command->add_flag("--no-header", arguments.noHeader,
+                      "There is no line with names; fields come in the order of the columns");
+    command->add_flag("--dry-run", arguments.dryRun, "Try it, and leave the database as it is");
+}
+
+void addCompact(CLI::App& db, Narrow& narrow, DatabaseArguments& arguments) {
+    CLI::App* const command =
+        addDatabaseCommand(db, narrow, arguments, DatabaseArguments::Action::Compact, "compact",
+                           "Write the database anew, without the room that nobody uses");
+    CLI::Option* const output =
+        command->add_option("OUT", narrow.output, "The new file [it takes the place of FILE]")
+            ->type_name("");
+    command->add_flag("--repair", arguments.repair,
+                      "Save what can be read of a damaged file; answers 1 when something is lost");
+    command
+        ->add_option("--backup", narrow.backup,
+                     "Where to keep FILE as it was [with --repair FILE.bak, else nowhere]")
+        ->type_name("PATH")
+        ->excludes(output);
+}
+
 CLI::App* addDatabaseCommands(CLI::App& app, Narrow& narrow, DatabaseArguments& arguments) {
     using Action = DatabaseArguments::Action;
-    CLI::App* const db = app.add_subcommand("db", "Show what is in a database file");
+    CLI::App* const db = app.add_subcommand("db", "Show, check, fill and compact a database file");
     db->require_subcommand(0, 1);
     addDatabaseCommand(*db, narrow, arguments, Action::Tables, "tables", "List the tables");
 
@@ -113,11 +151,19 @@ CLI::App* addDatabaseCommands(CLI::App& app, Narrow& narrow, DatabaseArguments& 
     exporting->add_option("-d,--directory", narrow.folder, "Where --all puts the files")
         ->type_name("FOLDER");
 
+    addImport(*db, narrow, arguments);
     addDatabaseCommand(*db, narrow, arguments, Action::Queries, "queries",
                        "Print the stored queries");
     addDatabaseCommand(*db, narrow, arguments, Action::Check, "check",
                        "Look for damage; answers 1 when there is any");
+    addCompact(*db, narrow, arguments);
     return db;
+}
+
+// An import from standard input has no name to take for the table.
+void checkImport(const Narrow& narrow, const DatabaseArguments& arguments) {
+    if (arguments.action != DatabaseArguments::Action::Import) return;
+    if (narrow.input == "-" && narrow.table.empty()) throw CLI::RequiresError("-", "--table");
 }
 
 // Throws the parser's error for an export of both or neither of a table and all.
@@ -151,6 +197,8 @@ void widen(const Narrow& narrow, Arguments& arguments) {
     arguments.database.table = fromUtf8(narrow.table);
     arguments.database.output = fromUtf8(narrow.output);
     arguments.database.folder = fromUtf8(narrow.folder);
+    arguments.database.input = fromUtf8(narrow.input);
+    arguments.database.backup = fromUtf8(narrow.backup);
     arguments.expressions = widened(narrow.expressions);
     arguments.folders = widened(narrow.folders);
     arguments.memoryLimit = parseSize(narrow.memoryLimit).value_or(0);
@@ -227,9 +275,13 @@ ParsedArguments parseArguments(int count, char** words) {
             throw CLI::RequiredError("A PROGRAM or an --eval expression");
         }
         if (db->parsed() && db->get_subcommands().empty()) {
-            throw CLI::RequiredError("A command: tables, schema, export, queries or check");
+            throw CLI::RequiredError(
+                "A command: tables, schema, export, import, queries, check or compact");
         }
-        if (db->parsed()) checkExport(narrow, arguments.database);
+        if (db->parsed()) {
+            checkExport(narrow, arguments.database);
+            checkImport(narrow, arguments.database);
+        }
     } catch (const CLI::ParseError& error) {
         return {std::nullopt, app.exit(error) == 0 ? kDone : kWrongUsage};
     }

@@ -10,13 +10,23 @@ namespace sg::app {
 
 // The words behind db.
 struct DatabaseArguments {
-    enum class Action { Tables, Schema, Export, Queries, Check };
+    enum class Action { Tables, Schema, Export, Import, Queries, Check, Compact };
     Action action = Action::Tables;
     std::wstring file;
-    std::wstring table;   // of schema and export; empty: all
-    std::wstring output;  // of export; empty: standard output
+    // Of schema and export; empty: all. Of import; empty: named as the file that is read.
+    std::wstring table;
+    std::wstring output;  // of export; empty: standard output. Of compact; empty: in place
     std::wstring folder;  // of export, with `all`
     bool all = false;
+
+    std::wstring input;  // of import; "-": standard input
+    bool create = false;
+    bool replace = false;
+    bool noHeader = false;
+    bool dryRun = false;
+
+    bool repair = false;  // of compact
+    std::wstring backup;  // empty: as compact sees fit
 };
 
 // The command line of the process, taken apart.

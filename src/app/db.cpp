@@ -2,14 +2,18 @@
 #include <vector>
 
 #include "app/commands.h"
+#include "app/db_compact.h"
 #include "app/db_export.h"
 #include "app/db_files.h"
+#include "app/db_import.h"
 #include "app/db_schema.h"
 #include "app/exit_codes.h"
 #include "app/process.h"
+#include "app/progress_bar.h"
 #include "base/text.h"
 #include "host/jet/check.h"
 #include "host/seam/file_error.h"
+#include "host/system/paths.h"
 
 namespace sg::app {
 namespace {
@@ -24,10 +28,11 @@ int finished(int code) {
 
 int listTables(const DatabaseArguments& arguments) {
     const jet::Database database = openDatabase(arguments.file);
+    const jet::Database::ReadScope scope(database);
     DamageReport damage;
     damage.add(database.catalogDamage());
-    for (const jet::CatalogObject* table : userTables(database))
-        printOut(onOneLine(table->name) + L"\n");
+    for (const jet::CatalogObject& table : userTables(database))
+        printOut(onOneLine(table.name) + L"\n");
     return finished(damage.exitCode());
 }
 
@@ -58,12 +63,11 @@ void printTable(const jet::Database& database, const jet::CatalogObject& object,
 }
 
 // The relations that join two of the tables, or with one table given all that it is part of.
-void printRelations(const jet::Database& database,
-                    const std::vector<const jet::CatalogObject*>& tables, bool one,
-                    DamageReport& damage) {
+void printRelations(const jet::Database& database, const std::vector<jet::CatalogObject>& tables,
+                    bool one, DamageReport& damage) {
     const auto isShown = [&](const std::wstring& name) {
-        for (const jet::CatalogObject* table : tables) {
-            if (equalIgnoringCase(table->name, name)) return true;
+        for (const jet::CatalogObject& table : tables) {
+            if (equalIgnoringCase(table.name, name)) return true;
         }
         return false;
     };
@@ -80,15 +84,19 @@ void printRelations(const jet::Database& database,
 
 int printSchema(const DatabaseArguments& arguments) {
     const jet::Database database = openDatabase(arguments.file);
+    const jet::Database::ReadScope scope(database);
     const bool one = !arguments.table.empty();
-    const std::vector<const jet::CatalogObject*> tables =
-        one ? std::vector{&findTable(database, arguments.table)} : userTables(database);
-    DamageReport damage;
+    const std::vector<jet::CatalogObject> tables =
+        one ? std::vector{findTable(database, arguments.table)} : userTables(database);
+    ProgressBar bar(L"Reading definitions", ProgressBar::Beside::Output);
+    DamageReport damage(&bar);
     damage.add(database.catalogDamage());
     printOut(L"-- " + onOneLine(database.store().name()) + L" (" +
              versionName(database.header().version) + L")\n");
-    for (const jet::CatalogObject* table : tables)
-        printTable(database, *table, damage);
+    for (size_t i = 0; i < tables.size(); ++i) {
+        printTable(database, tables[i], damage);
+        bar.show(i + 1, tables.size());
+    }
     printRelations(database, tables, one, damage);
     return finished(damage.exitCode());
 }
@@ -105,6 +113,7 @@ std::wstring withLineFeeds(std::wstring text) {
 // begin with "~"; those are not shown.
 int printQueries(const DatabaseArguments& arguments) {
     const jet::Database database = openDatabase(arguments.file);
+    const jet::Database::ReadScope scope(database);
     DamageReport damage;
     damage.add(database.catalogDamage());
     std::vector<jet::Error> errors;
@@ -124,9 +133,17 @@ int printQueries(const DatabaseArguments& arguments) {
     return finished(damage.exitCode());
 }
 
+std::vector<jet::CheckFinding> findingsIn(const jet::Database& database) {
+    // What others write meanwhile would contradict what was read before.
+    const jet::Database::ReadScope scope(database);
+    ProgressBar bar(L"Checking " + std::wstring(lastComponent(database.name())));
+    return jet::checkDatabase(database, kMostFindings,
+                              [&](uint64_t done, uint64_t total) { bar.show(done, total); });
+}
+
 int check(const DatabaseArguments& arguments) {
     const jet::Database database = openDatabase(arguments.file);
-    const std::vector<jet::CheckFinding> findings = jet::checkDatabase(database, kMostFindings);
+    const std::vector<jet::CheckFinding> findings = findingsIn(database);
     for (const jet::CheckFinding& finding : findings) {
         std::wstring line;
         if (!finding.table.empty()) line += L"table " + finding.table + L": ";
@@ -148,10 +165,14 @@ int perform(const DatabaseArguments& arguments) {
             return printSchema(arguments);
         case DatabaseArguments::Action::Export:
             return exportTables(arguments);
+        case DatabaseArguments::Action::Import:
+            return finished(importTable(arguments));
         case DatabaseArguments::Action::Queries:
             return printQueries(arguments);
         case DatabaseArguments::Action::Check:
             return check(arguments);
+        case DatabaseArguments::Action::Compact:
+            return finished(compact(arguments));
     }
     return kWrongUsage;
 }

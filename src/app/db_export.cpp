@@ -7,13 +7,12 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <numeric>
 #include <set>
 #include <vector>
 
 #include "app/csv_writer.h"
 #include "app/db_files.h"
-#include "app/exit_codes.h"
+#include "app/progress_bar.h"
 #include "base/encoding.h"
 #include "base/text.h"
 #include "host/seam/file_error.h"
@@ -117,29 +116,53 @@ struct FieldWriter {
     void operator()(const jet::Decimal& value) const { csv.text(jet::toText(value)); }
 };
 
-// Places of the columns in the order in which programs show them.
-std::vector<size_t> shownOrder(const jet::TableDefinition& table) {
-    std::vector<size_t> order(table.columns.size());
-    std::iota(order.begin(), order.end(), size_t(0));
-    std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
-        return table.columns[a].ordinal < table.columns[b].ordinal;
-    });
-    return order;
-}
+constexpr uint64_t kRowsBetween = 4096;  // two looks at how far the export is
+
+// Writes tables one after another, and shows how far it is.
+class Exporter {
+  public:
+    Exporter(jet::Database& database, bool printsToOutput)
+        : database_(database),
+          bar_(L"Exporting",
+               printsToOutput ? ProgressBar::Beside::Output : ProgressBar::Beside::Nothing),
+          damage_(&bar_) {
+        damage_.add(database.catalogDamage());
+    }
+
+    // To standard output when the path is empty.
+    void exportOne(const std::wstring& table, const std::wstring& path);
+    // Each to a file of its own in the folder.
+    void exportAll(const std::wstring& folder);
+
+    int exitCode() const { return damage_.exitCode(); }
+
+  private:
+    void count(const jet::CatalogObject& object);
+    void exportTable(const jet::CatalogObject& object, const std::wstring& path);
+    void writeRows(const jet::Table& table, CsvWriter& csv);
+    bool nextRow(jet::RowCursor& cursor);
+
+    jet::Database& database_;
+    ProgressBar bar_;
+    DamageReport damage_;
+    uint64_t done_ = 0;   // rows
+    uint64_t total_ = 0;  // rows, those of linked tables left out
+};
 
 // Goes to the next row that can be read.
-bool nextRow(jet::RowCursor& cursor, DamageReport& damage) {
+bool Exporter::nextRow(jet::RowCursor& cursor) {
+    if (++done_ % kRowsBetween == 0) bar_.show(done_, total_);
     for (;;) {
         try {
             return cursor.next();
         } catch (const jet::Error& error) {
-            damage.add(error);
+            damage_.add(error);
         }
     }
 }
 
 // A value that cannot be read becomes an empty field.
-void writeRows(const jet::Table& table, CsvWriter& csv, DamageReport& damage) {
+void Exporter::writeRows(const jet::Table& table, CsvWriter& csv) {
     const std::vector<size_t> order = shownOrder(table.definition());
     for (const size_t column : order)
         csv.text(table.definition().columns[column].name);
@@ -148,12 +171,12 @@ void writeRows(const jet::Table& table, CsvWriter& csv, DamageReport& damage) {
     // One value a column, so that each keeps the memory of its type.
     std::vector<jet::Value> values(order.size());
     jet::RowCursor cursor = table.scan();
-    while (!csv.failed() && nextRow(cursor, damage)) {
+    while (!csv.failed() && nextRow(cursor)) {
         for (size_t i = 0; i < order.size(); ++i) {
             try {
                 cursor.value(order[i], values[i]);
             } catch (const jet::Error& error) {
-                damage.add(error);
+                damage_.add(error);
                 values[i] = std::monostate();
             }
             std::visit(FieldWriter{csv}, values[i]);
@@ -162,13 +185,31 @@ void writeRows(const jet::Table& table, CsvWriter& csv, DamageReport& damage) {
     }
 }
 
-void exportTable(const jet::Database& database, const jet::CatalogObject& object,
-                 const std::wstring& path, DamageReport& damage) {
-    const OpenTable open = openTable(database, object);
-    OutputFile output(path, {database.store().name(), open.table.store().name()});
+void Exporter::exportTable(const jet::CatalogObject& object, const std::wstring& path) {
+    std::wstring name;
+    jet::Database& home = homeOf(database_, object, name);
+    // Others may write meanwhile: the rows are those of one moment.
+    const jet::Database::ReadScope scope(home);
+    const jet::Table table = home.table(name);
+    OutputFile output(path, {database_.name(), home.name()});
     CsvWriter csv(output.descriptor());
-    writeRows(open.table, csv, damage);
+    writeRows(table, csv);
     output.finish(csv);
+}
+
+void Exporter::count(const jet::CatalogObject& object) {
+    if (!object.isTable()) return;
+    try {
+        total_ += database_.tableAt(object.definitionPage()).rowCount();
+    } catch (const jet::Error&) {
+        // Exporting the table will tell.
+    }
+}
+
+void Exporter::exportOne(const std::wstring& table, const std::wstring& path) {
+    const jet::CatalogObject object = findTable(database_, table);
+    count(object);
+    exportTable(object, path);
 }
 
 // A file name for the table, which leads to no other folder and differs from the names given before
@@ -183,19 +224,22 @@ std::wstring fileNameFor(const std::wstring& table, std::set<std::wstring>& take
     return unique + L".csv";
 }
 
-void exportAll(const jet::Database& database, const std::wstring& folder, DamageReport& damage) {
+void Exporter::exportAll(const std::wstring& folder) {
     const std::wstring resolved = resolvePath(folder).path;
     if (!isFolder(resolved)) {
         const FileResult made = makeFolder(resolved);
         if (!made) throw FileError(made.error);
     }
+    const std::vector<jet::CatalogObject> tables = userTables(database_);
+    for (const jet::CatalogObject& table : tables)
+        count(table);
     std::set<std::wstring> taken;
-    for (const jet::CatalogObject* table : userTables(database)) {
-        const std::wstring path = resolved + L"/" + fileNameFor(table->name, taken);
+    for (const jet::CatalogObject& table : tables) {
+        const std::wstring path = resolved + L"/" + fileNameFor(table.name, taken);
         try {
-            exportTable(database, *table, path, damage);
+            exportTable(table, path);
         } catch (const jet::Error& error) {
-            damage.add(error);
+            damage_.add(error);
         }
     }
 }
@@ -203,15 +247,14 @@ void exportAll(const jet::Database& database, const std::wstring& folder, Damage
 }  // namespace
 
 int exportTables(const DatabaseArguments& arguments) {
-    const jet::Database database = openDatabase(arguments.file);
-    DamageReport damage;
-    damage.add(database.catalogDamage());
+    jet::Database database = openDatabase(arguments.file);
+    Exporter exporter(database, !arguments.all && arguments.output.empty());
     if (arguments.all) {
-        exportAll(database, arguments.folder, damage);
+        exporter.exportAll(arguments.folder);
     } else {
-        exportTable(database, findTable(database, arguments.table), arguments.output, damage);
+        exporter.exportOne(arguments.table, arguments.output);
     }
-    return damage.exitCode();
+    return exporter.exitCode();
 }
 
 }  // namespace sg::app

@@ -1,9 +1,15 @@
 #include "app/db_files.h"
 
+#include <algorithm>
+#include <numeric>
+#include <optional>
+
 #include "app/exit_codes.h"
 #include "app/nearest_names.h"
 #include "app/process.h"
 #include "base/text.h"
+#include "host/jet/foreign_lock.h"
+#include "host/system/database_files.h"
 #include "host/system/paths.h"
 
 namespace sg::app {
@@ -14,13 +20,6 @@ constexpr size_t kMostSuggestions = 5;
 
 bool isTableOrLink(const jet::CatalogObject& object) {
     return object.isTable() || object.isLinked();
-}
-
-// Links to other kinds of data name the kind before the first ";".
-bool leadsToJet(const jet::CatalogObject& link) {
-    if (link.type != jet::ObjectType::LinkedTable) return false;
-    const std::wstring kind = link.connect.substr(0, link.connect.find(L';'));
-    return kind.empty() || equalIgnoringCase(kind, L"MS Access");
 }
 
 }  // namespace
@@ -47,48 +46,62 @@ void DamageReport::add(const std::vector<jet::Error>& errors) {
 }
 
 void DamageReport::add(const std::wstring& line) {
-    if (++count_ <= kMostLines) complain(onOneLine(line));
+    if (++count_ > kMostLines) return;
+    if (bar_ != nullptr) bar_->erase();
+    complain(onOneLine(line));
 }
 
 int DamageReport::exitCode() const {
     return count_ == 0 ? kDone : kFileError;
 }
 
-jet::Database openDatabase(const std::wstring& file) {
-    return jet::Database::openReadOnly(resolvePath(file).path);
+jet::Database openDatabase(const std::wstring& file, jet::OpenMode mode) {
+    return jet::Database::open(resolvePath(file).path, mode, databaseOptions());
 }
 
-std::vector<const jet::CatalogObject*> userTables(const jet::Database& database) {
-    std::vector<const jet::CatalogObject*> tables;
+void warnOfForeignLock(const std::wstring& path) {
+    const std::optional<jet::ForeignLock> lock = jet::findForeignLock(path);
+    if (!lock) return;
+    std::wstring who;
+    for (const std::wstring& machine : lock->machines)
+        who += (who.empty() ? L", with the entries " : L", ") + machine;
+    complain(onOneLine(path + L": another program may have the file open and does not heed our " +
+                       L"locks: there is " + lock->file + who));
+}
+
+std::vector<jet::CatalogObject> userTables(const jet::Database& database) {
+    std::vector<jet::CatalogObject> tables;
     for (const jet::CatalogObject& object : database.objects()) {
-        if (isTableOrLink(object) && !object.isSystem()) tables.push_back(&object);
+        if (isTableOrLink(object) && !object.isSystem()) tables.push_back(object);
     }
     return tables;
 }
 
-const jet::CatalogObject& findTable(const jet::Database& database, const std::wstring& name) {
+jet::CatalogObject findTable(const jet::Database& database, const std::wstring& name) {
     for (const jet::CatalogObject& object : database.objects()) {
         if (isTableOrLink(object) && equalIgnoringCase(object.name, name)) return object;
     }
     std::vector<std::wstring> names;
-    for (const jet::CatalogObject* table : userTables(database))
-        names.push_back(table->name);
-    throw UnknownTable{L"no table \"" + name + L"\" in " + database.store().name() +
+    for (const jet::CatalogObject& table : userTables(database))
+        names.push_back(table.name);
+    throw UnknownTable{L"no table \"" + name + L"\" in " + database.name() +
                        suggestion(nearestNames(names, name, kMostSuggestions))};
 }
 
-OpenTable openTable(const jet::Database& database, const jet::CatalogObject& object) {
-    if (object.isTable()) return {std::nullopt, database.tableAt(object.definitionPage())};
+std::vector<size_t> shownOrder(const jet::TableDefinition& table) {
+    std::vector<size_t> order(table.columns.size());
+    std::iota(order.begin(), order.end(), size_t(0));
+    std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
+        return table.columns[a].ordinal < table.columns[b].ordinal;
+    });
+    return order;
+}
+
+jet::Database& homeOf(jet::Database& database, const jet::CatalogObject& object,
+                      std::wstring& name) {
+    name = object.name;
     try {
-        if (!leadsToJet(object)) {
-            throw jet::Error(jet::OperationNotSupported, {},
-                             {.file = database.store().name(),
-                              .detail = L"the table is linked to something else than a database "
-                                        L"file of this kind"});
-        }
-        std::optional<jet::Database> other(openDatabase(object.database));
-        jet::Table table = other->table(object.foreignName);
-        return {std::move(other), std::move(table)};
+        return database.home(name);
     } catch (jet::Error& error) {
         error.addTable(object.name);
         throw;

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <vector>
 
+#include "app/progress_bar.h"
 #include "host/jet/database.h"
 
 // What the db commands share: a database that is opened, its tables, and what is wrong with it.
@@ -20,7 +20,8 @@ std::wstring onOneLine(std::wstring_view text);
 // a hundred lines only how many more there were.
 class DamageReport {
   public:
-    DamageReport() = default;
+    // Lines take the place of the bar for a moment.
+    explicit DamageReport(ProgressBar* bar = nullptr) : bar_(bar) {}
     DamageReport(const DamageReport&) = delete;
     DamageReport& operator=(const DamageReport&) = delete;
     ~DamageReport();
@@ -32,6 +33,7 @@ class DamageReport {
     int exitCode() const;
 
   private:
+    ProgressBar* const bar_;
     size_t count_ = 0;
 };
 
@@ -40,23 +42,27 @@ struct UnknownTable {
     std::wstring message;  // with the names that may be meant
 };
 
-// Opens FILE, found as every file name of the program is. Throws jet::Error.
-jet::Database openDatabase(const std::wstring& file);
+// Opens FILE, found as every file name of the program is, and as links in it are. Throws
+// jet::Error.
+jet::Database openDatabase(const std::wstring& file, jet::OpenMode mode = jet::OpenMode::ReadOnly);
+
+// Tells on one line of standard error when another program's lock file lies beside the database:
+// its locks do not bind us, nor ours it.
+void warnOfForeignLock(const std::wstring& path);
 
 // The tables that users see, in the catalog's order: those of the file and linked ones.
-std::vector<const jet::CatalogObject*> userTables(const jet::Database& database);
+std::vector<jet::CatalogObject> userTables(const jet::Database& database);
 
 // The table or linked table `name`, ignoring case; system tables count too. Throws UnknownTable.
-const jet::CatalogObject& findTable(const jet::Database& database, const std::wstring& name);
+jet::CatalogObject findTable(const jet::Database& database, const std::wstring& name);
 
-// A table to read, and the other file when it is linked.
-struct OpenTable {
-    std::optional<jet::Database> other;
-    jet::Table table;
-};
+// Places of the columns in the order in which programs show them.
+std::vector<size_t> shownOrder(const jet::TableDefinition& table);
 
-// Follows a link to the other file. Throws jet::Error: what cannot be read, or a link to something
-// that is not a Jet database.
-OpenTable openTable(const jet::Database& database, const jet::CatalogObject& object);
+// Where the table is: this database, or that which a link leads to; `name` becomes its name there.
+// Throws jet::Error with the table's name: what cannot be read, or a link to something that is not
+// a database file.
+jet::Database& homeOf(jet::Database& database, const jet::CatalogObject& object,
+                      std::wstring& name);
 
 }  // namespace sg::app

@@ -78,8 +78,12 @@ bool flushOutput() {
 }
 
 int terminalColumns() {
+    return terminalColumns(STDOUT_FILENO);
+}
+
+int terminalColumns(int file) {
     winsize size;
-    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col < 20) return 80;
+    if (ioctl(file, TIOCGWINSZ, &size) != 0 || size.ws_col < 20) return 80;
     return size.ws_col;
 }
 

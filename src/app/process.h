@@ -23,7 +23,9 @@ void complain(const std::wstring& text);
 // Writes what standard output still holds. False when that, or any write before, failed.
 bool flushOutput();
 
-// The columns of the terminal on standard output; 80 when it is none.
+// The columns of the terminal that an open file is, that of standard output unless another one is
+// named; 80 when it is none.
 int terminalColumns();
+int terminalColumns(int file);
 
 }  // namespace sg::app

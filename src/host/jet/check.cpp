@@ -11,17 +11,51 @@ namespace sg::jet {
 
 namespace {
 
+// Counts rows, once for themselves and once for each index that they are in.
+class CheckProgress {
+  public:
+    CheckProgress(const Database& database, const std::function<void(uint64_t, uint64_t)>& listener)
+        : listener_(listener) {
+        if (!listener_) return;
+        for (const CatalogObject& object : database.objects()) {
+            if (!object.isTable()) continue;
+            try {
+                const Table table = database.tableAt(object.definitionPage());
+                total_ += table.rowCount() * (1 + uint64_t(table.definition().realIndexes.size()));
+            } catch (const Error& error) {
+                // Looking into the table tells what is wrong with it.
+                if (error.code() == DiskOrNetwork) throw;
+            }
+        }
+    }
+
+    void add(uint64_t rows) {
+        constexpr uint64_t between = 1024;
+        done_ += rows;
+        if (!listener_ || done_ < told_ + between) return;
+        told_ = done_;
+        listener_(std::min(done_, total_), total_);
+    }
+
+  private:
+    const std::function<void(uint64_t, uint64_t)>& listener_;
+    uint64_t total_ = 0;
+    uint64_t done_ = 0;
+    uint64_t told_ = 0;
+};
+
 // One table: its definition's pages, its maps with the pages in them, its rows, its indexes.
 class TableChecker {
   public:
     TableChecker(const Database& database, const Table& table, Findings& findings,
-                 PageClaims& claims, LongValueBudget& budget)
+                 PageClaims& claims, LongValueBudget& budget, CheckProgress& progress)
         : database_(database),
           table_(table),
           definition_(table.definition()),
           findings_(findings),
           claims_(claims),
-          budget_(budget) {}
+          budget_(budget),
+          progress_(progress) {}
 
     void run() {
         for (uint32_t page : definition_.pages)
@@ -40,8 +74,10 @@ class TableChecker {
         }
         std::vector<size_t> counts(indexes.size());
         checkRows(indexes, counts);
-        for (size_t i = 0; i < indexes.size(); ++i)
+        for (size_t i = 0; i < indexes.size(); ++i) {
             indexes[i]->run(counts[i]);
+            progress_.add(counts[i]);
+        }
         for (const LogicalIndex& index : definition_.indexes) {
             if (index.isForeign()) findings_.guard(name(), [&] { checkRelation(index); });
         }
@@ -88,6 +124,7 @@ class TableChecker {
                 more = rows.next();
                 if (!more) return;
                 ++count;
+                progress_.add(1);
                 readValues(rows);
                 for (size_t i = 0; i < indexes.size(); ++i)
                     counts[i] += belongsIn(indexes[i]->encoder());
@@ -95,9 +132,10 @@ class TableChecker {
             isWhole = isWhole && sound;
         }
         // The engine's own count of a system table may be behind.
-        if (isWhole && !definition_.isSystem && count != definition_.rowCount) {
+        const uint32_t counted = table_.rowCount();
+        if (isWhole && !definition_.isSystem && count != counted) {
             findings_.add(L"the table has " + std::to_wstring(count) + L" rows and counts " +
-                              std::to_wstring(definition_.rowCount),
+                              std::to_wstring(counted),
                           name(), definition_.page);
         }
     }
@@ -166,6 +204,7 @@ class TableChecker {
     Findings& findings_;
     PageClaims& claims_;
     LongValueBudget& budget_;
+    CheckProgress& progress_;
     std::vector<Value> values_;   // of the current row
     std::vector<Value> indexed_;  // those of one index's columns
 };
@@ -197,7 +236,8 @@ void checkLostPages(const PageStore& store, const std::vector<uint32_t>& definit
 
 }  // namespace
 
-std::vector<CheckFinding> checkDatabase(const Database& database, size_t limit) {
+std::vector<CheckFinding> checkDatabase(const Database& database, size_t limit,
+                                        const std::function<void(uint64_t, uint64_t)>& listener) {
     const PageStore& store = database.store();
     Findings findings(limit);
     PageClaims claims(store.pageCount());
@@ -206,6 +246,7 @@ std::vector<CheckFinding> checkDatabase(const Database& database, size_t limit) 
     claims.claim(pages::globalMap, {}, findings);
     for (const Error& error : database.catalogDamage())
         findings.add(error, L"MSysObjects");
+    CheckProgress progress(database, listener);
 
     std::vector<uint32_t> definitions;
     for (const CatalogObject& object : database.objects()) {
@@ -213,7 +254,7 @@ std::vector<CheckFinding> checkDatabase(const Database& database, size_t limit) 
         findings.guard(object.name, [&] {
             const Table table = database.tableAt(object.definitionPage());
             definitions.push_back(object.definitionPage());
-            TableChecker(database, table, findings, claims, budget).run();
+            TableChecker(database, table, findings, claims, budget, progress).run();
         });
     }
     std::sort(definitions.begin(), definitions.end());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,6 +23,11 @@ struct CheckFinding {
 // `limit` findings; a sound file has none. An index whose sort order is not known is walked, but
 // its keys are not compared with the rows; that is no finding. Throws nothing for damage, only
 // DiskOrNetwork when the file cannot be read.
-SG_API std::vector<CheckFinding> checkDatabase(const Database& database, size_t limit = 1000);
+//
+// `progress` is told how much is done of how much now and then; in a damaged file that may be
+// anything.
+SG_API std::vector<CheckFinding> checkDatabase(
+    const Database& database, size_t limit = 1000,
+    const std::function<void(uint64_t done, uint64_t total)>& progress = {});
 
 }  // namespace sg::jet

@@ -21,6 +21,12 @@ DataPage::DataPage(const PageStore& store, uint32_t page)
     }
 }
 
+// A page that is held is never changed in place: what is newer stands elsewhere.
+bool DataPage::isCurrent(const PageStore& store) const {
+    return number() < store.pageCount() &&
+           store.read(number()).bytes().data() == page_.bytes().data();
+}
+
 uint16_t DataPage::entry(uint16_t row) const {
     if (row >= rowCount_) {
         throwDamaged(L"row " + std::to_wstring(row) + L" of " + std::to_wstring(rowCount_) +

@@ -22,6 +22,9 @@ class SG_API DataPage {
     uint32_t owner() const { return page_->get32(layout_->owner); }
     uint16_t freeSpace() const { return page_->get16(layout_->freeSpace); }
     uint16_t rowCount() const { return rowCount_; }
+    // False when the store has other bytes for the page by now.
+    bool isCurrent(const PageStore& store) const;
+    const ByteView& bytes() const { return page_.bytes(); }
 
     // Throw Damaged for a row that the directory does not have.
     bool isDeleted(uint16_t row) const { return (entry(row) & rows::deletedFlag) != 0; }

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "host/jet/error.h"
+
 namespace sg::jet {
 namespace {
 
@@ -31,14 +33,18 @@ void applyStream(std::span<uint8_t> bytes, std::span<const uint8_t> key) {
 }
 
 // From Jet 4 on the password is mixed with the whole days of the creation date.
-bool hasPassword(ByteView page, const DatabasePageLayout& layout) {
-    uint32_t mix = 0;
+uint32_t passwordMix(ByteView page, const DatabasePageLayout& layout) {
     if (layout.creationDate != 0) {
         const double days = page.getDouble(layout.creationDate);
         if (days > -2147483648.0 && days < 2147483648.0) {
-            mix = static_cast<uint32_t>(static_cast<int32_t>(days));
+            return static_cast<uint32_t>(static_cast<int32_t>(days));
         }
     }
+    return 0;
+}
+
+bool hasPassword(ByteView page, const DatabasePageLayout& layout) {
+    const uint32_t mix = passwordMix(page, layout);
     const ByteView password = page.sub(layout.password, layout.passwordSize);
     for (size_t at = 0; at < password.size(); at += 4) {
         if (password.get32(at) != mix) {
@@ -53,6 +59,37 @@ bool hasPassword(ByteView page, const DatabasePageLayout& layout) {
 void maskDatabasePage(std::span<uint8_t> page, const Format& format) {
     const DatabasePageLayout& layout = format.database;
     applyStream(page.subspan(layout.maskedStart, layout.maskedSize), maskKey);
+}
+
+// The key is made of the low half of the creation date and of every other byte of what stands from
+// the password on, twice its size: the password's characters, then the date's again.
+void maskAccount(std::span<uint8_t> account, ByteView page, const Format& format) {
+    const DatabasePageLayout& layout = format.database;
+    const uint32_t mix = passwordMix(page, layout);
+    uint32_t key = page.get32(layout.creationDate);
+    for (uint32_t i = 0; i < layout.passwordSize; ++i) {
+        uint32_t byte = page.get8(layout.password + 2 * i);
+        if (2 * i < layout.passwordSize) {
+            byte ^= mix >> (2 * i % 4 * 8) & 0xff;
+        }
+        key ^= byte << (i % 24);
+    }
+    std::array<uint8_t, 4> bytes;
+    for (size_t i = 0; i < bytes.size(); ++i) {
+        bytes[i] = static_cast<uint8_t>(key >> (8 * i));
+    }
+    applyStream(account, bytes);
+}
+
+void requireReadable(const DatabaseHeader& header, const PageStore& store) {
+    const std::wstring& name = store.name();
+    if (header.hasPassword || (header.isEncoded && store.format().isAce())) {
+        throw Error(InvalidPassword, {},
+                    {.file = name, .detail = L"the file is protected by a password"});
+    }
+    if (header.isEncoded) {
+        throw Error(CannotOpenDatabase, {name}, {.file = name, .detail = L"the file is encrypted"});
+    }
 }
 
 DatabaseHeader readDatabaseHeader(const PageStore& store) {

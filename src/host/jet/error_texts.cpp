@@ -74,7 +74,9 @@ constexpr Entry entries[] = {
      L"The Microsoft Jet database engine cannot open the file '|'. It is already opened "
      L"exclusively by another user, or you need permission to view its data."},
     {3052, L"File sharing lock count exceeded. Increase MaxLocksPerFile registry entry."},
+    {3057, L"Operation not supported on linked tables."},
     {3058, L"Index or primary key cannot contain a Null value."},
+    {3059, L"Operation canceled by user."},
     {3061, L"Too few parameters. Expected |."},
     {3062, L"Duplicate output alias '|'."},
     {3065, L"Cannot execute a select query."},
@@ -90,13 +92,32 @@ constexpr Entry entries[] = {
      L"The specified field '|' could refer to more than one table listed in the FROM clause of "
      L"your SQL statement."},
     {3085, L"Undefined function '|' in expression."},
+    {3090, L"Resultant table not allowed to have more than one AutoNumber field."},
+    {3092, L"Cannot use HAVING clause in TRANSFORM statement."},
     {3112, L"Record(s) cannot be read; no read permission on '|'."},
     {3125,
      L"'|' is not a valid name. Make sure that it does not include invalid characters or "
      L"punctuation and that it is not too long."},
+    {3126, L"Invalid bracketing of name '|'."},
+    {3128, L"Specify the table containing the records you want to delete."},
+    {3129,
+     L"Invalid SQL statement; expected 'DELETE', 'INSERT', 'PROCEDURE', 'SELECT', or 'UPDATE'."},
+    {3130, L"Syntax error in DELETE statement."},
     {3131, L"Syntax error in FROM clause."},
+    {3132, L"Syntax error in GROUP BY clause."},
+    {3133, L"Syntax error in HAVING clause."},
     {3134, L"Syntax error in INSERT INTO statement."},
+    {3135, L"Syntax error in JOIN operation."},
+    {3138, L"Syntax error in ORDER BY clause."},
+    {3139, L"Syntax error in PARAMETER clause."},
+    {3140, L"Syntax error in PROCEDURE clause."},
+    {3141,
+     L"The SELECT statement includes a reserved word or an argument name that is misspelled or "
+     L"missing, or the punctuation is incorrect."},
+    {3142, L"Characters found after end of SQL statement."},
+    {3143, L"Syntax error in TRANSFORM statement."},
     {3144, L"Syntax error in UPDATE statement."},
+    {3145, L"Syntax error in WHERE clause."},
     {3158, L"Could not save record; currently locked by another user."},
     {3159, L"Not a valid bookmark."},
     {3162, L"You tried to assign the Null value to a variable that is not a Variant data type."},
@@ -125,6 +146,7 @@ constexpr Entry entries[] = {
     {3201, L"You cannot add or change a record because a related record is required in table '|'."},
     {3202, L"Could not save; currently locked by another user."},
     {3204, L"Database already exists."},
+    {3206, L"Cannot create a relationship between a field and itself."},
     {3211,
      L"The database engine could not lock table '|' because it is already in use by another "
      L"person or process."},
@@ -148,6 +170,7 @@ constexpr Entry entries[] = {
     {3270, L"Property not found."},
     {3273, L"Method not applicable for this object."},
     {3274, L"External table is not in the expected format."},
+    {3277, L"Cannot have more than 10 fields in an index."},
     {3280, L"Cannot delete a field that is part of an index or is needed by the system."},
     {3281,
      L"Cannot delete this index or table. It is either the current index or is used in a "
@@ -155,7 +178,15 @@ constexpr Entry entries[] = {
     {3282, L"Operation not supported on a table that contains data."},
     {3283, L"Primary key already exists."},
     {3284, L"Index already exists."},
+    {3289, L"Syntax error in CONSTRAINT clause."},
+    {3290, L"Syntax error in CREATE TABLE statement."},
     {3291, L"Syntax error in CREATE INDEX statement."},
+    {3292, L"Syntax error in field definition."},
+    {3293, L"Syntax error in ALTER TABLE statement."},
+    {3294, L"Syntax error in DROP INDEX statement."},
+    {3295, L"Syntax error in DROP TABLE or DROP INDEX."},
+    {3303, L"Cannot delete this field. It is part of one or more relationships."},
+    {3308, L"Invalid TOP argument in select query."},
     {3314,
      L"The field '|' cannot contain a Null value because the Required property for this field is "
      L"set to True. Enter a value in this field."},
@@ -164,12 +195,15 @@ constexpr Entry entries[] = {
     {3317,
      L"One or more values are prohibited by the validation rule '|2' set for '|1'. Enter a value "
      L"that the expression for this field can accept."},
+    {3319, L"Syntax error in union query."},
+    {3321, L"No database specified in connection string or IN clause."},
     {3340, L"Query '|' is corrupt."},
     {3343, L"Unrecognized database format '|'."},
     {3349, L"Numeric field overflow."},
     {3356,
      L"You attempted to open a database that is already opened exclusively by user '|1' on "
      L"machine '|2'. Try again when the database is available."},
+    {3360, L"Query is too complex."},
     {3366, L"Cannot append a relation with no fields defined."},
     {3367, L"Cannot append. An object with that name already exists in the collection."},
     {3368, L"Relationship must be on the same number of fields with the same data types."},
@@ -206,6 +240,10 @@ constexpr Entry entries[] = {
      L"A problem occurred in your database. Correct the problem by repairing and compacting the "
      L"database."},
     {3624, L"Could not read the record; currently locked by another user."},
+    {3626,
+     L"The operation failed. There are too many indexes on table '|'. Delete some of the indexes "
+     L"on "
+     L"the table and try the operation again."},
     {3734,
      L"The database has been placed in a state by user '|1' on machine '|2' that prevents it from "
      L"being opened or locked."},

@@ -194,6 +194,41 @@ class PosixFiles final : public FileLayer {
         }
     }
 
+    bool addName(const std::wstring& file, const std::wstring& name) override {
+        if (::link(toUtf8(file).c_str(), toUtf8(name).c_str()) == 0) return true;
+        const int error = errno;
+        if (error == EXDEV || error == EPERM || error == EOPNOTSUPP || error == EMLINK)
+            return false;
+        if (error == EEXIST || error == ENOENT) throwOpening(error, name);
+        throwSystem(error, name, L"adding a name");
+    }
+
+    std::wstring followLinks(const std::wstring& path) override {
+        struct stat status {};
+        if (::lstat(toUtf8(path).c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return path;
+        const std::unique_ptr<char, decltype(&std::free)> target(
+            ::realpath(toUtf8(path).c_str(), nullptr), &std::free);
+        if (target == nullptr) throwOpening(errno, path);
+        return fromUtf8(target.get());
+    }
+
+    void copyPermissions(const std::wstring& from, const std::wstring& to) override {
+        struct stat status {};
+        const std::string target = toUtf8(to);
+        if (::stat(toUtf8(from).c_str(), &status) != 0) {
+            throwSystem(errno, from, L"asking for the permissions");
+        }
+        // Only a privileged user gives files away; the mode comes behind, since that takes bits of
+        // it away.
+        const bool isOwned = ::chown(target.c_str(), status.st_uid, status.st_gid) == 0 ||
+                             ::chown(target.c_str(), static_cast<uid_t>(-1), status.st_gid) == 0;
+        constexpr mode_t groupBits = S_IRWXG;
+        const mode_t mode = status.st_mode & 07777;
+        if (::chmod(target.c_str(), isOwned ? mode : mode & ~groupBits) != 0) {
+            throwSystem(errno, to, L"setting the permissions");
+        }
+    }
+
     void remove(const std::wstring& path) override {
         if (::unlink(toUtf8(path).c_str()) != 0 && errno != ENOENT) {
             throwSystem(errno, path, L"removing");

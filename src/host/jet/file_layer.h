@@ -69,6 +69,13 @@ class SG_API FileLayer {
     virtual FileIdentity identityOf(const std::wstring& path) = 0;
     // Takes the place of a file that is called `to`.
     virtual void rename(const std::wstring& from, const std::wstring& to) = 0;
+    // A second name for a file. False where the file system has no such names or `name` is on
+    // another one; throws DatabaseExists when something is called so already.
+    virtual bool addName(const std::wstring& file, const std::wstring& name) = 0;
+    // The file's path without a symbolic link at its end; `path` itself when it is none.
+    virtual std::wstring followLinks(const std::wstring& path) = 0;
+    // Gives the file `to` the permissions of `from`, and its owner and group as far as may be.
+    virtual void copyPermissions(const std::wstring& from, const std::wstring& to) = 0;
     // Nothing happens when there is no such file.
     virtual void remove(const std::wstring& path) = 0;
     // Returns when the names in the folder of `path` are on the disk as they are now.

@@ -69,6 +69,7 @@ constexpr Format makeJet3() {
                    .next = 12,
                    .tail = 16,
                    .prefixLength = 20,
+                   .level = 21,
                    .entryMask = 22,
                    .entries = 0xF8};
     f.row = {.countSize = 1, .hasJumpTable = true, .maxSize = 2012};
@@ -135,6 +136,7 @@ constexpr Format makeJet4() {
                    .next = 16,
                    .tail = 20,
                    .prefixLength = 24,
+                   .level = 26,
                    .entryMask = 27,
                    .entries = 0x1E0};
     f.row = {.countSize = 2, .hasJumpTable = false, .maxSize = 4060};

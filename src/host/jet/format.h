@@ -127,6 +127,7 @@ struct IndexPageLayout {
     size_t next;
     size_t tail;
     size_t prefixLength;
+    size_t level;
     size_t entryMask;
     size_t entries;  // where the mask ends and the first entry begins
 };

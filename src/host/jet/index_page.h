@@ -10,6 +10,10 @@
 // One page of an index's B-tree. See docs/formats/jet_index.md, "Index pages".
 namespace sg::jet {
 
+// No tree is followed deeper than this: with two children to a node it would have more leaves than
+// a file has pages.
+inline constexpr size_t maxIndexDepth = 24;
+
 // Entries are addressed by their offset from the page's first entry: the first is at 0, and each
 // begins where the one before it ends. Nothing is unpacked; what the page says of its entries is
 // checked when it is used, and every function throws Damaged where it contradicts itself.
@@ -17,6 +21,8 @@ class SG_API IndexPage {
   public:
     // The page, which must be one of an index.
     static IndexPage read(const PageStore& store, uint32_t page);
+    // The same of bytes that are at hand.
+    static IndexPage over(const Format& format, PageRef page);
     IndexPage() = default;
 
     uint32_t page() const { return page_.page(); }
@@ -35,11 +41,15 @@ class SG_API IndexPage {
     // The offset of the entry before `start`, which is an entry's or end() and not 0.
     size_t before(size_t start) const;
 
+    // Of the whole entry at `start`.
+    size_t entrySize(size_t start) const;
     // Copies the entry at `start` to `entry`, prefix included: the key, four bytes of row, and in a
     // node four bytes of child page.
     void copyEntry(size_t start, std::vector<uint8_t>& entry) const;
     // Where a node's entry leads.
     uint32_t child(size_t start) const;
+    // The child for what is behind all entries of a node: its tail, else the last one's.
+    uint32_t lastChild() const;
 
     // -1, 0 or 1 as the entry's key and row are before `target`, begin with it, or are behind it.
     int compare(size_t start, ByteView target) const;
@@ -49,8 +59,13 @@ class SG_API IndexPage {
   private:
     size_t trailerSize() const { return leaf_ ? 4 : 8; }
     size_t greatestBit(size_t limit) const;
+    size_t lastBit() const;
     size_t entryStart(size_t offset) const;
+    size_t farAfter(size_t bit) const;
     ByteView stored(size_t start) const;
+    [[noreturn]] void throwTooShort() const;
+    int comparePrefix(ByteView target) const;
+    int compareRest(size_t start, size_t next, ByteView rest) const;
 
     PageRef page_;
     const Format* format_ = nullptr;

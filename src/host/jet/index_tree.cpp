@@ -8,9 +8,6 @@ namespace sg::jet {
 
 namespace {
 
-// A page holds at least four entries of the longest key, so that no file has room for this depth.
-constexpr int kMaxDepth = 24;
-
 // Steps over empty pages: no more of them than the file has pages.
 class StepLimit {
   public:
@@ -29,24 +26,17 @@ IndexPage readLeaf(const PageStore& store, uint32_t page) {
     return leaf;
 }
 
-// The child for entries behind all those that the node names: its tail, else its last one.
-uint32_t lastChild(const IndexPage& node) {
-    if (node.tail() != 0) return node.tail();
-    if (node.empty()) throwDamaged(L"an index node leads nowhere", node.page());
-    return node.child(node.before(node.end()));
-}
-
 }  // namespace
 
 // To the leaf that the bound is on, and to its place there, which may be that leaf's end.
 bool IndexCursor::descendToBound(ByteView target, bool beyond) {
     valid_ = false;
     uint32_t page = root_;
-    for (int depth = 0; depth < kMaxDepth; ++depth) {
+    for (size_t depth = 0; depth < maxIndexDepth; ++depth) {
         leaf_ = IndexPage::read(*store_, page);
         position_ = leaf_.search(target, beyond);
         if (leaf_.isLeaf()) return true;
-        page = position_ < leaf_.end() ? leaf_.child(position_) : lastChild(leaf_);
+        page = position_ < leaf_.end() ? leaf_.child(position_) : leaf_.lastChild();
     }
     throwDamaged(L"an index is too deep", root_);
 }
@@ -54,11 +44,11 @@ bool IndexCursor::descendToBound(ByteView target, bool beyond) {
 bool IndexCursor::descendToEnd() {
     valid_ = false;
     uint32_t page = root_;
-    for (int depth = 0; depth < kMaxDepth; ++depth) {
+    for (size_t depth = 0; depth < maxIndexDepth; ++depth) {
         leaf_ = IndexPage::read(*store_, page);
         position_ = leaf_.end();
         if (leaf_.isLeaf()) return true;
-        page = lastChild(leaf_);
+        page = leaf_.lastChild();
     }
     throwDamaged(L"an index is too deep", root_);
 }

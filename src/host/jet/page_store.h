@@ -4,13 +4,13 @@
 #include <memory>
 #include <span>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "base/export.h"
 #include "host/jet/byte_view.h"
 #include "host/jet/format.h"
 
-// Pages by number, whatever stands behind them: a file, a buffer, later a transaction's view.
+// Pages by number, whatever stands behind them: a file, a buffer, a transaction's view.
 namespace sg::jet {
 
 // The bytes of one page, kept as long as somebody holds them. Frames belong to one thread.
@@ -80,42 +80,6 @@ class SG_API PageStore {
     size_t pageSize() const { return format().pageSize; }
     // The page, which must be of this kind: Damaged otherwise.
     PageRef read(uint32_t page, PageKind kind) const;
-};
-
-// A file, read with pread through a cache that holds at most `cacheBytes` (and at least 16 pages).
-// Pages that somebody holds do not count once the cache has let them go.
-class SG_API FilePageStore final : public PageStore {
-  public:
-    static constexpr size_t defaultCacheBytes = 16 * 1024 * 1024;
-
-    // Throws FileNotFound, CannotOpenFile when the file may not be read, UnrecognizedFormat and
-    // CannotOpenDatabase as identifyFormat() does.
-    explicit FilePageStore(const std::wstring& path, size_t cacheBytes = defaultCacheBytes);
-    ~FilePageStore() override;
-    FilePageStore(const FilePageStore&) = delete;
-    FilePageStore& operator=(const FilePageStore&) = delete;
-
-    const Format& format() const override { return *format_; }
-    uint32_t pageCount() const override { return pageCount_; }
-    const std::wstring& name() const override { return name_; }
-    PageRef read(uint32_t page) const override;
-    using PageStore::read;
-
-    // Pages in the cache at the moment.
-    size_t cachedPages() const { return ring_.size(); }
-
-  private:
-    PageFrame* load(uint32_t page) const;
-    void admit(PageFrame* frame) const;
-
-    int file_ = -1;
-    std::wstring name_;
-    const Format* format_ = nullptr;
-    uint32_t pageCount_ = 0;
-    size_t capacity_ = 0;                     // pages
-    mutable std::vector<PageFrame*> byPage_;  // null where the page is not in the cache
-    mutable std::vector<PageFrame*> ring_;    // every cached frame once; one holder each
-    mutable size_t hand_ = 0;                 // where the search for a frame to let go continues
 };
 
 // A file's bytes in memory. The buffer must outlive the store and every PageRef.

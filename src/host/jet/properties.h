@@ -31,6 +31,9 @@ class SG_API Properties {
     // is no property value or contradicts itself.
     static Properties parse(ByteView bytes, const Format& format);
 
+    // The bytes that parse() reads, for Jet 4 and ACE; none when there is no property.
+    Bytes serialize(const Format& format) const;
+
     const std::vector<PropertyBlock>& blocks() const { return blocks_; }
 
     // The property `name` of `owner`, both ignoring case; nullptr when there is none. The owner ""
@@ -41,7 +44,15 @@ class SG_API Properties {
     // The same as a truth value, false when there is none or it is neither a Boolean nor a number.
     bool flag(std::wstring_view owner, std::wstring_view name) const;
 
+    // Sets the property `property.name` of `owner`; a Null value takes it away.
+    void set(std::wstring_view owner, const Property& property);
+    // Takes everything of a column away, or gives it to the column's new name.
+    void removeOwner(std::wstring_view owner);
+    void renameOwner(std::wstring_view owner, std::wstring_view newName);
+
   private:
+    PropertyBlock& blockFor(std::wstring_view owner);
+
     std::vector<PropertyBlock> blocks_;
 };
 

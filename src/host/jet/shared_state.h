@@ -39,7 +39,8 @@ struct SharedBlock {
     std::atomic<uint64_t> pageCount;  // after the last commit
     std::atomic<uint64_t> failed;     // not 0 when a sync failed: the log must stay as it is
     std::atomic<uint64_t> writer;     // the slot of the last who took the write lock
-    uint64_t reserved[5];
+    std::atomic<uint64_t> design;  // the last commit that changed the catalog or a definition
+    uint64_t reserved[4];
     std::atomic<uint64_t> locked[recordLocks];  // record's key and slot, or 0: names for conflicts
     SharedUser users[maxUsers];
 };

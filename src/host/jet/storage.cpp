@@ -100,6 +100,11 @@ uint32_t Storage::pageCount() const {
     return logView_->pageCount();
 }
 
+uint64_t Storage::sequence() const {
+    const ReadScope scope(*this);
+    return logView_->sequence();
+}
+
 PageRef Storage::read(uint32_t page) const {
     const ReadScope scope(*this);
     checkPage(page, logView_->pageCount());

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -44,6 +45,8 @@ struct StorageOptions {
     UserName name{};
     // Null: posixFiles().
     FileLayer* files = nullptr;
+    // From the path of a linked table's file, whole and with "/", to the path to open.
+    std::function<std::wstring(const std::wstring&)> findFile{};
 };
 
 // A database file with the log beside it, read and written in whole transactions by any number of
@@ -93,6 +96,11 @@ class SG_API Storage final : public PageStore {
 
     // Changes with every commit of any process. It costs no system call.
     uint64_t changeCounter() const { return shared_->block().committed.load(); }
+    // The commit that made the state which is read now.
+    uint64_t sequence() const;
+    // The last commit that changed the design; it may be one that is just being made. What was read
+    // of the design in a state before it must be read again. It costs no system call.
+    uint64_t designSequence() const { return shared_->block().design.load(); }
 
     // Begins to write. Throws ReadOnlyDatabase, InvalidOperation when a transaction is open
     // already, and 3186 with the other user's name when another process writes for too long.
@@ -114,6 +122,10 @@ class SG_API Storage final : public PageStore {
     // Brings everything over, as far as no other process reads an older state, and removes the log
     // when nobody else has the database open. An open transaction is rolled back.
     void close();
+
+    // Locks a database file, opened for writing, against every open() for as long as `file` lives.
+    // False when somebody has it open. For who reads or replaces the file as it is on the disk.
+    static bool lockAlone(File& file);
 
     // The name under which open() put a log that did not belong to the database file as it was
     // found: another program had changed the file. Empty when there was none.

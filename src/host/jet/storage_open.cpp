@@ -37,7 +37,13 @@ std::unique_ptr<Storage> Storage::open(const std::wstring& path, OpenMode mode,
 std::unique_ptr<Storage> Storage::create(const std::wstring& path, const Format& format,
                                          const StorageOptions& options) {
     std::unique_ptr<Storage> storage(new Storage(path, OpenMode::Exclusive, options));
-    storage->openFiles(&format);
+    try {
+        storage->openFiles(&format);
+    } catch (const Error&) {
+        // The format is known once the file has been made.
+        if (storage->format_ != nullptr) storage->files_->remove(path);
+        throw;
+    }
     return storage;
 }
 
@@ -62,9 +68,12 @@ void Storage::openFiles(const Format* newFormat) {
     const FileAccess access = newFormat != nullptr          ? FileAccess::CreateNew
                               : mode_ == OpenMode::ReadOnly ? FileAccess::Read
                                                             : FileAccess::ReadWrite;
-    database_ = files_->open(path_, access);
-    format_ = newFormat;
-    lockDatabase();
+    // Another file may take the name between the opening and the lock.
+    do {
+        database_ = files_->open(path_, access);
+        format_ = newFormat;
+        lockDatabase();
+    } while (newFormat == nullptr && files_->identityOf(path_) != database_->identity());
     if (newFormat == nullptr) checkStart();
     try {
         shared_ = std::make_unique<SharedState>(*files_, sharedPath(path_), path_);
@@ -127,6 +136,10 @@ void Storage::lockDatabase() {
                  !database_->isLockedByOther(LockKind::Exclusive, privateByte);
     }
     if (!isFree) throw Error(FileInUse, {path_}, {.file = path_});
+}
+
+bool Storage::lockAlone(File& file) {
+    return file.tryLock(LockKind::Exclusive, openByte);
 }
 
 void Storage::attach(bool isNew) {

@@ -29,8 +29,8 @@ class SG_API Table {
     const PageStore& store() const { return *store_; }
     const TableDefinition& definition() const { return *definition_; }
     const std::wstring& name() const { return definition_->name; }
-    // As the definition has it.
-    uint32_t rowCount() const { return definition_->rowCount; }
+    // As the definition's page has it now.
+    uint32_t rowCount() const;
 
     // A cursor before the first row.
     RowCursor scan() const;
@@ -43,8 +43,12 @@ class SG_API Table {
 
 // Walks a table's rows page by page in ascending order, and within a page in the order of the row
 // directory. Deleted rows are passed over; a row that overflowed comes where its id is.
+//
+// Its place is a row or, after a call that answers false, between rows. It keeps the pages that it
+// reads as they were: who lets others write meanwhile calls refresh() before going on.
 class SG_API RowCursor {
   public:
+    // Before the first row.
     explicit RowCursor(const Table& table);
     RowCursor(const RowCursor&) = delete;
     RowCursor& operator=(const RowCursor&) = delete;
@@ -52,10 +56,26 @@ class SG_API RowCursor {
     // Goes to the next row; false behind the last. Throws Error with table and page for a damaged
     // page or row; called again after that it goes on with what stands behind.
     bool next();
+    // The same backwards; false before the first.
+    bool previous();
+    bool first();
+    bool last();
 
     // Goes to the row with this id; false, with no row under the cursor, when there is no row with
     // it in this table or it is deleted. next() goes on behind it.
     bool seek(RowId id);
+    // Goes to the first row behind `id`, to the last one before it. No row need have the id.
+    bool seekAfter(RowId id);
+    bool seekBefore(RowId id);
+
+    // Reads again what has changed. True when the cursor stood on a row and that is still there;
+    // next() and previous() go on from its place in any case.
+    bool refresh();
+    // Lets the pages go, and the place with them: the next call must be one that does not need it.
+    void release();
+
+    // Whether there is a row under the cursor.
+    bool valid() const { return valid_; }
 
     // The rest is for a cursor that stands on a row. Columns are places in
     // TableDefinition::columns.
@@ -68,19 +88,26 @@ class SG_API RowCursor {
 
   private:
     bool advance();
+    bool goBack();
     bool openNextPage();
+    bool openPreviousPage();
+    void readMap();
+    DataPage ownPage(uint32_t number) const;
     bool belongsHere(const DataPage& page) const;
     void stand(uint16_t row);
+    void startAt(uint32_t page, uint32_t row, uint32_t behind);
 
     Table table_;
     std::optional<UsageMap> map_;
-    DataPage page_;      // whose directory is walked
+    DataPage page_;      // whose directory is walked; none when the place is between pages
     DataPage overflow_;  // where the bytes of a row that overflowed are
     RowReader reader_;
     RowId id_;
-    uint32_t nextPage_ = 0;  // where the search for the next page begins
-    uint32_t nextRow_ = 0;   // of page_
-    bool finished_ = false;
+    bool valid_ = false;
+    uint32_t row_ = 0;       // of page_: those below it are before the place
+    uint32_t nextRow_ = 0;   // of page_: those from it on are behind the place
+    uint32_t nextPage_ = 0;  // those from it on are behind the place; without page_ the rest before
+    bool finished_ = false;  // nothing is behind the place
 };
 
 }  // namespace sg::jet

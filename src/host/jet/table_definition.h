@@ -45,8 +45,10 @@ struct Column {
     std::optional<RowId> freePages;
 
     bool isFixed() const { return (flags & columns::fixedFlag) != 0; }
+    // Columns of other types may have the flag for identifiers, where it means nothing.
     bool isAutoNumber() const {
-        return (flags & (columns::autoNumberFlag | columns::autoGuidFlag)) != 0;
+        return (flags & columns::autoNumberFlag) != 0 ||
+               (type == ColumnType::Guid && (flags & columns::autoGuidFlag) != 0);
     }
     bool isHyperlink() const {
         return type == ColumnType::Memo && (flags & columns::hyperlinkFlag);
@@ -55,11 +57,15 @@ struct Column {
     bool isCalculated() const { return (extraFlags & columns::calculatedMask) != 0; }
     bool isLongValue() const { return type == ColumnType::Memo || type == ColumnType::Ole; }
     bool isText() const { return type == ColumnType::Text || type == ColumnType::Memo; }
+
+    bool operator==(const Column&) const = default;
 };
 
 struct IndexColumn {
     uint16_t column = 0;  // Column::number
     bool ascending = true;
+
+    bool operator==(const IndexColumn&) const = default;
 };
 
 // A B-tree. Several logical indexes may stand on one.
@@ -84,7 +90,9 @@ struct LogicalIndex {
     uint32_t realIndex = 0;
     IndexKind kind = IndexKind::Normal;
     // Foreign only:
-    uint8_t relatedType = 0;        // 1 in the table referred to, 2 in the one that refers
+    static constexpr uint8_t referredTo = 1;
+    static constexpr uint8_t refers = 2;
+    uint8_t relatedType = 0;        // what the table is in the relation
     uint32_t relatedIndex = 0;      // LogicalIndex::number in the other table
     uint32_t relatedTablePage = 0;  // definition page of the other table
     bool cascadeUpdates = false;
@@ -92,6 +100,8 @@ struct LogicalIndex {
 
     bool isForeign() const { return kind == IndexKind::Foreign; }
     bool isPrimary() const { return kind == IndexKind::Primary; }
+
+    bool operator==(const LogicalIndex&) const = default;
 };
 
 struct SG_API TableDefinition {

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "base/export.h"
 #include "host/jet/byte_view.h"
 #include "host/jet/format.h"
+#include "host/jet/value.h"
 
 // Texts as rows and definitions hold them. See docs/formats/jet.md, "Text".
 namespace sg::jet {
@@ -13,7 +15,15 @@ namespace sg::jet {
 // Replaces `text`, whose memory is used again. An odd byte at the end of UTF-16 is left out.
 SG_API void decodeText(ByteView bytes, const Format& format, std::wstring& text);
 
+// Replaces `bytes` by the text's: UTF-16, compressed when `compress` is set, every character is one
+// of U+0001 to U+00FF, and that is shorter and no longer than 4096 bytes. For Jet 4 and ACE. A text
+// that begins with U+FEFF is compressed in any case, since nothing else tells it from a compressed
+// one; throws ConversionError when it has characters that can't be.
+SG_API void encodeText(std::wstring_view text, bool compress, Bytes& bytes);
+
 // A name in a definition or a property block, which is never compressed.
 SG_API std::wstring decodeName(ByteView bytes, const Format& format);
+// The reverse, for Jet 4 and ACE.
+SG_API void encodeName(std::wstring_view name, Bytes& bytes);
 
 }  // namespace sg::jet

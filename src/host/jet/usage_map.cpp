@@ -1,5 +1,6 @@
 #include "host/jet/usage_map.h"
 
+#include <algorithm>
 #include <bit>
 
 #include "host/jet/data_page.h"
@@ -17,6 +18,21 @@ std::optional<uint64_t> nextBit(ByteView bits, uint64_t from) {
         }
         if (value != 0) {
             return byte * 8 + static_cast<unsigned>(std::countr_zero(value));
+        }
+    }
+    return std::nullopt;
+}
+
+// The last set bit of `bits` that is below `before`.
+std::optional<uint64_t> previousBit(ByteView bits, uint64_t before) {
+    const uint64_t end = std::min<uint64_t>(before, bits.size() * 8);
+    for (uint64_t byte = (end + 7) / 8; byte-- > 0;) {
+        unsigned value = bits.data()[byte];
+        if (end - byte * 8 < 8) {
+            value &= (1u << (end - byte * 8)) - 1;
+        }
+        if (value != 0) {
+            return byte * 8 + static_cast<unsigned>(std::bit_width(value)) - 1;
         }
     }
     return std::nullopt;
@@ -72,10 +88,36 @@ std::optional<uint64_t> UsageMap::nextReferenced(uint64_t from) const {
     return std::nullopt;
 }
 
+std::optional<uint64_t> UsageMap::previousInline(uint64_t before) const {
+    const auto bit =
+        previousBit({bits_.data(), bits_.size()}, before > firstPage_ ? before - firstPage_ : 0);
+    return bit ? std::optional(*bit + firstPage_) : std::nullopt;
+}
+
+std::optional<uint64_t> UsageMap::previousReferenced(uint64_t before) const {
+    const uint64_t perPage = bitsOfMapPage();
+    const uint64_t end = std::min<uint64_t>(before, mapPages_.size() * perPage);
+    for (uint64_t range = (end + perPage - 1) / perPage; range-- > 0;) {
+        if (mapPages_[range] == 0) {
+            continue;
+        }
+        const PageRef page = store_->read(mapPages_[range], PageKind::UsageMap);
+        if (const auto bit = previousBit(page->from(maps::pageBits), end - range * perPage)) {
+            return range * perPage + *bit;
+        }
+    }
+    return std::nullopt;
+}
+
 std::optional<uint32_t> UsageMap::next(uint32_t from) const {
     const auto page = isInline() ? nextInline(from) : nextReferenced(from);
     // A set that reaches beyond what a page number can hold has no more pages.
     return page && *page <= 0xffffffff ? std::optional(static_cast<uint32_t>(*page)) : std::nullopt;
+}
+
+std::optional<uint32_t> UsageMap::previous(uint32_t before) const {
+    const auto page = isInline() ? previousInline(before) : previousReferenced(before);
+    return page ? std::optional(static_cast<uint32_t>(*page)) : std::nullopt;
 }
 
 bool UsageMap::contains(uint32_t page) const {

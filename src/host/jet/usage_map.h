@@ -28,6 +28,8 @@ class SG_API UsageMap {
     // The first page in the set that is not below `from`, also if it is beyond the file's end.
     // Throws Damaged when a map page can't be read.
     std::optional<uint32_t> next(uint32_t from) const;
+    // The last page in the set that is below `before`; throws as next().
+    std::optional<uint32_t> previous(uint32_t before) const;
     bool contains(uint32_t page) const;
 
     // All of them, ascending. Throws Damaged when one is beyond the file's end.
@@ -39,6 +41,8 @@ class SG_API UsageMap {
     uint64_t bitsOfMapPage() const;
     std::optional<uint64_t> nextInline(uint64_t from) const;
     std::optional<uint64_t> nextReferenced(uint64_t from) const;
+    std::optional<uint64_t> previousInline(uint64_t before) const;
+    std::optional<uint64_t> previousReferenced(uint64_t before) const;
 
     const PageStore* store_;
     uint32_t firstPage_ = 0;

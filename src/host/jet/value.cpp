@@ -26,7 +26,9 @@ std::wstring withPoint(std::wstring digits, size_t scale, bool negative) {
 
 DateParts partsOf(Date date) {
     const double given = std::isnan(date.days) ? 0 : date.days;
-    const double clamped = std::clamp(given, firstDay, endOfDays - 1.0 / (2 * secondsOfDay) - 1e-9);
+    const double end = endOfDays - 1.0 / (2 * secondsOfDay) - 1e-9;
+    // The times of the first day lie below its number.
+    const double clamped = given > firstDay - 1 ? std::min(given, end) : firstDay;
     double day = std::trunc(clamped);
     auto seconds = static_cast<int64_t>(std::llround(std::abs(clamped - day) * secondsOfDay));
     if (seconds == secondsOfDay) {

@@ -2,9 +2,10 @@
 
 #include "base/export.h"
 #include "host/jet/byte_view.h"
+#include "host/jet/table_definition.h"
 #include "host/jet/value.h"
 
-// From the bytes of one value to the value. See docs/formats/jet.md, "Values".
+// Between the bytes of one value and the value. See docs/formats/jet.md, "Values".
 namespace sg::jet {
 
 // Decodes `bytes` as a value of `type`. Text and Memo, Binary and Ole are taken as the content
@@ -13,5 +14,15 @@ namespace sg::jet {
 // Damaged when there are fewer bytes than the type has.
 SG_API void decodeValue(ColumnType type, ByteView bytes, const Format& format, uint8_t scale,
                         Value& into);
+
+// Replaces `bytes` by those of `value`, which is of the column's type as value.h names it (see
+// convertTo()) and not Null; of a Boolean there are none, and of Text, Memo, Binary and Ole they
+// are the content itself. The bytes of a fixed Text column are filled up with blanks, those of a
+// fixed Binary one with zeros. A type that is not known has Bytes. For Jet 4 and ACE. Throws
+// FieldTooSmall when they are more than the column holds (of a Text: uncompressed), and
+// ConversionError for a value of another type and for a Decimal that has another scale than the
+// column or more digits than its precision; both with the column's name.
+SG_API void encodeValue(const Column& column, const Value& value, const Format& format,
+                        Bytes& bytes);
 
 }  // namespace sg::jet

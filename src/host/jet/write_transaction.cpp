@@ -149,9 +149,13 @@ void WriteTransaction::keepBefore(uint32_t page, const std::optional<Change>& ch
 
 WriteTransaction::SavepointId WriteTransaction::savepoint() {
     requireOpen();
-    if (savepoints_.empty() && memoryBytes() > storage_->options_.transactionBytes) writeEarly();
+    limitMemory();
     savepoints_.push_back({++lastSavepoint_, pageCount_, {}});
     return lastSavepoint_;
+}
+
+void WriteTransaction::limitMemory() {
+    if (savepoints_.empty() && memoryBytes() > storage_->options_.transactionBytes) writeEarly();
 }
 
 WriteTransaction::Savepoint& WriteTransaction::find(SavepointId id) {
@@ -263,6 +267,8 @@ void WriteTransaction::commit() {
 void WriteTransaction::publish() {
     SharedBlock& block = storage_->shared_->block();
     block.pageCount.store(pageCount_);
+    // Before the commit is seen, so that whoever sees it sees this too.
+    if (changesDesign_) block.design.store(appender_.sequence());
     block.committed.store(appender_.sequence());
 
     PageLog& log = *storage_->logView_;

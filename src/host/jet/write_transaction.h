@@ -33,9 +33,9 @@ class SG_API WriteTransaction final : public PageStore {
     PageRef read(uint32_t page) const override;
     using PageStore::read;
 
-    // The page's bytes, to be changed in place until the next savepoint(), rollbackTo(), commit()
-    // or rollback(), or until somebody takes a reference with read() and write() is called again.
-    // References from before keep the bytes that they were given.
+    // The page's bytes, to be changed in place until the next savepoint(), limitMemory(),
+    // rollbackTo(), commit() or rollback(), or until somebody takes a reference with read() and
+    // write() is called again. References from before keep the bytes that they were given.
     std::span<uint8_t> write(uint32_t page);
     // Adds pages of zeros at the end and answers the first one's number. Throws DiskFull when the
     // file would become larger than its format allows.
@@ -51,6 +51,13 @@ class SG_API WriteTransaction final : public PageStore {
     void release(SavepointId id);
     // Undoes what was done since; the savepoint is gone then.
     void rollbackTo(SavepointId id);
+
+    // Lets pages go to the log early as savepoint() does, without making one: then what write()
+    // gave holds no longer.
+    void limitMemory();
+
+    // Others will be told that this transaction changes the catalog or a definition.
+    void noteDesignChange() { changesDesign_ = true; }
 
     // Makes all of it visible. When that throws, all of it has been rolled back.
     void commit();
@@ -87,6 +94,7 @@ class SG_API WriteTransaction final : public PageStore {
 
     Storage* storage_;
     bool isOpen_ = true;
+    bool changesDesign_ = false;
     uint32_t pageCount_;
     LogAppender appender_;
     mutable std::unordered_map<uint32_t, Change> changes_;

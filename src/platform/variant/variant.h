@@ -47,6 +47,9 @@ struct SAFEARRAY;
 // the last. COleVariant does both.
 struct VARIANT {
     VARTYPE vt;
+    uint8_t decScale;  // VT_DECIMAL: digits behind the point, 0 to 28
+    uint8_t decSign;   // VT_DECIMAL: 0x80 when negative
+    uint32_t decHi32;  // VT_DECIMAL: the magnitude's upper part
     union {
         int16_t iVal;          // VT_I2
         int32_t lVal;          // VT_I4, VT_ERROR
@@ -56,6 +59,7 @@ struct VARIANT {
         double dblVal;         // VT_R8
         double date;           // VT_DATE: days since 1899-12-30
         CY cyVal;              // VT_CY
+        uint64_t decLo64;      // VT_DECIMAL: the magnitude's lower part
         BSTR bstrVal;          // VT_BSTR, owned
         SAFEARRAY* parray;     // VT_ARRAY, owned
     };

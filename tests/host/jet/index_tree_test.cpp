@@ -1,4 +1,5 @@
 #include "host/jet/index_tree.h"
+#include "host/jet/file_content.h"
 
 #include <gtest/gtest.h>
 
@@ -388,7 +389,7 @@ TEST(IndexTree, EveryIndexOfRealFilesAgreesWithItsRows) {
     if (files.empty()) GTEST_SKIP() << "no real databases";
     for (const auto& file : files) {
         SCOPED_TRACE(file.filename().string());
-        checkIndexes(FilePageStore(file.wstring()));
+        checkIndexes(test::FileContent(file.wstring()));
     }
 }
 

@@ -1,4 +1,5 @@
 #include "host/jet/page_store.h"
+#include "host/jet/storage.h"
 
 #include <gtest/gtest.h>
 
@@ -74,10 +75,10 @@ TEST_F(PageStoreTest, CountsWholePagesAndReadsNoOther) {
     Bytes bytes = test::sampleFile(Version::Jet4);
     const auto pages = static_cast<uint32_t>(bytes.size() / 4096);
     bytes.resize(bytes.size() + 100);
-    const FilePageStore file(write(bytes));
+    const auto file = Storage::open(write(bytes), OpenMode::ReadOnly);
     const MemoryPageStore memory(bytes, L"memory");
     for (const PageStore* store :
-         {static_cast<const PageStore*>(&file), static_cast<const PageStore*>(&memory)}) {
+         {static_cast<const PageStore*>(file.get()), static_cast<const PageStore*>(&memory)}) {
         EXPECT_EQ(store->pageCount(), pages);
         EXPECT_EQ(store->read(2)->get8(0), 2);
         EXPECT_EQ(codeOf([&] { store->read(pages); }), Damaged);
@@ -89,10 +90,12 @@ TEST_F(PageStoreTest, TooFewPagesAreNoDatabase) {
     Bytes bytes = test::sampleFile(Version::Jet3);
     bytes.resize(3 * 2048 - 1);
     const std::wstring path = write(bytes);
-    EXPECT_EQ(codeOf([&] { FilePageStore store(path); }), CannotOpenDatabase);
-    EXPECT_EQ(codeOf([&] { FilePageStore store(path + L"x"); }), FileNotFound);
-    EXPECT_EQ(codeOf([&] { FilePageStore store(fromUtf8(testing::TempDir())); }), CannotOpenFile);
-    EXPECT_EQ(codeOf([&] { FilePageStore store(std::wstring(5000, L'x')); }), InvalidPath);
+    EXPECT_EQ(codeOf([&] { Storage::open(path, OpenMode::ReadOnly); }), CannotOpenDatabase);
+    EXPECT_EQ(codeOf([&] { Storage::open(path + L"x", OpenMode::ReadOnly); }), FileNotFound);
+    EXPECT_EQ(codeOf([&] { Storage::open(fromUtf8(testing::TempDir()), OpenMode::ReadOnly); }),
+              CannotOpenFile);
+    EXPECT_EQ(codeOf([&] { Storage::open(std::wstring(5000, L'x'), OpenMode::ReadOnly); }),
+              InvalidPath);
 }
 
 TEST_F(PageStoreTest, TheCacheStaysWithinItsLimitAndHeldPagesKeepTheirBytes) {
@@ -100,25 +103,26 @@ TEST_F(PageStoreTest, TheCacheStaysWithinItsLimitAndHeldPagesKeepTheirBytes) {
     for (uint8_t i = 0; i < 60; ++i) {
         builder.page(builder.addDataPage(0))[100] = i;
     }
-    FilePageStore store(write(builder.bytes()), 20 * 2048);
-    const PageRef held = store.read(4);
+    StorageOptions options;
+    options.cacheBytes = 20 * 2048;
+    const auto store = Storage::open(write(builder.bytes()), OpenMode::ReadOnly, options);
+    const PageRef held = store->read(4);
     PageRef copy = held;
     for (int round = 0; round < 3; ++round) {
-        for (uint32_t page = 4; page < store.pageCount(); ++page) {
-            EXPECT_EQ(store.read(page)->get8(100), page - 4);
-            EXPECT_LE(store.cachedPages(), 20u);
+        for (uint32_t page = 4; page < store->pageCount(); ++page) {
+            EXPECT_EQ(store->read(page)->get8(100), page - 4);
+            EXPECT_LE(store->cachedPages(), 20u);
         }
     }
     EXPECT_EQ(held->get8(100), 0);
-    copy = store.read(5);
+    copy = store->read(5);
     EXPECT_EQ(copy->get8(100), 1);
 }
 
 TEST_F(PageStoreTest, AFileThatShrinksIsADiskError) {
-    const std::wstring path = write(test::sampleFile(Version::Jet4));
-    const FilePageStore store(path);
+    const auto store = Storage::open(write(test::sampleFile(Version::Jet4)), OpenMode::ReadOnly);
     std::filesystem::resize_file(path_, 2 * 4096);
-    EXPECT_EQ(codeOf([&] { store.read(3); }), DiskOrNetwork);
+    EXPECT_EQ(codeOf([&] { store->read(3); }), DiskOrNetwork);
 }
 
 TEST(ByteViewTest, NothingIsReadBeyondTheEnd) {

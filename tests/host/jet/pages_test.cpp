@@ -124,6 +124,10 @@ TEST_P(PagesTest, MapsOfBothKindsNameTheSamePages) {
         EXPECT_EQ(map.next(1), 3u);
         EXPECT_EQ(map.next(5), std::nullopt);
         EXPECT_EQ(map.next(0xffffffff), std::nullopt);
+        EXPECT_EQ(map.previous(0xffffffff), 4u);
+        EXPECT_EQ(map.previous(4), 3u);
+        EXPECT_EQ(map.previous(3), 0u);
+        EXPECT_EQ(map.previous(0), std::nullopt);
         EXPECT_TRUE(map.contains(4));
         EXPECT_FALSE(map.contains(2));
     }
@@ -142,8 +146,11 @@ TEST_P(PagesTest, MapsReachFarAndFailClearly) {
     MemoryPageStore& s = store();
     const UsageMap map = UsageMap::read(s, second);
     EXPECT_EQ(map.next(0), (format_.pageSize - 4) * 8);
+    EXPECT_EQ(map.previous(0xffffffff), (format_.pageSize - 4) * 8);
+    EXPECT_EQ(map.previous((format_.pageSize - 4) * 8), std::nullopt);
     EXPECT_THROW(map.pages(), Error);
     EXPECT_THROW(UsageMap::read(s, wrongPage).next(0), Error);
+    EXPECT_THROW(UsageMap::read(s, wrongPage).previous(9), Error);
     for (const RowId id : {none, unknown, cut, RowId{1, 200}, RowId{0, 0}, RowId{999, 0}}) {
         EXPECT_THROW(UsageMap::read(s, id), Error) << id.page << "/" << id.row;
     }

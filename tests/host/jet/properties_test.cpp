@@ -5,6 +5,7 @@
 #include "host/jet/database.h"
 #include "host/jet/error.h"
 #include "host/jet/file_builder.h"
+#include "host/jet/value_convert.h"
 
 namespace sg::jet {
 namespace {
@@ -133,6 +134,81 @@ TEST_P(PropertiesTest, TheDatabaseFindsThemWithTheirTable) {
     const Bytes bytes = builder.bytes();
     const Database db(std::make_unique<MemoryPageStore>(bytes, L"p.mdb"));
     EXPECT_EQ(db.tableProperties(L"linked").text(L"", L"Description"), L"all rooms");
+}
+
+// All that a property value tells, one line a property.
+std::vector<std::wstring> told(const Properties& properties) {
+    std::vector<std::wstring> lines;
+    for (const PropertyBlock& block : properties.blocks()) {
+        for (const Property& p : block.properties) {
+            lines.push_back(std::to_wstring(block.kind) + L" " + block.owner + L"." + p.name +
+                            L" " + std::to_wstring(static_cast<int>(p.type)) +
+                            (p.needsDesignRights ? L"! " : L" ") +
+                            std::to_wstring(p.value.index()) + L" " + toInvariantText(p.value));
+        }
+    }
+    return lines;
+}
+
+std::vector<std::wstring> toldAgain(const Properties& properties) {
+    const Bytes bytes = properties.serialize(formatOf(Version::Jet4));
+    return told(Properties::parse({bytes.data(), bytes.size()}, formatOf(Version::Jet4)));
+}
+
+TEST_P(PropertiesTest, WhatIsReadIsWrittenTheSame) {
+    const Properties p = sample(GetParam()).parse();
+    EXPECT_EQ(told(p).size(), 5u);
+    EXPECT_EQ(toldAgain(p), told(p));
+    const PropertyBytes jet4 = sample(Version::Jet4);
+    EXPECT_EQ(p.serialize(formatOf(Version::Jet4)), jet4.bytes);
+    EXPECT_TRUE(Properties().serialize(formatOf(Version::Jet4)).empty());
+}
+
+TEST_P(PropertiesTest, PropertiesAreSetTakenAwayAndGivenToAnotherOwner) {
+    Properties p = sample(GetParam()).parse();
+    p.set(L"AREA", {L"required", ColumnType::Boolean, true, false});
+    p.set(L"Area", {L"Default", ColumnType::Memo, false, std::wstring(L"0")});
+    p.set(L"Name", {L"Caption", ColumnType::Text, false, std::wstring(L"The name")});
+    p.set(L"", {L"ValidationRule", ColumnType::Text, true, std::wstring(L"[Area]>0")});
+    p.set(L"", {L"description", ColumnType::Text, true, Value()});
+    p.set(L"", {L"Never", ColumnType::Text, true, Value()});
+    EXPECT_FALSE(p.flag(L"Area", L"Required"));
+    EXPECT_EQ(p.text(L"area", L"default"), L"0");
+    EXPECT_EQ(p.text(L"", L"ValidationRule"), L"[Area]>0");
+    EXPECT_EQ(p.find(L"", L"Description"), nullptr);
+    EXPECT_EQ(told(p).size(), 7u);
+    EXPECT_EQ(toldAgain(p), told(p));
+    p.renameOwner(L"area", L"Floor");
+    EXPECT_EQ(p.find(L"Area", L"Width"), nullptr);
+    EXPECT_NE(p.find(L"Floor", L"Width"), nullptr);
+    p.removeOwner(L"NAME");
+    EXPECT_EQ(p.find(L"Name", L"Caption"), nullptr);
+    EXPECT_EQ(toldAgain(p), told(p));
+    p.removeOwner(L"Floor");
+    p.removeOwner(L"");
+    EXPECT_TRUE(p.serialize(formatOf(Version::Jet4)).empty());
+}
+
+TEST_P(PropertiesTest, ThePropertiesOfNothingBeginWithTheObject) {
+    Properties p;
+    p.set(L"Area", {L"Caption", ColumnType::Text, false, std::wstring(L"a")});
+    p.set(L"", {L"Caption", ColumnType::Text, false, std::wstring(L"o")});
+    ASSERT_EQ(p.blocks().size(), 2u);
+    EXPECT_EQ(p.blocks()[0].kind, 0);
+    EXPECT_EQ(p.blocks()[1].owner, L"Area");
+    EXPECT_EQ(toldAgain(p), told(p));
+}
+
+TEST_P(PropertiesTest, WhatHasNoRoomIsRefused) {
+    const Format& format = formatOf(Version::Jet4);
+    Properties longName;
+    longName.set(L"", {std::wstring(65, L'n'), ColumnType::Boolean, false, true});
+    EXPECT_THROW(longName.serialize(format), Error);
+    Properties longValue;
+    longValue.set(L"", {L"T", ColumnType::Memo, false, std::wstring(32763, L't')});
+    EXPECT_EQ(toldAgain(longValue), told(longValue));
+    longValue.set(L"", {L"T", ColumnType::Memo, false, std::wstring(32764, L't')});
+    EXPECT_THROW(longValue.serialize(format), Error);
 }
 
 INSTANTIATE_TEST_SUITE_P(Versions, PropertiesTest, testing::Values(Version::Jet3, Version::Jet4));

@@ -121,6 +121,13 @@ void RecordingFiles::rename(const std::wstring& from, const std::wstring& to) {
     names_.erase(from);
 }
 
+bool RecordingFiles::addName(const std::wstring& file, const std::wstring& name) {
+    if (names_.contains(name)) throw Error(DatabaseExists);
+    record({.kind = Kind::AddName, .name = file, .newName = name});
+    names_[name] = names_.at(file);
+    return true;
+}
+
 void RecordingFiles::remove(const std::wstring& path) {
     if (!names_.contains(path)) return;
     record({.kind = Kind::Remove, .name = path});
@@ -174,7 +181,7 @@ struct RecordingFiles::Replay {
             names.erase(operation.name);
         } else if (names.contains(operation.name)) {
             names[operation.newName] = names[operation.name];
-            names.erase(operation.name);
+            if (operation.kind == Kind::Rename) names.erase(operation.name);
         }
     }
     void flushFile(uint64_t file) {

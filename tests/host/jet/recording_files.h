@@ -20,7 +20,7 @@ class RecordingFiles final : public FileLayer {
     using Bytes = std::vector<uint8_t>;
     using Disk = std::map<std::wstring, Bytes>;
 
-    enum class Kind { Write, Truncate, Sync, Create, Remove, Rename, SyncFolder, Mark };
+    enum class Kind { Write, Truncate, Sync, Create, Remove, Rename, AddName, SyncFolder, Mark };
     struct Operation {
         Kind kind;
         uint64_t file = 0;  // its number; of a mark, the mark
@@ -35,6 +35,10 @@ class RecordingFiles final : public FileLayer {
     std::unique_ptr<File> open(const std::wstring& path, FileAccess access) override;
     FileIdentity identityOf(const std::wstring& path) override;
     void rename(const std::wstring& from, const std::wstring& to) override;
+    bool addName(const std::wstring& file, const std::wstring& name) override;
+    // There are no links, and everybody may do everything.
+    std::wstring followLinks(const std::wstring& path) override { return path; }
+    void copyPermissions(const std::wstring&, const std::wstring&) override {}
     void remove(const std::wstring& path) override;
     void syncFolder(const std::wstring& path) override;
 

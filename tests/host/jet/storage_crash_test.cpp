@@ -6,6 +6,7 @@
 #include <random>
 
 #include "host/jet/child_process.h"
+#include "host/jet/file_content.h"
 #include "host/jet/storage.h"
 #include "host/jet/storage_files.h"
 #include "host/jet/write_transaction.h"
@@ -138,7 +139,7 @@ TEST_F(StorageCrash, WhatWasReportedIsThereWhole) {
         storage->close();
         ASSERT_FALSE(std::filesystem::exists(folder_ / "plan.mdb-log"));
         ASSERT_FALSE(std::filesystem::exists(folder_ / "plan.mdb-share"));
-        const auto alone = std::make_unique<FilePageStore>(path("plan.mdb"));
+        const auto alone = std::make_unique<test::FileContent>(path("plan.mdb"));
         ASSERT_EQ(groupNumber(*alone, 0), found);
     }
 }

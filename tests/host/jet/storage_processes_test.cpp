@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 
 #include "host/jet/child_process.h"
+#include "host/jet/file_content.h"
 #include "host/jet/storage.h"
 #include "host/jet/storage_files.h"
 #include "host/jet/write_transaction.h"
@@ -13,7 +14,7 @@ namespace {
 
 using Parent = ChildProcess::Parent;
 
-constexpr StorageOptions manual() {
+StorageOptions manual() {
     return {.checkpointDelay = std::chrono::milliseconds(0),
             .writerPatience = std::chrono::milliseconds(20)};
 }
@@ -67,7 +68,7 @@ TEST_F(StorageProcesses, CommitsAreSeenAndTheLastOneTakesTheFilesAway) {
     storage->close();
     EXPECT_FALSE(exists("plan.mdb-log"));
     EXPECT_FALSE(exists("plan.mdb-share"));
-    EXPECT_EQ(numberIn(FilePageStore(plan()).read(2)), 8);
+    EXPECT_EQ(numberIn(test::FileContent(plan()).read(2)), 8);
 }
 
 // A reader's state stays while others commit and bring pages over; its end, also by a kill, lets
@@ -91,7 +92,7 @@ TEST_F(StorageProcesses, AReaderHoldsItsState) {
         const auto storage = Storage::open(plan(), OpenMode::Shared, manual());
         writePages(*storage, {1, 4}, old + 1);
         EXPECT_FALSE(storage->checkpoint());
-        EXPECT_EQ(numberIn(FilePageStore(plan()).read(1)), old);
+        EXPECT_EQ(numberIn(test::FileContent(plan()).read(1)), old);
         EXPECT_EQ(child.ask(0), 2 * old);
         if (dies) {
             child.kill();
@@ -99,7 +100,7 @@ TEST_F(StorageProcesses, AReaderHoldsItsState) {
             EXPECT_EQ(child.ask(0), old + 1);
         }
         EXPECT_TRUE(storage->checkpoint());
-        EXPECT_EQ(numberIn(FilePageStore(plan()).read(1)), old + 1);
+        EXPECT_EQ(numberIn(test::FileContent(plan()).read(1)), old + 1);
     }
 }
 
@@ -246,10 +247,10 @@ TEST_F(StorageProcesses, WithoutPermissionToWrite) {
     ::chmod((folder_ / "plan.mdb-log").c_str(), 0666);
     ::chmod((folder_ / "plan.mdb-share").c_str(), 0666);
     EXPECT_EQ(asNobody(readFirst), 3);
-    EXPECT_EQ(numberIn(FilePageStore(plan()).read(1)), 0);
+    EXPECT_EQ(numberIn(test::FileContent(plan()).read(1)), 0);
     ::chmod((folder_ / "plan.mdb").c_str(), 0666);
     EXPECT_EQ(asNobody(readFirst), 3);
-    EXPECT_EQ(numberIn(FilePageStore(plan()).read(1)), 3);
+    EXPECT_EQ(numberIn(test::FileContent(plan()).read(1)), 3);
     EXPECT_FALSE(exists("plan.mdb-log"));
 }
 

@@ -1,4 +1,5 @@
 #include "host/jet/storage.h"
+#include "host/jet/file_content.h"
 
 #include <gtest/gtest.h>
 
@@ -462,7 +463,7 @@ TEST_F(StorageThread, BringsPagesOverWithoutBeingAsked) {
             transaction->commit();
         }
         // The test's time limit is the limit.
-        while (numberIn(FilePageStore(plan).read(4)) != number) {
+        while (numberIn(test::FileContent(plan).read(4)) != number) {
         }
     }
 }

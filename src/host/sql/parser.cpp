@@ -1,0 +1,131 @@
+#include "host/sql/parser.h"
+
+#include "host/jet/error.h"
+#include "host/sql/syntax_parser.h"
+
+namespace sg::sql {
+namespace detail {
+
+SyntaxParser::SyntaxParser(std::wstring_view text)
+    : text_(text), lexer_(text, jet::detail::LexerUse::Statement) {
+    if (text.size() > maxTextLength) {
+        throw jet::Error(TooComplex);
+    }
+    advance();
+}
+
+// Up to the ";" or the end.
+Statement SyntaxParser::statement() {
+    const size_t begin = start();
+    const uint32_t before = placeholders_;
+    Statement made;
+    if (take(L"PARAMETERS")) {
+        made.parameters = parameterDeclarations(ParametersSyntax);
+        expectSymbol(L";", ParametersSyntax);
+    }
+    clause_ = NoStatement;
+    made.body = body();
+    if (take(L"WITH")) {
+        expect(L"OWNERACCESS", clause_);
+        expect(L"OPTION", clause_);
+        made.ownerAccess = true;
+    }
+    made.range = since(begin);
+    made.placeholders = placeholders_ - before;
+    return made;
+}
+
+decltype(Statement::body) SyntaxParser::body() {
+    if (atQuery()) {
+        return query();
+    }
+    if (at(L"INSERT")) {
+        return insert();
+    }
+    if (at(L"UPDATE")) {
+        return update();
+    }
+    if (at(L"DELETE")) {
+        return remove();
+    }
+    if (at(L"EXECUTE") || at(L"EXEC")) {
+        return execute();
+    }
+    if (inProcedure_) {
+        fail(NoStatement);
+    }
+    if (at(L"CREATE")) {
+        inProcedure_ = true;
+        decltype(Statement::body) made = create();
+        inProcedure_ = false;
+        return made;
+    }
+    if (at(L"ALTER")) {
+        return alterTable();
+    }
+    if (at(L"DROP")) {
+        return drop();
+    }
+    fail(NoStatement);
+}
+
+// Only ";" may follow.
+void SyntaxParser::endOfStatement() {
+    if (!atEnd() && !atSymbol(L";")) {
+        fail(clause_);
+    }
+}
+
+Statement SyntaxParser::wholeStatement() {
+    Statement made = statement();
+    endOfStatement();
+    while (takeSymbol(L";")) {
+    }
+    if (!atEnd()) {
+        fail(TextAfterStatement);
+    }
+    return made;
+}
+
+std::vector<ScriptEntry> SyntaxParser::script() {
+    std::vector<ScriptEntry> all;
+    while (true) {
+        while (takeSymbol(L";")) {
+        }
+        if (atEnd()) {
+            return all;
+        }
+        placeholders_ = 0;
+        const bool explain = take(L"EXPLAIN");
+        all.push_back({explain, statement()});
+        endOfStatement();
+    }
+}
+
+ExpressionPtr SyntaxParser::wholeExpression() {
+    expressionStart_ = start();
+    if (!mayBeginExpression()) {
+        failExpression(L"Syntax error");
+    }
+    ExpressionPtr made = expression(WhereSyntax);
+    if (!atEnd()) {
+        failExpression(L"Syntax error");
+    }
+    return made;
+}
+
+}  // namespace detail
+
+Statement parseStatement(std::wstring_view text) {
+    return detail::SyntaxParser(text).wholeStatement();
+}
+
+std::vector<ScriptEntry> parseScript(std::wstring_view text) {
+    return detail::SyntaxParser(text).script();
+}
+
+ExpressionPtr parseExpression(std::wstring_view text) {
+    return detail::SyntaxParser(text).wholeExpression();
+}
+
+}  // namespace sg::sql
