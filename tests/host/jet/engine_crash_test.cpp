@@ -7,6 +7,7 @@
 #include <random>
 
 #include "host/jet/child_process.h"
+#include "host/jet/deadly_files.h"
 #include "host/jet/engine_workload.h"
 #include "host/jet/file_content.h"
 #include "host/system/temporary_folder.h"
@@ -32,9 +33,7 @@ void idle(unsigned steps) {
 
 StorageOptions busyOptions() {
     StorageOptions options;
-    // Checkpoints come all the time, so that kills meet them, and transactions go to the log early.
-    options.checkpointDelay = std::chrono::milliseconds(1);
-    options.logLimit = 200'000;
+    // Transactions go to the log early.
     options.transactionBytes = 64 * 1024;
     options.writerPatience = std::chrono::seconds(60);
     return options;
@@ -62,6 +61,15 @@ class EngineCrash : public FolderTest {
             std::fprintf(stderr, "%s: %s\n", workload.planned().c_str(), error.what());
             parent.tell(failed);
         }
+    }
+
+    // Hears all up to the child's end.
+    static int64_t lastTold(const ChildProcess& child, int64_t told) {
+        for (int64_t next; (next = child.hear()) != ChildProcess::none;) {
+            EXPECT_NE(next, failed);
+            told = next;
+        }
+        return told;
     }
 
     // Kills a program that only opens the file, which completes what the last one left.
@@ -110,6 +118,11 @@ TEST_F(EngineCrash, WhatWasToldIsThereWhole) {
     for (int run = 0; run < crashRuns(); ++run) {
         SCOPED_TRACE(run);
         const auto seed = unsigned(run);
+        // Checkpoints come all the time, so that kills meet them, or hardly, so that there is
+        // something to recover.
+        const bool isHasty = run % 3 != 1;
+        session_.options.checkpointDelay = std::chrono::milliseconds(isHasty ? 1 : 100);
+        session_.options.logLimit = isHasty ? 200'000 : uint64_t(256) << 20;
         // Some end by themselves, so that kills meet the closing, and some hardly begin.
         const int operations = run % 3 == 0 ? int(random_() % 12) : 1000;
         const int64_t heard = std::min<int64_t>(operations, random_() % 30);
@@ -123,15 +136,41 @@ TEST_F(EngineCrash, WhatWasToldIsThereWhole) {
             }
             idle(random_() % (run % 2 == 0 ? 200'000 : 4'000'000));
             child.kill();
-            for (int64_t next; (next = child.hear()) != ChildProcess::none;) {
-                ASSERT_NE(next, failed);
-                told = next;
-            }
+            told = lastTold(child, told);
         }
-        for (size_t again = random_() % 3; again > 1; --again)
+        for (size_t again = random_() % 3; again > 0; --again)
             killRecovery();
         expectStates(seed, told, operations);
-        if (HasFatalFailure()) return;
+        if (HasFailure()) return;
+    }
+}
+
+// The kill comes at a change to one of the files, a checkpoint's writes among them.
+TEST_F(EngineCrash, AtAnyChangeToAFile) {
+    for (int run = 0; run < crashRuns(); ++run) {
+        SCOPED_TRACE(run);
+        const auto seed = unsigned(1000 + run);
+        const int operations = 1 + int(random_() % 20);
+        int64_t told = 0;
+        {
+            ChildProcess child([&](const ChildProcess::Parent& parent) {
+                DeadlyFiles files(int(random_() % (operations * 6)));
+                session_.options.files = &files;
+                work(seed, operations, parent);
+            });
+            told = lastTold(child, 0);
+        }
+        for (size_t again = random_() % 3; again > 0; --again) {
+            ChildProcess child([&](const ChildProcess::Parent&) {
+                DeadlyFiles files(int(random_() % 12));
+                session_.options.files = &files;
+                session_.open();
+                session_.close();
+            });
+            child.finish();
+        }
+        expectStates(seed, told, operations);
+        if (HasFailure()) return;
     }
 }
 

@@ -25,8 +25,11 @@ inline std::filesystem::path dataFolder() {
 inline std::vector<std::filesystem::path> databases() {
     std::vector<std::filesystem::path> files;
     std::error_code missing;
-    for (const auto& entry : std::filesystem::directory_iterator(dataFolder() / "mdb", missing))
-        files.push_back(entry.path());
+    // Who has one open keeps further files beside it.
+    for (const auto& entry : std::filesystem::directory_iterator(dataFolder() / "mdb", missing)) {
+        const auto extension = entry.path().extension();
+        if (extension == ".mdb" || extension == ".accdb") files.push_back(entry.path());
+    }
     return files;
 }
 
