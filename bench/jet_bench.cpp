@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "base/encoding.h"
-#include "host/jet/database.h"
-#include "host/jet/recordset.h"
-#include "host/jet/schema.h"
-#include "host/jet/table_writer.h"
+#include "host/jet/database/database.h"
+#include "host/jet/database/table_writer.h"
+#include "host/jet/recordset/recordset.h"
+#include "host/jet/schema/schema.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include "app/process.h"
 #include "app/progress_bar.h"
 #include "base/text.h"
-#include "host/jet/check.h"
+#include "host/jet/check/check.h"
 #include "host/seam/file_error.h"
 #include "host/system/paths.h"
 

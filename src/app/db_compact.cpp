@@ -10,7 +10,7 @@
 #include "app/interruption.h"
 #include "app/process.h"
 #include "app/progress_bar.h"
-#include "host/jet/compact.h"
+#include "host/jet/compact/compact.h"
 #include "host/seam/file_error.h"
 #include "host/system/database_files.h"
 #include "host/system/files.h"

@@ -8,7 +8,7 @@
 #include "app/nearest_names.h"
 #include "app/process.h"
 #include "base/text.h"
-#include "host/jet/foreign_lock.h"
+#include "host/jet/storage/foreign_lock.h"
 #include "host/system/database_files.h"
 #include "host/system/paths.h"
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "app/progress_bar.h"
-#include "host/jet/database.h"
+#include "host/jet/database/database.h"
 
 // What the db commands share: a database that is opened, its tables, and what is wrong with it.
 namespace sg::app {

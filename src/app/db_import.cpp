@@ -18,8 +18,8 @@
 #include "app/progress_bar.h"
 #include "base/encoding.h"
 #include "base/text.h"
-#include "host/jet/schema.h"
-#include "host/jet/table_writer.h"
+#include "host/jet/database/table_writer.h"
+#include "host/jet/schema/schema.h"
 #include "host/seam/file_error.h"
 #include "host/system/paths.h"
 

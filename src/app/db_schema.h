@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "host/jet/catalog.h"
-#include "host/jet/properties.h"
-#include "host/jet/table_definition.h"
+#include "host/jet/catalog/catalog.h"
+#include "host/jet/catalog/properties.h"
+#include "host/jet/values/table_definition.h"
 
 // Tables and relations as statements of the engine's own data definition language. What it has no
 // word for stands in comments.

@@ -10,8 +10,8 @@
 
 #include "base/encoding.h"
 #include "base/text.h"
-#include "host/jet/error.h"
-#include "host/jet/value_convert.h"
+#include "host/jet/format/error.h"
+#include "host/jet/values/value_convert.h"
 
 namespace sg::app {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <string_view>
 
-#include "host/jet/design.h"
-#include "host/jet/table_definition.h"
-#include "host/jet/value.h"
+#include "host/jet/schema/design.h"
+#include "host/jet/values/table_definition.h"
+#include "host/jet/values/value.h"
 
 // Fields of comma-separated values as values of a database, in the forms in which CsvWriter writes
 // them. Nothing depends on a locale, and no form can be taken for another.

@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "base/encoding.h"
-#include "host/jet/error.h"
-#include "host/jet/expression.h"
+#include "host/jet/expression/expression.h"
+#include "host/jet/format/error.h"
 
 namespace {
 

@@ -12,8 +12,8 @@
 #include <span>
 
 #include "base/encoding.h"
-#include "host/jet/check.h"
-#include "host/jet/compact.h"
+#include "host/jet/check/check.h"
+#include "host/jet/compact/compact.h"
 #include "jet_read_everything.h"
 #include "jet_small_file.h"
 

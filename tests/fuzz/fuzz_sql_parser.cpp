@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "base/encoding.h"
-#include "host/jet/error.h"
+#include "host/jet/format/error.h"
 #include "host/sql/parser.h"
 #include "host/sql/syntax_errors.h"
 #include "host/sql/to_text.h"

@@ -4,7 +4,7 @@
 #include <set>
 #include <span>
 
-#include "host/jet/database.h"
+#include "host/jet/database/database.h"
 
 // Reads all that a file has, whatever its bytes are; shared by tests and by the fuzz target.
 namespace sg::jet::test {

@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "host/jet/database.h"
+#include "host/jet/database/database.h"
+#include "host/jet/database/table_writer.h"
 #include "host/jet/recording_files.h"
-#include "host/jet/schema.h"
-#include "host/jet/table_writer.h"
+#include "host/jet/schema/schema.h"
 
 // A sound file of a few dozen pages with every kind of page that a file of its size can have.
 namespace sg::jet::test {

@@ -6,7 +6,7 @@
 #include "host/dao/database_session.h"
 #include "host/dao/describe.h"
 #include "host/dao/errors.h"
-#include "host/jet/schema.h"
+#include "host/jet/schema/schema.h"
 
 using sg::dao::guarded;
 using sg::dao::throwDao;

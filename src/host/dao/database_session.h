@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/jet/database.h"
+#include "host/jet/database/database.h"
 
 class CDaoRecordset;
 

@@ -2,8 +2,8 @@
 
 #include "base/text.h"
 #include "host/dao/name_order.h"
-#include "host/jet/definition_writer.h"
-#include "host/jet/error.h"
+#include "host/jet/format/error.h"
+#include "host/jet/pages/definition_writer.h"
 #include "platform/dao/constants.h"
 
 namespace sg::dao {

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/jet/database.h"
+#include "host/jet/database/database.h"
 #include "platform/dao/infos.h"
 
 // What the information calls answer. Positions and names that are not there throw jet::Error

@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/jet/error.h"
+#include "host/jet/format/error.h"
 #include "platform/dao/exception.h"
 
 // From the engine's errors to the exceptions of its classes.

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/jet/sort_order.h"
+#include "host/jet/index/sort_order.h"
 
 namespace sg::dao {
 

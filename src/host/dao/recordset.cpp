@@ -10,7 +10,7 @@
 #include "host/dao/errors.h"
 #include "host/dao/table_fields.h"
 #include "host/dao/variants.h"
-#include "host/jet/recordset.h"
+#include "host/jet/recordset/recordset.h"
 #include "platform/variant/safe_array.h"
 
 using sg::dao::DatabaseSession;

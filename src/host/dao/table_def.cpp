@@ -6,7 +6,7 @@
 #include "host/dao/errors.h"
 #include "host/dao/table_fields.h"
 #include "host/dao/table_links.h"
-#include "host/jet/schema.h"
+#include "host/jet/schema/schema.h"
 
 using sg::equalIgnoringCase;
 using sg::dao::DatabaseSession;

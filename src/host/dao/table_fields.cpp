@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "base/text.h"
-#include "host/jet/error.h"
-#include "host/jet/record_columns.h"
+#include "host/jet/format/error.h"
+#include "host/jet/recordset/record_columns.h"
 #include "platform/dao/constants.h"
 
 namespace sg::dao {

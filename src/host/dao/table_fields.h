@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/jet/database.h"
+#include "host/jet/database/database.h"
 #include "platform/dao/infos.h"
 
 namespace sg::dao {

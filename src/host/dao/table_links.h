@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "host/jet/database.h"
+#include "host/jet/database/database.h"
 
 namespace sg::dao {
 

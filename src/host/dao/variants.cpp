@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "host/jet/error.h"
+#include "host/jet/format/error.h"
 #include "platform/variant/safe_array.h"
 
 namespace sg::dao {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/export.h"
-#include "host/jet/value.h"
+#include "host/jet/values/value.h"
 #include "platform/variant/ole_variant.h"
 
 // Between the engine's values and VARIANTs.

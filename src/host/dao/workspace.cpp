@@ -1,6 +1,6 @@
 #include "host/dao/database_session.h"
 #include "host/dao/errors.h"
-#include "host/jet/compact.h"
+#include "host/jet/compact/compact.h"
 #include "host/system/database_files.h"
 #include "host/system/paths.h"
 #include "platform/dao/database.h"

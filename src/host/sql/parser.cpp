@@ -1,6 +1,6 @@
 #include "host/sql/parser.h"
 
-#include "host/jet/error.h"
+#include "host/jet/format/error.h"
 #include "host/sql/syntax_parser.h"
 
 namespace sg::sql {

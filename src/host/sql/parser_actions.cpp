@@ -1,6 +1,6 @@
 // Statements of the parser that change rows, and EXECUTE.
 
-#include "host/jet/error.h"
+#include "host/jet/format/error.h"
 #include "host/sql/syntax_parser.h"
 
 namespace sg::sql::detail {

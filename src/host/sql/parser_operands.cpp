@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/jet/error.h"
+#include "host/jet/format/error.h"
 #include "host/sql/made.h"
 #include "host/sql/precedence.h"
 #include "host/sql/syntax_parser.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "base/text.h"
-#include "host/jet/error.h"
+#include "host/jet/format/error.h"
 #include "host/sql/syntax_parser.h"
 
 namespace sg::sql::detail {

@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "base/text.h"
-#include "host/jet/error.h"
+#include "host/jet/format/error.h"
 #include "host/sql/syntax_parser.h"
 #include "host/sql/words.h"
 

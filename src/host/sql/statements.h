@@ -7,7 +7,7 @@
 #include <variant>
 #include <vector>
 
-#include "host/jet/format.h"
+#include "host/jet/format/format.h"
 #include "host/sql/syntax.h"
 
 // The syntax tree of the Jet dialect's statements.

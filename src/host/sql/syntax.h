@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-#include "host/jet/value.h"
+#include "host/jet/values/value.h"
 
 // The syntax tree of the Jet dialect's expressions and queries; statements.h has the statements.
 //

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/jet/expression_lexer.h"
+#include "host/jet/expression/expression_lexer.h"
 #include "host/sql/parser.h"
 #include "host/sql/statements.h"
 #include "host/sql/syntax_errors.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/export.h"
-#include "host/jet/storage.h"
+#include "host/jet/storage/storage.h"
 
 namespace sg {
 

@@ -7,8 +7,8 @@
 #include <filesystem>
 
 #include "host/dao/dao_fixture.h"
-#include "host/jet/database_header.h"
-#include "host/jet/format.h"
+#include "host/jet/format/format.h"
+#include "host/jet/pages/database_header.h"
 #include "platform/dao/query_def.h"
 
 namespace sg {

@@ -13,12 +13,12 @@
 
 #include "base/encoding.h"
 #include "base/text.h"
-#include "host/jet/check.h"
-#include "host/jet/compact.h"
-#include "host/jet/database.h"
-#include "host/jet/database_header.h"
+#include "host/jet/check/check.h"
+#include "host/jet/compact/compact.h"
+#include "host/jet/database/database.h"
+#include "host/jet/database/table_writer.h"
+#include "host/jet/pages/database_header.h"
 #include "host/jet/schema_files.h"
-#include "host/jet/table_writer.h"
 
 // What two databases hold, in a form that can be compared whatever pages and masks they have.
 namespace sg::jet::test {

@@ -4,32 +4,33 @@
 
 #include <atomic>
 #include <memory>
+#include <span>
 #include <string>
 #include <utility>
 
-#include "host/jet/file_layer.h"
+#include "host/jet/storage/file_layer.h"
 
 // The operating system's files for a program that is killed at one of its changes to them.
 namespace sg::jet::test {
 
 class DeadlyFiles final : public FileLayer {
   public:
-    // Dies in place of the change behind that many others.
-    explicit DeadlyFiles(int changes) : left_(changes) {}
+    // Each change has two moments, one before it and one behind it; dies behind that many of them.
+    explicit DeadlyFiles(int moments) : left_(moments) {}
 
     std::unique_ptr<File> open(const std::wstring& path, FileAccess access) override {
-        if (access != FileAccess::Read && access != FileAccess::ReadWrite) change();
+        const Change change(*this);
         return std::make_unique<DeadlyFile>(*this, posixFiles().open(path, access));
     }
     FileIdentity identityOf(const std::wstring& path) override {
         return posixFiles().identityOf(path);
     }
     void rename(const std::wstring& from, const std::wstring& to) override {
-        change();
+        const Change change(*this);
         posixFiles().rename(from, to);
     }
     bool addName(const std::wstring& file, const std::wstring& name) override {
-        change();
+        const Change change(*this);
         return posixFiles().addName(file, name);
     }
     std::wstring followLinks(const std::wstring& path) override {
@@ -39,15 +40,26 @@ class DeadlyFiles final : public FileLayer {
         posixFiles().copyPermissions(from, to);
     }
     void remove(const std::wstring& path) override {
-        change();
+        const Change change(*this);
         posixFiles().remove(path);
     }
     void syncFolder(const std::wstring& path) override {
-        change();
+        const Change change(*this);
         posixFiles().syncFolder(path);
     }
 
   private:
+    class Change {
+      public:
+        explicit Change(DeadlyFiles& layer) : layer_(layer) { layer_.pass(); }
+        ~Change() { layer_.pass(); }
+        Change(const Change&) = delete;
+        Change& operator=(const Change&) = delete;
+
+      private:
+        DeadlyFiles& layer_;
+    };
+
     class DeadlyFile final : public File {
       public:
         DeadlyFile(DeadlyFiles& layer, std::unique_ptr<File> file)
@@ -57,15 +69,15 @@ class DeadlyFiles final : public FileLayer {
             return file_->read(offset, into);
         }
         void write(uint64_t offset, std::span<const uint8_t> bytes) override {
-            layer_.change();
+            const Change change(layer_);
             file_->write(offset, bytes);
         }
         void truncate(uint64_t size) override {
-            layer_.change();
+            const Change change(layer_);
             file_->truncate(size);
         }
         void sync() override {
-            layer_.change();
+            const Change change(layer_);
             file_->sync();
         }
         uint64_t size() const override { return file_->size(); }
@@ -84,7 +96,7 @@ class DeadlyFiles final : public FileLayer {
         std::unique_ptr<File> file_;
     };
 
-    void change() {
+    void pass() {
         if (left_.fetch_sub(1) == 0) ::raise(SIGKILL);
     }
 

@@ -4,8 +4,8 @@
 #include <sstream>
 
 #include "base/encoding.h"
-#include "host/jet/check.h"
-#include "host/jet/recordset.h"
+#include "host/jet/check/check.h"
+#include "host/jet/recordset/recordset.h"
 
 namespace sg::jet::test {
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/jet/database.h"
+#include "host/jet/database/database.h"
 
 // What a database holds, for tests to compare with what it should.
 namespace sg::jet::test {

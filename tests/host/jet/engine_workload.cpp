@@ -4,12 +4,12 @@
 
 #include "base/encoding.h"
 #include "base/text.h"
-#include "host/jet/compact.h"
-#include "host/jet/index_tree.h"
-#include "host/jet/recordset.h"
-#include "host/jet/schema.h"
+#include "host/jet/compact/compact.h"
+#include "host/jet/database/table_writer.h"
+#include "host/jet/index/index_tree.h"
+#include "host/jet/recordset/recordset.h"
+#include "host/jet/schema/schema.h"
 #include "host/jet/schema_files.h"
-#include "host/jet/table_writer.h"
 
 namespace sg::jet::test {
 namespace {

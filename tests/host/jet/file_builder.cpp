@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "base/encoding.h"
-#include "host/jet/database_header.h"
+#include "host/jet/pages/database_header.h"
 
 namespace sg::jet::test {
 namespace {

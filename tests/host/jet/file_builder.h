@@ -5,9 +5,9 @@
 #include <utility>
 #include <vector>
 
-#include "host/jet/format.h"
-#include "host/jet/row_id.h"
-#include "host/jet/value.h"
+#include "host/jet/format/format.h"
+#include "host/jet/format/row_id.h"
+#include "host/jet/values/value.h"
 
 // Lays out small database files byte by byte, so that tests have files of every version, and can
 // spoil them at a place that they know.

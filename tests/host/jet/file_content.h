@@ -6,8 +6,8 @@
 #include <string>
 
 #include "base/encoding.h"
-#include "host/jet/page_store.h"
-#include "host/jet/value.h"
+#include "host/jet/storage/page_store.h"
+#include "host/jet/values/value.h"
 
 namespace sg::jet::test {
 

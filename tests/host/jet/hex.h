@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "host/jet/sort_order.h"
+#include "host/jet/index/sort_order.h"
 
 namespace sg::jet {
 

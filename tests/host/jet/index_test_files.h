@@ -6,11 +6,11 @@
 #include <vector>
 
 #include "base/encoding.h"
-#include "host/jet/data_page.h"
-#include "host/jet/page_store.h"
-#include "host/jet/row.h"
-#include "host/jet/table_definition.h"
-#include "host/jet/usage_map.h"
+#include "host/jet/pages/data_page.h"
+#include "host/jet/pages/row.h"
+#include "host/jet/pages/usage_map.h"
+#include "host/jet/storage/page_store.h"
+#include "host/jet/values/table_definition.h"
 
 // The databases that other programs made, and their tables, for tests of indexes.
 namespace sg::jet::real {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "host/jet/index_page_editor.h"
-#include "host/jet/usage_map.h"
+#include "host/jet/index/index_page_editor.h"
+#include "host/jet/pages/usage_map.h"
 
 // A walk over a whole index that asks everything of it that other programs may rely on, for tests
 // of what writes indexes.

@@ -8,15 +8,15 @@
 #include <string>
 #include <vector>
 
-#include "host/jet/data_page.h"
-#include "host/jet/data_page_editor.h"
-#include "host/jet/page_allocator.h"
+#include "host/jet/pages/data_page.h"
+#include "host/jet/pages/data_page_editor.h"
+#include "host/jet/pages/page_allocator.h"
+#include "host/jet/pages/usage_map.h"
+#include "host/jet/pages/usage_map_editor.h"
 #include "host/jet/recording_files.h"
-#include "host/jet/storage.h"
+#include "host/jet/storage/storage.h"
+#include "host/jet/storage/write_transaction.h"
 #include "host/jet/storage_files.h"
-#include "host/jet/usage_map.h"
-#include "host/jet/usage_map_editor.h"
-#include "host/jet/write_transaction.h"
 
 // A file in memory with an open transaction and nothing but a map of free pages, for tests of what
 // changes pages.

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "host/jet/error.h"
+#include "host/jet/format/error.h"
 
 namespace sg::jet {
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "host/jet/file_layer.h"
+#include "host/jet/storage/file_layer.h"
 
 // Files in memory that remember every change in its order, so that a test can ask what a disk may
 // hold after a loss of power at any moment, and that can be made to fail.

@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "host/jet/database.h"
-#include "host/jet/error.h"
+#include "host/jet/database/database.h"
+#include "host/jet/format/error.h"
 #include "host/jet/recording_files.h"
-#include "host/jet/recordset.h"
-#include "host/jet/schema.h"
+#include "host/jet/recordset/recordset.h"
+#include "host/jet/schema/schema.h"
 #include "host/jet/storage_files.h"
 
 namespace sg::jet {

@@ -11,12 +11,12 @@
 #include <vector>
 
 #include "base/encoding.h"
-#include "host/jet/check.h"
-#include "host/jet/database.h"
-#include "host/jet/schema.h"
+#include "host/jet/check/check.h"
+#include "host/jet/database/database.h"
+#include "host/jet/database/table_writer.h"
+#include "host/jet/pages/usage_map.h"
+#include "host/jet/schema/schema.h"
 #include "host/jet/storage_files.h"
-#include "host/jet/table_writer.h"
-#include "host/jet/usage_map.h"
 #include "host/system/temporary_folder.h"
 
 // Databases whose design tests change: new ones, and copies of files that other programs made.

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "base/encoding.h"
-#include "host/jet/error.h"
-#include "host/jet/file_layer.h"
-#include "host/jet/page_store.h"
+#include "host/jet/format/error.h"
+#include "host/jet/storage/file_layer.h"
+#include "host/jet/storage/page_store.h"
 
 // Small database files for tests of the storage, which looks at nothing but the version.
 namespace sg::jet {

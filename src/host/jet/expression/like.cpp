@@ -1,0 +1,105 @@
+// The dialect's LIKE.
+
+#include <optional>
+
+#include "base/text.h"
+#include "host/jet/expression/expression.h"
+
+namespace sg::jet {
+namespace {
+
+bool isBetween(wchar_t c, wchar_t low, wchar_t high) {
+    return low <= c && c <= high;
+}
+
+// What one element of a pattern says of a character, and where the next element begins.
+struct Element {
+    size_t next;
+    bool matches;
+};
+
+// Whether `c` is in the list between the brackets; none for a range that runs backwards.
+std::optional<bool> isInList(std::wstring_view list, wchar_t c) {
+    bool found = false;
+    for (size_t i = 0; i < list.size(); ++i) {
+        wchar_t high = list[i];
+        const wchar_t low = list[i];
+        if (i + 2 < list.size() && list[i + 1] == L'-') {
+            high = list[i + 2];
+            i += 2;
+            if (high < low && toUpper(high) < toUpper(low)) {
+                return std::nullopt;
+            }
+        }
+        found = found || isBetween(toUpper(c), toUpper(low), toUpper(high)) ||
+                isBetween(toLower(c), toLower(low), toLower(high));
+    }
+    return found;
+}
+
+Element matchList(std::wstring_view pattern, size_t at, wchar_t c) {
+    const size_t end = pattern.find(L']', at + 1);
+    if (end == pattern.npos) {
+        return {pattern.size(), false};
+    }
+    std::wstring_view list = pattern.substr(at + 1, end - at - 1);
+    const bool excludes = list.size() > 1 && list[0] == L'!';
+    if (excludes) {
+        list.remove_prefix(1);
+    }
+    const std::optional<bool> found = isInList(list, c);
+    return {end + 1, found.has_value() && *found != excludes};
+}
+
+Element matchElement(std::wstring_view pattern, size_t at, wchar_t c) {
+    switch (pattern[at]) {
+        case L'?':
+            return {at + 1, true};
+        case L'#':
+            return {at + 1, isBetween(c, L'0', L'9')};
+        case L'[':
+            return matchList(pattern, at, c);
+        default:
+            return {at + 1, toUpper(pattern[at]) == toUpper(c)};
+    }
+}
+
+}  // namespace
+
+// A "*" first takes nothing, and one character more each time what follows it doesn't fit. Only
+// the last one needs to be gone back to: what an earlier one could take more it takes as well.
+bool isLike(std::wstring_view text, std::wstring_view pattern) {
+    size_t at = 0;
+    size_t in = 0;  // the pattern
+    std::optional<size_t> starIn;
+    size_t starAt = 0;
+    while (true) {
+        if (in < pattern.size() && pattern[in] == L'*') {
+            starIn = ++in;
+            starAt = at;
+            continue;
+        }
+        if (in < pattern.size() && pattern.substr(in, 2) == L"[]") {
+            in += 2;
+            continue;
+        }
+        if (at == text.size()) {
+            return in == pattern.size();
+        }
+        if (in < pattern.size()) {
+            const Element element = matchElement(pattern, in, text[at]);
+            if (element.matches) {
+                in = element.next;
+                ++at;
+                continue;
+            }
+        }
+        if (!starIn) {
+            return false;
+        }
+        in = *starIn;
+        at = ++starAt;
+    }
+}
+
+}  // namespace sg::jet
