@@ -1,8 +1,10 @@
-// One page of a sound file replaced by any bytes: reading, checking, writing, changing the design
-// and repairing end, and in nothing worse than an engine error; what a repair makes is sound.
+// A page of a sound file replaced by any bytes: reading, checking, writing, changing the design and
+// repairing end, and in nothing worse than an engine error; what a repair makes is sound.
 //
 // The first byte tells the page, the second what is done with the file and what the rest is: the
-// page's bytes from its start on, or patches of two bytes of offset and one that stands there.
+// page's bytes from its start on, or patches of two bytes of place and one that stands there. The
+// low 12 bits of a place are the offset, the others lead to one of the next pages. Before either,
+// another page may take this one's place, which the third byte tells then.
 
 #include <algorithm>
 #include <cstddef>
@@ -24,19 +26,26 @@ constexpr uint8_t writesRows = 1;
 constexpr uint8_t changesDesign = 2;
 constexpr uint8_t repairs = 4;
 constexpr uint8_t patches = 8;
+constexpr uint8_t copies = 16;
 
 constexpr const wchar_t* fileName = L"damaged.mdb";
 constexpr size_t pageSize = 4096;
 
-std::vector<uint8_t> damagedFile(uint8_t page, bool isPatched, std::span<const uint8_t> input) {
+std::vector<uint8_t> damagedFile(uint8_t page, uint8_t work, std::span<const uint8_t> input) {
     std::vector<uint8_t> bytes = smallFile();
-    uint8_t* at = bytes.data() + page % (bytes.size() / pageSize) * pageSize;
-    if (!isPatched) {
-        std::copy_n(input.begin(), std::min(input.size(), pageSize), at);
+    const size_t count = bytes.size() / pageSize;
+    const auto at = [&](size_t number) { return bytes.data() + number % count * pageSize; };
+    if ((work & copies) != 0 && !input.empty()) {
+        if (input[0] % count != page % count) std::copy_n(at(input[0]), pageSize, at(page));
+        input = input.subspan(1);
+    }
+    if ((work & patches) == 0) {
+        std::copy_n(input.begin(), std::min(input.size(), pageSize), at(page));
         return bytes;
     }
     for (; input.size() >= 3; input = input.subspan(3)) {
-        at[(input[0] | input[1] << 8) % pageSize] = input[2];
+        const size_t place = input[0] | input[1] << 8;
+        at(page + place / pageSize)[place % pageSize] = input[2];
     }
     return bytes;
 }
@@ -162,7 +171,7 @@ void repair(FileLayer& files) {
 }
 
 void run(uint8_t page, uint8_t work, std::span<const uint8_t> input) {
-    const std::vector<uint8_t> bytes = damagedFile(page, (work & patches) != 0, input);
+    const std::vector<uint8_t> bytes = damagedFile(page, work, input);
     attempt([&] { readAndCheck(bytes); });
     if ((work & writesRows) != 0) {
         RecordingFiles files({{fileName, bytes}});
