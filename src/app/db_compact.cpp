@@ -86,7 +86,6 @@ int compact(const DatabaseArguments& arguments) {
     }
     const std::wstring backup = isInPlace ? backupFor(arguments, path) : std::wstring();
     const std::optional<int64_t> before = fileSize(path);
-    if (before) warnOfForeignLock(path);
     const jet::CompactReport report = perform(path, output, backup, options);
 
     DamageReport losses;

@@ -8,7 +8,6 @@
 #include "app/nearest_names.h"
 #include "app/process.h"
 #include "base/text.h"
-#include "host/jet/storage/foreign_lock.h"
 #include "host/system/database_files.h"
 #include "host/system/paths.h"
 
@@ -57,16 +56,6 @@ int DamageReport::exitCode() const {
 
 jet::Database openDatabase(const std::wstring& file, jet::OpenMode mode) {
     return jet::Database::open(resolvePath(file).path, mode, databaseOptions());
-}
-
-void warnOfForeignLock(const std::wstring& path) {
-    const std::optional<jet::ForeignLock> lock = jet::findForeignLock(path);
-    if (!lock) return;
-    std::wstring who;
-    for (const std::wstring& machine : lock->machines)
-        who += (who.empty() ? L", with the entries " : L", ") + machine;
-    complain(onOneLine(path + L": another program may have the file open and does not heed our " +
-                       L"locks: there is " + lock->file + who));
 }
 
 std::vector<jet::CatalogObject> userTables(const jet::Database& database) {

@@ -46,10 +46,6 @@ struct UnknownTable {
 // jet::Error.
 jet::Database openDatabase(const std::wstring& file, jet::OpenMode mode = jet::OpenMode::ReadOnly);
 
-// Tells on one line of standard error when another program's lock file lies beside the database:
-// its locks do not bind us, nor ours it.
-void warnOfForeignLock(const std::wstring& path);
-
 // The tables that users see, in the catalog's order: those of the file and linked ones.
 std::vector<jet::CatalogObject> userTables(const jet::Database& database);
 

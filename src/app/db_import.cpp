@@ -241,7 +241,6 @@ int importTable(const DatabaseArguments& arguments) {
     std::wstring name = tableNameOf(arguments);
     jet::Database database = openDatabase(arguments.file, jet::OpenMode::Shared);
     jet::Database& home = goHome(database, arguments, name);
-    warnOfForeignLock(home.name());
     std::wstring created;
     uint64_t count = 0;
     try {

@@ -22,6 +22,17 @@ void fill(const SourceFile& from, NewFile& into, const CompactOptions& options,
     run.finish();
 }
 
+// Another program may be writing the source all the same.
+void announce(const std::wstring& source, const CompactOptions& options) {
+    if (options.storage.beforeWriting) options.storage.beforeWriting(source);
+}
+
+// Nobody else knows the new file.
+StorageOptions ofNewFile(StorageOptions options) {
+    options.beforeWriting = nullptr;
+    return options;
+}
+
 void requireAbsent(FileLayer& files, const std::wstring& path) {
     if (exists(files, path)) throw Error(DatabaseExists, {}, {.file = path});
 }
@@ -83,7 +94,8 @@ CompactReport compactDatabase(const std::wstring& source, const std::wstring& de
     FileLayer& files = filesOf(options.storage);
     requireAbsent(files, destination);
     const SourceFile from(source, options.storage, false);
-    NewFile into(destination, options.locale, options.storage);
+    announce(source, options);
+    NewFile into(destination, options.locale, ofNewFile(options.storage));
     CompactReport report;
     fill(from, into, options, report);
     requireAbsent(files, destination);
@@ -99,7 +111,8 @@ CompactReport compactInPlace(const std::wstring& path, const std::wstring& backu
     if (!backup.empty()) requireAbsent(files, backup);
     // Its lock stands until the new file has the name.
     const SourceFile from(real, options.storage, true);
-    NewFile into(real, options.locale, options.storage);
+    announce(path, options);
+    NewFile into(real, options.locale, ofNewFile(options.storage));
     CompactReport report;
     fill(from, into, options, report);
     files.copyPermissions(real, into.name());

@@ -111,11 +111,12 @@ class SG_API TableRecordset final : public Recordset {
 
     // AddNew begins a new record with its default values; Edit locks the current one (LockedByUser,
     // 3188) and reads it again. value() tells what was set from then on. Update writes it and
-    // unlocks; when it throws, the edit goes on. Edit and AddNew while one is under way drop it.
-    // After the update of a new record the old one is current again; lastModified() is the
-    // bookmark of the one that was written. Moves, seeks and setIndex() drop an edit, as does a
-    // change of the table's columns. In a recordset that is only read these throw ReadOnlyDatabase;
-    // setValue(), update() and cancelUpdate() throw UpdateWithoutEdit without an edit.
+    // unlocks, at the end of the transaction where one is open; when it throws, the edit goes on.
+    // Edit and AddNew while one is under way drop it. After the update of a new record the old one
+    // is current again; lastModified() is the bookmark of the one that was written. Moves, seeks
+    // and setIndex() drop an edit, as does a change of the table's columns. In a recordset that is
+    // only read these throw ReadOnlyDatabase; setValue(), update() and cancelUpdate() throw
+    // UpdateWithoutEdit without an edit.
     void addNew();
     void edit();
     // The value is converted to the column's type. Throws ConversionError and FieldTooSmall with

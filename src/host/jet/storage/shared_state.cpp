@@ -181,6 +181,17 @@ std::optional<UserName> SharedState::lockRecord(uint64_t key) {
         note(key);
         return std::nullopt;
     }
+    return nameOfOwner(key);
+}
+
+std::optional<UserName> SharedState::recordOwner(uint64_t key) const {
+    if (file_ == nullptr || !file_->isLockedByOther(LockKind::Exclusive, recordBytes + key)) {
+        return std::nullopt;
+    }
+    return nameOfOwner(key);
+}
+
+UserName SharedState::nameOfOwner(uint64_t key) const {
     for (const std::atomic<uint64_t>& note : block_->locked) {
         const uint64_t seen = note.load();
         const size_t slot = (seen & 0xffff) - 1;

@@ -99,12 +99,15 @@ class SG_API SharedState {
     // A lock on the record with this key (below 2^40). Nothing when it was taken; otherwise who
     // has it, without names when those are not known.
     std::optional<UserName> lockRecord(uint64_t key);
+    // Who has a lock that this opener does not have itself.
+    std::optional<UserName> recordOwner(uint64_t key) const;
     void unlockRecord(uint64_t key);
 
   private:
     SharedUser& user() const { return block_->users[slot_]; }
     bool isAlive(size_t slot) const;
     UserName nameOf(size_t slot) const;
+    UserName nameOfOwner(uint64_t key) const;
     void note(uint64_t key);
     void forget(uint64_t key);
 

@@ -15,9 +15,15 @@ constexpr size_t snapshotPages = 64;
 // A target is never newer than the last commit, so that a second look is rare and a third a wonder.
 constexpr int maxAttempts = 10000;
 
+// Of locks that a transaction keeps to its end.
+constexpr size_t mostKept = 512;
+
 constexpr uint64_t keyOf(RowId row) {
     return uint64_t(row.page) << 16 | row.row;
 }
+
+// No record has this key.
+constexpr uint64_t allRecords = keyOf({0xffffff, 0xffff});
 
 }  // namespace
 
@@ -184,6 +190,8 @@ std::unique_ptr<WriteTransaction> Storage::beginWrite() {
     if (transaction_ != nullptr || closed_) {
         throw Error(InvalidOperation, {}, {.file = path_});
     }
+    if (!hasWritten_ && options_.beforeWriting) options_.beforeWriting(path_);
+    hasWritten_ = true;
     takeWriting();
     try {
         SharedBlock& block = shared_->block();
@@ -224,14 +232,47 @@ bool Storage::checkpoint() {
 void Storage::lockRecord(RowId row) {
     const uint64_t key = keyOf(row);
     if (recordLocks_.contains(key)) throw Error(lockedBySession, {}, {.file = path_});
-    if (const std::optional<UserName> other = shared_->lockRecord(key)) {
-        throw Error(LockedByUser, {other->user, other->machine}, {.file = path_});
+    if (keptLocks_.erase(key) == 0) {
+        std::optional<UserName> other = shared_->lockRecord(key);
+        // First the record, then the lock that stands for all: who gives a record up for that one
+        // takes it first.
+        if (!other && transaction_ == nullptr && (other = shared_->recordOwner(allRecords))) {
+            shared_->unlockRecord(key);
+        }
+        if (other) throw Error(LockedByUser, {other->user, other->machine}, {.file = path_});
     }
     recordLocks_.insert(key);
 }
 
 void Storage::unlockRecord(RowId row) {
-    if (recordLocks_.erase(keyOf(row)) > 0) shared_->unlockRecord(keyOf(row));
+    const uint64_t key = keyOf(row);
+    if (recordLocks_.erase(key) == 0) return;
+    if (transaction_ != nullptr && mode_ != OpenMode::Exclusive) {
+        keepRecord(key);
+    } else {
+        shared_->unlockRecord(key);
+    }
+}
+
+// The system's work for a lock grows with their number, so that from some number on a single one
+// stands for all records.
+void Storage::keepRecord(uint64_t key) {
+    if (keptLocks_.size() >= mostKept && !keptLocks_.contains(allRecords) &&
+        !shared_->lockRecord(allRecords)) {
+        keptLocks_.insert(allRecords);
+    }
+    if (keptLocks_.contains(allRecords)) {
+        shared_->unlockRecord(key);
+    } else {
+        keptLocks_.insert(key);
+    }
+}
+
+void Storage::releaseRecords() {
+    for (const uint64_t key : keptLocks_) {
+        shared_->unlockRecord(key);
+    }
+    keptLocks_.clear();
 }
 
 }  // namespace sg::jet

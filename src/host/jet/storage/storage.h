@@ -47,6 +47,9 @@ struct StorageOptions {
     FileLayer* files = nullptr;
     // From the path of a linked table's file, whole and with "/", to the path to open.
     std::function<std::wstring(const std::wstring&)> findFile{};
+    // Called once with the database's path before it is written, or read to be compacted: the place
+    // to look for another program's lock file (foreign_lock.h).
+    std::function<void(const std::wstring&)> beforeWriting{};
 };
 
 // A database file with the log beside it, read and written in whole transactions by any number of
@@ -111,8 +114,11 @@ class SG_API Storage final : public PageStore {
     // readers that live longer than a transaction.
     const PageStore& view() const { return view_; }
 
-    // Pessimistic lock on a record, until unlockRecord(), close() or the process's end. Throws
-    // LockedByUser with the other user's name and machine; 3188 when this object has the lock.
+    // Pessimistic lock on a record, until unlockRecord(), close() or the process's end. One that is
+    // given up while a transaction is open holds until that ends: what somebody else would read
+    // under his lock before is older than what the transaction leaves there. Throws LockedByUser
+    // with the other user's name and machine, for any record while another one's transaction has
+    // locked very many; 3188 when this object has the lock.
     void lockRecord(RowId row);
     void unlockRecord(RowId row);
 
@@ -177,6 +183,8 @@ class SG_API Storage final : public PageStore {
     void refresh() const;
     void publishPin() const;
     void takeWriting();
+    void keepRecord(uint64_t key);
+    void releaseRecords();
     FrameHandle fetch(uint32_t page) const;
     FrameHandle loadAsOf(uint32_t page, uint64_t sequence) const;
     void checkPage(uint32_t page, uint32_t pageCount) const;
@@ -200,7 +208,9 @@ class SG_API Storage final : public PageStore {
     mutable std::multiset<uint64_t> snapshots_;  // their sequences
     WriteTransaction* transaction_ = nullptr;
     std::set<uint64_t> recordLocks_;
+    std::set<uint64_t> keptLocks_;  // given up, but for the open transaction
     View view_{*this};
+    bool hasWritten_ = false;
     bool closed_ = false;
 };
 

@@ -294,6 +294,8 @@ void WriteTransaction::end() {
     savepoints_.clear();
     frames_ = 0;
     storage_->transaction_ = nullptr;
+    // Behind the commit, and before the next writer comes.
+    storage_->releaseRecords();
     storage_->checkpointer_->unlockWriting();
     storage_->publishPin();
     storage_->leave();

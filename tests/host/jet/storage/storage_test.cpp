@@ -261,6 +261,62 @@ TEST_F(StorageTest, ClosingRollsBackAndEndsReading) {
     EXPECT_EQ(numberIn(open(OpenMode::Exclusive)->read(1)), 1);
 }
 
+// Who gets the lock before the commit would read what the record was.
+TEST_F(StorageTest, RecordLocksHoldToTheTransactionsEnd) {
+    StorageOptions named = options();
+    named.name = {L"Åse", L"desk"};
+    const auto mine = Storage::open(database, OpenMode::Shared, named);
+    const auto theirs = open();
+    const RowId row{1, 1};
+    const auto lock = [&](Storage& storage, RowId which) {
+        return codeOf([&] { storage.lockRecord(which); });
+    };
+    for (const bool commits : {true, false}) {
+        mine->lockRecord({2, 2});
+        const auto transaction = mine->beginWrite();
+        for (int again = 0; again < 2; ++again) {
+            EXPECT_EQ(lock(*mine, row), 0);
+            EXPECT_EQ(lock(*mine, row), Storage::lockedBySession);
+            mine->unlockRecord(row);
+            EXPECT_EQ(lock(*theirs, row), LockedByUser);
+        }
+        EXPECT_EQ(lock(*theirs, {1, 2}), 0);
+        theirs->unlockRecord({1, 2});
+        commits ? transaction->commit() : transaction->rollback();
+        EXPECT_EQ(lock(*theirs, row), 0);
+        theirs->unlockRecord(row);
+        // Locks that nobody has given up go on.
+        EXPECT_EQ(lock(*theirs, {2, 2}), LockedByUser);
+        mine->unlockRecord({2, 2});
+    }
+}
+
+TEST_F(StorageTest, ATransactionWithVeryManyLocksHasAll) {
+    StorageOptions named = options();
+    named.name = {L"Åse", L"desk"};
+    const auto mine = Storage::open(database, OpenMode::Shared, named);
+    const auto theirs = open();
+    theirs->lockRecord({9, 9});
+    const auto transaction = mine->beginWrite();
+    for (uint32_t page = 10; page < 2000; ++page) {
+        mine->lockRecord({page, 0});
+        mine->unlockRecord({page, 0});
+    }
+    EXPECT_EQ(codeOf([&] { mine->lockRecord({9, 9}); }), LockedByUser);
+    for (const uint32_t page : {10u, 1999u, 5000u}) {
+        try {
+            theirs->lockRecord({page, 0});
+            FAIL() << page;
+        } catch (const Error& error) {
+            EXPECT_EQ(error.code(), LockedByUser);
+            EXPECT_EQ(error.names(), (std::vector<std::wstring>{L"Åse", L"desk"}));
+        }
+    }
+    transaction->commit();
+    for (const uint32_t page : {10u, 1999u, 5000u})
+        EXPECT_EQ(codeOf([&] { theirs->lockRecord({page, 0}); }), 0);
+}
+
 TEST_F(StorageTest, WhatIsNoDatabase) {
     Bytes jet3 = testDatabase(4);
     jet3[0x14] = 0;
