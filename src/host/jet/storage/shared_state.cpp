@@ -25,6 +25,9 @@ constexpr uint64_t recordBytes = uint64_t(1) << 41;
 // Another one's recovery of a long log passes under the attaching lock.
 constexpr auto attachingPatience = std::chrono::seconds(20);
 
+// An owner without a name has just taken the record, or is giving it up.
+constexpr int nameAttempts = 10;
+
 void putName(char (&into)[64], const std::wstring& name) {
     std::string bytes = toUtf8(name);
     if (bytes.size() >= sizeof into) {
@@ -177,11 +180,16 @@ UserName SharedState::writerName() const {
 }
 
 std::optional<UserName> SharedState::lockRecord(uint64_t key) {
-    if (file_ == nullptr || file_->tryLock(LockKind::Exclusive, recordBytes + key)) {
-        note(key);
-        return std::nullopt;
+    UserName owner;
+    for (int attempt = 0; attempt < nameAttempts && owner.user.empty(); ++attempt) {
+        if (attempt > 0) std::this_thread::yield();
+        if (file_ == nullptr || file_->tryLock(LockKind::Exclusive, recordBytes + key)) {
+            note(key);
+            return std::nullopt;
+        }
+        owner = nameOfOwner(key);
     }
-    return nameOfOwner(key);
+    return owner;
 }
 
 std::optional<UserName> SharedState::recordOwner(uint64_t key) const {
