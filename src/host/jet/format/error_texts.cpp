@@ -94,11 +94,20 @@ constexpr Entry entries[] = {
     {3085, L"Undefined function '|' in expression."},
     {3090, L"Resultant table not allowed to have more than one AutoNumber field."},
     {3092, L"Cannot use HAVING clause in TRANSFORM statement."},
+    {3095, L"Cannot have aggregate function in expression '|'."},
+    {3096, L"Cannot have aggregate function in WHERE clause '|'."},
+    {3103, L"Circular reference caused by alias '|' in query definition's SELECT list."},
     {3112, L"Record(s) cannot be read; no read permission on '|'."},
+    {3122,
+     L"You tried to execute a query that does not include the specified expression '|' as part "
+     L"of an aggregate function."},
     {3125,
      L"'|' is not a valid name. Make sure that it does not include invalid characters or "
      L"punctuation and that it is not too long."},
     {3126, L"Invalid bracketing of name '|'."},
+    {3127,
+     L"The INSERT INTO statement contains the following unknown field name: '|'. Make sure you "
+     L"have typed the name correctly, and try the operation again."},
     {3128, L"Specify the table containing the records you want to delete."},
     {3129,
      L"Invalid SQL statement; expected 'DELETE', 'INSERT', 'PROCEDURE', 'SELECT', or 'UPDATE'."},
@@ -186,6 +195,13 @@ constexpr Entry entries[] = {
     {3294, L"Syntax error in DROP INDEX statement."},
     {3295, L"Syntax error in DROP TABLE or DROP INDEX."},
     {3303, L"Cannot delete this field. It is part of one or more relationships."},
+    {3306,
+     L"You have written a subquery that can return more than one field without using the EXISTS "
+     L"reserved word in the main query's FROM clause. Revise the SELECT statement of the "
+     L"subquery to request only one field."},
+    {3307,
+     L"The number of columns in the two selected tables or queries of a union query do not "
+     L"match."},
     {3308, L"Invalid TOP argument in select query."},
     {3314,
      L"The field '|' cannot contain a Null value because the Required property for this field is "
@@ -199,6 +215,7 @@ constexpr Entry entries[] = {
     {3321, L"No database specified in connection string or IN clause."},
     {3340, L"Query '|' is corrupt."},
     {3343, L"Unrecognized database format '|'."},
+    {3346, L"Number of query values and destination fields are not the same."},
     {3349, L"Numeric field overflow."},
     {3356,
      L"You attempted to open a database that is already opened exclusively by user '|1' on "

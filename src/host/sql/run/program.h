@@ -1,0 +1,64 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "host/jet/expression/expression_functions.h"
+#include "host/jet/expression/expression_node.h"
+#include "host/jet/values/value.h"
+#include "host/sql/run/types.h"
+
+// A query of the dialect, translated for SQLite.
+namespace sg::jet {
+class Database;
+}
+
+namespace sg::sql {
+
+// A call out of SQLite's text into the one implementation of the dialect's operators and functions:
+// "jet(n, arguments)" is the n-th.
+struct CallSite {
+    enum class Kind : uint8_t {
+        Operator,  // `op`, two arguments
+        Between,   // three
+        Negate,
+        Not,
+        Function,  // `function`
+        Convert,   // to `result`
+        Truth,     // of a condition
+    };
+    Kind kind = Kind::Operator;
+    jet::detail::Operator op = jet::detail::Operator::Add;
+    const jet::detail::Function* function = nullptr;
+    std::vector<Type> arguments;
+    Type result;
+};
+
+// A table that the text names "jetN", N being its place.
+struct TableUse {
+    jet::Database* database = nullptr;
+    std::wstring name;  // in that database
+};
+
+struct OutputColumn {
+    std::wstring name;
+    Type type;
+};
+
+// What the text names "t0", "t1"...
+struct NamedSource {
+    std::wstring name;
+    TableUse table;  // without a database for a query
+};
+
+struct Program {
+    std::string text;
+    std::vector<jet::Value> bound;  // to ?1, ?2...
+    std::vector<CallSite> calls;
+    std::vector<TableUse> tables;
+    std::vector<OutputColumn> columns;
+    std::map<std::string, NamedSource> sources;
+};
+
+}  // namespace sg::sql

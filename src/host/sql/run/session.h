@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/export.h"
+#include "host/jet/recordset/recordset.h"
+#include "host/sql/statements.h"
+
+namespace sg::jet {
+class Database;
+}
+
+namespace sg::sql {
+
+// A parameter's value. Its name is compared ignoring case; names in several parts are joined by
+// "!". Those without a name are taken by "?" in their order.
+struct Parameter {
+    std::wstring name;
+    jet::Value value;
+};
+using Parameters = std::vector<Parameter>;
+
+// Runs statements of the dialect on a database, which must outlive it. Linked tables and stored
+// queries stand for their rows.
+class SG_API Session {
+  public:
+    explicit Session(jet::Database& database);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    // The rows of a query as they are now. Throws what parseStatement() throws; InputTableNotFound
+    // (3078), UnknownName (3061) with the number of parameters that have no value,
+    // UndefinedFunction, ConversionError and whatever else the statement meets; 3219 for a
+    // statement that gives no rows.
+    std::unique_ptr<jet::SnapshotRecordset> select(std::wstring_view text,
+                                                   const Parameters& parameters = {});
+    std::unique_ptr<jet::SnapshotRecordset> select(const Statement& statement,
+                                                   const Parameters& parameters = {});
+
+    // Runs a statement that changes rows or the design, as one transaction: done wholly or, when
+    // it throws, not at all. Answers how many records it changed. Throws as select() and as
+    // TableWriter and schema.h do; 3065 for a query that only gives rows.
+    int64_t execute(std::wstring_view text, const Parameters& parameters = {});
+    int64_t execute(const Statement& statement, const Parameters& parameters = {});
+
+    // How a query is to be run, a line a step: SEARCH where an index is used, SCAN where all rows
+    // are read.
+    std::vector<std::wstring> explain(const Statement& statement,
+                                      const Parameters& parameters = {});
+
+  private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+}  // namespace sg::sql

@@ -1,0 +1,348 @@
+#include "host/sql/run/sqlite_values.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+
+#include "base/encoding.h"
+#include "host/jet/expression/expression_decimal.h"
+#include "host/jet/expression/expression_functions.h"
+#include "host/jet/expression/expression_operators.h"
+#include "host/jet/format/error.h"
+#include "host/jet/index/sort_order.h"
+
+namespace sg::sql {
+namespace {
+
+// A decimal's digits, 28 before and 28 behind the point, behind a byte for the sign; of a negative
+// number all of them are taken from 9, so that bytes compare as numbers.
+constexpr size_t wholeDigits = 28;
+constexpr size_t allDigits = 56;
+using DecimalBytes = std::array<char, 1 + allDigits>;
+
+DecimalBytes packed(const jet::Decimal& decimal) {
+    DecimalBytes bytes;
+    bytes.fill('0');
+    std::wstring text = jet::toText(decimal);
+    const bool negative = text[0] == L'-';
+    if (negative) {
+        text.erase(0, 1);
+    }
+    const size_t point = std::min(text.find(L'.'), text.size());
+    for (size_t i = 0; i < point && i < wholeDigits; ++i) {
+        bytes[wholeDigits - i] = static_cast<char>(text[point - 1 - i]);
+    }
+    for (size_t i = point + 1; i < text.size() && i - point <= wholeDigits; ++i) {
+        bytes[wholeDigits + (i - point)] = static_cast<char>(text[i]);
+    }
+    bytes[0] = negative ? '0' : '1';
+    if (negative) {
+        for (size_t i = 1; i < bytes.size(); ++i) {
+            bytes[i] = static_cast<char>('0' + '9' - bytes[i]);
+        }
+    }
+    return bytes;
+}
+
+jet::Decimal unpacked(std::string_view bytes) {
+    jet::Decimal decimal;
+    decimal.negative = bytes[0] == '0';
+    std::string digits(bytes.substr(1));
+    if (decimal.negative) {
+        for (char& digit : digits) {
+            digit = static_cast<char>('0' + '9' - digit);
+        }
+    }
+    size_t end = digits.size();
+    while (end > wholeDigits && digits[end - 1] == '0') {
+        --end;
+    }
+    decimal.scale = static_cast<uint8_t>(end - wholeDigits);
+    for (size_t i = 0; i < end; ++i) {
+        uint64_t carry = static_cast<uint64_t>(digits[i] - '0');
+        for (size_t word = decimal.words.size(); word-- > 0;) {
+            carry += uint64_t(decimal.words[word]) * 10;
+            decimal.words[word] = static_cast<uint32_t>(carry);
+            carry >>= 32;
+        }
+    }
+    return decimal;
+}
+
+// What SQLite is given of a value: called with its form.
+template <class Whole, class Real, class Text, class Blob, class Nothing>
+void passOn(const jet::Value& value, Whole whole, Real real, Text text, Blob blob,
+            Nothing nothing) {
+    std::visit(
+        [&]<class T>(const T& held) {
+            if constexpr (std::is_same_v<T, std::monostate>) {
+                nothing();
+            } else if constexpr (std::is_same_v<T, bool>) {
+                whole(held ? -1 : 0);
+            } else if constexpr (std::is_integral_v<T>) {
+                whole(static_cast<int64_t>(held));
+            } else if constexpr (std::is_same_v<T, jet::Currency>) {
+                whole(held.scaled);
+            } else if constexpr (std::is_floating_point_v<T>) {
+                real(static_cast<double>(held));
+            } else if constexpr (std::is_same_v<T, jet::Date>) {
+                real(held.days);
+            } else if constexpr (std::is_same_v<T, std::wstring>) {
+                text(held);
+            } else if constexpr (std::is_same_v<T, jet::Bytes>) {
+                blob(reinterpret_cast<const char*>(held.data()), held.size());
+            } else if constexpr (std::is_same_v<T, jet::Guid>) {
+                blob(reinterpret_cast<const char*>(held.bytes.data()), held.bytes.size());
+            } else {
+                const DecimalBytes bytes = packed(held);
+                blob(bytes.data(), bytes.size());
+            }
+        },
+        value);
+}
+
+std::string_view blobOf(sqlite3_value* from) {
+    const auto* bytes = static_cast<const char*>(sqlite3_value_blob(from));
+    const auto size = static_cast<size_t>(sqlite3_value_bytes(from));
+    return bytes == nullptr ? std::string_view() : std::string_view(bytes, size);
+}
+
+[[noreturn]] void throwOverflow() {
+    jet::detail::throwConversion(L"overflow");
+}
+
+// In the narrowest of the type's own C++ type and those wider.
+void takeWhole(int64_t number, ColumnType type, jet::Value& into) {
+    if (type == ColumnType::Boolean) {
+        into = number != 0;
+    } else if (type == ColumnType::Byte && number >= 0 && number <= 255) {
+        into = static_cast<uint8_t>(number);
+    } else if (type <= ColumnType::Integer && number == static_cast<int16_t>(number)) {
+        into = static_cast<int16_t>(number);
+    } else if (type == ColumnType::BigInteger) {
+        into = number;
+    } else if (number == static_cast<int32_t>(number)) {
+        into = static_cast<int32_t>(number);
+    } else {
+        into = static_cast<double>(number);
+    }
+}
+
+void takeText(std::string_view text, jet::Value& into) {
+    auto* held = std::get_if<std::wstring>(&into);
+    std::wstring& wide = held != nullptr ? *held : into.emplace<std::wstring>();
+    wide.resize(text.size());
+    for (size_t i = 0; i < text.size(); ++i) {
+        const auto unit = static_cast<unsigned char>(text[i]);
+        if (unit >= 0x80) {
+            wide = fromUtf8(text);
+            return;
+        }
+        wide[i] = static_cast<wchar_t>(unit);
+    }
+}
+
+// Texts of these characters alone sort by their capitals.
+bool isSimple(unsigned char c) {
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+unsigned char capital(unsigned char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<unsigned char>(c - 'a' + 'A') : c;
+}
+
+std::string_view withoutBlanks(std::string_view text) {
+    while (!text.empty() && text.back() == ' ') {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+}  // namespace
+
+void answer(sqlite3_context* context, const jet::Value& value) {
+    passOn(
+        value, [&](int64_t number) { sqlite3_result_int64(context, number); },
+        [&](double number) { sqlite3_result_double(context, number); },
+        [&](const std::wstring& text) {
+            const std::string bytes = toUtf8(text);
+            sqlite3_result_text64(context, bytes.data(), bytes.size(), SQLITE_TRANSIENT,
+                                  SQLITE_UTF8);
+        },
+        [&](const char* bytes, size_t size) {
+            sqlite3_result_blob64(context, bytes == nullptr ? "" : bytes, size, SQLITE_TRANSIENT);
+        },
+        [&] { sqlite3_result_null(context); });
+}
+
+void bind(sqlite3_stmt* statement, int place, const jet::Value& value) {
+    passOn(
+        value, [&](int64_t number) { sqlite3_bind_int64(statement, place, number); },
+        [&](double number) { sqlite3_bind_double(statement, place, number); },
+        [&](const std::wstring& text) {
+            const std::string bytes = toUtf8(text);
+            sqlite3_bind_text64(statement, place, bytes.data(), bytes.size(), SQLITE_TRANSIENT,
+                                SQLITE_UTF8);
+        },
+        [&](const char* bytes, size_t size) {
+            sqlite3_bind_blob64(statement, place, bytes == nullptr ? "" : bytes, size,
+                                SQLITE_TRANSIENT);
+        },
+        [&] { sqlite3_bind_null(statement, place); });
+}
+
+void take(sqlite3_value* from, const Type& type, jet::Value& into) {
+    const int held = sqlite3_value_type(from);
+    if (held == SQLITE_NULL || !type.column) {
+        into = std::monostate();
+        return;
+    }
+    const bool isNumber = held == SQLITE_INTEGER || held == SQLITE_FLOAT;
+    switch (formOf(type)) {
+        case Form::Whole:
+            if (held == SQLITE_INTEGER) {
+                takeWhole(sqlite3_value_int64(from), *type.column, into);
+                return;
+            }
+            if (held == SQLITE_FLOAT) {
+                into = sqlite3_value_double(from);
+                return;
+            }
+            break;
+        case Form::Single:
+        case Form::Real:
+        case Form::Date:
+            if (isNumber) {
+                const double number = sqlite3_value_double(from);
+                if (!std::isfinite(number)) {
+                    throwOverflow();
+                }
+                if (formOf(type) == Form::Single) {
+                    into = static_cast<float>(number);
+                } else if (formOf(type) == Form::Date) {
+                    into = jet::Date{number};
+                } else {
+                    into = number;
+                }
+                return;
+            }
+            break;
+        case Form::Currency:
+            if (held == SQLITE_INTEGER) {
+                into = jet::Currency{sqlite3_value_int64(from)};
+                return;
+            }
+            throwOverflow();
+        case Form::Text:
+            if (held == SQLITE_TEXT) {
+                takeText({reinterpret_cast<const char*>(sqlite3_value_text(from)),
+                          static_cast<size_t>(sqlite3_value_bytes(from))},
+                         into);
+                return;
+            }
+            break;
+        case Form::Guid:
+            if (const std::string_view blob = blobOf(from); blob.size() == 16) {
+                jet::Guid guid;
+                std::memcpy(guid.bytes.data(), blob.data(), blob.size());
+                into = guid;
+                return;
+            }
+            break;
+        case Form::Bytes:
+            if (held == SQLITE_BLOB) {
+                const std::string_view blob = blobOf(from);
+                into = jet::Bytes(blob.begin(), blob.end());
+                return;
+            }
+            break;
+        case Form::Decimal:
+            if (const std::string_view blob = blobOf(from); blob.size() == 1 + allDigits) {
+                into = unpacked(blob);
+                return;
+            }
+            break;
+        case Form::Null:
+            break;
+    }
+    jet::detail::throwConversion(L"a value of another type than its expression's");
+}
+
+std::string literalOf(const jet::Value& value) {
+    std::string text;
+    passOn(
+        value,
+        [&](int64_t number) {
+            // The smallest number has no literal.
+            if (number != std::numeric_limits<int64_t>::min()) {
+                text = std::to_string(number);
+                if (number < 0) {
+                    text.insert(text.begin(), '(');
+                    text += ')';
+                }
+            }
+        },
+        [&](double number) {
+            char digits[40];
+            std::snprintf(digits, sizeof digits, "%.17g", number);
+            text = digits;
+            if (!std::isfinite(number)) {
+                text.clear();
+            } else if (text.find_first_of(".e") == text.npos) {
+                text += ".0";
+            }
+            if (number < 0 && !text.empty()) {
+                text.insert(text.begin(), '(');
+                text += ')';
+            }
+        },
+        [](const std::wstring&) {}, [](const char*, size_t) {}, [&] { text = "NULL"; });
+    return text;
+}
+
+int compareTexts(std::string_view a, std::string_view b) {
+    a = withoutBlanks(a);
+    b = withoutBlanks(b);
+    const size_t common = std::min(a.size(), b.size());
+    size_t at = 0;
+    bool simple = true;
+    int order = 0;
+    for (; at < common && simple; ++at) {
+        const auto x = static_cast<unsigned char>(a[at]);
+        const auto y = static_cast<unsigned char>(b[at]);
+        simple = isSimple(x) && isSimple(y);
+        if (order == 0) {
+            order = int(capital(x)) - int(capital(y));
+        }
+    }
+    const auto allSimple = [](std::string_view rest) {
+        return std::all_of(rest.begin(), rest.end(),
+                           [](char c) { return isSimple(static_cast<unsigned char>(c)); });
+    };
+    if (simple && allSimple(a.substr(common)) && allSimple(b.substr(common))) {
+        return order != 0 ? order : a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
+    }
+    const std::wstring x = fromUtf8(a);
+    const std::wstring y = fromUtf8(b);
+    jet::KeyBytes left;
+    jet::KeyBytes right;
+    const jet::TextOrder general = jet::TextOrder::GeneralLegacy;
+    const bool longer = x.size() >= jet::kIndexedTextUnits || y.size() >= jet::kIndexedTextUnits;
+    if (jet::appendTextKey(general, x, false, left) &&
+        jet::appendTextKey(general, y, false, right)) {
+        const auto byKeys = left <=> right;
+        if (byKeys != 0 || !longer) {
+            return byKeys < 0 ? -1 : byKeys > 0 ? 1 : 0;
+        }
+    } else if (left.empty() != right.empty()) {
+        return left.empty() ? 1 : -1;  // what has no weight comes behind all that has
+    }
+    const auto byCapitals = jet::detail::compareTexts(x, y);
+    return byCapitals < 0 ? -1 : byCapitals > 0 ? 1 : 0;
+}
+
+}  // namespace sg::sql

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <string>
+#include <string_view>
+
+#include "host/jet/values/value.h"
+#include "host/sql/run/types.h"
+
+// Values on their way into SQLite and out of it, in the forms of types.h.
+namespace sg::sql {
+
+// Answers a function's or a column's value. It must be of its type's form.
+void answer(sqlite3_context* context, const jet::Value& value);
+// Places count from 1.
+void bind(sqlite3_stmt* statement, int place, const jet::Value& value);
+// A value of type `type`. Throws jet::Error for what is not in the type's form.
+void take(sqlite3_value* from, const Type& type, jet::Value& into);
+
+// A value that stands in a statement's text as it is; empty for one that must be bound.
+std::string literalOf(const jet::Value& value);
+
+// The dialect's order of texts in UTF-8: the General order, in which case and trailing blanks make
+// no difference.
+int compareTexts(std::string_view a, std::string_view b);
+
+}  // namespace sg::sql

@@ -1,0 +1,181 @@
+// Calls of functions, and aggregates.
+
+#include <algorithm>
+#include <iterator>
+
+#include "base/text.h"
+#include "host/jet/format/error.h"
+#include "host/sql/run/translator.h"
+#include "host/sql/to_text.h"
+
+namespace sg::sql {
+namespace {
+
+// These give something else each time.
+bool isVolatile(std::wstring_view name) {
+    static constexpr std::wstring_view names[] = {L"Rnd", L"GenGUID", L"GenUniqueID"};
+    return std::any_of(std::begin(names), std::end(names),
+                       [&](std::wstring_view each) { return equalIgnoringCase(each, name); });
+}
+
+[[noreturn]] void failArguments(const Call& call) {
+    throw jet::Error(jet::ExpressionSyntax,
+                     {L"Wrong number of arguments used with function", call.function.text});
+}
+
+}  // namespace
+
+Typed Translator::call(const Call& call, Scope& scope) {
+    const std::wstring& name = call.function.text;
+    const jet::detail::Function* function = jet::detail::findFunction(name);
+    if (function == nullptr) {
+        throw jet::Error(jet::UndefinedFunction, {name});
+    }
+    if (call.arguments.size() < function->least || call.arguments.size() > function->most) {
+        failArguments(call);
+    }
+    if (std::optional<Typed> chosen = choice(call, scope)) {
+        return *chosen;
+    }
+    std::vector<Typed> arguments;
+    for (const ExpressionPtr& each : call.arguments) {
+        arguments.push_back(emit(*each, scope));
+    }
+    CallSite made;
+    made.kind = CallSite::Kind::Function;
+    made.function = function;
+    made.result = functionType(name, arguments.empty() ? Type() : arguments[0].type);
+    return site(std::move(made), arguments, isVolatile(name));
+}
+
+// The functions that evaluate only what they answer.
+std::optional<Typed> Translator::choice(const Call& call, Scope& scope) {
+    const auto& arguments = call.arguments;
+    const auto named = [&](std::wstring_view name) {
+        return equalIgnoringCase(call.function.text, name);
+    };
+    std::vector<std::pair<std::string, Typed>> branches;
+    std::optional<Typed> otherwise;
+    if (named(L"IIf")) {
+        branches.emplace_back(condition(*arguments[0], scope), emit(*arguments[1], scope));
+        if (arguments.size() > 2) {
+            otherwise = emit(*arguments[2], scope);
+        }
+    } else if (named(L"Switch")) {
+        if (arguments.size() % 2 != 0) {
+            failArguments(call);
+        }
+        for (size_t i = 0; i < arguments.size(); i += 2) {
+            branches.emplace_back(condition(*arguments[i], scope), emit(*arguments[i + 1], scope));
+        }
+    } else if (named(L"Choose")) {
+        const Typed place = site({CallSite::Kind::Function,
+                                  {},
+                                  jet::detail::findFunction(L"Int"),
+                                  {},
+                                  ColumnType::Double},
+                                 {emit(*arguments[0], scope)});
+        for (size_t i = 1; i < arguments.size(); ++i) {
+            branches.emplace_back(std::to_string(i), emit(*arguments[i], scope));
+        }
+        return cases(branches, otherwise, std::string(" ") + place.sql);
+    } else if (named(L"Nz")) {
+        const Typed first = emit(*arguments[0], scope);
+        const Typed second =
+            arguments.size() > 1 ? emit(*arguments[1], scope) : constant(std::wstring());
+        const Type type = commonType(first.type, second.type);
+        return Typed{std::string("coalesce(") + value(converted(first, type)) + ", " +
+                         value(converted(second, type)) + ")",
+                     type,
+                     false,
+                     {}};
+    } else if (named(L"IsNull")) {
+        return Typed{std::string("(") + value(emit(*arguments[0], scope)) + " IS NULL)",
+                     ColumnType::Boolean,
+                     true,
+                     {}};
+    } else {
+        return std::nullopt;
+    }
+    return cases(branches, otherwise);
+}
+
+Typed Translator::cases(const std::vector<std::pair<std::string, Typed>>& branches,
+                        const std::optional<Typed>& otherwise, const std::string& chosen) {
+    Type type = otherwise ? otherwise->type : Type();
+    for (const auto& [when, then] : branches) {
+        type = commonType(type, then.type);
+    }
+    std::string sql = std::string("CASE") + chosen;
+    for (const auto& [when, then] : branches) {
+        sql += std::string(" WHEN ") + when + " THEN " + value(converted(then, type));
+    }
+    if (otherwise) {
+        sql += std::string(" ELSE ") + value(converted(*otherwise, type));
+    }
+    return {std::string("(") + sql + " END)", type, false, {}};
+}
+
+Typed Translator::aggregate(const Aggregate& aggregate, Scope& scope) {
+    if (!scope.mayAggregate || scope.ungrouped > 0) {
+        throw jet::Error(scope.ungrouped > 0 ? 3095 : 3096,
+                         {aggregate.argument ? toText(*aggregate.argument) : L"*"});
+    }
+    const std::string filter =
+        scope.filter.empty() ? "" : std::string(" FILTER (WHERE ") + scope.filter + ")";
+    if (aggregate.argument == nullptr) {
+        return {std::string("count(*)") + filter, ColumnType::Long, false, {}};
+    }
+    ++scope.ungrouped;
+    Typed argument = emit(*aggregate.argument, scope);
+    --scope.ungrouped;
+    const auto made = [&](const char* name, const Typed& of, const Type& type) {
+        return Typed{std::string(name) + "(" + compared(of) + ")" + filter, type, false, {}};
+    };
+    using enum AggregateFunction;
+    switch (aggregate.function) {
+        case Count:
+            return made("count", argument, ColumnType::Long);
+        case Min:
+            return made("min", argument, argument.type);
+        case Max:
+            return made("max", argument, argument.type);
+        case First:
+            return made("jet_first", argument, argument.type);
+        case Last:
+            return made("jet_last", argument, argument.type);
+        default:
+            break;
+    }
+    const Form form = formOf(argument.type);
+    const bool isSum = aggregate.function == Sum;
+    if (isSum || aggregate.function == Avg) {
+        if (form == Form::Decimal) {
+            return made(isSum ? "jet_sum" : "jet_avg", argument, ColumnType::Numeric);
+        }
+        if (form == Form::Currency) {
+            Typed amount = made(isSum ? "sum" : "avg", argument, ColumnType::Currency);
+            if (!isSum) {
+                amount.sql = std::string("CAST(round(") + amount.sql + ") AS INTEGER)";
+            }
+            return amount;
+        }
+        if (form == Form::Text) {
+            argument = converted(argument, ColumnType::Double);
+        }
+        const bool small = form == Form::Whole && argument.type.column != ColumnType::Long &&
+                           argument.type.column != ColumnType::BigInteger;
+        return made(isSum ? "sum" : "avg", argument,
+                    isSum && small ? ColumnType::Long : ColumnType::Double);
+    }
+    if (form == Form::Decimal || form == Form::Currency || form == Form::Text) {
+        argument = converted(argument, ColumnType::Double);
+    }
+    const char* name = aggregate.function == StDev    ? "jet_stdev"
+                       : aggregate.function == StDevP ? "jet_stdevp"
+                       : aggregate.function == Var    ? "jet_var"
+                                                      : "jet_varp";
+    return made(name, argument, ColumnType::Double);
+}
+
+}  // namespace sg::sql

@@ -1,0 +1,460 @@
+// Expressions: values, names, operators.
+
+#include <algorithm>
+
+#include "base/text.h"
+#include "host/jet/database/database.h"
+#include "host/jet/expression/expression_operators.h"
+#include "host/jet/format/error.h"
+#include "host/sql/run/sqlite_values.h"
+#include "host/sql/run/translator.h"
+#include "host/sql/syntax_errors.h"
+#include "host/sql/to_text.h"
+
+namespace sg::sql {
+namespace {
+
+using jet::detail::Operator;
+
+constexpr size_t maxWritten = 200'000;
+
+Operator operatorOf(BinaryOperator op) {
+    switch (op) {
+        case BinaryOperator::Power:
+            return Operator::Power;
+        case BinaryOperator::Multiply:
+            return Operator::Multiply;
+        case BinaryOperator::Divide:
+            return Operator::Divide;
+        case BinaryOperator::IntegerDivide:
+            return Operator::IntegerDivide;
+        case BinaryOperator::Modulo:
+            return Operator::Modulo;
+        case BinaryOperator::Add:
+            return Operator::Add;
+        case BinaryOperator::Subtract:
+            return Operator::Subtract;
+        case BinaryOperator::Concatenate:
+            return Operator::Concatenate;
+        case BinaryOperator::And:
+            return Operator::And;
+        case BinaryOperator::Or:
+            return Operator::Or;
+        case BinaryOperator::Xor:
+            return Operator::Xor;
+        case BinaryOperator::Eqv:
+            return Operator::Eqv;
+        default:
+            return Operator::Imp;
+    }
+}
+
+std::wstring joinedName(const ColumnName& name) {
+    std::wstring joined;
+    for (const Name& part : name.qualifiers) {
+        joined += part.text + L"!";
+    }
+    return joined + name.name.text;
+}
+
+bool isTruth(const Type& type) {
+    return !type.column || isBoolean(type);
+}
+
+Type quotientType(const Type& a, const Type& b) {
+    if (!a.column || !b.column) {
+        return {};
+    }
+    const auto any = [&](ColumnType type) { return a.column == type || b.column == type; };
+    if (any(ColumnType::Numeric) || any(ColumnType::BigInteger)) {
+        return ColumnType::Numeric;
+    }
+    const auto narrow = [](const Type& type) {
+        return type.column == ColumnType::Single ||
+               (formOf(type) == Form::Whole && type.column != ColumnType::Long);
+    };
+    const bool single = any(ColumnType::Single) && narrow(a) && narrow(b);
+    return single ? ColumnType::Single : ColumnType::Double;
+}
+
+}  // namespace
+
+Translator::Translator(jet::Database& database, const std::vector<ParameterDeclaration>& declared,
+                       const Parameters& parameters, Engine& engine)
+    : database_(&database), parameters_(parameters), engine_(engine) {
+    for (const ParameterDeclaration& each : declared) {
+        const std::wstring name = joinedName(each.name);
+        declared_.try_emplace(upperCased(name), each.type);
+        parameter(name);  // one that is declared must have a value, wanted or not
+    }
+}
+
+Program Translator::query(const Query& query) {
+    return finish(translate(query, nullptr));
+}
+
+Program Translator::finish(Translated translated) {
+    if (!missing_.empty()) {
+        std::wstring names;
+        for (const std::wstring& name : missing_) {
+            names += (names.empty() ? L"" : L", ") + name;
+        }
+        throw jet::Error(jet::UnknownName, {std::to_wstring(missing_.size())}, {.detail = names});
+    }
+    program_.text = std::move(translated.sql);
+    program_.columns = std::move(translated.columns);
+    return std::move(program_);
+}
+
+Program Translator::rows(Scope& scope, const Expression* where, const std::vector<size_t>& targets,
+                         const std::vector<const Expression*>& values) {
+    Translated made;
+    const auto add = [&](const std::string& sql, const Type& type) {
+        made.sql += made.columns.empty() ? "SELECT " : ", ";
+        made.sql += sql + " AS c" + std::to_string(made.columns.size());
+        made.columns.push_back({{}, type});
+    };
+    for (const size_t target : targets) {
+        add(scope.sources[target].alias + ".rowid", ColumnType::BigInteger);
+    }
+    for (const Expression* each : values) {
+        const Typed typed = emit(*each, scope);
+        add(value(typed), typed.type);
+    }
+    made.sql += std::string(" FROM ") + scope.from;
+    if (where != nullptr) {
+        made.sql += std::string(" WHERE ") + condition(*where, scope);
+    }
+    return finish(std::move(made));
+}
+
+Program Translator::values(const std::vector<ExpressionPtr>& values) {
+    Scope scope;
+    Translated made;
+    for (const ExpressionPtr& each : values) {
+        const Typed typed = emit(*each, scope);
+        made.sql += std::string(made.columns.empty() ? "SELECT " : ", ") + value(typed);
+        made.columns.push_back({{}, typed.type});
+    }
+    return finish(std::move(made));
+}
+
+// ---- In SQLite's text
+
+Typed Translator::constant(jet::Value value) {
+    Typed made;
+    made.type = typeOf(value);
+    made.sql = literalOf(value);
+    if (made.sql.empty()) {
+        program_.bound.push_back(value);
+        made.sql = std::string("?") + std::to_string(program_.bound.size());
+    }
+    made.constant = std::move(value);
+    return made;
+}
+
+Typed Translator::site(CallSite site, const std::vector<Typed>& arguments, bool isVolatile) {
+    Typed made;
+    made.sql = std::string(isVolatile ? "jetv(" : "jet(") + std::to_string(program_.calls.size());
+    for (const Typed& argument : arguments) {
+        made.sql += std::string(", ") + value(argument);
+        site.arguments.push_back(argument.type);
+    }
+    made.sql += ")";
+    made.type = site.result;
+    program_.calls.push_back(std::move(site));
+    return made;
+}
+
+Typed Translator::converted(const Typed& typed, const Type& type) {
+    const Form from = formOf(typed.type);
+    const Form to = formOf(type);
+    const bool same = from == to || from == Form::Null || to == Form::Null ||
+                      (to == Form::Real && (from == Form::Whole || from == Form::Single)) ||
+                      (to == Form::Date && (from == Form::Whole || from == Form::Real));
+    if (same && !(isBoolean(type) && !isTruth(typed.type))) {
+        return {value(typed), type, false, typed.constant};
+    }
+    return site({CallSite::Kind::Convert, {}, nullptr, {}, type}, {typed});
+}
+
+std::string Translator::condition(const Typed& typed) {
+    if (typed.isCondition || formOf(typed.type) != Form::Text) {
+        return typed.sql;
+    }
+    return site({CallSite::Kind::Truth, {}, nullptr, {}, ColumnType::Boolean}, {typed}).sql;
+}
+
+std::string Translator::condition(const Expression& expression, Scope& scope) {
+    return condition(emit(expression, scope));
+}
+
+std::string Translator::value(const Typed& typed) const {
+    return typed.isCondition ? std::string("(-") + typed.sql + ")" : typed.sql;
+}
+
+std::string Translator::compared(const Typed& typed) const {
+    return isText(typed.type) ? std::string("(") + typed.sql + " COLLATE JET)" : value(typed);
+}
+
+// ---- Nodes
+
+void Translator::count() {
+    if (++written_ > maxWritten) {
+        throw jet::Error(TooComplex);
+    }
+}
+
+Typed Translator::emit(const Expression& expression, Scope& scope) {
+    count();
+    const bool isKey = scope.isGrouped && !scope.groupTexts.empty() && scope.ungrouped == 0 &&
+                       !std::holds_alternative<ColumnName>(expression.node) &&
+                       scope.groupTexts.contains(upperCased(toText(expression)));
+    scope.ungrouped += isKey;
+    Typed made = emitNode(expression, scope);
+    scope.ungrouped -= isKey;
+    return made;
+}
+
+Typed Translator::emitNode(const Expression& expression, Scope& scope) {
+    const auto negatedIf = [](Typed typed, bool negated) {
+        return negated
+                   ? Typed{std::string("(NOT ") + typed.sql + ")", ColumnType::Boolean, true, {}}
+                   : typed;
+    };
+    struct Visitor {
+        Translator& self;
+        const Expression& expression;
+        Scope& scope;
+        decltype(negatedIf)& negate;
+
+        Typed operator()(const Literal& node) { return self.constant(node.value); }
+        Typed operator()(const ColumnName& node) {
+            return self.nameOrParameter(expression, node, scope);
+        }
+        Typed operator()(const Star&) {
+            throw jet::Error(jet::ExpressionSyntax, {L"Syntax error", toText(expression)});
+        }
+        Typed operator()(const Placeholder& node) { return self.placeholder(node.index); }
+        Typed operator()(const Unary& node) { return self.unary(node, scope); }
+        Typed operator()(const Binary& node) { return self.binary(node, scope); }
+        Typed operator()(const Like& node) {
+            const Typed a = self.emit(*node.value, scope);
+            const Typed b = self.emit(*node.pattern, scope);
+            return negate(
+                self.site(
+                    {CallSite::Kind::Operator, Operator::Like, nullptr, {}, ColumnType::Boolean},
+                    {a, b}),
+                node.negated);
+        }
+        Typed operator()(const Between& node) {
+            return negate(self.between(node, scope), node.negated);
+        }
+        Typed operator()(const In& node) { return negate(self.in(node, scope), node.negated); }
+        Typed operator()(const IsNull& node) {
+            const Typed typed = self.emit(*node.value, scope);
+            return {std::string("(") + typed.sql + (node.negated ? " IS NOT NULL)" : " IS NULL)"),
+                    ColumnType::Boolean,
+                    true,
+                    {}};
+        }
+        Typed operator()(const Call& node) { return self.call(node, scope); }
+        Typed operator()(const Aggregate& node) { return self.aggregate(node, scope); }
+        Typed operator()(const Subquery& node) { return self.subquery(*node.query, scope); }
+        Typed operator()(const Exists& node) {
+            return {std::string("EXISTS (") + self.translate(*node.query, &scope).sql + ")",
+                    ColumnType::Boolean,
+                    true,
+                    {}};
+        }
+        Typed operator()(const Quantified& node) { return self.quantified(node, scope); }
+    };
+    return std::visit(Visitor{*this, expression, scope, negatedIf}, expression.node);
+}
+
+// A column of this query or of one around it; what this one has hides what those have.
+std::optional<Typed> Translator::column(const ColumnName& name, Scope& scope) {
+    const ScopeColumn* found = nullptr;
+    for (const ScopeSource& source : scope.sources) {
+        if (!name.qualifiers.empty() &&
+            !equalIgnoringCase(source.name, name.qualifiers.back().text)) {
+            continue;
+        }
+        for (const ScopeColumn& each : source.columns) {
+            if (!equalIgnoringCase(each.name, name.name.text)) {
+                continue;
+            }
+            if (found != nullptr) {
+                throw jet::Error(3079, {name.name.text});
+            }
+            found = &each;
+        }
+    }
+    if (found != nullptr) {
+        return Typed{found->sql, found->type, false, {}};
+    }
+    // A column of a query may itself be called "table.column".
+    if (!name.qualifiers.empty()) {
+        const std::wstring whole = name.qualifiers.back().text + L"." + name.name.text;
+        for (const ScopeSource& source : scope.sources) {
+            for (const ScopeColumn& each : source.columns) {
+                if (equalIgnoringCase(each.name, whole)) {
+                    return Typed{each.sql, each.type, false, {}};
+                }
+            }
+        }
+    }
+    return scope.outer != nullptr ? column(name, *scope.outer) : std::nullopt;
+}
+
+Typed Translator::nameOrParameter(const Expression& expression, const ColumnName& name,
+                                  Scope& scope) {
+    if (const std::optional<Typed> found = column(name, scope)) {
+        const bool own =
+            std::any_of(scope.sources.begin(), scope.sources.end(), [&](const ScopeSource& source) {
+                return found->sql.compare(0, source.alias.size() + 1, source.alias + ".") == 0;
+            });
+        if (own && scope.isGrouped && scope.mayAggregate && scope.ungrouped == 0 &&
+            !scope.groupColumns.contains(found->sql)) {
+            throw jet::Error(3122, {toText(expression)});
+        }
+        return *found;
+    }
+    if (scope.mayAggregate && name.qualifiers.empty()) {
+        for (const auto& [alias, meant] : scope.aliases) {
+            if (!equalIgnoringCase(alias, name.name.text)) {
+                continue;
+            }
+            if (std::find(aliases_.begin(), aliases_.end(), meant) != aliases_.end()) {
+                throw jet::Error(3103, {alias});
+            }
+            aliases_.push_back(meant);
+            Typed made = emit(*meant, scope);
+            aliases_.pop_back();
+            return made;
+        }
+    }
+    return parameter(joinedName(name));
+}
+
+Typed Translator::parameter(const std::wstring& name) {
+    const auto declared = declared_.find(upperCased(name));
+    for (const Parameter& each : parameters_) {
+        if (each.name.empty() || !equalIgnoringCase(each.name, name)) {
+            continue;
+        }
+        if (declared == declared_.end() || !declared->second.type) {
+            return constant(each.value);
+        }
+        const Type type = *declared->second.type;
+        Typed made = constant(asType(type, each.value));
+        made.type = type;
+        return made;
+    }
+    missing_.insert(upperCased(name));
+    return constant({});
+}
+
+Typed Translator::placeholder(uint32_t index) {
+    uint32_t at = 0;
+    for (const Parameter& each : parameters_) {
+        if (each.name.empty() && at++ == index) {
+            return constant(each.value);
+        }
+    }
+    missing_.insert(L"?" + std::to_wstring(index + 1));
+    return constant({});
+}
+
+// ---- Operators
+
+Typed Translator::unary(const Unary& unary, Scope& scope) {
+    const Typed operand = emit(*unary.operand, scope);
+    const Form form = formOf(operand.type);
+    if (unary.op == UnaryOperator::Not) {
+        if (isTruth(operand.type)) {
+            return {std::string("(NOT ") + operand.sql + ")", ColumnType::Boolean, true, {}};
+        }
+        return site({CallSite::Kind::Not, {}, nullptr, {}, ColumnType::Long}, {operand});
+    }
+    if (operand.constant) {
+        return constant(jet::detail::negate(*operand.constant));
+    }
+    const Type type = form == Form::Whole  ? Type(ColumnType::Long)
+                      : form == Form::Text ? Type(ColumnType::Double)
+                                           : operand.type;
+    if (form == Form::Whole || form == Form::Real || form == Form::Currency) {
+        return {std::string("(-") + value(operand) + ")", type, false, {}};
+    }
+    return site({CallSite::Kind::Negate, {}, nullptr, {}, type}, {operand});
+}
+
+Typed Translator::binary(const Binary& binary, Scope& scope) {
+    const Typed a = emit(*binary.left, scope);
+    const Typed b = emit(*binary.right, scope);
+    if (binary.op >= BinaryOperator::Equal && binary.op <= BinaryOperator::GreaterOrEqual) {
+        return compare(binary.op, a, b);
+    }
+    return binary.op >= BinaryOperator::And ? logical(binary.op, a, b)
+                                            : arithmetic(binary.op, a, b);
+}
+
+Typed Translator::logical(BinaryOperator op, const Typed& a, const Typed& b) {
+    const bool truths = isTruth(a.type) && isTruth(b.type);
+    if (truths && (op == BinaryOperator::And || op == BinaryOperator::Or)) {
+        return {std::string("(") + a.sql +
+                    std::string(op == BinaryOperator::And ? " AND " : " OR ") + b.sql + ")",
+                ColumnType::Boolean,
+                true,
+                {}};
+    }
+    return site({CallSite::Kind::Operator,
+                 operatorOf(op),
+                 nullptr,
+                 {},
+                 truths ? ColumnType::Boolean : ColumnType::Long},
+                {a, b});
+}
+
+Typed Translator::arithmetic(BinaryOperator op, const Typed& a, const Typed& b) {
+    const bool isSum = op == BinaryOperator::Add || op == BinaryOperator::Subtract;
+    CallSite call{CallSite::Kind::Operator, operatorOf(op), nullptr, {}, {}};
+    switch (op) {
+        case BinaryOperator::Concatenate:
+            call.result = a.type.column == ColumnType::Memo || b.type.column == ColumnType::Memo
+                              ? ColumnType::Memo
+                              : ColumnType::Text;
+            return site(std::move(call), {a, b});
+        case BinaryOperator::Power:
+            call.result = ColumnType::Double;
+            return site(std::move(call), {a, b});
+        case BinaryOperator::IntegerDivide:
+        case BinaryOperator::Modulo:
+            call.result = ColumnType::Long;
+            return site(std::move(call), {a, b});
+        case BinaryOperator::Divide:
+            call.result = quotientType(a.type, b.type);
+            return site(std::move(call), {a, b});
+        default:
+            break;
+    }
+    call.result = arithmeticType(a.type, b.type, isSum, op == BinaryOperator::Subtract);
+    const auto plain = [](const Typed& typed) {
+        const Form form = formOf(typed.type);
+        return (form == Form::Whole && typed.type.column != ColumnType::BigInteger) ||
+               form == Form::Real || form == Form::Date;
+    };
+    const Form form = formOf(call.result);
+    const bool numbers = plain(a) && plain(b) && (form == Form::Whole || form == Form::Real);
+    const bool amounts = isSum && formOf(a.type) == Form::Currency &&
+                         formOf(b.type) == Form::Currency && form == Form::Currency;
+    if (numbers || amounts) {
+        const char* sign = op == BinaryOperator::Add        ? " + "
+                           : op == BinaryOperator::Subtract ? " - "
+                                                            : " * ";
+        return {std::string("(") + value(a) + sign + value(b) + ")", call.result, false, {}};
+    }
+    return site(std::move(call), {a, b});
+}
+
+}  // namespace sg::sql
