@@ -1,6 +1,7 @@
 #pragma once
 
-// The engine's public numbers of what is wrong in a statement; host/jet/format/error.h has the others.
+// The engine's public numbers of what is wrong in a statement; host/jet/format/error.h has the
+// others.
 namespace sg::sql {
 
 enum SyntaxError : int {
