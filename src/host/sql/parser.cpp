@@ -17,7 +17,7 @@ SyntaxParser::SyntaxParser(std::wstring_view text)
 // Up to the ";" or the end.
 Statement SyntaxParser::statement() {
     const size_t begin = start();
-    const uint32_t before = placeholders_;
+    const uint32_t before = positionalParameters_;
     Statement made;
     if (take(L"PARAMETERS")) {
         made.parameters = parameterDeclarations(ParametersSyntax);
@@ -31,7 +31,7 @@ Statement SyntaxParser::statement() {
         made.ownerAccess = true;
     }
     made.range = since(begin);
-    made.placeholders = placeholders_ - before;
+    made.positionalParameters = positionalParameters_ - before;
     return made;
 }
 
@@ -95,7 +95,7 @@ std::vector<ScriptEntry> SyntaxParser::script() {
         if (atEnd()) {
             return all;
         }
-        placeholders_ = 0;
+        positionalParameters_ = 0;
         const bool explain = take(L"EXPLAIN");
         all.push_back({explain, statement()});
         endOfStatement();

@@ -34,7 +34,7 @@ ExpressionPtr SyntaxParser::operand() {
         return literal();
     }
     if (token_.kind == TokenKind::Symbol) {
-        return atSymbol(L"(") ? parenthesized() : placeholder();
+        return atSymbol(L"(") ? parenthesized() : positionalParameter();
     }
     if (token_.kind == TokenKind::Bracketed) {
         return qualified();
@@ -49,10 +49,10 @@ ExpressionPtr SyntaxParser::literal() {
     return made(begin, std::move(node), 1);
 }
 
-ExpressionPtr SyntaxParser::placeholder() {
+ExpressionPtr SyntaxParser::positionalParameter() {
     const size_t begin = start();
     advance();
-    return made(begin, Placeholder{placeholders_++}, 1);
+    return made(begin, PositionalParameter{positionalParameters_++}, 1);
 }
 
 // The ")" behind what stands in parentheses.

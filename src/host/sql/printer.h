@@ -42,7 +42,7 @@ class Printer {
     void node(const Literal& node);
     void node(const ColumnName& node);
     void node(const Star& node);
-    void node(const Placeholder& node);
+    void node(const PositionalParameter& node);
     void node(const Unary& node);
     void node(const Binary& node);
     void node(const Like& node);

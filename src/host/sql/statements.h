@@ -187,8 +187,8 @@ struct Statement {
     std::variant<QueryPtr, Insert, Update, Delete, Execute, CreateTable, AlterTable, CreateIndex,
                  Drop, CreateView, CreateProcedure>
         body;
-    bool ownerAccess = false;   // WITH OWNERACCESS OPTION
-    uint32_t placeholders = 0;  // how many "?" it holds
+    bool ownerAccess = false;           // WITH OWNERACCESS OPTION
+    uint32_t positionalParameters = 0;  // how many "?" it holds
 };
 
 }  // namespace sg::sql

@@ -78,7 +78,7 @@ struct Star {
 };
 
 // "?"; counted in the statement, from 0 on.
-struct Placeholder {
+struct PositionalParameter {
     uint32_t index = 0;
 };
 
@@ -190,8 +190,8 @@ struct Quantified {
 struct Expression {
     Range range;
     uint16_t height = 1;  // of the tree from here
-    std::variant<Literal, ColumnName, Star, Placeholder, Unary, Binary, Like, Between, In, IsNull,
-                 Call, Aggregate, Subquery, Exists, Quantified>
+    std::variant<Literal, ColumnName, Star, PositionalParameter, Unary, Binary, Like, Between, In,
+                 IsNull, Call, Aggregate, Subquery, Exists, Quantified>
         node;
 };
 

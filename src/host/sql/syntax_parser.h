@@ -102,7 +102,7 @@ class SyntaxParser {
     ExpressionPtr literal();
     ExpressionPtr parenthesized();
     void closeOperand();
-    ExpressionPtr placeholder();
+    ExpressionPtr positionalParameter();
     ExpressionPtr exists();
     ExpressionPtr nameOrCall();
     ExpressionPtr qualified();
@@ -205,7 +205,7 @@ class SyntaxParser {
     bool inJoin_ = false;  // its condition, which an IN 'file' may follow
     bool inProcedure_ = false;
     int highest_ = 0;  // node since the query began
-    uint32_t placeholders_ = 0;
+    uint32_t positionalParameters_ = 0;
 };
 
 }  // namespace sg::sql::detail

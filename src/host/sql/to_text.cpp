@@ -174,7 +174,7 @@ void Printer::node(const Star& node) {
     add(L"*");
 }
 
-void Printer::node(const Placeholder&) {
+void Printer::node(const PositionalParameter&) {
     add(L"?");
 }
 

@@ -218,11 +218,11 @@ TEST(SqlParser, Scripts) {
     const std::vector<ScriptEntry> script = parseScript(text);
     ASSERT_EQ(script.size(), 3u);
     EXPECT_EQ(script[0].statement.range.of(text), L"SELECT ?");
-    EXPECT_EQ(script[0].statement.placeholders, 1u);
+    EXPECT_EQ(script[0].statement.positionalParameters, 1u);
     EXPECT_FALSE(script[0].explain);
     EXPECT_TRUE(script[1].explain);
     EXPECT_EQ(script[1].statement.range.of(text), L"PARAMETERS x Long; SELECT ?, x");
-    EXPECT_EQ(script[1].statement.placeholders, 1u);
+    EXPECT_EQ(script[1].statement.positionalParameters, 1u);
     EXPECT_EQ(script[2].statement.range.of(text), L"DELETE FROM t");
     EXPECT_TRUE(parseScript(L" ;; ").empty());
     EXPECT_THROW(parseScript(L"SELECT 1; SELECT"), jet::Error);

@@ -235,7 +235,9 @@ Typed Translator::emitNode(const Expression& expression, Scope& scope) {
         Typed operator()(const Star&) {
             throw jet::Error(jet::ExpressionSyntax, {L"Syntax error", toText(expression)});
         }
-        Typed operator()(const Placeholder& node) { return self.placeholder(node.index); }
+        Typed operator()(const PositionalParameter& node) {
+            return self.positionalParameter(node.index);
+        }
         Typed operator()(const Unary& node) { return self.unary(node, scope); }
         Typed operator()(const Binary& node) { return self.binary(node, scope); }
         Typed operator()(const Like& node) {
@@ -355,7 +357,7 @@ Typed Translator::parameter(const std::wstring& name) {
     return constant({});
 }
 
-Typed Translator::placeholder(uint32_t index) {
+Typed Translator::positionalParameter(uint32_t index) {
     uint32_t at = 0;
     for (const Parameter& each : parameters_) {
         if (each.name.empty() && at++ == index) {

@@ -100,7 +100,7 @@ class Translator {
     std::optional<Typed> column(const ColumnName& name, Scope& scope);
     Typed nameOrParameter(const Expression& expression, const ColumnName& name, Scope& scope);
     Typed parameter(const std::wstring& name);
-    Typed placeholder(uint32_t index);
+    Typed positionalParameter(uint32_t index);
     Typed unary(const Unary& unary, Scope& scope);
     Typed binary(const Binary& binary, Scope& scope);
     Typed logical(BinaryOperator op, const Typed& a, const Typed& b);
