@@ -226,7 +226,7 @@ std::filesystem::path dataFolder() {
     const char* given = std::getenv("SWIFTGATE_REAL_DATA");
     return (given != nullptr
                 ? std::filesystem::path(given)
-                : std::filesystem::path(__FILE__).parent_path() / "../../../../shared/data") /
+                : std::filesystem::path(__FILE__).parent_path() / "../../../../../shared/data") /
            "mdb";
 }
 
