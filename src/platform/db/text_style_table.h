@@ -1,0 +1,64 @@
+#pragma once
+
+#include <string>
+
+#include "platform/db/symbol_table.h"
+#include "platform/gi/draw.h"
+
+class SG_API AcDbTextStyleTableRecord : public AcDbSymbolTableRecord {
+  public:
+    ACRX_DECLARE_MEMBERS(AcDbTextStyleTableRecord)
+    AcDbTextStyleTableRecord();
+    ~AcDbTextStyleTableRecord() override;
+
+    const std::wstring& fileName() const { return fileName_; }
+    void setFileName(const wchar_t* name);
+    const std::wstring& bigFontFileName() const { return bigFontFileName_; }
+    void setBigFontFileName(const wchar_t* name);
+    // Of an outline font; empty for a stroke font. Kept as extended data in files, as usual.
+    const std::wstring& typeface() const { return typeface_; }
+    bool isBold() const { return bold_; }
+    bool isItalic() const { return italic_; }
+    void setFont(const wchar_t* typeface, bool bold, bool italic);
+    double textSize() const { return textSize_; }  // 0: each text has its own height
+    Acad::ErrorStatus setTextSize(double size);    // eOutOfRange below 0
+    double priorSize() const { return priorSize_; }
+    void setPriorSize(double size);
+    double xScale() const { return xScale_; }
+    Acad::ErrorStatus setXScale(double scale);  // eOutOfRange unless above 0
+    double obliquingAngle() const { return obliquingAngle_; }
+    Acad::ErrorStatus setObliquingAngle(double angle);  // eOutOfRange beyond 85 degrees either way
+    bool isVertical() const { return (standardFlags_ & 4) != 0; }
+    void setIsVertical(bool vertical);
+    bool isShapeFile() const { return (standardFlags_ & 1) != 0; }
+    void setIsShapeFile(bool shapes);
+    uint8_t flagBits() const { return flagBits_; }  // 2 backward, 4 upside down
+    void setFlagBits(uint8_t bits);
+
+    // What drawing text in this style needs; the height is textSize(), or 1 where that is 0.
+    AcGiTextStyle giTextStyle() const;
+
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+    Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
+    Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
+
+  private:
+    friend struct sg::model::ObjectAccess;
+
+    std::wstring fileName_, bigFontFileName_, typeface_;
+    bool bold_ = false;
+    bool italic_ = false;
+    double textSize_ = 0;
+    double priorSize_ = 0.2;
+    double xScale_ = 1;
+    double obliquingAngle_ = 0;
+    uint8_t flagBits_ = 0;
+};
+
+class SG_API AcDbTextStyleTable : public AcDbSymbolTableOf<AcDbTextStyleTableRecord> {
+  public:
+    ACRX_DECLARE_MEMBERS(AcDbTextStyleTable)
+    AcDbTextStyleTable();
+    ~AcDbTextStyleTable() override;
+};
