@@ -65,7 +65,8 @@ class SG_API AcDbSymbolTable : public AcDbObject {
     std::unique_ptr<Records> records_;
 };
 
-// A record of a symbol table.
+// A record of a symbol table. Its DXF fields are the marker of this class alone; a class of records
+// files the name (2) and the flags (70) behind its own marker.
 class SG_API AcDbSymbolTableRecord : public AcDbObject {
   public:
     ACRX_DECLARE_MEMBERS(AcDbSymbolTableRecord)
@@ -88,6 +89,9 @@ class SG_API AcDbSymbolTableRecord : public AcDbObject {
   protected:
     AcDbSymbolTableRecord();
     Acad::ErrorStatus subErase(bool erasing) override;
+
+    // Takes a name as a drawing file has it, without the tests of setName().
+    void takeName(std::wstring name) { name_ = std::move(name); }
 
     // As group 70 of drawing files has them, the bits of all tables and those of the class.
     int16_t standardFlags_ = 0;

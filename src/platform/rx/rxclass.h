@@ -94,3 +94,13 @@ SG_API void acrxBuildClassHierarchy();
             L## #CLASS, L## #PARENT, 0, +[]() -> AcRxObject* { return new CLASS; }, nullptr, \
             nullptr, VERSION);                                                               \
     }
+
+// The same for a class that drawing files name: its DXF name, and for a class of an application
+// that application's text.
+#define ACRX_DXF_DEFINE_MEMBERS(CLASS, PARENT, VERSION, PROXY_FLAGS, DXF_NAME, APPLICATION)   \
+    AcRxClass* CLASS::descriptor_ = nullptr;                                                  \
+    void CLASS::rxInit() {                                                                    \
+        descriptor_ = newAcRxClass(                                                           \
+            L## #CLASS, L## #PARENT, PROXY_FLAGS, +[]() -> AcRxObject* { return new CLASS; }, \
+            DXF_NAME, APPLICATION, VERSION);                                                  \
+    }
