@@ -123,9 +123,13 @@ Acad::ErrorStatus AcDbLayerTableRecord::setPlotStyleName(const wchar_t* name) {
 Acad::ErrorStatus AcDbLayerTableRecord::setPlotStyleName(AcDbObjectId style) {
     if (database() == nullptr) return Acad::eNotInDatabase;
     if (database()->plotStyleMode()) return Acad::eInvalidInput;
+    takePlotStyle(style);
+    return Acad::eOk;
+}
+
+void AcDbLayerTableRecord::takePlotStyle(AcDbObjectId style) {
     assertWriteEnabled();
     plotStyle_ = style;
-    return Acad::eOk;
 }
 
 void AcDbLayerTableRecord::setMaterialId(AcDbObjectId material) {
