@@ -1,0 +1,43 @@
+#pragma once
+
+// The LISP functions that ask and change entities and layers of the current drawing. Each is an
+// implementation as the call guard runs it; docs/functions/drawing.md tells what they do.
+namespace sg {
+
+// Curves.
+int curveGetLength();
+int curveGetPointAtDist();
+int curveGetClosestPointTo();
+int curveGetDistAtPoint();
+int polylineSetCurveType();
+
+// Texts of several lines.
+int mtextActualWidth();
+int mtextActualHeight();
+int mtextAscent();
+int mtextDescent();
+int mtextDirection();
+int mtextSetDirection();
+int mtextSetMask();
+int mtextSetNormal();
+int mtextInsert();
+int mtextLastLineWidth();
+
+// Any entity, and faces and blocks.
+int entitySetColor();
+int entityGetGeomExtents();
+int faceMakeEdgeInvisibleAt();
+int setAnnotative();
+int setAnnotativeBlock();
+
+// Layers, colours and viewports.
+int setTrueColor();
+int setPlotStyle();
+int freezeInViewport();
+
+// Crossings of arcs and lines.
+int intersectArcArc();
+int intersectArcLine();
+int intersectLineArc();
+
+}  // namespace sg
