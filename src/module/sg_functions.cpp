@@ -1,4 +1,6 @@
+#include "database/lisp_functions.h"
 #include "module/function_tables.h"
+#include "module/handlers.h"
 #include "module/missing.h"
 
 namespace sg {
@@ -48,10 +50,10 @@ constexpr FunctionRow kRows[] = {
     missingSgRow<L"sg_message_box">(),
     missingSgRow<L"sg_create_index">(),
     missingSgRow<L"sg_create_query">(),
-    missingSgRow<L"sg_xdput-list">(),
-    missingSgRow<L"sg_xdget">(),
-    missingSgRow<L"sg_xdget-list">(),
-    missingSgRow<L"sg_xdget-all">(),
+    {L"sg_xdput-list", sgHandler<xdPutList>},
+    {L"sg_xdget", sgHandler<xdGet>},
+    {L"sg_xdget-list", sgHandler<xdGetList>},
+    {L"sg_xdget-all", sgHandler<xdGetAll>},
     missingSgRow<L"sg_mkdir">(),
     missingSgRow<L"sg_relationExists">(),
     missingSgRow<L"sg_relationDelete">(),
