@@ -7,7 +7,7 @@
 #include "bridge/marshal_builders.h"
 #include "bridge/marshal_readers.h"
 #include "database/lisp_functions.h"
-#include "platform/db/entity.h"
+#include "platform/db/database.h"
 #include "platform/lisp/external_functions.h"
 
 // Extended data of the product: under its registered application an entity holds keys and values
@@ -171,6 +171,7 @@ int xdPutList() {
     if (nextListBegin(position) && !appendPairs(position, data)) return kLispOk;
     AcDbObject* object = nullptr;
     if (acdbOpenAcDbObject(object, id, AcDb::kForWrite) != Acad::eOk) return kLispOk;
+    acdbRegApp(kApplication);
     object->setXData(data.head());
     acedRetT();
     object->close();

@@ -190,3 +190,7 @@ class SG_API AcDbHostApplicationServices {
 };
 
 SG_API AcDbHostApplicationServices* acdbHostApplicationServices();
+
+// Lets an application keep extended data in the working database. RTNORM, also when it may already;
+// RTERROR for a name that no table record can have.
+SG_API int acdbRegApp(const wchar_t* name);
