@@ -1,0 +1,108 @@
+#include "host/model/access/class_names.h"
+
+#include <algorithm>
+#include <array>
+#include <cwchar>
+
+#include "base/text.h"
+#include "host/model/access/entity_maker.h"
+#include "host/model/curves/polyline_3d.h"
+#include "host/model/tables/dim_style_table.h"
+#include "host/model/tables/names.h"
+#include "host/model/tables/reg_app_table.h"
+#include "host/model/tables/view_tables.h"
+#include "host/rx/class_registry.h"
+#include "host/seam/host.h"
+#include "platform/db/polyline_2d.h"
+
+namespace sg::model {
+namespace {
+
+enum : int { kType = 0, kFlags = 70, kMarker = 100 };
+constexpr int k3dPolyline = 8;
+constexpr int kMesh = 16;
+constexpr int k3dVertex = 32;
+constexpr int kPolyface = 64;
+
+bool hasMarker(const resbuf* groups, const wchar_t* name) {
+    for (const resbuf* group = groups; group != nullptr; group = group->rbnext) {
+        if (group->restype == kMarker && group->resval.rstring != nullptr &&
+            std::wcscmp(group->resval.rstring, name) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Meshes are not among the classes here.
+const AcRxClass* polylineClass(int flags) {
+    if ((flags & (kMesh | kPolyface)) != 0) return nullptr;
+    return (flags & k3dPolyline) != 0 ? AcDb3dPolyline::desc() : AcDb2dPolyline::desc();
+}
+
+const AcRxClass* vertexClass(int flags) {
+    if ((flags & kPolyface) != 0) return nullptr;
+    return (flags & k3dVertex) != 0 ? AcDb3dPolylineVertex::desc() : AcDb2dVertex::desc();
+}
+
+struct Table {
+    const wchar_t* name;
+    AcDbObjectId (AcDbDatabase::*id)() const;
+};
+constexpr std::array kTables = {
+    Table{L"BLOCK", &AcDbDatabase::blockTableId},
+    Table{L"LAYER", &AcDbDatabase::layerTableId},
+    Table{L"LTYPE", &AcDbDatabase::linetypeTableId},
+    Table{L"STYLE", &AcDbDatabase::textStyleTableId},
+    Table{L"DIMSTYLE", &AcDbDatabase::dimStyleTableId},
+    Table{L"VIEW", &AcDbDatabase::viewTableId},
+    Table{L"VPORT", &AcDbDatabase::viewportTableId},
+    Table{L"UCS", &AcDbDatabase::UCSTableId},
+    Table{L"APPID", &AcDbDatabase::regAppTableId},
+};
+
+}  // namespace
+
+const AcRxClass* classOfGroups(const resbuf* groups) {
+    const resbuf* const type = findGroup(groups, kType);
+    if (type == nullptr || type->resval.rstring == nullptr) return nullptr;
+    const std::wstring name = foldName(type->resval.rstring);
+    const resbuf* const flags = findGroup(groups, kFlags);
+    const int bits = flags == nullptr ? 0 : flags->resval.rint;
+    if (name == L"POLYLINE") {
+        return hasMarker(groups, L"AcDb3dPolyline") ? AcDb3dPolyline::desc() : polylineClass(bits);
+    }
+    if (name == L"VERTEX") {
+        return hasMarker(groups, L"AcDb3dPolylineVertex") ? AcDb3dPolylineVertex::desc()
+                                                          : vertexClass(bits);
+    }
+    return Host::the().classes().findByDxfName(name);
+}
+
+AcDbObjectId tableOfRecords(const AcDbDatabase& database, const AcRxClass* type) {
+    for (const Table& table : kTables) {
+        const AcDbObjectId id = (database.*table.id)();
+        AcDbSymbolTable* opened = nullptr;
+        if (acdbOpenObject(opened, id) != Acad::eOk) continue;
+        const bool found = type->isDerivedFrom(opened->recordClass());
+        opened->close();
+        if (found) return id;
+    }
+    return {};
+}
+
+AcDbObjectId tableNamed(const AcDbDatabase& database, std::wstring_view name) {
+    for (const Table& table : kTables) {
+        if (equalIgnoringCase(table.name, name)) return (database.*table.id)();
+    }
+    return {};
+}
+
+std::wstring freeBlockName(const AcDbBlockTable& table, const std::wstring& prefix) {
+    for (int number = 1;; ++number) {
+        const std::wstring name = prefix + std::to_wstring(number);
+        if (!table.has(name.c_str())) return name;
+    }
+}
+
+}  // namespace sg::model
