@@ -144,6 +144,8 @@ void Host::createInterpreter() {
                                                             : halfOfMemory());
     interpreter_->define(hostFunctions());
     interpreter_->define(settingsFunctions());
+    interpreter_->define(entityFunctions());
+    interpreter_->define(tableFunctions());
 }
 
 void Host::createDocuments() {

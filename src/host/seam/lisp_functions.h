@@ -7,8 +7,10 @@
 namespace sg {
 
 // LISP functions that work on the host: messages, modules, drawings; system variables and the
-// registry.
+// registry; entities; tables, dictionaries and coordinate systems of the current drawing.
 std::span<const lisp::FunctionRow> hostFunctions();
 std::span<const lisp::FunctionRow> settingsFunctions();
+std::span<const lisp::FunctionRow> entityFunctions();
+std::span<const lisp::FunctionRow> tableFunctions();
 
 }  // namespace sg

@@ -43,21 +43,6 @@ int flagAt(const resbuf* groups, int code) {
     return group == nullptr ? 0 : group->resval.rint;
 }
 
-// A layer that a list names is made when it is not there.
-void needLayer(AcDbDatabase& database, std::wstring_view name) {
-    AcDbLayerTable* layers = nullptr;
-    if (name.empty() || database.getLayerTable(layers, AcDb::kForRead) != Acad::eOk) return;
-    const std::wstring wanted(name);
-    if (!layers->has(wanted.c_str()) && layers->upgradeOpen() == Acad::eOk) {
-        auto layer = std::make_unique<AcDbLayerTableRecord>();
-        layer->setLinetypeObjectId(database.continuousLinetype());
-        if (layer->setName(wanted.c_str()) == Acad::eOk && layers->add(layer.get()) == Acad::eOk) {
-            layer.release()->close();
-        }
-    }
-    layers->close();
-}
-
 // Gives a part to what it belongs to; the part is then the database's.
 bool appendPart(AcDbEntity& whole, std::unique_ptr<AcDbEntity>& part) {
     Acad::ErrorStatus status = Acad::eIllegalEntityType;
@@ -92,6 +77,20 @@ const resbuf* findGroup(const resbuf* groups, int code) {
     while (groups != nullptr && groups->restype != code)
         groups = groups->rbnext;
     return groups;
+}
+
+void needLayer(AcDbDatabase& database, const resbuf* groups) {
+    const std::wstring name(textAt(groups, kLayer));
+    AcDbLayerTable* layers = nullptr;
+    if (name.empty() || database.getLayerTable(layers, AcDb::kForRead) != Acad::eOk) return;
+    if (!layers->has(name.c_str()) && layers->upgradeOpen() == Acad::eOk) {
+        auto layer = std::make_unique<AcDbLayerTableRecord>();
+        layer->setLinetypeObjectId(database.continuousLinetype());
+        if (layer->setName(name.c_str()) == Acad::eOk && layers->add(layer.get()) == Acad::eOk) {
+            layer.release()->close();
+        }
+    }
+    layers->close();
 }
 
 EntityMaker::~EntityMaker() = default;
@@ -134,7 +133,7 @@ EntityMaker::Result EntityMaker::make(const resbuf* groups, bool objects) {
 }
 
 bool EntityMaker::fill(AcDbObject& object, const resbuf* groups) {
-    needLayer(database_, textAt(groups, kLayer));
+    needLayer(database_, groups);
     ListReader reader(groups, &database_);
     return object.dxfIn(&reader) == Acad::eOk;
 }

@@ -54,7 +54,10 @@ class SG_API EntityMaker {
     std::wstring blockName_;  // what it is to be called
 };
 
-// The value of the first group with this code; null when there is none.
+// Makes the layer that a list of groups names (8) when it is not there.
+SG_API void needLayer(AcDbDatabase& database, const resbuf* groups);
+
+// The first group with this code; null when there is none.
 SG_API const resbuf* findGroup(const resbuf* groups, int code);
 
 }  // namespace sg::model

@@ -1,5 +1,7 @@
 #include "host/model/tables/references.h"
 
+#include <memory>
+
 #include "host/model/tables/reg_app_table.h"
 #include "platform/db/database.h"
 
@@ -53,19 +55,17 @@ void writeNameOf(AcDbDxfFiler* filer, int code, AcDbObjectId record, const wchar
     filer->writeString(code, name.empty() ? otherwise : name.c_str());
 }
 
-void registerApplication(AcDbDatabase& database, const wchar_t* name) {
+bool registerApplication(AcDbDatabase& database, const wchar_t* name) {
     AcDbSymbolTable* table = nullptr;
-    if (acdbOpenObject(table, database.regAppTableId()) != Acad::eOk) return;
-    if (!table->has(name) && table->upgradeOpen() == Acad::eOk) {
-        auto* const record = new AcDbRegAppTableRecord;
-        record->setName(name);
-        if (table->add(record) == Acad::eOk) {
-            record->close();
-        } else {
-            delete record;
-        }
+    if (acdbOpenObject(table, database.regAppTableId()) != Acad::eOk) return false;
+    bool registered = table->has(name);
+    if (!registered && table->upgradeOpen() == Acad::eOk) {
+        auto record = std::make_unique<AcDbRegAppTableRecord>();
+        registered = record->setName(name) == Acad::eOk && table->add(record.get()) == Acad::eOk;
+        if (registered) record.release()->close();
     }
     table->close();
+    return registered;
 }
 
 void setTrueColor(AcCmColor& color, int32_t rgb) {

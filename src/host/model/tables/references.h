@@ -22,8 +22,9 @@ SG_API std::wstring nameOf(AcDbObjectId record);
 SG_API void writeNameOf(AcDbDxfFiler* filer, int code, AcDbObjectId record,
                         const wchar_t* otherwise);
 
-// Sees to it that the application may keep extended data in the database.
-SG_API void registerApplication(AcDbDatabase& database, const wchar_t* name);
+// Sees to it that the application may keep extended data in the database; false for a name that no
+// record can have.
+SG_API bool registerApplication(AcDbDatabase& database, const wchar_t* name);
 
 // A colour from group 420.
 SG_API void setTrueColor(AcCmColor& color, int32_t rgb);
