@@ -3,6 +3,7 @@
 #include <string>
 
 #include "platform/db/entity.h"
+#include "platform/gi/draw.h"
 
 namespace AcDb {
 
@@ -80,6 +81,10 @@ class SG_API AcDbText : public AcDbEntity {
     // Groups of this class behind its first marker; an attribute's second half stands elsewhere.
     Acad::ErrorStatus dxfOutText(AcDbDxfFiler* filer) const;
     Acad::ErrorStatus dxfInText(AcDbDxfFiler* filer);
+    void takeHorizontalMode(int mode);
+    void takeVerticalMode(int mode);
+    // What this text is drawn with: its style's font, and its own height and shape.
+    AcGiTextStyle drawingStyle() const;
 
     bool subWorldDraw(AcGiWorldDraw* draw) override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
@@ -98,6 +103,8 @@ class SG_API AcDbText : public AcDbEntity {
     void subList() const override;
 
   private:
+    Acad::ErrorStatus fitBetween();
+
     AcGePoint3d position_, alignmentPoint_;
     AcGeVector3d normal_ = AcGeVector3d::kZAxis;
     double thickness_ = 0;

@@ -1,0 +1,169 @@
+#include "host/model/curves/filing_groups.h"
+#include "host/model/tables/filing.h"
+#include "host/model/tables/references.h"
+#include "platform/db/text.h"
+
+// Filing of single-line texts. Drawing files have points in the coordinates of the text's plane.
+
+using sg::model::FieldReader;
+using sg::model::showsDefaults;
+
+Acad::ErrorStatus AcDbText::dwgOutFields(AcDbDwgFiler* filer) const {
+    AcDbEntity::dwgOutFields(filer);
+    filer->writePoint3d(position_);
+    filer->writePoint3d(alignmentPoint_);
+    filer->writeVector3d(normal_);
+    filer->writeDouble(thickness_);
+    filer->writeDouble(oblique_);
+    filer->writeDouble(rotation_);
+    filer->writeDouble(height_);
+    filer->writeDouble(widthFactor_);
+    filer->writeString(text_);
+    filer->writeHardPointerId(style_);
+    filer->writeInt16(static_cast<int16_t>(horizontalMode_));
+    filer->writeInt16(static_cast<int16_t>(verticalMode_));
+    return filer->writeUInt8(generation_);
+}
+
+Acad::ErrorStatus AcDbText::dwgInFields(AcDbDwgFiler* filer) {
+    AcDbEntity::dwgInFields(filer);
+    int16_t horizontal = 0;
+    int16_t vertical = 0;
+    filer->readPoint3d(&position_);
+    filer->readPoint3d(&alignmentPoint_);
+    filer->readVector3d(&normal_);
+    filer->readDouble(&thickness_);
+    filer->readDouble(&oblique_);
+    filer->readDouble(&rotation_);
+    filer->readDouble(&height_);
+    filer->readDouble(&widthFactor_);
+    filer->readString(text_);
+    filer->readHardPointerId(&style_);
+    filer->readInt16(&horizontal);
+    filer->readInt16(&vertical);
+    filer->readUInt8(&generation_);
+    horizontalMode_ = static_cast<AcDb::TextHorzMode>(horizontal);
+    verticalMode_ = static_cast<AcDb::TextVertMode>(vertical);
+    return filer->filerStatus();
+}
+
+Acad::ErrorStatus AcDbText::dxfOutText(AcDbDxfFiler* filer) const {
+    AcDbEntity::dxfOutFields(filer);
+    const bool all = showsDefaults(filer);
+    const AcGeMatrix3d toPlane = AcGeMatrix3d::worldToPlane(normal_);
+    filer->writeString(100, L"AcDbText");
+    sg::model::writeThickness(filer, thickness_);
+    filer->writePoint3d(10, toPlane * position_);
+    filer->writeDouble(40, height_);
+    filer->writeString(1, text_);
+    if (all || rotation_ != 0) filer->writeDouble(50, rotation_);
+    if (all || widthFactor_ != 1) filer->writeDouble(41, widthFactor_);
+    if (all || oblique_ != 0) filer->writeDouble(51, oblique_);
+    sg::model::writeNameOf(filer, 7, style_, L"Standard");
+    if (all || generation_ != 0) filer->writeInt16(71, generation_);
+    if (all || horizontalMode_ != AcDb::kTextLeft) {
+        filer->writeInt16(72, static_cast<int16_t>(horizontalMode_));
+    }
+    if (all || !isDefaultAlignment()) {
+        filer->writePoint3d(11, isDefaultAlignment() ? AcGePoint3d() : toPlane * alignmentPoint_);
+    }
+    sg::model::writeNormal(filer, normal_);
+    return filer->filerStatus();
+}
+
+Acad::ErrorStatus AcDbText::dxfOutFields(AcDbDxfFiler* filer) const {
+    dxfOutText(filer);
+    filer->writeString(100, L"AcDbText");
+    if (showsDefaults(filer) || verticalMode_ != AcDb::kTextBase) {
+        filer->writeInt16(73, static_cast<int16_t>(verticalMode_));
+    }
+    return filer->filerStatus();
+}
+
+Acad::ErrorStatus AcDbText::dxfInText(AcDbDxfFiler* filer) {
+    const Acad::ErrorStatus status = AcDbEntity::dxfInFields(filer);
+    if (status != Acad::eOk) return status;
+    if (!filer->atSubclassData(L"AcDbText")) return Acad::eBadDxfSequence;
+    const AcGeMatrix3d toPlane = AcGeMatrix3d::worldToPlane(normal_);
+    AcGePoint3d position = toPlane * position_;
+    AcGePoint3d alignment = toPlane * alignmentPoint_;
+    FieldReader fields(filer);
+    while (fields.next()) {
+        switch (fields.code()) {
+            case 39:
+                thickness_ = fields.real();
+                break;
+            case 10:
+                position = fields.point();
+                break;
+            case 11:
+                alignment = fields.point();
+                break;
+            case 40:
+                if (!(fields.real() > 0))
+                    return filer->setError(Acad::eOutOfRange, L"a text's height");
+                height_ = fields.real();
+                break;
+            case 1:
+                text_ = fields.text();
+                break;
+            case 50:
+                rotation_ = fields.real();
+                break;
+            case 41:
+                widthFactor_ = fields.real() > 0 ? fields.real() : 1;
+                break;
+            case 51:
+                oblique_ = fields.real();
+                break;
+            case 7:
+                style_ = sg::model::recordNamed(filer->database(), sg::model::NamedIn::textStyles,
+                                                fields.text());
+                if (style_.isNull()) {
+                    return filer->setError(Acad::eKeyNotFound, L"text style " + fields.text());
+                }
+                break;
+            case 71:
+                generation_ = static_cast<uint8_t>(fields.integer());
+                break;
+            case 72:
+                takeHorizontalMode(fields.integer());
+                break;
+            case 210:
+                if (!fields.vector().isZeroLength()) normal_ = fields.vector().normal();
+                break;
+            default:
+                break;
+        }
+    }
+    const AcGeMatrix3d toWorld = AcGeMatrix3d::planeToWorld(normal_);
+    position_ = toWorld * position;
+    alignmentPoint_ = toWorld * alignment;
+    return filer->filerStatus();
+}
+
+void AcDbText::takeHorizontalMode(int mode) {
+    if (mode >= AcDb::kTextLeft && mode <= AcDb::kTextFit) {
+        horizontalMode_ = static_cast<AcDb::TextHorzMode>(mode);
+    }
+}
+
+void AcDbText::takeVerticalMode(int mode) {
+    if (mode >= AcDb::kTextBase && mode <= AcDb::kTextTop) {
+        verticalMode_ = static_cast<AcDb::TextVertMode>(mode);
+    }
+}
+
+Acad::ErrorStatus AcDbText::dxfInFields(AcDbDxfFiler* filer) {
+    const Acad::ErrorStatus status = dxfInText(filer);
+    if (status != Acad::eOk) return status;
+    if (filer->atSubclassData(L"AcDbText")) {
+        FieldReader fields(filer);
+        while (fields.next()) {
+            if (fields.code() == 73) takeVerticalMode(fields.integer());
+        }
+    }
+    // Programs give the aligned point and leave the start to be found.
+    if (filer->filerType() == AcDb::kBagFiler) adjustAlignment(filer->database());
+    return filer->filerStatus();
+}
