@@ -5,6 +5,10 @@
 
 #include "platform/db/entity.h"
 
+namespace sg::text {
+struct TextLayout;
+}
+
 // Text of several lines, with formatting in its contents: "\P" ends a paragraph, braces limit a
 // change, "\L", "\O", "\K" under-, over- and strike-through lines, "\H", "\W", "\Q", "\T", "\C",
 // "\c", "\f", "\F", "\A", "\S", "\p" height, width, slant, spacing, colour, font, alignment, stack
@@ -117,6 +121,8 @@ class SG_API AcDbMText : public AcDbEntity {
         uint32_t transparency = 0;
     };
     Fill& needFill();
+    sg::text::TextLayout layOut() const;
+    Acad::ErrorStatus takeField(AcDbDxfFiler* filer, const resbuf& group);
 
     AcGePoint3d location_;
     AcGeVector3d normal_ = AcGeVector3d::kZAxis;

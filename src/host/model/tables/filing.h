@@ -23,6 +23,8 @@ namespace sg::model {
 class SG_API FieldReader {
   public:
     explicit FieldReader(AcDbDxfFiler* filer) : filer_(filer) {}
+    // For looking at one group that has been read.
+    FieldReader(AcDbDxfFiler* filer, const resbuf& group) : filer_(filer), group_(group) {}
 
     bool next() {
         if (filer_->readItem(&group_) != Acad::eOk) {
