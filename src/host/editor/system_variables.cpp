@@ -107,8 +107,8 @@ std::optional<SystemVariableValue> SystemVariables::get(std::wstring_view name) 
     const SystemVariableRow* const row = findSystemVariable(name);
     if (row == nullptr) return std::nullopt;
     const SystemVariables& set = owner(*row);
-    if (const auto found = set.providers_.find(row); found != set.providers_.end()) {
-        return found->second();
+    if (const auto found = set.elsewhere_.find(row); found != set.elsewhere_.end()) {
+        return found->second.provider();
     }
     const auto found = set.values_.find(row);
     return found != set.values_.end() ? found->second : initialValue(*row);
@@ -134,18 +134,23 @@ SetResult SystemVariables::store(std::wstring_view name, const SystemVariableVal
         if (!fitsShort(*own)) return SetResult::outOfRange;
         own = static_cast<int16_t>(*integerOf(*own));
     }
-    owner(*row).values_[row] = std::move(*own);
+    SystemVariables& set = owner(*row);
+    const auto elsewhere = set.elsewhere_.find(row);
+    if (elsewhere != set.elsewhere_.end() && elsewhere->second.keeper) {
+        return elsewhere->second.keeper(*own) ? SetResult::ok : SetResult::outOfRange;
+    }
+    set.values_[row] = std::move(*own);
     return SetResult::ok;
 }
 
-bool SystemVariables::setProvider(std::wstring_view name, Provider value) {
+bool SystemVariables::setProvider(std::wstring_view name, Provider value, Keeper keeper) {
     const SystemVariableRow* const row = findSystemVariable(name);
     if (row == nullptr) return false;
-    auto& providers = owner(*row).providers_;
+    auto& elsewhere = owner(*row).elsewhere_;
     if (value) {
-        providers[row] = std::move(value);
+        elsewhere[row] = {std::move(value), std::move(keeper)};
     } else {
-        providers.erase(row);
+        elsewhere.erase(row);
     }
     return true;
 }

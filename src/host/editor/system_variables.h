@@ -41,9 +41,11 @@ class SG_API SystemVariables {
 
     // Makes `value` the one to ask for the variable's value in this set, or in the application's
     // for a variable of that; null takes it back. False for an unknown name. What the provider
-    // answers must be of the variable's type.
+    // answers must be of the variable's type. The keeper, when there is one, is given each value
+    // that is set, of that type and in range; when it answers false the value is out of range.
     using Provider = std::function<SystemVariableValue()>;
-    bool setProvider(std::wstring_view name, Provider value);
+    using Keeper = std::function<bool(const SystemVariableValue&)>;
+    bool setProvider(std::wstring_view name, Provider value, Keeper keeper = {});
 
     // The names of all variables in alphabetical order.
     static std::vector<std::wstring> names();
@@ -55,7 +57,11 @@ class SG_API SystemVariables {
 
     const std::shared_ptr<SystemVariables> application_;
     std::map<const SystemVariableRow*, SystemVariableValue> values_;  // those that were ever set
-    std::map<const SystemVariableRow*, Provider> providers_;
+    struct Elsewhere {
+        Provider provider;
+        Keeper keeper;
+    };
+    std::map<const SystemVariableRow*, Elsewhere> elsewhere_;  // whose values are not kept here
 };
 
 }  // namespace sg

@@ -37,6 +37,8 @@ class SG_API AcDbLayerTableRecord : public AcDbSymbolTableRecord {
     AcDbObjectId plotStyleNameId() const { return plotStyle_; }
     Acad::ErrorStatus setPlotStyleName(const wchar_t* name);
     Acad::ErrorStatus setPlotStyleName(AcDbObjectId style);
+    // As a file has it, whatever the drawing's plot styles follow.
+    void takePlotStyle(AcDbObjectId style);
     AcDbObjectId materialId() const { return material_; }
     void setMaterialId(AcDbObjectId material);
     std::wstring description() const;

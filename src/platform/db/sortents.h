@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "platform/db/object.h"
@@ -35,6 +36,12 @@ class SG_API AcDbSortentsTable : public AcDbObject {
 
   private:
     friend struct sg::model::ObjectAccess;
+
+    using Placement = std::function<bool(std::vector<AcDbObjectId>&)>;
+
+    Acad::ErrorStatus reorder(const AcDbObjectIdArray& entities, const Placement& placement);
+    Acad::ErrorStatus moveBeside(const AcDbObjectIdArray& entities, AcDbObjectId target,
+                                 size_t behind);
 
     struct Entry {
         AcDbSoftPointerId entity;

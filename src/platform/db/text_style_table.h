@@ -15,11 +15,15 @@ class SG_API AcDbTextStyleTableRecord : public AcDbSymbolTableRecord {
     void setFileName(const wchar_t* name);
     const std::wstring& bigFontFileName() const { return bigFontFileName_; }
     void setBigFontFileName(const wchar_t* name);
-    // Of an outline font; empty for a stroke font. Kept as extended data in files, as usual.
-    const std::wstring& typeface() const { return typeface_; }
-    bool isBold() const { return bold_; }
-    bool isItalic() const { return italic_; }
-    void setFont(const wchar_t* typeface, bool bold, bool italic);
+    // An outline font, which goes before the font file; empty for a stroke font. It stands in the
+    // record's extended data, where drawing files have it.
+    struct Font {
+        std::wstring typeface;
+        bool bold = false;
+        bool italic = false;
+    };
+    Font font() const;
+    Acad::ErrorStatus setFont(const wchar_t* typeface, bool bold, bool italic);
     double textSize() const { return textSize_; }  // 0: each text has its own height
     Acad::ErrorStatus setTextSize(double size);    // eOutOfRange below 0
     double priorSize() const { return priorSize_; }
@@ -46,9 +50,7 @@ class SG_API AcDbTextStyleTableRecord : public AcDbSymbolTableRecord {
   private:
     friend struct sg::model::ObjectAccess;
 
-    std::wstring fileName_, bigFontFileName_, typeface_;
-    bool bold_ = false;
-    bool italic_ = false;
+    std::wstring fileName_, bigFontFileName_;
     double textSize_ = 0;
     double priorSize_ = 0.2;
     double xScale_ = 1;

@@ -4,23 +4,31 @@ namespace sg::model {
 
 double FieldReader::real() const {
     switch (acdbGroupCodeToType(group_.restype)) {
-        case RTREAL: return group_.resval.rreal;
-        case RTSHORT: return group_.resval.rint;
-        case RTLONG: return group_.resval.rlong;
-        case RT3DPOINT: return group_.resval.rpoint[0];
-        default: return 0;
+        case RTREAL:
+            return group_.resval.rreal;
+        case RTSHORT:
+            return group_.resval.rint;
+        case RTLONG:
+            return group_.resval.rlong;
+        case RT3DPOINT:
+            return group_.resval.rpoint[0];
+        default:
+            return 0;
     }
 }
 
 int32_t FieldReader::integer() const {
     switch (acdbGroupCodeToType(group_.restype)) {
-        case RTSHORT: return group_.resval.rint;
-        case RTLONG: return group_.resval.rlong;
+        case RTSHORT:
+            return group_.resval.rint;
+        case RTLONG:
+            return group_.resval.rlong;
         case RTREAL:
             return group_.resval.rreal >= -2147483648.0 && group_.resval.rreal <= 2147483647.0
                        ? static_cast<int32_t>(group_.resval.rreal)
                        : 0;
-        default: return 0;
+        default:
+            return 0;
     }
 }
 

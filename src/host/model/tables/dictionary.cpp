@@ -1,0 +1,317 @@
+#include "platform/db/dictionary.h"
+
+#include <unordered_map>
+
+#include "host/model/tables/filing.h"
+#include "host/model/tables/names.h"
+#include "platform/db/database.h"
+
+using sg::model::FieldReader;
+using sg::model::foldName;
+
+ACRX_DXF_DEFINE_MEMBERS(AcDbDictionary, AcDbObject, 0, 0, L"DICTIONARY", nullptr)
+
+// Entries keep their places while others go, so that iterators hold; places without an object are
+// swept out when they are more than the others.
+struct AcDbDictionary::Entries {
+    struct Entry {
+        std::wstring name;
+        AcDbObjectId id;  // null where the entry is gone
+    };
+
+    std::vector<Entry> list;
+    std::unordered_map<std::wstring, size_t> places;  // by the folded name
+    size_t gone = 0;
+
+    const Entry* find(std::wstring_view name) const {
+        const auto found = places.find(foldName(name));
+        return found == places.end() ? nullptr : &list[found->second];
+    }
+
+    void set(std::wstring_view name, AcDbObjectId id) {
+        const auto [place, added] = places.try_emplace(foldName(name), list.size());
+        if (added) {
+            list.push_back({std::wstring(name), id});
+        } else {
+            list[place->second].id = id;
+        }
+    }
+
+    void remove(std::wstring_view name) {
+        const auto found = places.find(foldName(name));
+        list[found->second].id.setNull();
+        places.erase(found);
+        if (++gone > list.size() / 2) sweep();
+    }
+
+    void rename(const std::wstring& oldName, const std::wstring& newName) {
+        const auto found = places.find(foldName(oldName));
+        const size_t place = found->second;
+        places.erase(found);
+        places[foldName(newName)] = place;
+        list[place].name = newName;
+    }
+
+    void clear() {
+        list.clear();
+        places.clear();
+        gone = 0;
+    }
+
+    // The first entry at or behind a place that has an object that is not erased.
+    size_t nextFrom(size_t place) const {
+        while (place < list.size() && (list[place].id.isNull() || list[place].id.isErased())) {
+            ++place;
+        }
+        return place;
+    }
+
+  private:
+    void sweep() {
+        std::erase_if(list, [](const Entry& entry) { return entry.id.isNull(); });
+        places.clear();
+        for (size_t i = 0; i < list.size(); ++i)
+            places[foldName(list[i].name)] = i;
+        gone = 0;
+    }
+};
+
+namespace {
+
+// Walks a copy of the entries: what happens to the dictionary meanwhile does not show.
+class Iterator final : public AcDbDictionaryIterator {
+  public:
+    void add(std::wstring name, AcDbObjectId id) { entries_.push_back({std::move(name), id}); }
+
+    const wchar_t* name() const override { return done() ? L"" : entries_[at_].first.c_str(); }
+    AcDbObjectId objectId() const override {
+        return done() ? AcDbObjectId() : entries_[at_].second;
+    }
+    Acad::ErrorStatus getObject(AcDbObject*& object, AcDb::OpenMode mode) const override {
+        return acdbOpenAcDbObject(object, objectId(), mode);
+    }
+    bool done() const override { return at_ >= entries_.size(); }
+    bool next() override {
+        if (!done()) ++at_;
+        return !done();
+    }
+
+  private:
+    std::vector<std::pair<std::wstring, AcDbObjectId>> entries_;
+    size_t at_ = 0;
+};
+
+}  // namespace
+
+AcDbDictionary::AcDbDictionary() : entries_(std::make_unique<Entries>()) {}
+AcDbDictionary::~AcDbDictionary() = default;
+
+Acad::ErrorStatus AcDbDictionary::getAt(const wchar_t* name, AcDbObjectId& id) const {
+    assertReadEnabled();
+    id.setNull();
+    const Entries::Entry* entry = entries_->find(name);
+    if (entry == nullptr || entry->id.isErased()) return Acad::eKeyNotFound;
+    id = entry->id;
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbDictionary::getAt(const wchar_t* name, AcDbObject*& object,
+                                        AcDb::OpenMode mode) const {
+    object = nullptr;
+    AcDbObjectId id;
+    const Acad::ErrorStatus status = getAt(name, id);
+    return status != Acad::eOk ? status : acdbOpenAcDbObject(object, id, mode);
+}
+
+Acad::ErrorStatus AcDbDictionary::nameAt(AcDbObjectId id, std::wstring& name) const {
+    assertReadEnabled();
+    name.clear();
+    if (id.isNull()) return Acad::eNullObjectId;
+    for (const Entries::Entry& entry : entries_->list) {
+        if (entry.id != id) continue;
+        name = entry.name;
+        return Acad::eOk;
+    }
+    return Acad::eKeyNotFound;
+}
+
+bool AcDbDictionary::has(const wchar_t* name) const {
+    AcDbObjectId id;
+    return getAt(name, id) == Acad::eOk;
+}
+
+bool AcDbDictionary::has(AcDbObjectId id) const {
+    std::wstring name;
+    return !id.isErased() && nameAt(id, name) == Acad::eOk;
+}
+
+uint32_t AcDbDictionary::numEntries() const {
+    assertReadEnabled();
+    uint32_t count = 0;
+    for (size_t at = entries_->nextFrom(0); at < entries_->list.size();
+         at = entries_->nextFrom(at + 1)) {
+        ++count;
+    }
+    return count;
+}
+
+Acad::ErrorStatus AcDbDictionary::setAt(const wchar_t* name, AcDbObject* object, AcDbObjectId& id) {
+    id.setNull();
+    if (object == nullptr) return Acad::eNullObjectPointer;
+    if (name == nullptr || *name == 0) return Acad::eInvalidKey;
+    AcDbDatabase* const home = database();
+    if (home == nullptr) return Acad::eNotInDatabase;
+    if (object->database() != nullptr && object->database() != home) return Acad::eWrongDatabase;
+    assertWriteEnabled();
+    if (object->objectId().isNull()) {
+        const Acad::ErrorStatus added = home->addAcDbObject(object);
+        if (added != Acad::eOk) return added;
+    }
+    const Entries::Entry* entry = entries_->find(name);
+    if (entry != nullptr && entry->id != object->objectId()) sg::model::eraseObject(entry->id);
+    id = object->objectId();
+    entries_->set(name, id);
+    object->setOwnerId(objectId());
+    object->addPersistentReactor(objectId());
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbDictionary::remove(const wchar_t* name) {
+    AcDbObjectId id;
+    if (const Acad::ErrorStatus status = getAt(name, id); status != Acad::eOk) return status;
+    assertWriteEnabled();
+    entries_->remove(name);
+    if (hard_) sg::model::eraseObject(id);
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbDictionary::remove(AcDbObjectId id) {
+    std::wstring name;
+    const Acad::ErrorStatus status = nameAt(id, name);
+    return status != Acad::eOk ? status : remove(name.c_str());
+}
+
+bool AcDbDictionary::setName(const wchar_t* oldName, const wchar_t* newName) {
+    if (newName == nullptr || *newName == 0 || !has(oldName)) return false;
+    const bool sameEntry = foldName(oldName) == foldName(newName);
+    if (!sameEntry && has(newName)) return false;
+    assertWriteEnabled();
+    if (!sameEntry && entries_->find(newName) != nullptr) entries_->remove(newName);
+    entries_->rename(oldName, newName);
+    return true;
+}
+
+void AcDbDictionary::setTreatElementsAsHard(bool hard) {
+    assertWriteEnabled();
+    hard_ = hard;
+}
+
+void AcDbDictionary::setMergeStyle(AcDb::DuplicateRecordCloning style) {
+    assertWriteEnabled();
+    mergeStyle_ = style;
+}
+
+std::unique_ptr<AcDbDictionaryIterator> AcDbDictionary::newIterator() const {
+    assertReadEnabled();
+    auto iterator = std::make_unique<Iterator>();
+    for (size_t at = entries_->nextFrom(0); at < entries_->list.size();
+         at = entries_->nextFrom(at + 1)) {
+        iterator->add(entries_->list[at].name, entries_->list[at].id);
+    }
+    return iterator;
+}
+
+Acad::ErrorStatus AcDbDictionary::dwgOutFields(AcDbDwgFiler* filer) const {
+    AcDbObject::dwgOutFields(filer);
+    filer->writeBool(hard_);
+    filer->writeInt16(static_cast<int16_t>(mergeStyle_));
+    filer->writeUInt32(static_cast<uint32_t>(entries_->list.size()));
+    for (const Entries::Entry& entry : entries_->list) {
+        filer->writeString(entry.name);
+        if (hard_) {
+            filer->writeHardOwnershipId(entry.id);
+        } else {
+            filer->writeSoftOwnershipId(entry.id);
+        }
+    }
+    return filer->filerStatus();
+}
+
+Acad::ErrorStatus AcDbDictionary::dwgInFields(AcDbDwgFiler* filer) {
+    assertWriteEnabled();
+    AcDbObject::dwgInFields(filer);
+    int16_t mergeStyle = 0;
+    uint32_t count = 0;
+    filer->readBool(&hard_);
+    filer->readInt16(&mergeStyle);
+    filer->readUInt32(&count);
+    mergeStyle_ = static_cast<AcDb::DuplicateRecordCloning>(mergeStyle);
+    entries_->clear();
+    for (uint32_t i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i) {
+        std::wstring name;
+        AcDbHardOwnershipId hard;
+        AcDbSoftOwnershipId soft;
+        filer->readString(name);
+        if (hard_) {
+            filer->readHardOwnershipId(&hard);
+        } else {
+            filer->readSoftOwnershipId(&soft);
+        }
+        const AcDbObjectId id = hard_ ? AcDbObjectId(hard) : AcDbObjectId(soft);
+        if (!id.isNull()) entries_->set(name, id);
+    }
+    return filer->filerStatus();
+}
+
+Acad::ErrorStatus AcDbDictionary::dxfOutFields(AcDbDxfFiler* filer) const {
+    AcDbObject::dxfOutFields(filer);
+    filer->writeString(100, L"AcDbDictionary");
+    if (hard_) filer->writeBool(280, true);
+    filer->writeInt16(281, static_cast<int16_t>(mergeStyle_));
+    for (size_t at = entries_->nextFrom(0); at < entries_->list.size();
+         at = entries_->nextFrom(at + 1)) {
+        filer->writeString(3, entries_->list[at].name);
+        filer->writeObjectId(hard_ ? 360 : 350, entries_->list[at].id);
+    }
+    return filer->filerStatus();
+}
+
+Acad::ErrorStatus AcDbDictionary::dxfInFields(AcDbDxfFiler* filer) {
+    assertWriteEnabled();
+    const Acad::ErrorStatus status = AcDbObject::dxfInFields(filer);
+    if (status != Acad::eOk) return status;
+    if (!filer->atSubclassData(L"AcDbDictionary")) return Acad::eBadDxfSequence;
+    std::wstring name;
+    FieldReader fields(filer);
+    while (fields.next()) {
+        switch (fields.code()) {
+            case 280:
+                hard_ = fields.integer() != 0;
+                break;
+            case 281:
+                mergeStyle_ = static_cast<AcDb::DuplicateRecordCloning>(fields.integer());
+                break;
+            case 3:
+                name = fields.text();
+                break;
+            case 350:
+            case 360:
+                if (!name.empty() && !fields.objectId().isNull()) {
+                    entries_->set(name, fields.objectId());
+                }
+                name.clear();
+                break;
+            default:
+                break;
+        }
+    }
+    return filer->filerStatus();
+}
+
+Acad::ErrorStatus AcDbDictionary::subErase(bool erasing) {
+    const Acad::ErrorStatus status = AcDbObject::subErase(erasing);
+    if (status != Acad::eOk) return status;
+    for (const Entries::Entry& entry : entries_->list)
+        sg::model::eraseObject(entry.id, erasing);
+    return Acad::eOk;
+}

@@ -1,0 +1,245 @@
+#include "platform/db/layer_table.h"
+
+#include <algorithm>
+#include <array>
+
+#include "host/model/tables/filing.h"
+#include "host/model/tables/references.h"
+#include "platform/db/database.h"
+
+using sg::model::FieldReader;
+
+ACRX_DXF_DEFINE_MEMBERS(AcDbLayerTableRecord, AcDbSymbolTableRecord, 0, 0, L"LAYER", nullptr)
+ACRX_CONS_DEFINE_MEMBERS(AcDbLayerTable, AcDbSymbolTable, 0)
+
+namespace {
+
+constexpr uint16_t kWhite = 7;
+constexpr int16_t kFrozen = 1;
+constexpr int16_t kFrozenInNewViewports = 2;
+constexpr int16_t kLocked = 4;
+
+constexpr std::array<int16_t, 25> kLineWeights = {-3,  0,   5,   9,   13,  15,  18, 20, 25,
+                                                  30,  35,  40,  50,  53,  60,  70, 80, 90,
+                                                  100, 106, 120, 140, 158, 200, 211};
+
+int16_t withFlag(int16_t flags, int16_t flag, bool on) {
+    return static_cast<int16_t>(on ? flags | flag : flags & ~flag);
+}
+
+// The description stands in the extended data of this application, as its second text.
+constexpr const wchar_t* kDescriptionApplication = L"AcAecLayerStandard";
+
+}  // namespace
+
+AcDbLayerTable::AcDbLayerTable() = default;
+AcDbLayerTable::~AcDbLayerTable() = default;
+
+AcDbLayerTableRecord::AcDbLayerTableRecord() {
+    color_.setColorIndex(kWhite);
+}
+AcDbLayerTableRecord::~AcDbLayerTableRecord() = default;
+
+Acad::ErrorStatus AcDbLayerTableRecord::setIsFrozen(bool frozen) {
+    if (frozen && database() != nullptr && database()->clayer() == objectId()) {
+        return Acad::eInvalidLayer;
+    }
+    assertWriteEnabled();
+    standardFlags_ = withFlag(standardFlags_, kFrozen, frozen);
+    return Acad::eOk;
+}
+
+void AcDbLayerTableRecord::setIsOff(bool off) {
+    assertWriteEnabled();
+    off_ = off;
+}
+
+void AcDbLayerTableRecord::setVPDFLT(bool frozen) {
+    assertWriteEnabled();
+    standardFlags_ = withFlag(standardFlags_, kFrozenInNewViewports, frozen);
+}
+
+void AcDbLayerTableRecord::setIsLocked(bool locked) {
+    assertWriteEnabled();
+    standardFlags_ = withFlag(standardFlags_, kLocked, locked);
+}
+
+Acad::ErrorStatus AcDbLayerTableRecord::setIsPlottable(bool plottable) {
+    assertWriteEnabled();
+    plottable_ = plottable;
+    return Acad::eOk;
+}
+
+void AcDbLayerTableRecord::setColor(const AcCmColor& color) {
+    assertWriteEnabled();
+    color_ = color;
+}
+
+Acad::ErrorStatus AcDbLayerTableRecord::setLinetypeObjectId(AcDbObjectId linetype) {
+    assertWriteEnabled();
+    linetype_ = linetype;
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbLayerTableRecord::setLineWeight(AcDb::LineWeight weight) {
+    if (std::find(kLineWeights.begin(), kLineWeights.end(), weight) == kLineWeights.end()) {
+        return Acad::eOutOfRange;
+    }
+    assertWriteEnabled();
+    lineWeight_ = weight;
+    return Acad::eOk;
+}
+
+void AcDbLayerTableRecord::setTransparency(uint32_t transparency) {
+    assertWriteEnabled();
+    transparency_ = transparency;
+}
+
+std::wstring AcDbLayerTableRecord::plotStyleName() const {
+    if (database() == nullptr || database()->plotStyleMode()) {
+        // Where plot styles follow colours, the layer's is that of its colour.
+        return L"Color_" + std::to_wstring(color_.colorIndex());
+    }
+    AcDbDictionary* styles = nullptr;
+    std::wstring name;
+    if (acdbOpenObject(styles, database()->plotStyleNameDictionaryId()) == Acad::eOk) {
+        styles->nameAt(plotStyle_, name);
+        styles->close();
+    }
+    return name;
+}
+
+Acad::ErrorStatus AcDbLayerTableRecord::setPlotStyleName(const wchar_t* name) {
+    if (database() == nullptr) return Acad::eNotInDatabase;
+    AcDbDictionary* styles = nullptr;
+    Acad::ErrorStatus status = acdbOpenObject(styles, database()->plotStyleNameDictionaryId());
+    if (status != Acad::eOk) return status;
+    AcDbObjectId style;
+    status = styles->getAt(name, style);
+    styles->close();
+    return status != Acad::eOk ? status : setPlotStyleName(style);
+}
+
+Acad::ErrorStatus AcDbLayerTableRecord::setPlotStyleName(AcDbObjectId style) {
+    if (database() == nullptr) return Acad::eNotInDatabase;
+    if (database()->plotStyleMode()) return Acad::eInvalidInput;
+    takePlotStyle(style);
+    return Acad::eOk;
+}
+
+void AcDbLayerTableRecord::takePlotStyle(AcDbObjectId style) {
+    assertWriteEnabled();
+    plotStyle_ = style;
+}
+
+void AcDbLayerTableRecord::setMaterialId(AcDbObjectId material) {
+    assertWriteEnabled();
+    material_ = material;
+}
+
+std::wstring AcDbLayerTableRecord::description() const {
+    resbuf* const data = xData(kDescriptionApplication);
+    std::wstring found;
+    for (const resbuf* node = data; node != nullptr; node = node->rbnext) {
+        if (node->restype == 1000 && node->resval.rstring != nullptr) found = node->resval.rstring;
+    }
+    acutRelRb(data);
+    return found;
+}
+
+void AcDbLayerTableRecord::setDescription(const wchar_t* description) {
+    AcDbDatabase* const home = database();
+    if (home != nullptr) sg::model::registerApplication(*home, kDescriptionApplication);
+    resbuf* const data = acutBuildList(1001, kDescriptionApplication, 1000, L"", 1000,
+                                       description == nullptr ? L"" : description, 0);
+    setXData(data);
+    acutRelRb(data);
+}
+
+Acad::ErrorStatus AcDbLayerTableRecord::dwgOutFields(AcDbDwgFiler* filer) const {
+    AcDbSymbolTableRecord::dwgOutFields(filer);
+    sg::model::writeColor(filer, color_);
+    filer->writeHardPointerId(linetype_);
+    filer->writeHardPointerId(plotStyle_);
+    filer->writeHardPointerId(material_);
+    filer->writeInt16(static_cast<int16_t>(lineWeight_));
+    filer->writeUInt32(transparency_);
+    filer->writeBool(off_);
+    return filer->writeBool(plottable_);
+}
+
+Acad::ErrorStatus AcDbLayerTableRecord::dwgInFields(AcDbDwgFiler* filer) {
+    AcDbSymbolTableRecord::dwgInFields(filer);
+    int16_t weight = 0;
+    sg::model::readColor(filer, color_);
+    filer->readHardPointerId(&linetype_);
+    filer->readHardPointerId(&plotStyle_);
+    filer->readHardPointerId(&material_);
+    filer->readInt16(&weight);
+    filer->readUInt32(&transparency_);
+    filer->readBool(&off_);
+    filer->readBool(&plottable_);
+    lineWeight_ = static_cast<AcDb::LineWeight>(weight);
+    return filer->filerStatus();
+}
+
+Acad::ErrorStatus AcDbLayerTableRecord::dxfOutFields(AcDbDxfFiler* filer) const {
+    AcDbSymbolTableRecord::dxfOutFields(filer);
+    filer->writeString(100, L"AcDbLayerTableRecord");
+    filer->writeString(2, name());
+    filer->writeInt16(70, standardFlags_);
+    const auto index = static_cast<int16_t>(color_.colorIndex());
+    filer->writeInt16(62, static_cast<int16_t>(off_ ? -index : index));
+    if (color_.isByColor()) filer->writeInt32(420, static_cast<int32_t>(color_.rgb()));
+    sg::model::writeNameOf(filer, 6, linetype_, L"Continuous");
+    if (!plottable_ || filer->filerType() == AcDb::kBagFiler) filer->writeBool(290, plottable_);
+    filer->writeInt16(370, static_cast<int16_t>(lineWeight_));
+    if (!plotStyle_.isNull()) filer->writeObjectId(390, plotStyle_);
+    if (!material_.isNull()) filer->writeObjectId(347, material_);
+    return filer->filerStatus();
+}
+
+Acad::ErrorStatus AcDbLayerTableRecord::dxfInFields(AcDbDxfFiler* filer) {
+    const Acad::ErrorStatus status = AcDbSymbolTableRecord::dxfInFields(filer);
+    if (status != Acad::eOk) return status;
+    if (!filer->atSubclassData(L"AcDbLayerTableRecord")) return Acad::eBadDxfSequence;
+    FieldReader fields(filer);
+    while (fields.next()) {
+        switch (fields.code()) {
+            case 2:
+                takeName(fields.text());
+                break;
+            case 70:
+                standardFlags_ = static_cast<int16_t>(fields.integer());
+                break;
+            case 62:
+                off_ = fields.integer() < 0;
+                if (!color_.isByColor()) {
+                    color_.setColorIndex(static_cast<uint16_t>(std::abs(fields.integer())));
+                }
+                break;
+            case 420:
+                sg::model::setTrueColor(color_, fields.integer());
+                break;
+            case 6:
+                linetype_ = sg::model::recordNamed(filer->database(), sg::model::NamedIn::linetypes,
+                                                   fields.text());
+                break;
+            case 290:
+                plottable_ = fields.flag();
+                break;
+            case 370:
+                lineWeight_ = static_cast<AcDb::LineWeight>(fields.integer());
+                break;
+            case 390:
+                plotStyle_ = fields.objectId();
+                break;
+            case 347:
+                material_ = fields.objectId();
+                break;
+            default:
+                break;
+        }
+    }
+    return filer->filerStatus();
+}

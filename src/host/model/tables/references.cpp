@@ -1,0 +1,76 @@
+#include "host/model/tables/references.h"
+
+#include "host/model/tables/reg_app_table.h"
+#include "platform/db/database.h"
+
+namespace sg::model {
+namespace {
+
+AcDbObjectId tableOf(const AcDbDatabase& database, NamedIn table) {
+    switch (table) {
+        case NamedIn::layers:
+            return database.layerTableId();
+        case NamedIn::linetypes:
+            return database.linetypeTableId();
+        case NamedIn::textStyles:
+            return database.textStyleTableId();
+        case NamedIn::dimStyles:
+            return database.dimStyleTableId();
+        case NamedIn::blocks:
+            return database.blockTableId();
+        case NamedIn::ucs:
+            return database.UCSTableId();
+        case NamedIn::nothing:
+            break;
+    }
+    return {};
+}
+
+}  // namespace
+
+AcDbObjectId recordNamed(AcDbDatabase* database, NamedIn table, std::wstring_view name) {
+    AcDbObjectId found;
+    AcDbSymbolTable* opened = nullptr;
+    if (database == nullptr || acdbOpenObject(opened, tableOf(*database, table)) != Acad::eOk) {
+        return found;
+    }
+    opened->getAt(std::wstring(name).c_str(), found);
+    opened->close();
+    return found;
+}
+
+std::wstring nameOf(AcDbObjectId record) {
+    std::wstring name;
+    AcDbSymbolTableRecord* opened = nullptr;
+    if (acdbOpenObject(opened, record, AcDb::kForRead, true) != Acad::eOk) return name;
+    name = opened->name();
+    opened->close();
+    return name;
+}
+
+void writeNameOf(AcDbDxfFiler* filer, int code, AcDbObjectId record, const wchar_t* otherwise) {
+    const std::wstring name = nameOf(record);
+    filer->writeString(code, name.empty() ? otherwise : name.c_str());
+}
+
+void registerApplication(AcDbDatabase& database, const wchar_t* name) {
+    AcDbSymbolTable* table = nullptr;
+    if (acdbOpenObject(table, database.regAppTableId()) != Acad::eOk) return;
+    if (!table->has(name) && table->upgradeOpen() == Acad::eOk) {
+        auto* const record = new AcDbRegAppTableRecord;
+        record->setName(name);
+        if (table->add(record) == Acad::eOk) {
+            record->close();
+        } else {
+            delete record;
+        }
+    }
+    table->close();
+}
+
+void setTrueColor(AcCmColor& color, int32_t rgb) {
+    color.setRGB(static_cast<uint8_t>(rgb >> 16), static_cast<uint8_t>(rgb >> 8),
+                 static_cast<uint8_t>(rgb));
+}
+
+}  // namespace sg::model

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "platform/db/dictionary.h"
+
+// A list of groups that a program keeps in a dictionary.
+class SG_API AcDbXrecord : public AcDbObject {
+  public:
+    ACRX_DECLARE_MEMBERS(AcDbXrecord)
+    AcDbXrecord();
+    ~AcDbXrecord() override;
+
+    // The record's own list; it holds until the record changes.
+    const resbuf* groups() const { return groups_; }
+    // A copy, which the caller releases.
+    Acad::ErrorStatus rbChain(resbuf** groups) const;
+    // Codes from 1 to 369 but 5 and 105: eInvalidDxfCode for others, and nothing changes.
+    Acad::ErrorStatus setFromRbChain(const resbuf& groups);
+
+    AcDb::DuplicateRecordCloning mergeStyle() const { return mergeStyle_; }
+    void setMergeStyle(AcDb::DuplicateRecordCloning style);
+
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+    Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
+    Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
+
+  private:
+    void take(resbuf* groups);
+
+    resbuf* groups_ = nullptr;
+    AcDb::DuplicateRecordCloning mergeStyle_ = AcDb::kDrcIgnore;
+};

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "platform/db/attribute.h"
+#include "platform/db/entity.h"
+#include "platform/ge/scale3d.h"
+
+// Walks the attributes of a block reference in their order; erased ones are left out.
+class SG_API AcDbObjectIterator {
+  public:
+    virtual ~AcDbObjectIterator() = default;
+    virtual void start(bool atBeginning = true, bool skipErased = true) = 0;
+    virtual bool done() const = 0;
+    virtual AcDbObjectId objectId() const = 0;
+    virtual void step(bool backwards = false, bool skipErased = true) = 0;
+};
+
+// Shows a block at a place: scaled, turned about its normal, and moved there. The scales may differ
+// and be negative.
+class SG_API AcDbBlockReference : public AcDbEntity {
+  public:
+    ACRX_DECLARE_MEMBERS(AcDbBlockReference)
+    AcDbBlockReference();
+    AcDbBlockReference(const AcGePoint3d& position, AcDbObjectId block);
+    ~AcDbBlockReference() override;
+
+    AcDbObjectId blockTableRecord() const { return block_; }
+    Acad::ErrorStatus setBlockTableRecord(AcDbObjectId block);
+    AcGePoint3d position() const { return position_; }  // in world coordinates
+    Acad::ErrorStatus setPosition(const AcGePoint3d& position);
+    AcGeScale3d scaleFactors() const { return scale_; }
+    Acad::ErrorStatus setScaleFactors(const AcGeScale3d& scale);  // factors of 0 are taken
+    double rotation() const { return rotation_; }                 // from the object's x axis
+    Acad::ErrorStatus setRotation(double rotation);
+    AcGeVector3d normal() const { return normal_; }
+    Acad::ErrorStatus setNormal(const AcGeVector3d& normal);
+    // From the block's coordinates, its base point at the origin, to the world's.
+    AcGeMatrix3d blockTransform() const;
+    // eCannotScaleNonUniformly for one that is no scaling, turning and moving along the axes.
+    Acad::ErrorStatus setBlockTransform(const AcGeMatrix3d& transform);
+
+    // Gives a new attribute to the reference, which must be in a database; it stays open.
+    Acad::ErrorStatus appendAttribute(AcDbObjectId& id, AcDbAttribute* attribute);
+    Acad::ErrorStatus appendAttribute(AcDbAttribute* attribute);
+    std::unique_ptr<AcDbObjectIterator> attributeIterator() const;
+    const std::vector<AcDbHardOwnershipId>& attributeIds() const { return attributes_; }
+
+    // The block's entities, moved to where they show, appended to the owner of this reference.
+    Acad::ErrorStatus explodeToOwnerSpace() const;
+
+    Acad::ErrorStatus setLayer(AcDbObjectId layer, bool doSubents = true,
+                               bool allowHiddenLayer = false) override;
+    using AcDbEntity::setLayer;
+    bool isPlanar() const override { return false; }
+    void getEcs(AcGeMatrix3d& matrix) const override;
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+    Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
+    Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
+
+  protected:
+    Acad::ErrorStatus subErase(bool erasing) override;  // its attributes too
+    bool subWorldDraw(AcGiWorldDraw* draw) override;
+    Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
+    Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
+    Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray& osnapModes,
+                                       AcDbIntArray& geomIds) const override;
+    Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices,
+                                          const AcGeVector3d& offset) override;
+    Acad::ErrorStatus subGetStretchPoints(AcGePoint3dArray& points) const override;
+    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices,
+                                             const AcGeVector3d& offset) override;
+    Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, int64_t marker,
+                                        const AcGePoint3d& pick, const AcGePoint3d& last,
+                                        const AcGeMatrix3d& view, AcGePoint3dArray& points,
+                                        AcDbIntArray& geomIds) const override;
+    Acad::ErrorStatus subIntersectWith(const AcDbEntity* other, AcDb::Intersect mode,
+                                       AcGePoint3dArray& points, int64_t thisMarker,
+                                       int64_t otherMarker) const override;
+    Acad::ErrorStatus subIntersectWith(const AcDbEntity* other, AcDb::Intersect mode,
+                                       const AcGePlane& projection, AcGePoint3dArray& points,
+                                       int64_t thisMarker, int64_t otherMarker) const override;
+    Acad::ErrorStatus subExplode(AcDbVoidPtrArray& entities) const override;
+    void subList() const override;
+
+  private:
+    friend struct sg::model::ObjectAccess;
+
+    AcDbHardPointerId block_;
+    AcGePoint3d position_;
+    AcGeVector3d normal_ = AcGeVector3d::kZAxis;
+    AcGeScale3d scale_;
+    double rotation_ = 0;
+    std::vector<AcDbHardOwnershipId> attributes_;
+    AcDbHardOwnershipId sequenceEnd_;
+};
