@@ -5,17 +5,8 @@
 
 #include "platform/db/attribute.h"
 #include "platform/db/entity.h"
+#include "platform/db/object_iterator.h"
 #include "platform/ge/scale3d.h"
-
-// Walks the attributes of a block reference in their order; erased ones are left out.
-class SG_API AcDbObjectIterator {
-  public:
-    virtual ~AcDbObjectIterator() = default;
-    virtual void start(bool atBeginning = true, bool skipErased = true) = 0;
-    virtual bool done() const = 0;
-    virtual AcDbObjectId objectId() const = 0;
-    virtual void step(bool backwards = false, bool skipErased = true) = 0;
-};
 
 // Shows a block at a place: scaled, turned about its normal, and moved there. The scales may differ
 // and be negative.

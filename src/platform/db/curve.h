@@ -2,6 +2,11 @@
 
 #include "platform/db/entity.h"
 
+namespace sg::model {
+struct CurveAccess;
+struct CurveShape;
+}  // namespace sg::model
+
 // A curve: points at parameters from the start to the end.
 //
 // Lengths along it are measured from its start in drawing units. Points that are asked about lie on
@@ -53,6 +58,39 @@ class SG_API AcDbCurve : public AcDbEntity {
     // Moves the start or the end to the point at the parameter.
     virtual Acad::ErrorStatus extend(double parameter);
 
+    bool isPlanar() const override;
+    Acad::ErrorStatus getPlane(AcGePlane& plane, AcDb::Planarity& type) const override;
+
   protected:
     AcDbCurve();
+
+    template <class Value>
+    Acad::ErrorStatus assign(Value& member, const Value& value) {
+        assertWriteEnabled();
+        member = value;
+        return Acad::eOk;
+    }
+
+    // What the host's own classes answer all of the above by: the pieces of the curve, and a new
+    // curve, which the caller owns, of the points between two parameters, from < to; on a periodic
+    // curve `to` may lie past the end. A class that answers everything itself has neither: the base
+    // versions answer false and null, and what rests on them eNotImplementedYet.
+    virtual bool subShape(sg::model::CurveShape& shape) const;
+    virtual AcDbCurve* subPart(double from, double to) const;
+
+    Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
+    Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, int64_t marker,
+                                        const AcGePoint3d& pick, const AcGePoint3d& last,
+                                        const AcGeMatrix3d& view, AcGePoint3dArray& points,
+                                        AcDbIntArray& geomIds) const override;
+    Acad::ErrorStatus subIntersectWith(const AcDbEntity* other, AcDb::Intersect mode,
+                                       AcGePoint3dArray& points, int64_t thisMarker,
+                                       int64_t otherMarker) const override;
+    Acad::ErrorStatus subIntersectWith(const AcDbEntity* other, AcDb::Intersect mode,
+                                       const AcGePlane& projection, AcGePoint3dArray& points,
+                                       int64_t thisMarker, int64_t otherMarker) const override;
+    bool subWorldDraw(AcGiWorldDraw* draw) override;
+
+  private:
+    friend struct sg::model::CurveAccess;
 };

@@ -1,0 +1,221 @@
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include "host/model/curves/geometry_kernel.h"
+#include "host/model/curves/intersect.h"
+
+// Pairs with an ellipse or a spline are brought into a plane, intersected there by the geometry
+// library, and each place is then sharpened in space. Curves of one plane are seen along its
+// normal; others along a direction in which neither is flat, where they cross wherever they meet,
+// and what only seems to cross is dropped.
+
+namespace sg::model {
+
+namespace {
+
+std::optional<AcGeVector3d> normalOf(const Piece& piece) {
+    if (piece.kind == Piece::Kind::Line) return std::nullopt;
+    CurveShape shape;
+    shape.spans.emplace_back(piece);
+    shape.findPlane();
+    if (shape.planarity != AcDb::kPlanar) return std::nullopt;
+    return shape.normal;
+}
+
+bool liesIn(const Piece& piece, const AcGePoint3d& on, const AcGeVector3d& normal,
+            double tolerance) {
+    const auto near = [&](const AcGePoint3d& point) {
+        return std::abs((point - on).dotProduct(normal)) <= tolerance;
+    };
+    if (piece.kind == Piece::Kind::Spline) {
+        const auto& controls = piece.spline->controls;
+        return std::all_of(controls.begin(), controls.end(), near);
+    }
+    return near(piece.origin) && near(piece.origin + piece.u) && near(piece.origin + piece.v);
+}
+
+// The direction to look along.
+AcGeVector3d sightFor(const Piece& a, const Piece& b, double tolerance) {
+    const auto normalA = normalOf(a);
+    const auto normalB = normalOf(b);
+    if (normalA && liesIn(b, a.start(), *normalA, tolerance)) return *normalA;
+    if (normalB && liesIn(a, b.start(), *normalB, tolerance)) return *normalB;
+    // Odd directions, of which one is far from both planes.
+    static const AcGeVector3d kDirections[] = {
+        {0.3714, 0.5428, 0.7533}, {-0.6127, 0.2931, 0.7339}, {0.8311, -0.4721, 0.2939}};
+    AcGeVector3d best;
+    double clearest = -1;
+    for (const AcGeVector3d& direction : kDirections) {
+        const AcGeVector3d unit = direction / direction.length();
+        const double clear = std::min(normalA ? std::abs(unit.dotProduct(*normalA)) : 1,
+                                      normalB ? std::abs(unit.dotProduct(*normalB)) : 1);
+        if (clear <= clearest) continue;
+        clearest = clear;
+        best = unit;
+    }
+    return best;
+}
+
+// Coordinates of the plane that is looked at, and parameters of the piece for those of its picture.
+struct Picture {
+    PlaneCurve curve;
+    double shift = 0;  // piece parameter = picture parameter * scale + shift
+    double scale = 1;
+};
+
+Picture pictureOfConic(const Piece& flat) {
+    Picture picture;
+    picture.curve.kind = PlaneCurve::Kind::Ellipse;
+    const double turn =
+        std::atan2(2 * flat.u.dotProduct(flat.v), flat.u.lengthSqrd() - flat.v.lengthSqrd()) / 2;
+    const AcGeVector3d major = flat.u * std::cos(turn) + flat.v * std::sin(turn);
+    const AcGeVector3d minor = flat.v * std::cos(turn) - flat.u * std::sin(turn);
+    picture.shift = turn;
+    picture.curve.first = flat.first - turn;
+    picture.curve.last = flat.last - turn;
+    picture.curve.axis[0] = major.x;
+    picture.curve.axis[1] = major.y;
+    picture.curve.minorRadius = minor.length();
+    picture.curve.clockwise = major.x * minor.y - major.y * minor.x < 0;
+    return picture;
+}
+
+Picture pictureOfLine(const Piece& flat, const AcGePoint3d& center, double radius) {
+    Picture picture;
+    const double size = flat.u.length();
+    const AcGeVector3d unit = flat.u / size;
+    picture.scale = 1 / size;
+    // Only what can come near the other curve.
+    const double near = (center - flat.origin).dotProduct(unit);
+    picture.curve.first = std::max(flat.first * size, near - radius);
+    picture.curve.last = std::min(flat.last * size, near + radius);
+    picture.curve.axis[0] = unit.x;
+    picture.curve.axis[1] = unit.y;
+    return picture;
+}
+
+Picture pictureOfSpline(const Piece& flat) {
+    Picture picture;
+    picture.curve.kind = PlaneCurve::Kind::Spline;
+    picture.curve.first = flat.first;
+    picture.curve.last = flat.last;
+    picture.curve.degree = flat.spline->degree;
+    picture.curve.knots = flat.spline->knots;
+    picture.curve.weights = flat.spline->weights;
+    for (const AcGePoint3d& point : flat.spline->controls) {
+        picture.curve.controls.insert(picture.curve.controls.end(), {point.x, point.y});
+    }
+    return picture;
+}
+
+void boundsOf(const Piece& piece, AcGePoint3d& center, double& radius) {
+    AcDbExtents box;
+    if (piece.kind == Piece::Kind::Spline) {
+        for (const AcGePoint3d& point : piece.spline->controls)
+            box.addPoint(point);
+    } else {
+        piece.addExtents(box);
+    }
+    center = box.minPoint() + (box.maxPoint() - box.minPoint()) / 2;
+    radius = center.distanceTo(box.maxPoint()) * 1.01 + 1e-6;
+}
+
+Picture pictureOf(const Piece& flat, const Piece& other) {
+    Picture picture;
+    if (flat.kind == Piece::Kind::Conic) {
+        picture = pictureOfConic(flat);
+    } else if (flat.kind == Piece::Kind::Spline) {
+        picture = pictureOfSpline(flat);
+    } else {
+        AcGePoint3d center;
+        double radius = 0;
+        boundsOf(other, center, radius);
+        picture = pictureOfLine(flat, center, radius);
+    }
+    picture.curve.origin[0] = flat.origin.x;
+    picture.curve.origin[1] = flat.origin.y;
+    return picture;
+}
+
+// Gauss-Newton on the vector between the points; where the curves touch it halves the rest at each
+// step.
+Meeting sharpened(const Piece& a, const Piece& b, Meeting meeting) {
+    for (int step = 0; step < 60; ++step) {
+        const Nurbs::Values pa = a.values(meeting.onFirst);
+        const Nurbs::Values pb = b.values(meeting.onSecond);
+        const AcGeVector3d off = pb.point - pa.point;
+        const double aa = pa.first.lengthSqrd();
+        const double bb = pb.first.lengthSqrd();
+        const double ab = pa.first.dotProduct(pb.first);
+        const double det = aa * bb - ab * ab;
+        if (det <= 1e-14 * aa * bb) break;
+        const double stepA = (pa.first.dotProduct(off) * bb - pb.first.dotProduct(off) * ab) / det;
+        const double stepB = (pa.first.dotProduct(off) * ab - pb.first.dotProduct(off) * aa) / det;
+        meeting.onFirst += stepA;
+        meeting.onSecond += stepB;
+        if (std::abs(stepA) * std::sqrt(aa) + std::abs(stepB) * std::sqrt(bb) <=
+            1e-15 * (pa.point.asVector().length() + off.length())) {
+            break;
+        }
+    }
+    return meeting;
+}
+
+// The pieces between the knots, each of which is smooth.
+std::vector<Piece> smoothParts(const Piece& piece) {
+    if (piece.kind != Piece::Kind::Spline) return {piece};
+    const std::vector<double> breaks = piece.spline->breaks();
+    if (breaks.size() == 2) return {piece};
+    std::vector<Piece> parts;
+    for (size_t i = 1; i < breaks.size(); ++i) {
+        parts.push_back(Piece::nurbs(piece.spline->part(breaks[i - 1], breaks[i])));
+    }
+    return parts;
+}
+
+void meetSmooth(const GeometryKernel& kernel, const Piece& a, const Piece& b,
+                const AcGeMatrix3d& toPlane, const MeetingTolerance& tolerance,
+                std::vector<Meeting>& meetings) {
+    const Piece flatA = a.transformed(toPlane);
+    const Piece flatB = b.transformed(toPlane);
+    const Picture onA = pictureOf(flatA, flatB);
+    const Picture onB = pictureOf(flatB, flatA);
+    if (onA.curve.first >= onA.curve.last || onB.curve.first >= onB.curve.last) return;
+    const double allowed = tolerance.touch(tolerance.point);
+    for (const auto& [ta, tb] : kernel.intersect(onA.curve, onB.curve, tolerance.point)) {
+        const Meeting rough{ta * onA.scale + onA.shift, tb * onB.scale + onB.shift};
+        const auto gap = [&](const Meeting& m) {
+            return a.at(m.onFirst).distanceTo(b.at(m.onSecond));
+        };
+        const Meeting sharp = sharpened(a, b, rough);
+        Meeting best = gap(sharp) <= gap(rough) ? sharp : rough;
+        if (gap(best) > 10 * allowed) continue;
+        if (!bringInside(a, tolerance.merge, best.onFirst) ||
+            !bringInside(b, tolerance.merge, best.onSecond)) {
+            continue;
+        }
+        if (gap(best) <= 10 * allowed) meetings.push_back(best);
+    }
+}
+
+}  // namespace
+
+void meetByKernel(const Piece& a, const Piece& b, const MeetingTolerance& tolerance,
+                  std::vector<Meeting>& meetings) {
+    if ((a.kind == Piece::Kind::Line && a.u.lengthSqrd() == 0) ||
+        (b.kind == Piece::Kind::Line && b.u.lengthSqrd() == 0)) {
+        return;
+    }
+    const GeometryKernel* const kernel = geometryKernel();
+    if (kernel == nullptr) return;
+    const AcGeMatrix3d toPlane = AcGeMatrix3d::worldToPlane(sightFor(a, b, tolerance.point * 10));
+    const std::vector<Piece> partsOfB = smoothParts(b);
+    for (const Piece& partA : smoothParts(a)) {
+        for (const Piece& partB : partsOfB) {
+            meetSmooth(*kernel, partA, partB, toPlane, tolerance, meetings);
+        }
+    }
+}
+
+}  // namespace sg::model

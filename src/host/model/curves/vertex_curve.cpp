@@ -1,0 +1,242 @@
+#include "platform/db/vertex_curve.h"
+
+#include <algorithm>
+
+#include "host/model/curves/sequence_end.h"
+#include "host/model/tables/filing.h"
+#include "platform/db/database.h"
+
+namespace sg::model {
+
+VertexCurve::VertexCurve() = default;
+VertexCurve::~VertexCurve() = default;
+
+class VertexCurve::Iterator : public AcDbObjectIterator {
+  public:
+    explicit Iterator(const std::vector<VertexSlot>& slots) : slots_(slots) { start(); }
+
+    void start(bool atBeginning = true, bool skipErased = true) override {
+        at_ = atBeginning ? 0 : static_cast<std::ptrdiff_t>(slots_.size()) - 1;
+        if (skipErased) skip(atBeginning ? 1 : -1);
+    }
+    bool done() const override {
+        return at_ < 0 || at_ >= static_cast<std::ptrdiff_t>(slots_.size());
+    }
+    AcDbObjectId objectId() const override { return done() ? AcDbObjectId() : slot().id; }
+    AcDbEntity* entity() const override { return done() ? nullptr : slot().loose.get(); }
+    void step(bool backwards = false, bool skipErased = true) override {
+        at_ += backwards ? -1 : 1;
+        if (skipErased) skip(backwards ? -1 : 1);
+    }
+
+  private:
+    const VertexSlot& slot() const { return slots_[static_cast<size_t>(at_)]; }
+    void skip(std::ptrdiff_t way) {
+        while (!done() && slot().loose == nullptr && slot().id.isErased())
+            at_ += way;
+    }
+
+    const std::vector<VertexSlot>& slots_;
+    std::ptrdiff_t at_ = 0;
+};
+
+std::unique_ptr<AcDbObjectIterator> VertexCurve::vertexIterator() const {
+    return std::make_unique<Iterator>(slots_);
+}
+
+AcDbEntity* VertexCurve::openVertex(const VertexSlot& slot, AcDb::OpenMode mode) {
+    if (slot.loose != nullptr) return slot.loose.get();
+    AcDbEntity* vertex = nullptr;
+    acdbOpenObject(vertex, slot.id, mode);
+    return vertex;
+}
+
+void VertexCurve::closeVertex(const VertexSlot& slot, AcDbEntity* vertex) {
+    if (slot.loose == nullptr) vertex->close();
+}
+
+void VertexCurve::eraseSlot(const VertexSlot& slot) {
+    if (slot.loose == nullptr) eraseObject(slot.id);
+}
+
+std::vector<VertexSlot> VertexCurve::takeSlots() {
+    assertWriteEnabled();
+    return std::move(slots_);
+}
+
+void VertexCurve::setSlots(std::vector<VertexSlot> slots) {
+    slots_ = std::move(slots);
+    if (!objectId().isNull()) moveIntoDatabase();
+}
+
+Acad::ErrorStatus VertexCurve::place(size_t at, AcDbObjectId& id, AcDbEntity* vertex) {
+    if (vertex == nullptr) return Acad::eNullEntityPointer;
+    assertWriteEnabled();
+    id.setNull();
+    VertexSlot slot;
+    AcDbDatabase* const owner = database();
+    if (owner == nullptr) {
+        slot.loose.reset(vertex);
+    } else {
+        moveIntoDatabase();
+        const Acad::ErrorStatus status = owner->addAcDbObject(id, vertex);
+        if (status != Acad::eOk) return status;
+        vertex->setOwnerId(objectId());
+        slot.id = id;
+    }
+    slots_.insert(slots_.begin() + static_cast<std::ptrdiff_t>(at), std::move(slot));
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus VertexCurve::appendVertexEntity(AcDbObjectId& id, AcDbEntity* vertex) {
+    return place(slots_.size(), id, vertex);
+}
+
+Acad::ErrorStatus VertexCurve::insertVertexEntity(AcDbObjectId& id, AcDbObjectId after,
+                                                  AcDbEntity* vertex) {
+    if (after.isNull()) return place(0, id, vertex);
+    for (size_t i = 0; i < slots_.size(); ++i) {
+        if (slots_[i].id == after) return place(i + 1, id, vertex);
+    }
+    return Acad::eKeyNotFound;
+}
+
+void VertexCurve::moveIntoDatabase() {
+    AcDbDatabase* const owner = database();
+    if (owner == nullptr) return;
+    const auto give = [&](AcDbEntity* entity, AcDbObjectId& id) {
+        if (owner->addAcDbObject(id, entity) != Acad::eOk) return false;
+        entity->setOwnerId(objectId());
+        entity->close();
+        return true;
+    };
+    for (VertexSlot& slot : slots_) {
+        if (slot.loose != nullptr && give(slot.loose.get(), slot.id)) slot.loose.release();
+    }
+    if (!sequenceEnd_.isNull()) return;
+    auto end = std::make_unique<AcDbSequenceEnd>();
+    end->setPropertiesFrom(this);
+    if (give(end.get(), sequenceEnd_)) end.release();
+}
+
+Acad::ErrorStatus VertexCurve::setOwnerId(AcDbObjectId owner) {
+    const Acad::ErrorStatus status = AcDbCurve::setOwnerId(owner);
+    if (status == Acad::eOk && isNewObject()) moveIntoDatabase();
+    return status;
+}
+
+// An object that came into the database without being told of an owner.
+Acad::ErrorStatus VertexCurve::subClose() {
+    if (isNewObject()) moveIntoDatabase();
+    return AcDbCurve::subClose();
+}
+
+Acad::ErrorStatus VertexCurve::subErase(bool erasing) {
+    const Acad::ErrorStatus status = AcDbCurve::subErase(erasing);
+    if (status != Acad::eOk) return status;
+    for (const VertexSlot& slot : slots_) {
+        if (slot.loose == nullptr) eraseObject(slot.id, erasing);
+    }
+    eraseObject(sequenceEnd_, erasing);
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus VertexCurve::setColor(const AcCmColor& color, bool doSubents) {
+    return carriedOn(AcDbCurve::setColor(color, doSubents), doSubents,
+                     [&](AcDbEntity& vertex) { vertex.setColor(color); });
+}
+
+Acad::ErrorStatus VertexCurve::setLayer(AcDbObjectId layer, bool doSubents, bool allowHiddenLayer) {
+    return carriedOn(AcDbCurve::setLayer(layer, doSubents, allowHiddenLayer), doSubents,
+                     [&](AcDbEntity& vertex) { vertex.setLayer(layer, true, allowHiddenLayer); });
+}
+
+Acad::ErrorStatus VertexCurve::setLinetype(AcDbObjectId linetype, bool doSubents) {
+    return carriedOn(AcDbCurve::setLinetype(linetype, doSubents), doSubents,
+                     [&](AcDbEntity& vertex) { vertex.setLinetype(linetype); });
+}
+
+Acad::ErrorStatus VertexCurve::setLinetypeScale(double scale, bool doSubents) {
+    return carriedOn(AcDbCurve::setLinetypeScale(scale, doSubents), doSubents,
+                     [&](AcDbEntity& vertex) { vertex.setLinetypeScale(scale); });
+}
+
+Acad::ErrorStatus VertexCurve::setLineWeight(AcDb::LineWeight weight, bool doSubents) {
+    return carriedOn(AcDbCurve::setLineWeight(weight, doSubents), doSubents,
+                     [&](AcDbEntity& vertex) { vertex.setLineWeight(weight); });
+}
+
+Acad::ErrorStatus VertexCurve::setVisibility(AcDb::Visibility visibility, bool doSubents) {
+    return carriedOn(AcDbCurve::setVisibility(visibility, doSubents), doSubents,
+                     [&](AcDbEntity& vertex) { vertex.setVisibility(visibility); });
+}
+
+Acad::ErrorStatus VertexCurve::setPlotStyleName(AcDb::PlotStyleNameType type, AcDbObjectId style,
+                                                bool doSubents) {
+    return carriedOn(AcDbCurve::setPlotStyleName(type, style, doSubents), doSubents,
+                     [&](AcDbEntity& vertex) { vertex.setPlotStyleName(type, style); });
+}
+
+Acad::ErrorStatus VertexCurve::setTransparency(uint32_t transparency, bool doSubents) {
+    return carriedOn(AcDbCurve::setTransparency(transparency, doSubents), doSubents,
+                     [&](AcDbEntity& vertex) { vertex.setTransparency(transparency); });
+}
+
+Acad::ErrorStatus VertexCurve::setMaterial(AcDbObjectId material, bool doSubents) {
+    return carriedOn(AcDbCurve::setMaterial(material, doSubents), doSubents,
+                     [&](AcDbEntity& vertex) { vertex.setMaterial(material); });
+}
+
+// The vertices go by their ids, which copies within and between databases translate. A copy that
+// belongs to no database has vertices of its own; so has a polyline outside one: they go whole.
+Acad::ErrorStatus VertexCurve::dwgOutFields(AcDbDwgFiler* filer) const {
+    assertReadEnabled();
+    const Acad::ErrorStatus status = AcDbCurve::dwgOutFields(filer);
+    if (status != Acad::eOk) return status;
+    const bool whole = objectId().isNull() || filer->filerType() == AcDb::kCopyFiler;
+    filer->writeBool(whole);
+    if (!whole) {
+        filer->writeUInt32(static_cast<uint32_t>(slots_.size()));
+        for (const VertexSlot& slot : slots_)
+            filer->writeHardOwnershipId(slot.id);
+        filer->writeHardOwnershipId(sequenceEnd_);
+        return filer->filerStatus();
+    }
+    uint32_t count = 0;
+    visitVertices(AcDb::kForRead, [&](AcDbEntity&) { ++count; });
+    filer->writeUInt32(count);
+    visitVertices(AcDb::kForRead, [&](AcDbEntity& vertex) { vertex.dwgOutFields(filer); });
+    return filer->filerStatus();
+}
+
+Acad::ErrorStatus VertexCurve::dwgInFields(AcDbDwgFiler* filer) {
+    assertWriteEnabled();
+    const Acad::ErrorStatus status = AcDbCurve::dwgInFields(filer);
+    if (status != Acad::eOk) return status;
+    bool whole = false;
+    uint32_t count = 0;
+    filer->readBool(&whole);
+    filer->readUInt32(&count);
+    slots_.clear();
+    for (uint32_t i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i) {
+        VertexSlot slot;
+        if (whole) {
+            slot.loose = newVertex();
+            slot.loose->dwgInFields(filer);
+        } else {
+            AcDbHardOwnershipId id;
+            filer->readHardOwnershipId(&id);
+            slot.id = id;
+        }
+        slots_.push_back(std::move(slot));
+    }
+    sequenceEnd_.setNull();
+    if (!whole) {
+        AcDbHardOwnershipId end;
+        filer->readHardOwnershipId(&end);
+        sequenceEnd_ = end;
+    }
+    return filer->filerStatus();
+}
+
+}  // namespace sg::model

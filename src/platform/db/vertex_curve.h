@@ -1,0 +1,109 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "platform/db/curve.h"
+#include "platform/db/object_iterator.h"
+
+namespace sg::model {
+
+// A vertex in the order of its polyline: an object of the database, or one that the polyline owns.
+struct VertexSlot {
+    AcDbObjectId id;
+    std::unique_ptr<AcDbEntity> loose;  // while the polyline is in no database
+};
+
+// A polyline whose vertices are entities of their own. While it is in no database it owns them as
+// objects; when it comes into one they follow, with a sequence end behind them, and then it knows
+// them by their ids. It carries changes of its properties on to them, and they are erased with it.
+class SG_API VertexCurve : public AcDbCurve {
+  public:
+    ~VertexCurve() override;
+
+    std::unique_ptr<AcDbObjectIterator> vertexIterator() const;
+    AcDbObjectId sequenceEndId() const { return sequenceEnd_; }  // null outside a database
+
+    Acad::ErrorStatus setOwnerId(AcDbObjectId owner) override;
+    Acad::ErrorStatus setColor(const AcCmColor& color, bool doSubents = true) override;
+    Acad::ErrorStatus setLayer(AcDbObjectId layer, bool doSubents = true,
+                               bool allowHiddenLayer = false) override;
+    using AcDbEntity::setLayer;
+    Acad::ErrorStatus setLinetype(AcDbObjectId linetype, bool doSubents = true) override;
+    using AcDbEntity::setLinetype;
+    Acad::ErrorStatus setLinetypeScale(double scale, bool doSubents = true) override;
+    Acad::ErrorStatus setLineWeight(AcDb::LineWeight weight, bool doSubents = true) override;
+    Acad::ErrorStatus setVisibility(AcDb::Visibility visibility, bool doSubents = true) override;
+    Acad::ErrorStatus setPlotStyleName(AcDb::PlotStyleNameType type,
+                                       AcDbObjectId style = AcDbObjectId(),
+                                       bool doSubents = true) override;
+    Acad::ErrorStatus setTransparency(uint32_t transparency, bool doSubents = true) override;
+    Acad::ErrorStatus setMaterial(AcDbObjectId material, bool doSubents = true) override;
+
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+
+  protected:
+    VertexCurve();
+
+    // A new vertex as dwgInFields makes them.
+    virtual std::unique_ptr<AcDbEntity> newVertex() const = 0;
+
+    // The vertex belongs to the database, and stays open for write, or to this from here on.
+    Acad::ErrorStatus appendVertexEntity(AcDbObjectId& id, AcDbEntity* vertex);
+    // Behind the vertex that has the id; the null id stands for the beginning. eKeyNotFound.
+    Acad::ErrorStatus insertVertexEntity(AcDbObjectId& id, AcDbObjectId after, AcDbEntity* vertex);
+    size_t slotCount() const { return slots_.size(); }
+
+    // Calls `visit` with each vertex that is not erased, open for read or for write.
+    template <class Vertex, class Visit>
+    void forEachVertex(const Visit& visit) const {
+        visitVertices(AcDb::kForRead, [&](AcDbEntity& vertex) {
+            if (const auto* own = Vertex::cast(&vertex)) visit(*own);
+        });
+    }
+    template <class Vertex, class Visit>
+    void changeVertices(const Visit& visit) {
+        visitVertices(AcDb::kForWrite, [&](AcDbEntity& vertex) {
+            if (auto* own = Vertex::cast(&vertex)) visit(*own);
+        });
+    }
+    // Takes the vertices out, for a new order of them with others between; what is not given back
+    // to setSlots() is to be erased with eraseSlot().
+    std::vector<VertexSlot> takeSlots();
+    void setSlots(std::vector<VertexSlot> slots);
+    static void eraseSlot(const VertexSlot& slot);
+    // The slot's vertex, open; null for an erased one. Close it with closeVertex().
+    static AcDbEntity* openVertex(const VertexSlot& slot, AcDb::OpenMode mode);
+    static void closeVertex(const VertexSlot& slot, AcDbEntity* vertex);
+
+    Acad::ErrorStatus subErase(bool erasing) override;
+    Acad::ErrorStatus subClose() override;
+
+  private:
+    class Iterator;
+
+    template <class Visit>
+    void visitVertices(AcDb::OpenMode mode, const Visit& visit) const {
+        for (const VertexSlot& slot : slots_) {
+            AcDbEntity* const vertex = openVertex(slot, mode);
+            if (vertex == nullptr) continue;
+            visit(*vertex);
+            closeVertex(slot, vertex);
+        }
+    }
+    // What was done to this is done to the vertices too.
+    template <class Change>
+    Acad::ErrorStatus carriedOn(Acad::ErrorStatus status, bool doSubents, const Change& change) {
+        if (status == Acad::eOk && doSubents) visitVertices(AcDb::kForWrite, change);
+        return status;
+    }
+    // Gives the database what this still owns.
+    void moveIntoDatabase();
+    Acad::ErrorStatus place(size_t at, AcDbObjectId& id, AcDbEntity* vertex);
+
+    std::vector<VertexSlot> slots_;
+    AcDbObjectId sequenceEnd_;
+};
+
+}  // namespace sg::model
