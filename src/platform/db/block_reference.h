@@ -27,7 +27,7 @@ class SG_API AcDbBlockReference : public AcDbEntity {
     Acad::ErrorStatus setRotation(double rotation);
     AcGeVector3d normal() const { return normal_; }
     Acad::ErrorStatus setNormal(const AcGeVector3d& normal);
-    // From the block's coordinates, its base point at the origin, to the world's.
+    // From the block's coordinates to the world's: the block's base point goes to the position.
     AcGeMatrix3d blockTransform() const;
     // eCannotScaleNonUniformly for one that is no scaling, turning and moving along the axes.
     Acad::ErrorStatus setBlockTransform(const AcGeMatrix3d& transform);
@@ -55,7 +55,6 @@ class SG_API AcDbBlockReference : public AcDbEntity {
     Acad::ErrorStatus subErase(bool erasing) override;  // its attributes too
     bool subWorldDraw(AcGiWorldDraw* draw) override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
-    Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray& osnapModes,
                                        AcDbIntArray& geomIds) const override;
     Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices,
@@ -76,8 +75,24 @@ class SG_API AcDbBlockReference : public AcDbEntity {
     Acad::ErrorStatus subExplode(AcDbVoidPtrArray& entities) const override;
     void subList() const override;
 
+    // Where each copy of the block stands, from the first one; one that is not moved unless the
+    // reference is an array. In the block's directions, before turning.
+    virtual std::vector<AcGeVector3d> copies() const { return {AcGeVector3d()}; }
+    virtual const wchar_t* marker() const { return L"AcDbBlockReference"; }
+    virtual void dxfOutArray(AcDbDxfFiler* filer) const;
+    virtual void dxfInArray(AcDbDxfFiler*, const resbuf&) {}
+
   private:
     friend struct sg::model::ObjectAccess;
+    class Attributes;
+
+    AcGeMatrix3d placement() const;
+    Acad::ErrorStatus place(const AcGeMatrix3d& placement);
+    Acad::ErrorStatus needSequenceEnd();
+    // Calls `visit` with a copy of each entity of the block, as it shows; it owns the copy. Ends
+    // with the first status other than eOk.
+    template <class Visit>
+    Acad::ErrorStatus forEachShown(const Visit& visit) const;
 
     AcDbHardPointerId block_;
     AcGePoint3d position_;
@@ -86,4 +101,36 @@ class SG_API AcDbBlockReference : public AcDbEntity {
     double rotation_ = 0;
     std::vector<AcDbHardOwnershipId> attributes_;
     AcDbHardOwnershipId sequenceEnd_;
+};
+
+// A block reference in rows and columns.
+class SG_API AcDbMInsertBlock : public AcDbBlockReference {
+  public:
+    ACRX_DECLARE_MEMBERS(AcDbMInsertBlock)
+    AcDbMInsertBlock();
+    ~AcDbMInsertBlock() override;
+
+    uint16_t columns() const { return columns_; }
+    Acad::ErrorStatus setColumns(uint16_t columns);  // eInvalidInput for 0
+    uint16_t rows() const { return rows_; }
+    Acad::ErrorStatus setRows(uint16_t rows);
+    double columnSpacing() const { return columnSpacing_; }
+    Acad::ErrorStatus setColumnSpacing(double spacing);
+    double rowSpacing() const { return rowSpacing_; }
+    Acad::ErrorStatus setRowSpacing(double spacing);
+
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+
+  protected:
+    std::vector<AcGeVector3d> copies() const override;
+    const wchar_t* marker() const override { return L"AcDbMInsertBlock"; }
+    void dxfOutArray(AcDbDxfFiler* filer) const override;
+    void dxfInArray(AcDbDxfFiler* filer, const resbuf& group) override;
+
+  private:
+    uint16_t columns_ = 1;
+    uint16_t rows_ = 1;
+    double columnSpacing_ = 0;
+    double rowSpacing_ = 0;
 };
