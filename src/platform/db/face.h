@@ -30,6 +30,7 @@ class SG_API AcDbFace : public AcDbEntity {
 
   protected:
     bool subWorldDraw(AcGiWorldDraw* draw) override;
+    Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
     Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray& osnapModes,
                                        AcDbIntArray& geomIds) const override;

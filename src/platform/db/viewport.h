@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <string>
 #include <vector>
 
 #include "platform/db/entity.h"
@@ -59,6 +61,13 @@ class SG_API AcDbViewport : public AcDbEntity {
     void subList() const override;
 
   private:
+    template <class Value>
+    Acad::ErrorStatus assign(Value& member, const Value& value);
+    template <class Visitor>
+    void visitFields(Visitor&& visit);
+    std::array<AcGePoint3d, 4> corners() const;
+    void takeField(AcDbDxfFiler* filer, const resbuf& group);
+
     AcGePoint3d center_, target_;
     double width_ = 0;
     double height_ = 0;
