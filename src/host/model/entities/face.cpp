@@ -6,6 +6,7 @@
 #include "host/model/curves/filing_groups.h"
 #include "host/model/curves/listing.h"
 #include "host/model/tables/filing.h"
+#include "platform/gi/draw.h"
 
 using sg::model::FieldReader;
 

@@ -7,6 +7,7 @@
 #include "host/model/curves/listing.h"
 #include "host/model/tables/filing.h"
 #include "platform/db/layer_table.h"
+#include "platform/gi/draw.h"
 
 using sg::model::FieldReader;
 
