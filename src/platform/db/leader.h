@@ -40,29 +40,15 @@ class SG_API AcDbLeader : public AcDbCurve {
     double dimasz() const;
     double dimscale() const;
 
-    bool isPlanar() const override { return true; }
-    Acad::ErrorStatus getPlane(AcGePlane& plane, AcDb::Planarity& type) const override;
     void subSetDatabaseDefaults(AcDbDatabase* database) override;
-    Acad::ErrorStatus getStartParam(double& parameter) const override;
-    Acad::ErrorStatus getEndParam(double& parameter) const override;
-    Acad::ErrorStatus getStartPoint(AcGePoint3d& point) const override;
-    Acad::ErrorStatus getEndPoint(AcGePoint3d& point) const override;
-    Acad::ErrorStatus getPointAtParam(double parameter, AcGePoint3d& point) const override;
-    Acad::ErrorStatus getParamAtPoint(const AcGePoint3d& point, double& parameter) const override;
-    Acad::ErrorStatus getDistAtParam(double parameter, double& distance) const override;
-    Acad::ErrorStatus getParamAtDist(double distance, double& parameter) const override;
-    Acad::ErrorStatus getFirstDeriv(double parameter, AcGeVector3d& derivative) const override;
-    using AcDbCurve::getFirstDeriv;
-    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, AcGePoint3d& closest,
-                                        bool extend = false) const override;
-    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, const AcGeVector3d& direction,
-                                        AcGePoint3d& closest, bool extend = false) const override;
     Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
     Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
 
   protected:
+    bool subShape(sg::model::CurveShape& shape) const override;
+    AcDbCurve* subPart(double from, double to) const override;
     bool subWorldDraw(AcGiWorldDraw* draw) override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
     Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray& osnapModes,
@@ -72,14 +58,14 @@ class SG_API AcDbLeader : public AcDbCurve {
     Acad::ErrorStatus subGetStretchPoints(AcGePoint3dArray& points) const override;
     Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices,
                                              const AcGeVector3d& offset) override;
-    Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, int64_t marker,
-                                        const AcGePoint3d& pick, const AcGePoint3d& last,
-                                        const AcGeMatrix3d& view, AcGePoint3dArray& points,
-                                        AcDbIntArray& geomIds) const override;
     Acad::ErrorStatus subExplode(AcDbVoidPtrArray& entities) const override;
     void subList() const override;
 
   private:
+    double dimensionValue(const wchar_t* name) const;
+    AcGePoint3d inPlane(const AcGePoint3d& point) const;
+    void takeField(AcDbDxfFiler* filer, const resbuf& group);
+
     std::vector<AcGePoint3d> vertices_;
     AcGeVector3d normal_ = AcGeVector3d::kZAxis;
     AcGeVector3d horizontal_ = AcGeVector3d::kXAxis;

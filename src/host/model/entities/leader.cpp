@@ -1,0 +1,361 @@
+#include "platform/db/leader.h"
+
+#include <array>
+
+#include "host/model/curves/curve_access.h"
+#include "host/model/curves/filing_groups.h"
+#include "host/model/curves/listing.h"
+#include "host/model/curves/math/shape.h"
+#include "host/model/curves/spline.h"
+#include "host/model/tables/dim_style_table.h"
+#include "host/model/tables/filing.h"
+#include "host/model/tables/references.h"
+#include "platform/db/database.h"
+#include "platform/db/line.h"
+#include "platform/gi/draw.h"
+
+using sg::model::CurveShape;
+using sg::model::FieldReader;
+using sg::model::Piece;
+
+ACRX_DXF_DEFINE_MEMBERS(AcDbLeader, AcDbCurve, 0, 0, L"LEADER", nullptr)
+
+namespace {
+
+constexpr int16_t kNoAnnotation = 3;
+
+}  // namespace
+
+AcDbLeader::AcDbLeader() = default;
+AcDbLeader::~AcDbLeader() = default;
+
+// ---- Vertices -----------------------------------------------------------------------------------
+
+AcGePoint3d AcDbLeader::inPlane(const AcGePoint3d& point) const {
+    return vertices_.empty() ? point : AcGePlane(vertices_.front(), normal_).orthoProject(point);
+}
+
+bool AcDbLeader::appendVertex(const AcGePoint3d& point) {
+    const AcGePoint3d projected = inPlane(point);
+    if (!vertices_.empty() && vertices_.back() == projected) return false;
+    assertWriteEnabled();
+    vertices_.push_back(projected);
+    return true;
+}
+
+void AcDbLeader::removeLastVertex() {
+    if (vertices_.empty()) return;
+    assertWriteEnabled();
+    vertices_.pop_back();
+}
+
+AcGePoint3d AcDbLeader::vertexAt(int index) const {
+    assertReadEnabled();
+    if (index < 0 || index >= numVertices()) return AcGePoint3d();
+    return vertices_[static_cast<size_t>(index)];
+}
+
+bool AcDbLeader::setVertexAt(int index, const AcGePoint3d& point) {
+    if (index < 0 || index >= numVertices()) return false;
+    assertWriteEnabled();
+    vertices_[static_cast<size_t>(index)] = index == 0 ? point : inPlane(point);
+    return true;
+}
+
+// ---- Properties ---------------------------------------------------------------------------------
+
+void AcDbLeader::setToSpline() {
+    assign(splined_, true);
+}
+void AcDbLeader::setToStraight() {
+    assign(splined_, false);
+}
+void AcDbLeader::enableArrowHead() {
+    assign(arrow_, true);
+}
+void AcDbLeader::disableArrowHead() {
+    assign(arrow_, false);
+}
+
+Acad::ErrorStatus AcDbLeader::setNormal(const AcGeVector3d& normal) {
+    return normal.isZeroLength() ? Acad::eInvalidInput : assign(normal_, normal.normal());
+}
+
+void AcDbLeader::setDimensionStyle(AcDbObjectId style) {
+    assign(dimStyle_, AcDbHardPointerId(style));
+}
+
+Acad::ErrorStatus AcDbLeader::attachAnnotation(AcDbObjectId annotation) {
+    assertWriteEnabled();
+    annotation_ = annotation;
+    annotationKind_ = 0;
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbLeader::detachAnnotation() {
+    assertWriteEnabled();
+    annotation_.setNull();
+    annotationKind_ = kNoAnnotation;
+    return Acad::eOk;
+}
+
+double AcDbLeader::dimensionValue(const wchar_t* name) const {
+    const auto place = sg::model::findDimVariable(name);
+    AcDbDimStyleTableRecord* style = nullptr;
+    if (acdbOpenObject(style, dimStyle_) != Acad::eOk) {
+        return std::get<double>(sg::model::dimVariableRows()[*place].variable.initial);
+    }
+    const double value = std::get<double>(style->value(*place));
+    style->close();
+    return value;
+}
+
+double AcDbLeader::dimasz() const {
+    return dimensionValue(L"DIMASZ");
+}
+
+double AcDbLeader::dimscale() const {
+    return dimensionValue(L"DIMSCALE");
+}
+
+void AcDbLeader::subSetDatabaseDefaults(AcDbDatabase* database) {
+    AcDbCurve::subSetDatabaseDefaults(database);
+    if (database != nullptr) dimStyle_ = database->dimstyle();
+}
+
+// ---- Geometry -----------------------------------------------------------------------------------
+
+bool AcDbLeader::subShape(CurveShape& shape) const {
+    if (vertices_.size() < 2) return false;
+    if (splined_ && vertices_.size() > 2) {
+        AcGePoint3dArray points;
+        for (const AcGePoint3d& vertex : vertices_)
+            points.append(vertex);
+        const AcDbSpline spline(points);
+        if (sg::model::CurveAccess::shapeOf(spline, shape)) return true;
+    }
+    for (size_t i = 0; i + 1 < vertices_.size(); ++i) {
+        const auto from = static_cast<double>(i);
+        shape.spans.emplace_back(Piece::line(vertices_[i], vertices_[i + 1]), from, from + 1);
+    }
+    shape.findPlane();
+    return true;
+}
+
+AcDbCurve* AcDbLeader::subPart(double, double) const {
+    return nullptr;
+}
+
+// A filled arrow, a third as wide as it is long.
+bool AcDbLeader::subWorldDraw(AcGiWorldDraw* draw) {
+    AcDbCurve::subWorldDraw(draw);
+    const double size = dimasz() * (dimscale() == 0 ? 1 : dimscale());
+    if (!arrow_ || vertices_.size() < 2 || size <= 0) return true;
+    const AcGeVector3d along = vertices_[1] - vertices_[0];
+    if (along.length() < 2 * size) return true;
+    const AcGeVector3d back = along.normal() * size;
+    const AcGeVector3d side = normal_.crossProduct(along).normal() * (size / 6);
+    const std::array<AcGePoint3d, 3> head = {vertices_[0], vertices_[0] + back + side,
+                                             vertices_[0] + back - side};
+    const AcGiFillType fill = draw->subEntityTraits().fillType();
+    draw->subEntityTraits().setFillType(kAcGiFillAlways);
+    draw->geometry().polygon(3, head.data());
+    draw->subEntityTraits().setFillType(fill);
+    return true;
+}
+
+Acad::ErrorStatus AcDbLeader::subTransformBy(const AcGeMatrix3d& transform) {
+    assertWriteEnabled();
+    for (AcGePoint3d& vertex : vertices_)
+        vertex = transform * vertex;
+    AcGeVector3d x = normal_.perpVector();
+    AcGeVector3d y = normal_.crossProduct(x);
+    const AcGeVector3d normal = x.transformBy(transform).crossProduct(y.transformBy(transform));
+    if (!normal.isZeroLength()) normal_ = normal.normal();
+    horizontal_.transformBy(transform).normalize();
+    blockOffset_.transformBy(transform);
+    annotationOffset_.transformBy(transform);
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbLeader::subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray&,
+                                               AcDbIntArray&) const {
+    return subGetStretchPoints(points);
+}
+
+Acad::ErrorStatus AcDbLeader::subMoveGripPointsAt(const AcDbIntArray& indices,
+                                                  const AcGeVector3d& offset) {
+    return subMoveStretchPointsAt(indices, offset);
+}
+
+Acad::ErrorStatus AcDbLeader::subGetStretchPoints(AcGePoint3dArray& points) const {
+    assertReadEnabled();
+    for (const AcGePoint3d& vertex : vertices_)
+        points.append(vertex);
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbLeader::subMoveStretchPointsAt(const AcDbIntArray& indices,
+                                                     const AcGeVector3d& offset) {
+    assertWriteEnabled();
+    for (int i = 0; i < numVertices(); ++i) {
+        if (indices.contains(i)) vertices_[static_cast<size_t>(i)] += offset;
+    }
+    return Acad::eOk;
+}
+
+// The arrow goes: what is left is the line.
+Acad::ErrorStatus AcDbLeader::subExplode(AcDbVoidPtrArray& entities) const {
+    assertReadEnabled();
+    if (vertices_.size() < 2) return Acad::eCannotExplodeEntity;
+    for (size_t i = 0; i + 1 < vertices_.size(); ++i) {
+        auto* const line = new AcDbLine(vertices_[i], vertices_[i + 1]);
+        line->setPropertiesFrom(this);
+        entities.append(line);
+    }
+    return Acad::eOk;
+}
+
+void AcDbLeader::subList() const {
+    AcDbCurve::subList();
+    for (const AcGePoint3d& vertex : vertices_)
+        sg::model::listPoint(L"at", vertex);
+    sg::model::listText(L"Dimension Style:", sg::model::nameOf(dimStyle_).c_str());
+}
+
+// ---- Filing -------------------------------------------------------------------------------------
+
+Acad::ErrorStatus AcDbLeader::dwgOutFields(AcDbDwgFiler* filer) const {
+    AcDbCurve::dwgOutFields(filer);
+    filer->writeUInt32(static_cast<uint32_t>(vertices_.size()));
+    for (const AcGePoint3d& vertex : vertices_)
+        filer->writePoint3d(vertex);
+    filer->writeVector3d(normal_);
+    filer->writeVector3d(horizontal_);
+    filer->writeVector3d(blockOffset_);
+    filer->writeVector3d(annotationOffset_);
+    filer->writeHardPointerId(dimStyle_);
+    filer->writeHardPointerId(annotation_);
+    filer->writeInt16(annotationKind_);
+    filer->writeBool(arrow_);
+    filer->writeBool(splined_);
+    filer->writeBool(hookLine_);
+    filer->writeBool(hookLineAlongX_);
+    filer->writeDouble(textHeight_);
+    filer->writeDouble(textWidth_);
+    return filer->writeInt16(color_);
+}
+
+Acad::ErrorStatus AcDbLeader::dwgInFields(AcDbDwgFiler* filer) {
+    AcDbCurve::dwgInFields(filer);
+    uint32_t count = 0;
+    filer->readUInt32(&count);
+    vertices_.clear();
+    for (uint32_t i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i) {
+        filer->readPoint3d(&vertices_.emplace_back());
+    }
+    filer->readVector3d(&normal_);
+    filer->readVector3d(&horizontal_);
+    filer->readVector3d(&blockOffset_);
+    filer->readVector3d(&annotationOffset_);
+    filer->readHardPointerId(&dimStyle_);
+    filer->readHardPointerId(&annotation_);
+    filer->readInt16(&annotationKind_);
+    filer->readBool(&arrow_);
+    filer->readBool(&splined_);
+    filer->readBool(&hookLine_);
+    filer->readBool(&hookLineAlongX_);
+    filer->readDouble(&textHeight_);
+    filer->readDouble(&textWidth_);
+    return filer->readInt16(&color_);
+}
+
+Acad::ErrorStatus AcDbLeader::dxfOutFields(AcDbDxfFiler* filer) const {
+    AcDbCurve::dxfOutFields(filer);
+    filer->writeString(100, L"AcDbLeader");
+    sg::model::writeNameOf(filer, 3, dimStyle_, L"Standard");
+    filer->writeInt16(71, arrow_ ? 1 : 0);
+    filer->writeInt16(72, splined_ ? 1 : 0);
+    filer->writeInt16(73, annotationKind_);
+    filer->writeInt16(74, hookLineAlongX_ ? 1 : 0);
+    filer->writeInt16(75, hookLine_ ? 1 : 0);
+    filer->writeDouble(40, textHeight_);
+    filer->writeDouble(41, textWidth_);
+    filer->writeInt16(76, static_cast<int16_t>(vertices_.size()));
+    for (const AcGePoint3d& vertex : vertices_)
+        filer->writePoint3d(10, vertex);
+    if (color_ != 0) filer->writeInt16(77, color_);
+    if (!annotation_.isNull()) filer->writeObjectId(340, annotation_);
+    sg::model::writeNormal(filer, normal_);
+    filer->writeVector3d(211, horizontal_);
+    filer->writeVector3d(212, blockOffset_);
+    return filer->writeVector3d(213, annotationOffset_);
+}
+
+Acad::ErrorStatus AcDbLeader::dxfInFields(AcDbDxfFiler* filer) {
+    const Acad::ErrorStatus status = AcDbCurve::dxfInFields(filer);
+    if (status != Acad::eOk) return status;
+    if (!filer->atSubclassData(L"AcDbLeader")) return Acad::eBadDxfSequence;
+    std::vector<AcGePoint3d> vertices;
+    FieldReader fields(filer);
+    while (fields.next()) {
+        if (fields.code() == 10) {
+            vertices.push_back(fields.point());
+        } else {
+            takeField(filer, fields.group());
+        }
+    }
+    if (!vertices.empty()) vertices_ = std::move(vertices);
+    return filer->filerStatus();
+}
+
+void AcDbLeader::takeField(AcDbDxfFiler* filer, const resbuf& group) {
+    const FieldReader field(filer, group);
+    switch (field.code()) {
+        case 3:
+            dimStyle_ = sg::model::recordNamed(filer->database(), sg::model::NamedIn::dimStyles,
+                                               field.text());
+            break;
+        case 71:
+            arrow_ = field.flag();
+            break;
+        case 72:
+            splined_ = field.flag();
+            break;
+        case 73:
+            annotationKind_ = static_cast<int16_t>(field.integer());
+            break;
+        case 74:
+            hookLineAlongX_ = field.flag();
+            break;
+        case 75:
+            hookLine_ = field.flag();
+            break;
+        case 40:
+            textHeight_ = field.real();
+            break;
+        case 41:
+            textWidth_ = field.real();
+            break;
+        case 77:
+            color_ = static_cast<int16_t>(field.integer());
+            break;
+        case 340:
+            annotation_ = field.objectId();
+            break;
+        case 210:
+            if (!field.vector().isZeroLength()) normal_ = field.vector().normal();
+            break;
+        case 211:
+            horizontal_ = field.vector();
+            break;
+        case 212:
+            blockOffset_ = field.vector();
+            break;
+        case 213:
+            annotationOffset_ = field.vector();
+            break;
+        default:
+            break;
+    }
+}
