@@ -1,0 +1,7 @@
+#include "host/model/curves/register_classes.h"
+
+namespace sg::model {
+
+void registerCurveClasses() {}
+
+}  // namespace sg::model
