@@ -126,8 +126,9 @@ class SG_API AcDbObject : public AcGiDrawable {
                                   bool isPrimary = true) const {
         return subWblockClone(owner, copy, mapping, isPrimary);
     }
-    // This object, which is in no database, takes the other's place there: its id, handle, owner,
-    // and as asked its extended data and extension dictionary. The other is then outside.
+    // `newObject`, which is in no database, takes this one's place there: its id, handle, owner, and
+    // as asked its extended data and extension dictionary; this one, open for write, is then
+    // outside. eAlreadyInDb, eNotInDatabase.
     Acad::ErrorStatus handOverTo(AcDbObject* newObject, bool keepXData = true,
                                  bool keepExtensionDictionary = true);
 

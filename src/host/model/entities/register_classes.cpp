@@ -1,0 +1,28 @@
+#include "host/model/entities/register_classes.h"
+
+#include "host/model/entities/solid.h"
+#include "platform/db/annotative.h"
+#include "platform/db/attribute.h"
+#include "platform/db/block_reference.h"
+#include "platform/db/face.h"
+#include "platform/db/leader.h"
+#include "platform/db/mtext.h"
+#include "platform/db/viewport.h"
+
+namespace sg::model {
+namespace {
+
+template <class... Classes>
+void registerAll() {
+    (Classes::rxInit(), ...);
+}
+
+}  // namespace
+
+void registerEntityClasses() {
+    registerAll<AcDbText, AcDbAttributeDefinition, AcDbAttribute, AcDbMText, AcDbBlockReference,
+                AcDbMInsertBlock, AcDbFace, AcDbSolid, AcDbTrace, AcDbViewport, AcDbLeader>();
+    AcDbAnnotativeObjectPE::rxInit();
+}
+
+}  // namespace sg::model
