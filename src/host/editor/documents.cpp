@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "host/editor/drawing_variables.h"
+#include "host/editor/program_drawing.h"
 #include "host/editor/system_variables.h"
 #include "host/lisp/interpreter.h"
 #include "host/system/paths.h"
@@ -56,8 +58,10 @@ Document::Document(std::wstring fileName, std::unique_ptr<lisp::Namespace> ns,
       title_(lastComponent(fileName_)),
       database_(std::make_unique<AcDbDatabase>()),
       namespace_(std::move(ns)),
-      systemVariables_(std::make_unique<SystemVariables>(std::move(application))) {
+      systemVariables_(std::make_unique<SystemVariables>(std::move(application))),
+      programs_(std::make_unique<ProgramDrawing>(*database_)) {
     SystemVariables& variables = *systemVariables_;
+    joinDrawingVariables(variables, *database_);
     variables.setProvider(L"DWGNAME", [this] { return SystemVariableValue(title_); });
     variables.setProvider(L"DWGTITLED", [this] { return SystemVariableValue(int16_t{titled_}); });
     variables.setProvider(L"DWGPREFIX", [this] {

@@ -16,6 +16,7 @@ namespace lisp {
 class Interpreter;
 struct Namespace;
 }  // namespace lisp
+struct ProgramDrawing;
 class SystemVariables;
 
 // One open drawing: its database, its LISP namespace, its system variables, its locks and what
@@ -42,6 +43,7 @@ class SG_API Document final : public AcApDocument {
 
     lisp::Namespace& variables() { return *namespace_; }
     SystemVariables& systemVariables() { return *systemVariables_; }
+    ProgramDrawing& programs() { return *programs_; }
 
     void lock(AcAp::DocLockMode mode) { locks_.push_back(mode); }
     bool unlock();
@@ -67,6 +69,7 @@ class SG_API Document final : public AcApDocument {
     std::unique_ptr<AcDbDatabase> database_;
     std::unique_ptr<lisp::Namespace> namespace_;
     std::unique_ptr<SystemVariables> systemVariables_;
+    std::unique_ptr<ProgramDrawing> programs_;
     std::vector<AcAp::DocLockMode> locks_;
     int running_ = 0;
 };

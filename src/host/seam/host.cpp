@@ -18,6 +18,7 @@
 #include "host/model/core/database_table.h"
 #include "host/model/core/drawing_readers.h"
 #include "host/model/core/register_classes.h"
+#include "host/model/entities/annotative.h"
 #include "host/rx/class_registry.h"
 #include "host/rx/dictionary.h"
 #include "host/rx/module_loader.h"
@@ -114,6 +115,7 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     moduleState_ = std::make_unique<AFX_MODULE_STATE>();
     registerEditorClasses();
     model::registerDatabaseClasses();
+    model::addAnnotativeExtensions();
     editor_ = std::make_unique<Editor>();
     systemRegistry_->root()->atPut(L"AcEditor", editor_.get());
     createInterpreter();

@@ -4,7 +4,7 @@
 #include <numbers>
 #include <vector>
 
-#include "host/model/core/text_measure.h"
+#include "host/text/line.h"
 #include "platform/gi/drawable.h"
 
 namespace sg::model {
@@ -80,9 +80,9 @@ class MeasuringDraw::Geometry final : public AcGiGeometry {
         return addAll(points, vertices);
     }
     bool text(const AcGePoint3d& position, const AcGeVector3d& normal,
-              const AcGeVector3d& direction, const std::wstring& text,
+              const AcGeVector3d& direction, const std::wstring& line,
               const AcGiTextStyle& style) override {
-        const TextBox box = measureText(text, style);
+        const text::LineBox box = text::measureLine(line, style);
         if (box.isEmpty()) return false;
         const AcGeVector3d along = direction.normal();
         const AcGeVector3d up = normal.crossProduct(along).normal();

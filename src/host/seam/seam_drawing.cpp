@@ -2,13 +2,14 @@
 
 #include "host/editor/documents.h"
 #include "host/model/tables/coordinate_systems.h"
+#include "host/model/tables/references.h"
 #include "host/seam/host.h"
 #include "platform/db/database.h"
 #include "platform/db/entity.h"
 #include "platform/ed/transform.h"
 #include "platform/ge/matrix3d.h"
 
-// platform/ed/transform.h on the Host.
+// platform/ed/transform.h, and applications of extended data, on the Host.
 
 using namespace sg;
 
@@ -94,4 +95,10 @@ int acedTrans(const ads_point point, const resbuf* from, const resbuf* to, int d
     result[1] = moved.y;
     result[2] = moved.z;
     return RTNORM;
+}
+
+int acdbRegApp(const wchar_t* name) {
+    AcDbDatabase* const database = acdbHostApplicationServices()->workingDatabase();
+    if (database == nullptr || name == nullptr) return RTERROR;
+    return sg::model::registerApplication(*database, name) ? RTNORM : RTERROR;
 }
