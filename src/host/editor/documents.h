@@ -29,6 +29,9 @@ class SG_API Document final : public AcApDocument {
     const wchar_t* fileName() const override { return fileName_.c_str(); }
     const wchar_t* docTitle() const override { return title_.c_str(); }
     AcDbDatabase* database() const override { return database_.get(); }
+    AcDbTransactionManager* transactionManager() const override {
+        return database_->transactionManager();
+    }
     AcAp::DocLockMode lockMode() const override;
     int lockCount() const override { return static_cast<int>(locks_.size()); }
     bool isQuiescent() const override { return running_ == 0; }

@@ -15,6 +15,9 @@
 #include "host/editor/system_variables.h"
 #include "host/lisp/functions/program_state.h"
 #include "host/lisp/interpreter.h"
+#include "host/model/core/database_table.h"
+#include "host/model/core/drawing_readers.h"
+#include "host/model/core/register_classes.h"
 #include "host/rx/class_registry.h"
 #include "host/rx/dictionary.h"
 #include "host/rx/module_loader.h"
@@ -43,6 +46,14 @@ class ApplicationServices final : public AcDbHostApplicationServices {
     AcDbDatabase* workingDatabase() const override { return host_.documents().workingDatabase(); }
     void setWorkingDatabase(AcDbDatabase* database) override {
         host_.documents().setWorkingDatabase(database);
+    }
+    Acad::ErrorStatus findFile(std::wstring& path, const wchar_t* name, AcDbDatabase*,
+                               FindFileHint) override {
+        path.clear();
+        const auto found = host_.findSupportFile(name != nullptr ? name : L"");
+        if (!found) return Acad::eFileNotFound;
+        path = *found;
+        return Acad::eOk;
     }
 
   private:
@@ -98,8 +109,11 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     classes_ = std::make_unique<AcRxClassRegistry>();
     systemRegistry_ = std::make_unique<SystemRegistry>(classes_->dictionary());
     services_ = std::make_unique<ApplicationServices>(*this);
+    databases_ = std::make_unique<model::DatabaseTable>();
+    drawingReaders_ = std::make_unique<model::DrawingReaders>();
     moduleState_ = std::make_unique<AFX_MODULE_STATE>();
     registerEditorClasses();
+    model::registerDatabaseClasses();
     editor_ = std::make_unique<Editor>();
     systemRegistry_->root()->atPut(L"AcEditor", editor_.get());
     createInterpreter();
@@ -123,6 +137,7 @@ Host::~Host() {
     documents_.reset();
     interpreter_.reset();
     editor_.reset();
+    databases_.reset();
     theHost = nullptr;
 }
 

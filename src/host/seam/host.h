@@ -22,6 +22,10 @@ namespace sg {
 namespace lisp {
 class Interpreter;
 }
+namespace model {
+class DatabaseTable;
+class DrawingReaders;
+}  // namespace model
 class CommandLine;
 class Document;
 class DocumentManager;
@@ -90,6 +94,8 @@ class SG_API Host {
     AcRxClassRegistry& classes() { return *classes_; }
     SystemRegistry& systemRegistry() { return *systemRegistry_; }
     AcDbHostApplicationServices& services() { return *services_; }
+    model::DatabaseTable& databases() { return *databases_; }
+    model::DrawingReaders& drawingReaders() { return *drawingReaders_; }
     AFX_MODULE_STATE& moduleState() { return *moduleState_; }
 
     // Who answers prompts and boxes: the words left on a command line, then the sources that a
@@ -131,6 +137,8 @@ class SG_API Host {
     std::unique_ptr<NamedMutexes> mutexes_;
     std::unique_ptr<AcRxClassRegistry> classes_;
     std::unique_ptr<SystemRegistry> systemRegistry_;
+    std::unique_ptr<model::DatabaseTable> databases_;
+    std::unique_ptr<model::DrawingReaders> drawingReaders_;
     std::unique_ptr<Editor> editor_;
     std::unique_ptr<AcDbHostApplicationServices> services_;
     std::unique_ptr<AFX_MODULE_STATE> moduleState_;

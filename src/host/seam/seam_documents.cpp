@@ -2,7 +2,6 @@
 #include "host/seam/host.h"
 #include "platform/ap/documents.h"
 #include "platform/db/database.h"
-#include "platform/db/object_id.h"
 
 // platform/ap and platform/db on the Host.
 
@@ -14,20 +13,4 @@ AcApDocManager* acDocManagerPtr() {
 
 AcDbHostApplicationServices* acdbHostApplicationServices() {
     return &Host::the().services();
-}
-
-Acad::ErrorStatus AcDbDatabase::getFilename(std::wstring& name) const {
-    name = filename_;
-    return filename_.empty() ? Acad::eFileNotFound : Acad::eOk;
-}
-
-// Databases hold no objects yet, so no name stands for one.
-Acad::ErrorStatus acdbGetObjectId(AcDbObjectId& id, const ads_name) {
-    id.setNull();
-    return Acad::eUnknownHandle;
-}
-
-Acad::ErrorStatus acdbGetAdsName(ads_name name, AcDbObjectId id) {
-    name[0] = name[1] = 0;
-    return id.isNull() ? Acad::eNullObjectId : Acad::eUnknownHandle;
 }

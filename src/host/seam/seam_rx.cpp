@@ -1,4 +1,5 @@
 #include "host/editor/command_line_output.h"
+#include "host/model/core/proxies.h"
 #include "host/rx/class_registry.h"
 #include "host/rx/dictionary.h"
 #include "host/rx/module_loader.h"
@@ -19,11 +20,13 @@ AcRxClass* newAcRxClass(const wchar_t* name, const wchar_t* parentName, int prox
 }
 
 void deleteAcRxClass(AcRxClass* descriptor) {
+    if (descriptor != nullptr) sg::model::turnIntoProxies(*descriptor);
     Host::the().classes().deleteClass(descriptor);
 }
 
 void acrxBuildClassHierarchy() {
     Host::the().classes().buildHierarchy();
+    sg::model::reviveProxies();
 }
 
 AcRxDictionary* acrxSysRegistry() {

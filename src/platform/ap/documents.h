@@ -6,6 +6,7 @@
 #include "platform/rx/error_status.h"
 
 class AcDbDatabase;
+class AcDbTransactionManager;
 
 namespace AcAp {
 
@@ -32,6 +33,7 @@ class SG_API AcApDocument {
     virtual const wchar_t* fileName() const = 0;
     virtual const wchar_t* docTitle() const = 0;  // the name without its folder
     virtual AcDbDatabase* database() const = 0;
+    virtual AcDbTransactionManager* transactionManager() const = 0;  // of its database
 
     // The strongest mode in which the document is locked; kNone when nothing locks it.
     virtual AcAp::DocLockMode lockMode() const = 0;

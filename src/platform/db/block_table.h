@@ -32,6 +32,9 @@ class SG_API AcDbBlockTableRecord : public AcDbSymbolTableRecord {
     // eAlreadyInDb, eNotInDatabase.
     Acad::ErrorStatus appendAcDbEntity(AcDbObjectId& id, AcDbEntity* entity);
     Acad::ErrorStatus appendAcDbEntity(AcDbEntity* entity);
+    // Takes entities over from the blocks in which they stand. eNullObjectId, eWrongDatabase, and
+    // what opening them for write answers; those before the failing one have moved.
+    Acad::ErrorStatus assumeOwnershipOf(const AcDbObjectIdArray& entities);
     std::unique_ptr<AcDbBlockTableRecordIterator> newIterator(bool atBeginning = true,
                                                               bool skipErased = true) const;
     // The ids of its entities, erased ones too, without opening anything.
@@ -74,6 +77,7 @@ class SG_API AcDbBlockTableRecord : public AcDbSymbolTableRecord {
 
   protected:
     Acad::ErrorStatus subErase(bool erasing) override;  // eCannotBeErasedByCaller: in use
+    void subEnteredTable() override;
 
   private:
     friend struct sg::model::ObjectAccess;

@@ -178,6 +178,8 @@ class SG_API AcDbEntity : public AcDbObject {
   protected:
     AcDbEntity();
 
+    Acad::ErrorStatus subOpen(AcDb::OpenMode mode) override;  // eOnLockedLayer
+
     virtual Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform);
     virtual Acad::ErrorStatus subGetTransformedCopy(const AcGeMatrix3d& transform,
                                                     AcDbEntity*& copy) const;

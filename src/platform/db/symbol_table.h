@@ -57,6 +57,8 @@ class SG_API AcDbSymbolTable : public AcDbObject {
   protected:
     AcDbSymbolTable();
     Acad::ErrorStatus subErase(bool erasing) override;
+    // True for a table in which several records may have a name.
+    virtual bool allowsSameNames() const { return false; }
 
   private:
     friend struct sg::model::ObjectAccess;
@@ -89,6 +91,10 @@ class SG_API AcDbSymbolTableRecord : public AcDbObject {
   protected:
     AcDbSymbolTableRecord();
     Acad::ErrorStatus subErase(bool erasing) override;
+    // Called when the record has come to its table.
+    virtual void subEnteredTable() {}
+    // True for a record that its table takes without a name.
+    virtual bool mayBeNameless() const { return false; }
 
     // Takes a name as a drawing file has it, without the tests of setName().
     void takeName(std::wstring name) { name_ = std::move(name); }

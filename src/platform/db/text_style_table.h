@@ -47,6 +47,9 @@ class SG_API AcDbTextStyleTableRecord : public AcDbSymbolTableRecord {
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
 
+  protected:
+    bool mayBeNameless() const override { return isShapeFile(); }
+
   private:
     friend struct sg::model::ObjectAccess;
 

@@ -66,6 +66,9 @@ class SG_API AcDbViewportTable : public AcDbSymbolTableOf<AcDbViewportTableRecor
     ACRX_DECLARE_MEMBERS(AcDbViewportTable)
     AcDbViewportTable();
     ~AcDbViewportTable() override;
+
+  protected:
+    bool allowsSameNames() const override { return true; }  // "*Active"
 };
 
 class SG_API AcDbUCSTable : public AcDbSymbolTableOf<AcDbUCSTableRecord> {
