@@ -132,8 +132,8 @@ class SG_API AcDbDxfFiler {
     virtual bool atSubclassData(const wchar_t* name) = 0;
     bool atSubClassData(const wchar_t* name) { return atSubclassData(name); }
     virtual bool atEndOfObject() = 0;
-    // The extended data behind the class data, from its first 1001 node on; null when there is none.
-    // The caller releases it.
+    // The extended data behind the class data, from its first 1001 node on; null when there is
+    // none. The caller releases it.
     virtual resbuf* takeExtendedData() { return nullptr; }
     // The object that an entity name in a group stands for; the null id for one that does not exist
     // yet and never will.

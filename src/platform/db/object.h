@@ -126,8 +126,8 @@ class SG_API AcDbObject : public AcGiDrawable {
                                   bool isPrimary = true) const {
         return subWblockClone(owner, copy, mapping, isPrimary);
     }
-    // `newObject`, which is in no database, takes this one's place there: its id, handle, owner, and
-    // as asked its extended data and extension dictionary; this one, open for write, is then
+    // `newObject`, which is in no database, takes this one's place there: its id, handle, owner,
+    // and as asked its extended data and extension dictionary; this one, open for write, is then
     // outside. eAlreadyInDb, eNotInDatabase.
     Acad::ErrorStatus handOverTo(AcDbObject* newObject, bool keepXData = true,
                                  bool keepExtensionDictionary = true);
@@ -164,8 +164,9 @@ class SG_API AcDbObject : public AcGiDrawable {
         kNew = 16,           // its first open has not ended
         kEraseToggled = 32,  // in this open
         kUndoing = 64,
-        kRecorded = 128,       // its state before this open is kept for undo
+        kRecorded = 128,       // its state is kept for undo, and need not be again
         kInTransaction = 256,  // a transaction holds it open
+        kCancelable = 512,     // its state when it was opened is kept
     };
 
     AcDbObjectId id_;

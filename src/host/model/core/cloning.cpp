@@ -14,14 +14,6 @@
 namespace sg::model {
 namespace {
 
-std::vector<uint8_t> filed(const AcDbObject& object, AcDb::FilerType type) {
-    std::vector<uint8_t> bytes;
-    MemoryWriter writer(bytes, type, object.database());
-    const Unguarded guard(object);
-    object.dwgOutFields(&writer);
-    return bytes;
-}
-
 std::vector<ReferenceCollector::Item> referencesOf(const AcDbObject& object, AcDb::FilerType type) {
     ReferenceCollector collector(type, object.database());
     const Unguarded guard(object);
@@ -61,8 +53,8 @@ Acad::ErrorStatus useExisting(const AcDbObject& original, AcDbObject& existing,
     if (!replaces) return Acad::eOk;
     DatabaseState& state = *DatabaseState::of(existing);
     state.undo.stateChanges(existing);
-    const std::vector<uint8_t> bytes = filed(original, AcDb::kCopyFiler);
-    MemoryReader reader(bytes, AcDb::kCopyFiler, &state.database);
+    const FiledObject filed = fileObject(original, AcDb::kCopyFiler);
+    MemoryReader reader(filed.bytes, AcDb::kCopyFiler, &state.database);
     {
         const Unguarded guard(existing);
         existing.dwgInFields(&reader);
@@ -106,7 +98,7 @@ Acad::ErrorStatus joinOwner(AcDbObject& copy, AcDbObject& owner, const AcDbObjec
 std::unique_ptr<AcDbObject> copyOf(const AcDbObject& original, AcDb::FilerType type) {
     const AcRxClass* const descriptor = original.isA();
     if (descriptor == nullptr) return nullptr;
-    return objectFromBytes(*descriptor, filed(original, type), type, original.database());
+    return makeObject(*descriptor, fileObject(original, type));
 }
 
 Acad::ErrorStatus cloneObject(const AcDbObject& original, AcDbObject* owner, AcDbObject*& copy,
@@ -148,8 +140,8 @@ void translateCopies(const AcDbIdMapping& mapping) {
     for (const auto& [key, pair] : mapping.pairs()) {
         AcDbObject* const copy = DatabaseTable::objectOf(pair.value);
         if (!pair.isCloned || copy == nullptr) continue;
-        const std::vector<uint8_t> bytes = filed(*copy, AcDb::kIdXlateFiler);
-        TranslatingReader reader(bytes, mapping, copy->objectId());
+        const FiledObject filed = fileObject(*copy, AcDb::kIdXlateFiler);
+        TranslatingReader reader(filed.bytes, mapping, copy->objectId());
         const Unguarded guard(*copy);
         const AcDbObjectId owner = copy->ownerId();
         copy->dwgInFields(&reader);

@@ -28,6 +28,7 @@ DatabaseState::DatabaseState(AcDbDatabase& owner, bool withoutDocument)
 // object that is gone.
 DatabaseState::~DatabaseState() {
     if (DatabaseTable* const table = DatabaseTable::the()) table->remove(sequence_);
+    undo.clear();
     forEach([](AcDbObject& object) { delete &object; });
 }
 

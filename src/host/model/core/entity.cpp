@@ -33,13 +33,6 @@ const AcDbDatabase* namesOf(const AcDbEntity& entity) {
     return own != nullptr ? own : acdbHostApplicationServices()->workingDatabase();
 }
 
-Acad::ErrorStatus findRecord(AcDbObjectId& id, AcDbObjectId tableId, const wchar_t* name) {
-    const auto* const table = peek<AcDbSymbolTable>(tableId);
-    if (table == nullptr || name == nullptr) return Acad::eKeyNotFound;
-    id = ObjectAccess::records(*table).find(name, false);
-    return id.isNull() ? Acad::eKeyNotFound : Acad::eOk;
-}
-
 }  // namespace
 
 AcDbEntity::AcDbEntity() = default;
@@ -79,10 +72,9 @@ Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId layer, bool, bool) {
 
 Acad::ErrorStatus AcDbEntity::setLayer(const wchar_t* name, bool doSubents, bool allowHiddenLayer) {
     const AcDbDatabase* const names = namesOf(*this);
-    AcDbObjectId id;
-    const Acad::ErrorStatus status =
-        findRecord(id, names != nullptr ? names->layerTableId() : id, name);
-    return status != Acad::eOk ? status : setLayer(id, doSubents, allowHiddenLayer);
+    if (names == nullptr || name == nullptr) return Acad::eKeyNotFound;
+    const AcDbObjectId id = sg::model::findRecord(names->layerTableId(), name);
+    return id.isNull() ? Acad::eKeyNotFound : setLayer(id, doSubents, allowHiddenLayer);
 }
 
 std::wstring AcDbEntity::linetype() const {
@@ -100,10 +92,9 @@ Acad::ErrorStatus AcDbEntity::setLinetype(AcDbObjectId linetype, bool) {
 
 Acad::ErrorStatus AcDbEntity::setLinetype(const wchar_t* name, bool doSubents) {
     const AcDbDatabase* const names = namesOf(*this);
-    AcDbObjectId id;
-    const Acad::ErrorStatus status =
-        findRecord(id, names != nullptr ? names->linetypeTableId() : id, name);
-    return status != Acad::eOk ? status : setLinetype(id, doSubents);
+    if (names == nullptr || name == nullptr) return Acad::eKeyNotFound;
+    const AcDbObjectId id = sg::model::findRecord(names->linetypeTableId(), name);
+    return id.isNull() ? Acad::eKeyNotFound : setLinetype(id, doSubents);
 }
 
 double AcDbEntity::linetypeScale() const {

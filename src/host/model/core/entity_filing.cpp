@@ -119,13 +119,29 @@ void readTrueColor(AcDbEntity& entity, int32_t rgb) {
     entity.setColor(color);
 }
 
+// Names are those of the drawing that the filer fills, in which the entity need not be yet.
+Acad::ErrorStatus readLayer(AcDbEntity& entity, const AcDbDatabase* database,
+                            const std::wstring& name) {
+    if (database == nullptr) return entity.setLayer(name.c_str(), true, true);
+    const AcDbObjectId layer = sg::model::findRecord(database->layerTableId(), name);
+    return layer.isNull() ? Acad::eKeyNotFound : entity.setLayer(layer, true, true);
+}
+
+Acad::ErrorStatus readLinetype(AcDbEntity& entity, const AcDbDatabase* database,
+                               const std::wstring& name) {
+    if (database == nullptr) return entity.setLinetype(name.c_str());
+    const AcDbObjectId linetype = sg::model::findRecord(database->linetypeTableId(), name);
+    return linetype.isNull() ? Acad::eKeyNotFound : entity.setLinetype(linetype);
+}
+
 // One group of those that every entity may have; others are left alone.
-Acad::ErrorStatus readGroup(AcDbEntity& entity, const FieldReader& fields) {
+Acad::ErrorStatus readGroup(AcDbEntity& entity, const AcDbDatabase* database,
+                            const FieldReader& fields) {
     switch (fields.code()) {
         case 6:
-            return entity.setLinetype(fields.text().c_str());
+            return readLinetype(entity, database, fields.text());
         case 8:
-            return entity.setLayer(fields.text().c_str(), true, true);
+            return readLayer(entity, database, fields.text());
         case 48:
             return entity.setLinetypeScale(fields.real());
         case 60:
@@ -164,7 +180,7 @@ Acad::ErrorStatus AcDbEntity::dxfInFields(AcDbDxfFiler* filer) {
     if (status != Acad::eOk || !filer->atSubclassData(L"AcDbEntity")) return status;
     FieldReader fields(filer);
     while (fields.next()) {
-        const Acad::ErrorStatus read = readGroup(*this, fields);
+        const Acad::ErrorStatus read = readGroup(*this, filer->database(), fields);
         if (read == Acad::eOk) continue;
         return filer->setError(
             read, L"group " + std::to_wstring(fields.code()) + L" does not fit: " + fields.text());

@@ -66,13 +66,9 @@ Acad::ErrorStatus openForNotify(AcDbObject& object) {
     return Acad::eOk;
 }
 
-void clearFlags(AcDbObject& object, uint16_t flags) {
-    ObjectAccess::flags(object) &= static_cast<uint16_t>(~flags);
-}
-
 void endWriting(AcDbObject& object) {
     if (DatabaseState* const state = DatabaseState::of(object)) state->undo.sessionEnded(object);
-    clearFlags(object, ObjectAccess::kSession);
+    ObjectAccess::clear(object, ObjectAccess::kSession);
 }
 
 }  // namespace
@@ -173,7 +169,7 @@ Acad::ErrorStatus AcDbObject::close() {
     if (id_.isNull()) return Acad::eInvalidOpenState;
     if ((flags_ & kOpenForNotify) != 0) {
         subClose();
-        clearFlags(*this, kOpenForNotify);
+        ObjectAccess::clear(*this, kOpenForNotify);
         return Acad::eOk;
     }
     const bool writing = (flags_ & kOpenForWrite) != 0;

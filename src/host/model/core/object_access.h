@@ -22,14 +22,19 @@ struct SG_API ObjectAccess {
     static constexpr uint16_t kUndoing = AcDbObject::kUndoing;
     static constexpr uint16_t kRecorded = AcDbObject::kRecorded;
     static constexpr uint16_t kInTransaction = AcDbObject::kInTransaction;
+    static constexpr uint16_t kCancelable = AcDbObject::kCancelable;
     static constexpr uint16_t kSession =
-        kOpenForWrite | kModified | kNew | kEraseToggled | kRecorded | kInTransaction;
+        kOpenForWrite | kModified | kNew | kEraseToggled | kRecorded | kInTransaction | kCancelable;
 
     static uint16_t& flags(const AcDbObject& object) { return object.flags_; }
     static uint16_t& readers(const AcDbObject& object) { return object.readers_; }
     static bool has(const AcDbObject& object, uint16_t flag) { return (object.flags_ & flag) != 0; }
     static bool isOpen(const AcDbObject& object) {
         return object.readers_ != 0 || has(object, kOpenForWrite | kOpenForNotify);
+    }
+
+    static void clear(AcDbObject& object, uint16_t flags) {
+        object.flags_ &= static_cast<uint16_t>(~flags);
     }
 
     static void setId(AcDbObject& object, AcDbObjectId id) { object.id_ = id; }
@@ -41,6 +46,10 @@ struct SG_API ObjectAccess {
         return *object.extras_;
     }
     static std::unique_ptr<Extras>& extrasPointer(AcDbObject& object) { return object.extras_; }
+
+    // What setXData does, with the applications of this database.
+    static Acad::ErrorStatus setExtendedData(AcDbObject& object, const resbuf* data,
+                                             const AcDbDatabase* names);
 
     // What may object to an open, and hears of its end.
     static Acad::ErrorStatus askOpen(AcDbObject& object, AcDb::OpenMode mode) {

@@ -16,20 +16,22 @@ resbuf* AcDbObject::xData(const wchar_t* application) const {
     return extras_ ? extras_->extendedData.toList(application) : nullptr;
 }
 
+Acad::ErrorStatus ObjectAccess::setExtendedData(AcDbObject& object, const resbuf* data,
+                                                const AcDbDatabase* names) {
+    ExtendedData changed;
+    if (object.extras_) changed = object.extras_->extendedData;
+    const Acad::ErrorStatus status = changed.set(data, names);
+    if (status != Acad::eOk) return status;
+    object.assertWriteEnabled();
+    if (object.extras_ || !changed.empty()) needExtras(object).extendedData = std::move(changed);
+    return Acad::eOk;
+}
+
 // Outside a database the applications are those of the working one.
 Acad::ErrorStatus AcDbObject::setXData(const resbuf* data) {
     const AcDbDatabase* const owner = database();
-    const AcDbDatabase* const names =
-        owner != nullptr ? owner : acdbHostApplicationServices()->workingDatabase();
-    sg::model::ExtendedData changed;
-    if (extras_) changed = extras_->extendedData;
-    const Acad::ErrorStatus status = changed.set(data, names);
-    if (status != Acad::eOk) return status;
-    assertWriteEnabled();
-    if (extras_ || !changed.empty()) {
-        ObjectAccess::needExtras(*this).extendedData = std::move(changed);
-    }
-    return Acad::eOk;
+    return ObjectAccess::setExtendedData(
+        *this, data, owner != nullptr ? owner : acdbHostApplicationServices()->workingDatabase());
 }
 
 // ---- Extension dictionary -----------------------------------------------------------------------

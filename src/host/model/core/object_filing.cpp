@@ -136,7 +136,7 @@ AcDbObjectIdArray readList(AcDbDxfFiler& filer) {
     return ids;
 }
 
-// A list of another application stays as it is.
+// A list of another application stays as it is, up to the closing brace.
 void keepList(AcDbDxfFiler& filer, const resbuf& start, sg::model::GroupData& kept) {
     kept.append(start);
     resbuf group{};
@@ -187,6 +187,7 @@ Acad::ErrorStatus AcDbObject::dxfOut(AcDbDxfFiler* filer) const {
 // and the owner.
 Acad::ErrorStatus AcDbObject::dxfIn(AcDbDxfFiler* filer) {
     assertWriteEnabled();
+    sg::model::GroupData otherLists;
     resbuf group{};
     while (filer->readItem(&group) == Acad::eOk) {
         if (group.restype == 102) {
@@ -198,7 +199,7 @@ Acad::ErrorStatus AcDbObject::dxfIn(AcDbDxfFiler* filer) {
                     ObjectAccess::needExtras(*this).extensionDictionary = ids.first();
                 }
             } else {
-                keepList(*filer, group, ObjectAccess::needExtras(*this).unknownGroups);
+                keepList(*filer, group, otherLists);
             }
         } else if (group.restype == 330) {
             if (id_.isNull()) owner_ = filer->objectId(group.resval.rlname);
@@ -207,11 +208,14 @@ Acad::ErrorStatus AcDbObject::dxfIn(AcDbDxfFiler* filer) {
             break;
         }
     }
+    if (!otherLists.empty()) ObjectAccess::needExtras(*this).unknownGroups = otherLists;
     if (filer->filerStatus() == Acad::eEndOfFile) filer->resetFilerStatus();
     if (const Acad::ErrorStatus status = dxfInFields(filer); status != Acad::eOk) return status;
     resbuf* const data = filer->takeExtendedData();
     if (data == nullptr) return filer->filerStatus();
-    const Acad::ErrorStatus status = setXData(data);
+    const Acad::ErrorStatus status =
+        id_.isNull() ? ObjectAccess::setExtendedData(*this, data, filer->database())
+                     : setXData(data);
     acutRelRb(data);
     return status;
 }

@@ -112,58 +112,47 @@ namespace {
 
 // Reads the fields that every object, or entity, has, and keeps the rest.
 template <class Proxy, class Base>
-std::unique_ptr<AcDbObject> makeProxyOf(const AcRxClass& descriptor, std::span<const uint8_t> bytes,
-                                        const std::vector<MemoryWriter::IdPlace>& ids,
-                                        AcDbDatabase* database) {
+std::unique_ptr<AcDbObject> makeProxyOf(const AcRxClass& descriptor, const FiledObject& filed) {
     auto proxy = std::make_unique<Proxy>();
-    MemoryReader reader(bytes, AcDb::kFileFiler, database);
+    MemoryReader reader(filed.bytes, filed.type, filed.database);
     if (proxy->Base::dwgInFields(&reader) != Acad::eOk) return nullptr;
-    const size_t start = bytes.size() - reader.rest().size();
+    const size_t start = filed.bytes.size() - reader.rest().size();
     ProxyData& data = proxy->data;
     data.className = descriptor.name();
     data.dxfName = descriptor.dxfName();
     data.applicationName = descriptor.appName();
     data.flags = descriptor.proxyFlags();
     data.bytes.assign(reader.rest().begin(), reader.rest().end());
-    for (const MemoryWriter::IdPlace& place : ids) {
+    for (const MemoryWriter::IdPlace& place : filed.ids) {
         if (place.offset >= start) data.ids.push_back({place.offset - start, place.kind});
     }
     return proxy;
 }
 
-struct Filed {
-    std::vector<uint8_t> bytes;
-    std::vector<MemoryWriter::IdPlace> ids;
-};
+}  // namespace
 
-Filed fileForProxy(const AcDbObject& object) {
-    Filed filed;
-    MemoryWriter writer(filed.bytes, AcDb::kFileFiler, object.database(), &filed.ids);
+FiledObject fileObject(const AcDbObject& object, AcDb::FilerType type) {
+    FiledObject filed{{}, {}, type, object.database()};
+    MemoryWriter writer(filed.bytes, type, filed.database, &filed.ids);
     const Unguarded guard(object);
     object.dwgOutFields(&writer);
     return filed;
 }
 
-}  // namespace
-
-std::unique_ptr<AcDbObject> makeProxy(const AcRxClass& descriptor, std::span<const uint8_t> bytes,
-                                      const std::vector<MemoryWriter::IdPlace>& ids,
-                                      AcDbDatabase* database) {
+std::unique_ptr<AcDbObject> makeProxy(const AcRxClass& descriptor, const FiledObject& filed) {
     if (descriptor.isDerivedFrom(AcDbEntity::desc())) {
-        return makeProxyOf<AcDbProxyEntity, AcDbEntity>(descriptor, bytes, ids, database);
+        return makeProxyOf<AcDbProxyEntity, AcDbEntity>(descriptor, filed);
     }
-    return makeProxyOf<AcDbProxyObject, AcDbObject>(descriptor, bytes, ids, database);
+    return makeProxyOf<AcDbProxyObject, AcDbObject>(descriptor, filed);
 }
 
-std::unique_ptr<AcDbObject> objectFromBytes(const AcRxClass& descriptor,
-                                            std::span<const uint8_t> bytes, AcDb::FilerType type,
-                                            AcDbDatabase* database) {
+std::unique_ptr<AcDbObject> makeObject(const AcRxClass& descriptor, const FiledObject& filed) {
     std::unique_ptr<AcRxObject> made(descriptor.create());
     AcDbObject* const object = AcDbObject::cast(made.get());
     if (object == nullptr) return nullptr;
-    MemoryReader reader(bytes, type, database);
+    MemoryReader reader(filed.bytes, filed.type, filed.database);
     const Acad::ErrorStatus status = object->dwgIn(&reader);
-    if (status == Acad::eMakeMeProxy) return makeProxy(descriptor, bytes, {}, database);
+    if (status == Acad::eMakeMeProxy) return makeProxy(descriptor, filed);
     if (status != Acad::eOk) return nullptr;
     made.release();
     return std::unique_ptr<AcDbObject>(object);
@@ -176,20 +165,25 @@ namespace {
 // The new object is in the old one's place in every respect but its class.
 void replace(DatabaseState& state, AcDbObject& old, std::unique_ptr<AcDbObject> object) {
     const AcDbObjectId id = old.objectId();
+    state.undo.forgetStates(id);
     ObjectAccess::flags(*object) = ObjectAccess::flags(old);
     ObjectAccess::readers(*object) = ObjectAccess::readers(old);
     state.putInPlace(id, object.release());
     delete &old;
 }
 
+// What the proxy's own class would file now.
 template <class Proxy, class Base>
-std::vector<uint8_t> bytesOfOriginal(const Proxy& proxy, const ProxyData& data) {
-    std::vector<uint8_t> bytes;
-    MemoryWriter writer(bytes, AcDb::kFileFiler, proxy.database());
+FiledObject fileOriginal(const Proxy& proxy) {
+    FiledObject filed{{}, {}, AcDb::kFileFiler, proxy.database()};
+    MemoryWriter writer(filed.bytes, filed.type, filed.database, &filed.ids);
     const Unguarded guard(proxy);
     proxy.Base::dwgOutFields(&writer);
-    bytes.insert(bytes.end(), data.bytes.begin(), data.bytes.end());
-    return bytes;
+    const size_t start = filed.bytes.size();
+    filed.bytes.insert(filed.bytes.end(), proxy.data.bytes.begin(), proxy.data.bytes.end());
+    for (const MemoryWriter::IdPlace& place : proxy.data.ids)
+        filed.ids.push_back({start + place.offset, place.kind});
+    return filed;
 }
 
 // True when the id has a proxy no more.
@@ -200,12 +194,10 @@ bool revive(DatabaseState& state, AcDbObjectId id) {
     const AcRxClass* const descriptor = Host::the().classes().find(data->className);
     if (descriptor == nullptr || ObjectAccess::isOpen(*object)) return false;
     const auto* const entity = AcDbProxyEntity::cast(object);
-    const std::vector<uint8_t> bytes =
-        entity != nullptr ? bytesOfOriginal<AcDbProxyEntity, AcDbEntity>(*entity, *data)
-                          : bytesOfOriginal<AcDbProxyObject, AcDbObject>(
-                                static_cast<const AcDbProxyObject&>(*object), *data);
-    std::unique_ptr<AcDbObject> original =
-        objectFromBytes(*descriptor, bytes, AcDb::kFileFiler, &state.database);
+    const FiledObject filed = entity != nullptr ? fileOriginal<AcDbProxyEntity, AcDbEntity>(*entity)
+                                                : fileOriginal<AcDbProxyObject, AcDbObject>(
+                                                      static_cast<const AcDbProxyObject&>(*object));
+    std::unique_ptr<AcDbObject> original = makeObject(*descriptor, filed);
     if (original == nullptr || proxyData(*original) != nullptr) return false;
     AcDbEntity* const revived = AcDbEntity::cast(original.get());
     if (entity != nullptr && revived != nullptr &&
@@ -224,8 +216,7 @@ void turnIntoProxies(const AcRxClass& descriptor) {
     for (DatabaseState* const state : table->all()) {
         state->forEach([&](AcDbObject& object) {
             if (object.isA() != &descriptor) return;
-            const Filed filed = fileForProxy(object);
-            auto proxy = makeProxy(descriptor, filed.bytes, filed.ids, &state->database);
+            auto proxy = makeProxy(descriptor, fileObject(object, AcDb::kFileFiler));
             if (proxy == nullptr) return;
             state->proxies.push_back(object.objectId());
             replace(*state, object, std::move(proxy));

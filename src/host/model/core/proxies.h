@@ -38,16 +38,21 @@ struct ProxyData {
     Acad::ErrorStatus dwgIn(AcDbDwgFiler& filer);
 };
 
-// An object of a class made from what its class has filed. A proxy when the class asks for one
-// (eMakeMeProxy); null for a class without instances, and when the bytes do not fit it.
-std::unique_ptr<AcDbObject> objectFromBytes(const AcRxClass& descriptor,
-                                            std::span<const uint8_t> bytes, AcDb::FilerType type,
-                                            AcDbDatabase* database);
+// What a class has filed of an object.
+struct FiledObject {
+    std::vector<uint8_t> bytes;
+    std::vector<MemoryWriter::IdPlace> ids;
+    AcDb::FilerType type;
+    AcDbDatabase* database;
+};
 
-// A proxy of an object of a class, in no database, that the class itself filed by a file filer.
-std::unique_ptr<AcDbObject> makeProxy(const AcRxClass& descriptor, std::span<const uint8_t> bytes,
-                                      const std::vector<MemoryWriter::IdPlace>& ids,
-                                      AcDbDatabase* database);
+// Files an object whether it is open or not.
+FiledObject fileObject(const AcDbObject& object, AcDb::FilerType type);
+// An object of a class, in no database, made from what was filed. A proxy when the class asks for
+// one (eMakeMeProxy); null for a class without instances, and when what was filed does not fit it.
+std::unique_ptr<AcDbObject> makeObject(const AcRxClass& descriptor, const FiledObject& filed);
+// A proxy of an object of the class.
+std::unique_ptr<AcDbObject> makeProxy(const AcRxClass& descriptor, const FiledObject& filed);
 
 // The data of a proxy; null for another object.
 const ProxyData* proxyData(const AcDbObject& object);

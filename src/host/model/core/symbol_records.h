@@ -30,11 +30,11 @@ struct AcDbSymbolTable::Records {
 
 namespace sg::model {
 
+// The record of this name in a table, which need not be open; null when there is none.
+AcDbObjectId findRecord(AcDbObjectId table, std::wstring_view name);
+
 // The application registered under this name in a database; null when there is none.
 AcDbObjectId findRegisteredApplication(const AcDbDatabase* database, const wchar_t* name);
-
-// The table of the database that holds records like this one; null when `id` is no record's.
-AcDbObjectId tableOf(AcDbObjectId record);
 
 // True for a name that symbol tables take: see AcDbSymbolTableRecord::setName.
 bool isSymbolName(std::wstring_view name);

@@ -68,10 +68,14 @@ bool isSymbolName(std::wstring_view name) {
            name.find_first_of(L"<>/\\\":;?*|,=`") == std::wstring_view::npos;
 }
 
+AcDbObjectId findRecord(AcDbObjectId table, std::wstring_view name) {
+    const auto* const opened = peek<AcDbSymbolTable>(table);
+    return opened == nullptr ? AcDbObjectId() : ObjectAccess::records(*opened).find(name, false);
+}
+
 AcDbObjectId findRegisteredApplication(const AcDbDatabase* database, const wchar_t* name) {
     if (database == nullptr || name == nullptr) return {};
-    const auto* const table = peek<AcDbSymbolTable>(database->regAppTableId());
-    return table == nullptr ? AcDbObjectId() : ObjectAccess::records(*table).find(name, false);
+    return findRecord(database->regAppTableId(), name);
 }
 
 }  // namespace sg::model

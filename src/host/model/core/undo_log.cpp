@@ -42,9 +42,12 @@ void removeMember(AcDbObjectId container, AcDbObjectId member) {
 UndoLog::UndoLog(DatabaseState& state) : state_(state) {}
 
 UndoLog::~UndoLog() {
+    clear();
+}
+
+void UndoLog::clear() {
     dispose(steps_, 0);
-    for (Steps& steps : redo_)
-        dispose(steps, 0);
+    forgetRedo();
 }
 
 // ---- Recording ----------------------------------------------------------------------------------
@@ -54,13 +57,21 @@ void UndoLog::newStep(const Entry& entry) {
     steps_.entries.push_back(entry);
 }
 
-void UndoLog::beginSession(AcDbObject& object) {
-    ObjectAccess::flags(object) |= ObjectAccess::kRecorded;
-    ++sessions_;
+// True for the first record of an open.
+bool UndoLog::beginSession(AcDbObject& object) {
+    const bool isFirst = !ObjectAccess::has(object, ObjectAccess::kCancelable);
+    ObjectAccess::flags(object) |= ObjectAccess::kRecorded | ObjectAccess::kCancelable;
+    if (isFirst) ++sessions_;
+    return isFirst;
 }
 
-void UndoLog::pushState(Steps& steps, AcDbObject& object, Kind kind) {
-    const uint64_t payload = kind == Kind::replaced ? payloadOf(object.isA()) : 0;
+void UndoLog::endSession(AcDbObject& object) {
+    if (!ObjectAccess::has(object, ObjectAccess::kCancelable)) return;
+    ObjectAccess::clear(object, ObjectAccess::kRecorded | ObjectAccess::kCancelable);
+    --sessions_;
+}
+
+void UndoLog::pushState(Steps& steps, AcDbObject& object, Kind kind, uint64_t payload) {
     steps.entries.push_back({object.objectId(), payload, steps.bytes.size(), kind});
     MemoryWriter writer(steps.bytes, AcDb::kUndoFiler, &state_.database);
     const Unguarded guard(object);
@@ -69,9 +80,9 @@ void UndoLog::pushState(Steps& steps, AcDbObject& object, Kind kind) {
 
 void UndoLog::stateChanges(AcDbObject& object) {
     if (ObjectAccess::has(object, ObjectAccess::kRecorded | ObjectAccess::kUndoing)) return;
-    beginSession(object);
+    const bool isFirst = beginSession(object);
     forgetRedo();
-    pushState(steps_, object, Kind::state);
+    pushState(steps_, object, Kind::state, isFirst);
 }
 
 void UndoLog::objectAppended(AcDbObject& object) {
@@ -94,7 +105,7 @@ void UndoLog::memberLeaves(AcDbObjectId container, AcDbObjectId member, size_t i
 void UndoLog::objectReplaced(AcDbObject& object) {
     if (!isKeeping()) return;
     forgetRedo();
-    pushState(steps_, object, Kind::replaced);
+    pushState(steps_, object, Kind::replaced, payloadOf(object.isA()));
 }
 
 void UndoLog::headerChanges() {
@@ -103,15 +114,15 @@ void UndoLog::headerChanges() {
 }
 
 void UndoLog::sessionEnded(AcDbObject& object) {
-    if (!ObjectAccess::has(object, ObjectAccess::kRecorded)) return;
-    ObjectAccess::flags(object) &= static_cast<uint16_t>(~ObjectAccess::kRecorded);
-    if (--sessions_ == 0 && !isKeeping()) dispose(steps_, 0);
+    endSession(object);
+    if (sessions_ == 0 && !isKeeping()) dispose(steps_, 0);
 }
 
 void UndoLog::cancelSession(AcDbObject& object) {
     for (size_t at = steps_.entries.size(); at-- > 0;) {
         const Entry& entry = steps_.entries[at];
         if (entry.id != object.objectId() || entry.kind != Kind::state) continue;
+        if (entry.payload == 0) continue;  // recorded again within the session
         restore(object, bytesOf(steps_, entry));
         return;
     }
@@ -120,19 +131,17 @@ void UndoLog::cancelSession(AcDbObject& object) {
 // ---- Scopes and marks ---------------------------------------------------------------------------
 
 // Objects that are open on both sides of the border are recorded anew on its far side.
-void UndoLog::closeSessions() {
+void UndoLog::recordAnew() {
     const size_t end = steps_.entries.size();
     for (size_t at = std::min(closed_, end); at < end; ++at) {
         AcDbObject* const object = DatabaseTable::objectOf(steps_.entries[at].id);
-        if (object == nullptr || !ObjectAccess::has(*object, ObjectAccess::kRecorded)) continue;
-        ObjectAccess::flags(*object) &= static_cast<uint16_t>(~ObjectAccess::kRecorded);
-        --sessions_;
+        if (object != nullptr) ObjectAccess::clear(*object, ObjectAccess::kRecorded);
     }
     closed_ = end;
 }
 
 void UndoLog::beginScope() {
-    closeSessions();
+    recordAnew();
     scopes_.push_back(steps_.entries.size());
 }
 
@@ -148,7 +157,7 @@ void UndoLog::abortScope() {
 
 void UndoLog::startUndoRecord() {
     if (disabled_) return;
-    closeSessions();
+    recordAnew();
     marks_.push_back(steps_.entries.size());
 }
 
@@ -201,6 +210,7 @@ void UndoLog::takeBack(Steps& steps, size_t position, Steps* inverse) {
             steps.bytes.resize(entry.offset);
         }
     }
+    closed_ = std::min(closed_, steps_.entries.size());
 }
 
 void UndoLog::apply(Steps& steps, const Entry& entry, Steps* inverse) {
@@ -214,12 +224,16 @@ void UndoLog::apply(Steps& steps, const Entry& entry, Steps* inverse) {
     switch (entry.kind) {
         case Kind::state:
             if (object == nullptr) break;
-            if (inverse != nullptr) pushState(*inverse, *object, Kind::state);
+            if (inverse != nullptr) pushState(*inverse, *object, Kind::state, 0);
             restore(*object, bytesOf(steps, entry));
+            // Its next change is recorded again, by the scope around the one that is taken back.
+            ObjectAccess::clear(*object, ObjectAccess::kRecorded);
+            if (entry.payload != 0) endSession(*object);
             break;
         case Kind::appended:
             if (object == nullptr) break;
             record->object = nullptr;
+            endSession(*object);
             if (inverse != nullptr) {
                 keep(Kind::taken, payloadOf(object));
             } else {
@@ -265,7 +279,9 @@ void UndoLog::putBackClass(Steps& steps, const Entry& entry, Steps* inverse) {
     std::unique_ptr<AcRxObject> made(descriptor->create());
     auto* const object = dynamic_cast<AcDbObject*>(made.get());
     if (object == nullptr) return;
-    if (inverse != nullptr) pushState(*inverse, *present, Kind::replaced);
+    if (inverse != nullptr) {
+        pushState(*inverse, *present, Kind::replaced, payloadOf(present->isA()));
+    }
     restore(*object, bytesOf(steps, entry));
     state_.putInPlace(entry.id, static_cast<AcDbObject*>(made.release()));
     state_.discard(present);
@@ -284,6 +300,16 @@ void UndoLog::dispose(Steps& steps, size_t from) {
     }
     if (from < steps.entries.size() && from == 0) steps.bytes.clear();
     steps.entries.resize(from);
+    closed_ = std::min(closed_, steps_.entries.size());
+}
+
+void UndoLog::forgetStates(AcDbObjectId id) {
+    forgetRedo();
+    for (Entry& entry : steps_.entries) {
+        if (entry.id == id && (entry.kind == Kind::state || entry.kind == Kind::replaced)) {
+            entry.id.setNull();
+        }
+    }
 }
 
 void UndoLog::forgetRedo() {

@@ -41,6 +41,9 @@ class UndoLog {
     void sessionEnded(AcDbObject& object);
     // Puts back the state that `object` had when it was opened.
     void cancelSession(AcDbObject& object);
+    // Forgets what states the object had: it is of another class now.
+    void forgetStates(AcDbObjectId id);
+    void clear();
 
     // --- Transactions
 
@@ -60,7 +63,7 @@ class UndoLog {
 
   private:
     enum class Kind : uint8_t {
-        state,     // the state was `bytes`
+        state,     // the state was `bytes`; `payload` is 1 for the first of an open
         appended,  // the object is new
         taken,     // the object was taken away, and is kept in `payload`
         erase,     // the erased flag was `payload`
@@ -82,9 +85,10 @@ class UndoLog {
 
     bool isKeeping() const { return !scopes_.empty() || !marks_.empty(); }
     void newStep(const Entry& entry);
-    void beginSession(AcDbObject& object);
-    void closeSessions();
-    void pushState(Steps& steps, AcDbObject& object, Kind kind);
+    bool beginSession(AcDbObject& object);
+    void endSession(AcDbObject& object);
+    void recordAnew();
+    void pushState(Steps& steps, AcDbObject& object, Kind kind, uint64_t payload);
     std::span<const uint8_t> bytesOf(const Steps& steps, const Entry& entry) const;
     void restore(AcDbObject& object, std::span<const uint8_t> bytes);
     void takeBack(Steps& steps, size_t position, Steps* inverse);

@@ -3,12 +3,20 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "host/model/core/database_state.h"
 #include "host/model/curves/math/nurbs.h"
+#include "host/model/tables/header_variables.h"
 
 namespace sg::model {
 
-SplineSettings splineSettings(const AcDbDatabase*) {
-    return {};
+SplineSettings splineSettings(AcDbDatabase* database) {
+    SplineSettings settings;
+    if (database == nullptr) return settings;
+    const HeaderVariables& header = DatabaseState::of(*database).header();
+    settings.quadratic = header.get<int32_t>(L"SPLINETYPE") == 5;
+    const int32_t segments = header.get<int32_t>(L"SPLINESEGS");
+    if (segments != 0) settings.segments = static_cast<int16_t>(segments);
+    return settings;
 }
 
 std::vector<AcGePoint3d> splinePoints(const std::vector<AcGePoint3d>& frame, int degree,

@@ -15,7 +15,7 @@ struct SplineSettings {
     int16_t segments = 8;  // between two vertices of the frame; below 0 as arcs; never 0
 };
 // Those of a new drawing for a null database.
-SplineSettings splineSettings(const AcDbDatabase* database);
+SplineSettings splineSettings(AcDbDatabase* database);
 
 // Points of the B-spline over the frame, evenly in its parameter, as many segments between each two
 // vertices; the degree is lowered where there are too few vertices. Open, the ends are points of

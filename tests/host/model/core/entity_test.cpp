@@ -98,7 +98,7 @@ TEST_F(EntityTest, FilesHaveTheirOwnOrder) {
 
 TEST_F(EntityTest, ReadsListsWithMarkersAndWithout) {
     named(L"Walls");
-    const ads_point at{4, 5, 6};
+    const ads_point at{4, 5, 6}, elsewhere{9, 9, 9};
     const struct {
         const char* what;
         resbuf* list;
@@ -110,7 +110,7 @@ TEST_F(EntityTest, ReadsListsWithMarkersAndWithout) {
          acutBuildList(RTDXF0, L"SAMPLE", 8, L"Walls", 62, 5, 100, L"SampleEntity", 10, at, 0)},
         {"a strange one between",
          acutBuildList(RTDXF0, L"SAMPLE", 100, L"AcDbEntity", 8, L"WALLS", 62, 5, 100, L"Strange",
-                       10, ads_point{9, 9, 9}, 100, L"SampleEntity", 10, at, 0)},
+                       10, elsewhere, 100, L"SampleEntity", 10, at, 0)},
     };
     for (const auto& c : cases) {
         SampleEntity entity;
@@ -129,16 +129,29 @@ TEST_F(EntityTest, AnUnknownLayerFailsTheEntity) {
 }
 
 TEST_F(EntityTest, ListsOfOtherApplicationsStay) {
+    const ads_point at{1, 0, 0};
     const AcDbObjectId id = add();
     {
         Opened<SampleEntity> entity(id, AcDb::kForWrite);
-        EXPECT_EQ(read(*entity.get(), acutBuildList(RTDXF0, L"SAMPLE", 102, L"{OTHER", 300, L"kept",
-                                                    102, L"}", 100, L"AcDbEntity", 8, L"0", 100,
-                                                    L"SampleEntity", 10, ads_point{1, 0, 0}, 0)),
+        EXPECT_EQ(read(*entity.get(),
+                       acutBuildList(RTDXF0, L"SAMPLE", 102, L"{OTHER", 300, L"kept", 102, L"}",
+                                     100, L"AcDbEntity", 8, L"0", 100, L"SampleEntity", 10, at, 0)),
                   Acad::eOk);
     }
     EXPECT_NE(written(*Opened<SampleEntity>(id).get()).find("102:{OTHER 300:kept 102:} 100:"),
               std::string::npos);
+}
+
+TEST_F(EntityTest, ReadingAgainReplaces) {
+    const AcDbObjectId id = add();
+    for (int round = 0; round < 2; ++round) {
+        Opened<SampleEntity> entity(id, AcDb::kForWrite);
+        resbuf* const list = acutBuildList(RTDXF0, L"SAMPLE", 102, L"{OTHER", 300, L"kept", 102,
+                                           L"}", 100, L"AcDbEntity", 8, L"0", 0);
+        EXPECT_EQ(read(*entity.get(), list), Acad::eOk);
+    }
+    const std::string text = written(*Opened<SampleEntity>(id).get());
+    EXPECT_EQ(text.find("{OTHER"), text.rfind("{OTHER"));
 }
 
 TEST_F(EntityTest, PropertiesThatDoNotFitAreRefused) {

@@ -139,8 +139,9 @@ TEST_F(FilersTest, WhatWasWrittenReadsBackAsTheSame) {
 
 TEST_F(FilersTest, FlatPointsAreMarked) {
     ListWriter writer(database.get());
-    writer.writePoint3d(10, {1, 2, 3});
-    writer.writePoint2d(10, {1, 2});
+    AcDbDxfFiler& filer = writer;
+    filer.writePoint3d(10, {1, 2, 3});
+    filer.writePoint2d(10, {1, 2});
     ASSERT_EQ(writer.flatPoints().size(), 1u);
     resbuf* const list = writer.take();
     EXPECT_EQ(writer.flatPoints()[0], list->rbnext);

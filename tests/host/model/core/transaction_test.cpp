@@ -249,6 +249,39 @@ TEST_F(TransactionTest, CancelInsideKeepsWhatAbortNeeds) {
     EXPECT_EQ(entities(), std::vector{id});
 }
 
+TEST_F(TransactionTest, ChangesAfterAnInnerAbortBelongToTheOuterOne) {
+    const AcDbObjectId id = add({1, 0, 0});
+    transactions().startTransaction();
+    SampleEntity* const entity = get(id, AcDb::kForWrite);
+    transactions().startTransaction();
+    entity->setAt({2, 0, 0});
+    abort();
+    entity->setAt({3, 0, 0});
+    abort();
+    EXPECT_EQ(placeOf(id), AcGePoint3d(1, 0, 0));
+}
+
+TEST_F(TransactionTest, CancelGoesBackToTheOpenAcrossTransactions) {
+    const AcDbObjectId id = add({1, 0, 0});
+    transactions().startTransaction();
+    for (int i = 0; i < 20; ++i)
+        move(id, {1, double(i), 0});
+    move(id, {1, 0, 0});
+    end();
+    SampleEntity* entity = nullptr;
+    ASSERT_EQ(acdbOpenObject(entity, id, AcDb::kForWrite), Acad::eOk);
+    entity->setAt({2, 0, 0});
+    transactions().startTransaction();
+    entity->setAt({3, 0, 0});
+    abort();
+    EXPECT_EQ(entity->at(), AcGePoint3d(2, 0, 0));
+    transactions().startTransaction();
+    entity->setAt({4, 0, 0});
+    end();
+    EXPECT_EQ(entity->cancel(), Acad::eOk);
+    EXPECT_EQ(placeOf(id), AcGePoint3d(1, 0, 0));
+}
+
 class UndoTest : public TransactionTest {
   protected:
     UndoLog& log() { return DatabaseState::of(*database).undo; }

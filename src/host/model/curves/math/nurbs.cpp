@@ -8,30 +8,35 @@ namespace sg::model {
 
 namespace {
 
-// A weighted point, in which rational curves are polynomials.
+// A weighted point, in which rational curves are polynomials. Left as it is found by default: many
+// are on the stack of every evaluation.
 struct Homogeneous {
-    AcGeVector3d scaled;  // the point times the weight
-    double weight = 0;
+    double x, y, z, weight;
 
     Homogeneous operator+(const Homogeneous& o) const {
-        return {scaled + o.scaled, weight + o.weight};
+        return {x + o.x, y + o.y, z + o.z, weight + o.weight};
     }
     Homogeneous operator-(const Homogeneous& o) const {
-        return {scaled - o.scaled, weight - o.weight};
+        return {x - o.x, y - o.y, z - o.z, weight - o.weight};
     }
-    Homogeneous operator*(double s) const { return {scaled * s, weight * s}; }
+    Homogeneous operator*(double s) const { return {x * s, y * s, z * s, weight * s}; }
+    AcGeVector3d scaled() const { return {x, y, z}; }  // the point times the weight
 };
 
+// Of which only the first degree + 1 are used.
 using Local = std::array<Homogeneous, Nurbs::kMaxDegree + 1>;
 
 Homogeneous homogeneousAt(const Nurbs& curve, size_t index) {
     const double weight = curve.isRational() ? curve.weights[index] : 1;
-    return {curve.controls[index].asVector() * weight, weight};
+    const AcGePoint3d& point = curve.controls[index];
+    return {point.x * weight, point.y * weight, point.z * weight, weight};
 }
 
 // De Boor's algorithm over the `degree` + 1 points that shape the span.
-Homogeneous deBoor(const std::vector<double>& knots, size_t span, int degree, Local points,
+Homogeneous deBoor(const std::vector<double>& knots, size_t span, int degree, const Local& shaping,
                    double t) {
+    Local points;
+    std::copy_n(shaping.begin(), degree + 1, points.begin());
     for (int level = 1; level <= degree; ++level) {
         for (int j = degree; j >= level; --j) {
             const double low = knots[span - static_cast<size_t>(degree - j)];
@@ -47,7 +52,7 @@ Homogeneous deBoor(const std::vector<double>& knots, size_t span, int degree, Lo
 // The points of the derivative's curve, whose degree is one lower, over the same span.
 Local differentiate(const std::vector<double>& knots, size_t span, int degree,
                     const Local& points) {
-    Local result{};
+    Local result;
     for (int j = 0; j < degree; ++j) {
         const double high = knots[span + static_cast<size_t>(1 + j)];
         const double low = knots[span - static_cast<size_t>(degree - 1 - j)];
@@ -90,20 +95,21 @@ size_t Nurbs::spanAt(double t) const {
 
 Nurbs::Values Nurbs::values(double t) const {
     const size_t span = spanAt(t);
-    Local points{};
+    Local points;
     for (size_t j = 0; j <= static_cast<size_t>(degree); ++j) {
         points[j] = homogeneousAt(*this, span - static_cast<size_t>(degree) + j);
     }
     const Homogeneous p = deBoor(knots, span, degree, points, t);
     const Local slopes = differentiate(knots, span, degree, points);
     const Homogeneous d = deBoor(knots, span, degree - 1, slopes, t);
-    Homogeneous dd;
+    Homogeneous dd{0, 0, 0, 0};
     if (degree >= 2) {
         dd = deBoor(knots, span, degree - 2, differentiate(knots, span, degree - 1, slopes), t);
     }
-    const AcGeVector3d point = p.scaled / p.weight;
-    const AcGeVector3d first = (d.scaled - point * d.weight) / p.weight;
-    const AcGeVector3d second = (dd.scaled - first * (2 * d.weight) - point * dd.weight) / p.weight;
+    const AcGeVector3d point = p.scaled() / p.weight;
+    const AcGeVector3d first = (d.scaled() - point * d.weight) / p.weight;
+    const AcGeVector3d second =
+        (dd.scaled() - first * (2 * d.weight) - point * dd.weight) / p.weight;
     return {AcGePoint3d::kOrigin + point, first, second};
 }
 
@@ -135,7 +141,7 @@ void Nurbs::insertKnot(double t) {
     controls.clear();
     weights.clear();
     for (const Homogeneous& point : points) {
-        controls.push_back(AcGePoint3d::kOrigin + point.scaled / point.weight);
+        controls.push_back(AcGePoint3d::kOrigin + point.scaled() / point.weight);
         if (rational) weights.push_back(point.weight);
     }
     knots.insert(knots.begin() + static_cast<std::ptrdiff_t>(span) + 1, t);

@@ -33,11 +33,52 @@ Piece Piece::conic(const AcGePoint3d& center, const AcGeVector3d& u, const AcGeV
     return piece;
 }
 
+namespace {
+
+bool isSimple(const AcGeVector3d& before, const AcGeVector3d& after) {
+    const double product = before.dotProduct(after);
+    const double faster = std::max(before.lengthSqrd(), after.lengthSqrd());
+    const double slower = std::min(before.lengthSqrd(), after.lengthSqrd());
+    return slower * 4 >= faster && product > 0 && 2 * product * product >= faster * slower;
+}
+
+// Appends parameters behind `from` up to `to`, between which the spline is simple.
+void appendSimple(const Nurbs& curve, double from, const AcGeVector3d& atFrom, double to,
+                  const AcGeVector3d& atTo, int halvings, std::vector<double>& samples) {
+    const double middle = (from + to) / 2;
+    const AcGeVector3d between = curve.values(middle).first;
+    if (halvings == 0 ||
+        (isSimple(atFrom, between) && isSimple(between, atTo) && isSimple(atFrom, atTo))) {
+        samples.push_back(to);
+        return;
+    }
+    appendSimple(curve, from, atFrom, middle, between, halvings - 1, samples);
+    appendSimple(curve, middle, between, to, atTo, halvings - 1, samples);
+}
+
+std::vector<double> samplesOf(const Nurbs& curve) {
+    constexpr int kMostHalvings = 12;
+    const std::vector<double> breaks = curve.breaks();
+    std::vector<double> samples{breaks.front()};
+    for (size_t i = 1; i < breaks.size(); ++i) {
+        // The derivative at a knot may be that of the next span.
+        const double inside = 1e-9 * (breaks[i] - breaks[i - 1]);
+        const AcGeVector3d first = curve.values(breaks[i - 1] + inside).first;
+        const AcGeVector3d last = curve.values(breaks[i] - inside).first;
+        const int halvings = curve.degree == 1 ? 0 : kMostHalvings;
+        appendSimple(curve, breaks[i - 1], first, breaks[i], last, halvings, samples);
+    }
+    return samples;
+}
+
+}  // namespace
+
 Piece Piece::nurbs(Nurbs curve) {
     Piece piece;
     piece.kind = Kind::Spline;
     piece.first = curve.first();
     piece.last = curve.last();
+    piece.splineSamples = std::make_shared<const std::vector<double>>(samplesOf(curve));
     piece.spline = std::make_shared<const Nurbs>(std::move(curve));
     return piece;
 }
@@ -110,45 +151,38 @@ double Piece::paramAtLength(double from, double distance) const {
 }
 
 std::vector<double> Piece::samples() const {
+    if (kind == Kind::Spline) return *splineSamples;
+    if (kind == Kind::Line) return {first, last};
+    const double eighths = std::ceil((last - first) / (std::numbers::pi / 4));
+    const int parts = std::max(1, static_cast<int>(eighths));
     std::vector<double> result;
-    const auto cut = [&](double from, double to, int parts) {
-        for (int i = 0; i < parts; ++i)
-            result.push_back(from + (to - from) * i / parts);
-    };
-    if (kind == Kind::Line) {
-        cut(first, last, 1);
-    } else if (kind == Kind::Conic) {
-        const double eighths = std::ceil((last - first) / (std::numbers::pi / 4));
-        cut(first, last, std::max(1, static_cast<int>(eighths)));
-    } else {
-        const std::vector<double> breaks = spline->breaks();
-        for (size_t i = 1; i < breaks.size(); ++i) {
-            cut(breaks[i - 1], breaks[i], spline->degree == 1 ? 1 : 2 * spline->degree);
-        }
-    }
+    for (int i = 0; i < parts; ++i)
+        result.push_back(first + (last - first) * i / parts);
     result.push_back(last);
     return result;
 }
 
+// Each part between samples is looked at from its inside, because a spline's derivative may jump at
+// a knot; where it jumps across zero, the knot is a root.
 template <class Function>
 void Piece::appendRoots(const Function& f, std::vector<double>& roots) const {
+    const int parts = kind == Kind::Spline ? 2 : 4;  // finds pairs of roots between samples
     const std::vector<double> stops = samples();
-    double before = f(stops.front());
-    if (before == 0) roots.push_back(stops.front());
+    double before = 0;
     for (size_t i = 1; i < stops.size(); ++i) {
-        // Halving finds pairs of roots that the samples alone would step over.
-        for (int half = 1; half <= 4; ++half) {
-            const double from = stops[i - 1] + (stops[i] - stops[i - 1]) * (half - 1) / 4;
-            const double to = half == 4 ? stops[i] : from + (stops[i] - stops[i - 1]) / 4;
-            const double after = f(to);
-            if (after == 0) {
-                roots.push_back(to);
-            } else if (before != 0 && (before < 0) != (after < 0)) {
-                roots.push_back(bisect(f, from, to, before));
-            }
-            before = after;
+        const double width = (stops[i] - stops[i - 1]) / parts;
+        for (int part = 0; part < parts; ++part) {
+            const double from = stops[i - 1] + width * part;
+            const double low = from + 1e-9 * width;
+            const double high = from + width * (1 - 1e-9);
+            const double atLow = f(low);
+            const double atHigh = f(high);
+            if (before * atLow <= 0) roots.push_back(from);
+            if (atLow * atHigh < 0) roots.push_back(bisect(f, low, high, atLow));
+            before = atHigh;
         }
     }
+    if (before == 0 || f(stops.back()) == 0) roots.push_back(stops.back());
 }
 
 namespace {

@@ -28,6 +28,7 @@ struct Piece {
     AcGePoint3d origin;
     AcGeVector3d u, v;
     std::shared_ptr<const Nurbs> spline;
+    std::shared_ptr<const std::vector<double>> splineSamples;
     double first = 0;
     double last = 0;
 
@@ -78,8 +79,9 @@ struct Piece {
     // on. Splines stay as they are.
     Piece extended(bool backward, bool forward) const;
 
-    // Parameters from first to last between which a bounded piece is simple: no more than an eighth
-    // of a turn, or a part of one span of the spline.
+    // Parameters from first to last between which a bounded piece is simple: it turns by no more
+    // than an eighth of a turn, and a spline changes its speed by no more than a factor of two,
+    // unless it has a cusp there.
     std::vector<double> samples() const;
 
   private:
