@@ -98,6 +98,8 @@ constexpr Entry entries[] = {
     {3093, L"ORDER BY clause '|' conflicts with DISTINCT."},
     {3095, L"Cannot have aggregate function in expression '|'."},
     {3096, L"Cannot have aggregate function in WHERE clause '|'."},
+    {3098, L"Cannot have aggregate function in GROUP BY clause '|'."},
+    {3099, L"Cannot have aggregate function in JOIN operation '|'."},
     {3103, L"Circular reference caused by alias '|' in query definition's SELECT list."},
     {3112, L"Record(s) cannot be read; no read permission on '|'."},
     {3113, L"Cannot update '|'; field not updateable."},

@@ -35,7 +35,7 @@ struct Origin {
 // What more is known of a query's column.
 struct ColumnTrace {
     bool isStrict = false;
-    std::optional<Origin> origin{};  // among Translated::bases
+    std::optional<Origin> origin{};  // among Translated::bases, where there are any
 };
 
 // A query in SQLite's text; its columns are c0, c1..., and r0, r1... where it has `bases`.
@@ -63,6 +63,14 @@ struct ScopeSource {
     bool isUpdatable = false;
 };
 
+// The engine's numbers for an aggregate where none may stand.
+enum NoAggregate : int {
+    NoAggregateInExpression = 3095,
+    NoAggregateInWhere = 3096,
+    NoAggregateInGroupBy = 3098,
+    NoAggregateInJoin = 3099,
+};
+
 // What the names of a query may be.
 struct Scope {
     std::vector<ScopeSource> sources;
@@ -74,10 +82,11 @@ struct Scope {
     bool isGrouped = false;
     std::set<std::wstring> groupTexts;   // in capitals
     std::set<std::string> groupColumns;  // in SQLite's text
-    bool mayAggregate = false;           // not in WHERE and its like
-    int ungrouped = 0;                   // above 0 inside of an aggregate or of what is grouped by
-    std::string filter;                  // the rows that aggregates count; empty: all
-    bool joins = false;                  // it is a join's condition
+    bool mayAggregate = false;           // not in WHERE and its like:
+    NoAggregate noAggregate = NoAggregateInWhere;
+    int ungrouped = 0;   // above 0 inside of an aggregate or of what is grouped by
+    std::string filter;  // the rows that aggregates count; empty: all
+    bool joins = false;  // it is a join's condition
 };
 
 }  // namespace sg::sql

@@ -103,6 +103,9 @@ Translated Translator::select(const Select& select, const std::vector<OrderItem>
 
 void Translator::group(const Select& select, Scope& scope, bool anyAggregate) {
     for (const ExpressionPtr& key : select.groupBy) {
+        if (hasAggregate(*key)) {
+            throw jet::Error(NoAggregateInGroupBy, {toText(*key)});
+        }
         scope.groupTexts.insert(upperCased(toText(*key)));
         if (const auto* name = std::get_if<ColumnName>(&key->node)) {
             if (const std::optional<Typed> found = column(*name, scope)) {
@@ -127,8 +130,9 @@ std::vector<Translator::Item> Translator::expand(const Select& select, Scope& sc
         if (item.alias) {
             made.name = item.alias->text;
             made.isAlias = true;
-        } else if (const auto* plain = std::get_if<ColumnName>(&item.expression->node)) {
-            made.name = plain->name.text;
+        }
+        if (const auto* plain = std::get_if<ColumnName>(&item.expression->node)) {
+            made.name = made.isAlias ? made.name : plain->name.text;
             trace(made, scope);
         }
         items.push_back(std::move(made));

@@ -90,6 +90,7 @@ std::string Translator::join(const Join& join, Scope& scope) {
     Scope own;
     own.outer = scope.outer;
     own.joins = true;
+    own.noAggregate = NoAggregateInJoin;
     own.sources.assign(scope.sources.begin() + static_cast<std::ptrdiff_t>(first),
                        scope.sources.end());
     const std::string on = condition(*join.condition, own);
@@ -188,7 +189,8 @@ std::string Translator::derived(Translated inner, std::wstring name, Scope& scop
                            made.alias + ".c" + std::to_string(i)};
         if (i < inner.traces.size()) {
             column.isStrict = inner.traces[i].isStrict;
-            if (const std::optional<Origin>& origin = inner.traces[i].origin) {
+            const std::optional<Origin>& origin = inner.traces[i].origin;
+            if (origin && !inner.bases.empty()) {
                 column.origin = Origin{scope.bases.size() + origin->base, origin->column};
             }
         }

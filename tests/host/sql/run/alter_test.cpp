@@ -16,7 +16,7 @@ class AlterTest : public SessionTest {
         session_->execute(L"INSERT INTO Parts (Room, Size, Note) VALUES (1, '12', 'long')");
         session_->execute(L"INSERT INTO Parts (Room) VALUES (2)");
     }
-    ~AlterTest() override { EXPECT_TRUE(jet::check(*database_).empty()); }
+    ~AlterTest() override { EXPECT_TRUE(jet::checkDatabase(*database_).empty()); }
 
     jet::ColumnType typeOf(const wchar_t* column) {
         return session_->select(std::wstring(L"SELECT ") + column + L" FROM Parts")

@@ -12,17 +12,16 @@ TEST_F(RulesTest, ColumnNames) {
         {L"SELECT Id, Area * 2, Code, Id + 1 FROM Rooms", "Id,Expr1001,Code,Expr1003"},
         {L"SELECT Id, Id, id FROM Rooms", "Id,Expr1001,Expr1002"},
         {L"SELECT *, Levels.* FROM Levels", "Id,Name,Height,Expr1003,Expr1004,Expr1005"},
-        {L"SELECT a.Id, b.Id, a.Id, Height FROM Levels AS a, Levels AS b",
-         "a.Id,b.Id,Expr1002,b.Height"},
+        {L"SELECT a.Id, b.Id, a.Id, b.Height FROM Levels AS a, Levels AS b",
+         "a.Id,b.Id,Expr1002,Height"},
         {L"SELECT a.Id, Area AS Id FROM Rooms AS a", "a.Id,Id"},
         {L"SELECT Id AS a FROM Levels UNION SELECT Level AS b FROM Rooms", "a"},
         {L"SELECT x.[a.Id] FROM (SELECT a.Id, b.Id FROM Levels AS a, Levels AS b) AS x", "a.Id"},
     };
     for (const auto& [text, wanted] : cases) {
-        const bool isAmbiguous = std::wstring_view(text).find(L", Height") != std::wstring::npos;
-        EXPECT_EQ(isAmbiguous ? rows(text) : names(text), isAmbiguous ? "error 3079" : wanted)
-            << toUtf8(text);
+        EXPECT_EQ(names(text), wanted) << toUtf8(text);
     }
+    EXPECT_EQ(rows(L"SELECT a.Id, Height FROM Levels AS a, Levels AS b"), "error 3079");
 }
 
 TEST_F(RulesTest, Refusals) {
@@ -35,7 +34,8 @@ TEST_F(RulesTest, Refusals) {
         {L"SELECT Level FROM Rooms GROUP BY Level HAVING Area > 1", "error 3122"},
         {L"SELECT Id FROM Levels UNION SELECT Id FROM Rooms ORDER BY Area", "error 3351"},
         {L"SELECT Sum(Count(*)) FROM Rooms", "error 3095"},
-        {L"SELECT Level FROM Rooms GROUP BY Count(*)", "error 3095"},
+        {L"SELECT Count(*) FROM Rooms GROUP BY Count(*)", "error 3098"},
+        {L"SELECT 1 FROM Rooms r INNER JOIN Levels l ON r.Id = Max(l.Id)", "error 3099"},
         {L"SELECT a, b FROM Rooms WHERE c = [d e]", "error 3061"},
         {L"SELECT Levels.Id FROM Rooms", "error 3061"},
         {L"SELECT Levels.* FROM Rooms", "error 3078"},
@@ -79,8 +79,7 @@ TEST_F(RulesTest, Subqueries) {
         {L"SELECT Id FROM Levels WHERE Id NOT IN (1, Null)", ""},
         {L"SELECT Id FROM Levels WHERE NOT Id = ANY (SELECT Level FROM Rooms)", ""},
         {L"SELECT Id FROM Levels WHERE Id > ALL (SELECT Level FROM Rooms)", ""},
-        {L"SELECT Id FROM Levels WHERE Id > ALL (SELECT Level FROM Rooms WHERE Id = 9)",
-         "1; 2; 3"},
+        {L"SELECT Id FROM Levels WHERE Id > ALL (SELECT Level FROM Rooms WHERE Id = 9)", "1; 2; 3"},
         {L"SELECT Id FROM Levels WHERE Id <> SOME (SELECT Level FROM Rooms WHERE Id = 4)", ""},
         {L"SELECT Id FROM Levels WHERE Id * 1.5 NOT IN (SELECT Cost FROM Rooms WHERE Id < 3)",
          "1; 2; 3"},
@@ -130,7 +129,7 @@ TEST_F(RulesTest, Texts) {
         {L"SELECT Code FROM Rooms WHERE Level = 9 AND Code ALIKE '%#%'", "z#9"},
         {L"SELECT Code FROM Rooms WHERE Level = 9 AND Code = 'É  '", "é"},
         {L"SELECT Code FROM Rooms WHERE Level = 9 AND Code > 'e' AND Code < 'fa'", "é; f"},
-        {L"SELECT Code FROM Rooms WHERE Level = 9 AND UCase(Code) = 'STRASSE'", ""},
+        {L"SELECT Code FROM Rooms WHERE Level = 9 AND UCase(Code) = 'STRASSE'", "Straße"},
         {L"SELECT 'e' < 'é', 'é' < 'f', 'a-b' < 'aa', StrComp('a', 'a '), 'a' = 'a '",
          "True True False -1 True"},
     });
@@ -153,9 +152,9 @@ TEST_F(RulesTest, Functions) {
          "14:05 1/31/2017"},
         {L"SELECT Round(Pmt(0.01, 12, 1000), 6), Round(FV(0.01, 12, -100), 4), "
          L"Round(PV(0.01, 12, -100), 4), NPer(0, -50, 1000), SLN(1000, 100, 9)",
-         "-88.848787 1268.2503 1125.5077 20 100"},
+         "-88.848789 1268.2503 1125.5077 20 100"},
         {L"SELECT Round(IPmt(0.01, 2, 12, 1000), 4), Round(IPmt(0.01, 2, 12, 1000) + "
-         L"PPmt(0.01, 2, 12, 1000), 4), Round(Rate(12, -88.848787, 1000), 6), "
+         L"PPmt(0.01, 2, 12, 1000), 4), Round(Rate(12, -88.848789, 1000), 6), "
          L"SYD(1000, 100, 9, 1), DDB(1000, 100, 10, 2)",
          "-9.2115 -88.8488 0.01 180 160"},
     });

@@ -87,8 +87,7 @@ TEST_F(UpdatableTest, Deletes) {
 TEST_F(UpdatableTest, Inserts) {
     EXPECT_EQ(executed(L"INSERT INTO Coded (What, Level) VALUES ('new', 3)"), "1");
     EXPECT_EQ(executed(L"INSERT INTO Coded (What) SELECT Name FROM Levels WHERE Id = 1"), "1");
-    EXPECT_EQ(rows(L"SELECT Id, Code, Level FROM Rooms WHERE Id > 5"),
-              "6 new 3; 7 Ground Null");
+    EXPECT_EQ(rows(L"SELECT Id, Code, Level FROM Rooms WHERE Id > 5"), "6 new 3; 7 Ground Null");
     EXPECT_EQ(executed(L"INSERT INTO Doubled (What) VALUES (1)"), "error 3113");
     EXPECT_EQ(executed(L"INSERT INTO Coded (Code) VALUES ('x')"), "error 3127");
     EXPECT_EQ(executed(L"INSERT INTO Coded VALUES (70, 'y', 4)"), "1");
