@@ -18,14 +18,6 @@ using jet::detail::Operator;
 
 constexpr size_t maxWritten = 200'000;
 
-std::wstring joinedName(const ColumnName& name) {
-    std::wstring joined;
-    for (const Name& part : name.qualifiers) {
-        joined += part.text + L"!";
-    }
-    return joined + name.name.text;
-}
-
 bool isTruth(const Type& type) {
     return !type.column || isBoolean(type);
 }
@@ -48,11 +40,23 @@ Type quotientType(const Type& a, const Type& b) {
 
 }  // namespace
 
+std::wstring parameterName(const ColumnName& name) {
+    std::wstring joined;
+    for (const Name& part : name.qualifiers) {
+        joined += part.text + L"!";
+    }
+    return joined + name.name.text;
+}
+
 Translator::Translator(jet::Database& database, const std::vector<ParameterDeclaration>& declared,
                        const Parameters& parameters, Engine& engine)
     : database_(&database), parameters_(parameters), engine_(engine) {
-    for (const ParameterDeclaration& each : declared) {
-        const std::wstring name = joinedName(each.name);
+    declare(declared);
+}
+
+void Translator::declare(const std::vector<ParameterDeclaration>& parameters) {
+    for (const ParameterDeclaration& each : parameters) {
+        const std::wstring name = parameterName(each.name);
         declared_.try_emplace(upperCased(name), each.type);
         parameter(name);  // one that is declared must have a value, wanted or not
     }
@@ -308,7 +312,7 @@ Typed Translator::nameOrParameter(const Expression& expression, const ColumnName
             return made;
         }
     }
-    return parameter(joinedName(name));
+    return parameter(parameterName(name));
 }
 
 Typed Translator::parameter(const std::wstring& name) {

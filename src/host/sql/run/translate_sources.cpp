@@ -215,9 +215,7 @@ Translated Translator::storedQuery(jet::Database& database, std::wstring_view na
     if (query == nullptr) {
         throw jet::Error(jet::InputTableNotFound, {std::wstring(name)});
     }
-    for (const ParameterDeclaration& parameter : statement.parameters) {
-        declared_.try_emplace(upperCased(parameter.name.name.text), parameter.type);
-    }
+    declare(statement.parameters);
     Translated made = translate(**query, nullptr);
     --depth_;
     return made;

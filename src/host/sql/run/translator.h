@@ -16,6 +16,9 @@
 
 namespace sg::sql {
 
+// As Parameter::name has it.
+std::wstring parameterName(const ColumnName& name);
+
 // Makes SQLite's text of queries. One object translates one statement.
 //
 // Throws jet::Error with the engine's numbers: InputTableNotFound (3078), 3079 for a column that is
@@ -60,6 +63,7 @@ class Translator {
         bool descending = false;
     };
 
+    void declare(const std::vector<ParameterDeclaration>& parameters);
     Program finish(Translated translated);
 
     // Queries: translate_queries.cpp
