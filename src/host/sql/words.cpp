@@ -141,6 +141,14 @@ std::wstring_view nameOf(AggregateFunction function) {
     return aggregates[static_cast<size_t>(function)];
 }
 
+std::wstring parameterName(const ColumnName& name) {
+    std::wstring joined;
+    for (const Name& part : name.qualifiers) {
+        joined += part.text + L"!";
+    }
+    return joined + name.name.text;
+}
+
 std::wstring quotedName(std::wstring_view name) {
     const bool needsNone =
         isPlain(name) && !isReserved(name) &&

@@ -18,6 +18,9 @@ std::optional<jet::Value> constantOf(std::wstring_view word);
 std::optional<AggregateFunction> aggregateOf(std::wstring_view word);
 std::wstring_view nameOf(AggregateFunction function);
 
+// A parameter's name: its parts with "!" between them.
+SG_API std::wstring parameterName(const ColumnName& name);
+
 // In brackets where the dialect needs them.
 SG_API std::wstring quotedName(std::wstring_view name);
 

@@ -19,6 +19,7 @@ namespace {
 
 enum ActionError : int {
     NotUpdateable = 3073,
+    LockedHere = 3188,
     NoTableToDelete = 3128,
     UnknownInsertColumn = 3127,
     CountOfValues = 3346,
@@ -72,6 +73,46 @@ std::vector<size_t> insertPlaces(const Insert& statement, const jet::TableDefini
 
 jet::RowId rowIdOf(const jet::Value& value) {
     return jet::RowId::fromPacked(static_cast<uint32_t>(std::get<int64_t>(value)));
+}
+
+// Whether an error is about the row that is written, and not about all of the work.
+bool isOfRow(int code) {
+    static constexpr int codes[] = {jet::DuplicateKey,
+                                    jet::NullInIndex,
+                                    jet::RecordTooLarge,
+                                    jet::FieldTooSmall,
+                                    LockedHere,
+                                    jet::RecordChanged,
+                                    jet::RelatedRecordsExist,
+                                    jet::RelatedRecordRequired,
+                                    jet::LockedByUser,
+                                    jet::NullInRequiredField,
+                                    jet::ZeroLengthField,
+                                    jet::ValidationMessage,
+                                    jet::ValidationRule,
+                                    jet::CascadeNeedsRecord,
+                                    jet::CascadeNullKey,
+                                    jet::CascadeDuplicateKey,
+                                    jet::TwoCascadingUpdates,
+                                    jet::ConversionError};
+    return std::find(std::begin(codes), std::end(codes), code) != std::end(codes);
+}
+
+// Whether `write` has written its row: one that is refused may be left out.
+template <class Write>
+bool wrote(const Setting& setting, const jet::Database& database, Write write) {
+    const int depth = database.transactionDepth();
+    try {
+        write();
+        return true;
+    } catch (const jet::Error& error) {
+        const bool isLeftOut = setting.refused == Refused::IsLeftOut && isOfRow(error.code()) &&
+                               database.transactionDepth() == depth;
+        if (!isLeftOut) {
+            throw;
+        }
+        return false;
+    }
 }
 
 // One transaction on every database that is written.
@@ -188,16 +229,17 @@ int64_t insert(const Setting& setting, const Insert& statement) {
     const std::vector<size_t> places = insertPlaces(statement, writer.definition(), program);
     const jet::PackedRows rows = collected(setting, program);
     std::vector<jet::Value> row;
+    int64_t count = 0;
     for (size_t i = 0; i < rows.size(); ++i) {
         row.clear();
         writer.rules().defaults(row);
         for (size_t column = 0; column < places.size(); ++column) {
             rows.value(i, column, row[places[column]]);
         }
-        writer.insert(row);
+        count += wrote(setting, *target.database, [&] { writer.insert(row); }) ? 1 : 0;
     }
     transaction.commit();
-    return static_cast<int64_t>(rows.size());
+    return count;
 }
 
 int64_t update(const Setting& setting, const Update& statement) {
@@ -246,8 +288,10 @@ int64_t update(const Setting& setting, const Update& statement) {
             for (size_t column = 0; column < target.columns.size(); ++column) {
                 rows.value(i, targets.size() + target.values[column], row[target.columns[column]]);
             }
-            writer.update(rowIdOf(id), row, changed);
-            wasWritten[i] = true;
+            if (wrote(setting, *target.table.database,
+                      [&] { writer.update(rowIdOf(id), row, changed); })) {
+                wasWritten[i] = true;
+            }
         }
     }
     count = std::count(wasWritten.begin(), wasWritten.end(), true);
@@ -272,18 +316,20 @@ int64_t erase(const Setting& setting, const Delete& statement) {
         }
     }
     jet::TableWriter& writer = target.database->writer(target.name);
+    int64_t count = 0;
     for (const jet::RowId row : ids) {
         try {
-            writer.erase(row);
+            count += wrote(setting, *target.database, [&] { writer.erase(row); }) ? 1 : 0;
         } catch (const jet::Error& error) {
             // A relation from the table to itself may have taken the row with another one.
             if (error.code() != jet::RecordDeleted) {
                 throw;
             }
+            ++count;
         }
     }
     transaction.commit();
-    return static_cast<int64_t>(ids.size());
+    return count;
 }
 
 int64_t makeTable(const Setting& setting, const Query& query, const IntoTable& into) {

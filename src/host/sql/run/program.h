@@ -41,9 +41,16 @@ struct TableUse {
     std::wstring name;  // in that database
 };
 
+// The column of a table of the session's own database that a column is, as it stands there.
+struct Origin {
+    std::wstring table;
+    std::wstring column;
+};
+
 struct OutputColumn {
     std::wstring name;
     Type type;
+    Origin origin{};
 };
 
 // What the text names "t0", "t1"...

@@ -29,6 +29,7 @@ struct ScopeColumn {
     std::wstring name;
     Type type;
     std::string sql;
+    Origin origin;
 };
 
 // A table or query of a FROM clause.

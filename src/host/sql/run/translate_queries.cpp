@@ -110,19 +110,25 @@ std::vector<Translator::Item> Translator::expand(const Select& select, Scope& sc
         Item made;
         made.typed = emit(*item.expression, scope);
         made.expression = item.expression.get();
-        if (item.alias) {
-            made.name = item.alias->text;
-            made.isAlias = true;
-        } else if (const auto* plain = std::get_if<ColumnName>(&item.expression->node)) {
-            made.name = plain->name.text;
+        if (const auto* plain = std::get_if<ColumnName>(&item.expression->node)) {
+            // A parameter is an expression like others.
+            const bool isAlias = std::any_of(
+                scope.aliases.begin(), scope.aliases.end(),
+                [&](const auto& each) { return equalIgnoringCase(each.first, plain->name.text); });
+            made.name = isAlias ? plain->name.text : std::wstring();
             for (const ScopeSource& source : scope.sources) {
                 for (const ScopeColumn& each : source.columns) {
                     if (each.sql == made.typed.sql) {
                         made.name = each.name;
                         made.source = source.name;
+                        made.origin = each.origin;
                     }
                 }
             }
+        }
+        if (item.alias) {
+            made.name = item.alias->text;
+            made.isAlias = true;
         }
         items.push_back(std::move(made));
     }
@@ -142,8 +148,12 @@ void Translator::addStar(const Star& star, Scope& scope, std::vector<Item>& item
             if (scope.isGrouped && !scope.groupColumns.contains(each.sql)) {
                 throw jet::Error(3122, {each.name});
             }
-            items.push_back(
-                {{each.sql, each.type, false, {}}, each.name, source.name, nullptr, false});
+            items.push_back({{each.sql, each.type, false, {}},
+                             each.name,
+                             source.name,
+                             nullptr,
+                             false,
+                             each.origin});
         }
     }
     if (!found && !star.qualifiers.empty()) {
@@ -254,7 +264,7 @@ Translated Translator::assemble(const Select& select, const std::vector<Item>& i
                                 const std::vector<OrderKey>& order, Scope& scope) {
     Translated made;
     for (const Item& item : items) {
-        made.columns.push_back({item.name, item.typed.type});
+        made.columns.push_back({item.name, item.typed.type, item.origin});
     }
     std::string clauses;
     if (!scope.from.empty()) {
@@ -321,6 +331,7 @@ Translated Translator::unite(const Union& all, const std::vector<OrderItem>& ord
     for (const Translated& term : terms) {
         for (size_t i = 0; i < made.columns.size(); ++i) {
             made.columns[i].type = commonType(made.columns[i].type, term.columns[i].type);
+            made.columns[i].origin = {};
         }
     }
     for (size_t t = 0; t < terms.size(); ++t) {

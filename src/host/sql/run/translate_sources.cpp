@@ -7,6 +7,7 @@
 #include "host/sql/parser.h"
 #include "host/sql/run/translator.h"
 #include "host/sql/syntax_errors.h"
+#include "host/sql/words.h"
 
 namespace sg::sql {
 namespace {
@@ -163,8 +164,10 @@ std::string Translator::table(const TableName& table, const std::optional<Name>&
     const std::vector<size_t> places = jet::placesInOrder(found.definition());
     const auto columns = jet::recordColumns(found.definition(), places, found.store().format());
     for (size_t i = 0; i < places.size(); ++i) {
-        made.columns.push_back({columns[i].name, Type(columns[i].type, columns[i].size),
-                                made.alias + ".c" + std::to_string(places[i])});
+        made.columns.push_back(
+            {columns[i].name, Type(columns[i].type, columns[i].size),
+             made.alias + ".c" + std::to_string(places[i]),
+             &database == session_ ? Origin{table.name.text, columns[i].name} : Origin{}});
     }
     std::string sql =
         std::string("jet") + std::to_string(useTable(home, name)) + " AS " + made.alias;
@@ -176,8 +179,8 @@ std::string Translator::table(const TableName& table, const std::optional<Name>&
 std::string Translator::derived(Translated inner, std::wstring name, Scope& scope) {
     ScopeSource made{std::move(name), std::string("t") + std::to_string(sources_++), {}, {}};
     for (size_t i = 0; i < inner.columns.size(); ++i) {
-        made.columns.push_back(
-            {inner.columns[i].name, inner.columns[i].type, made.alias + ".c" + std::to_string(i)});
+        made.columns.push_back({inner.columns[i].name, inner.columns[i].type,
+                                made.alias + ".c" + std::to_string(i), inner.columns[i].origin});
     }
     std::string sql = std::string("(") + inner.sql + ") AS " + made.alias;
     program_.sources[made.alias] = {made.name, made.table.value_or(TableUse())};
@@ -196,7 +199,7 @@ Translated Translator::storedQuery(jet::Database& database, std::wstring_view na
         throw jet::Error(jet::InputTableNotFound, {std::wstring(name)});
     }
     for (const ParameterDeclaration& parameter : statement.parameters) {
-        declared_.try_emplace(upperCased(parameter.name.name.text), parameter.type);
+        declared_.try_emplace(upperCased(parameterName(parameter.name)), parameter.type);
     }
     Translated made = translate(**query, nullptr);
     --depth_;

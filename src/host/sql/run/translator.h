@@ -27,6 +27,15 @@ class Translator {
     Translator(jet::Database& database, const std::vector<ParameterDeclaration>& declared,
                const Parameters& parameters, Engine& engine);
 
+    // From now on parameters without a value are no error, but told by missing() in the order in
+    // which the statement declares or names them. What is translated is not for running.
+    void describe() { describes_ = true; }
+    struct MissingParameter {
+        std::wstring name;
+        std::optional<ColumnType> type;  // where it is declared
+    };
+    const std::vector<MissingParameter>& missing() const { return missing_; }
+
     // A whole query; its columns are the program's.
     Program query(const Query& query);
 
@@ -58,6 +67,7 @@ class Translator {
         std::wstring source;  // of a plain column: its table
         const Expression* expression = nullptr;
         bool isAlias = false;
+        Origin origin{};
     };
     struct OrderKey {
         Typed typed;
@@ -121,6 +131,7 @@ class Translator {
     // for is written out wherever they are used.
     void count();
     Typed constant(jet::Value value);
+    void miss(const std::wstring& name);
     Typed folded(const Typed& constant, const Type& beside);
     Typed site(CallSite site, const std::vector<Typed>& arguments, bool isVolatile = false);
     Typed converted(const Typed& typed, const Type& type);
@@ -131,13 +142,15 @@ class Translator {
     // A value that SQLite compares by its own means: of a text by the right collation.
     std::string compared(const Typed& typed) const;
 
-    jet::Database* database_;
+    const jet::Database* session_;
+    jet::Database* database_;  // whose names count
     const Parameters& parameters_;
     Engine& engine_;
     Program program_;
     std::map<std::wstring, DataType> declared_;  // by name in capitals
-    std::set<std::wstring> missing_;             // parameters without a value, in capitals
-    std::vector<const Expression*> aliases_;     // that are being looked up
+    std::vector<MissingParameter> missing_;      // parameters without a value
+    bool describes_ = false;
+    std::vector<const Expression*> aliases_;  // that are being looked up
     size_t sources_ = 0;
     int depth_ = 0;       // of stored queries
     size_t written_ = 0;  // expressions and tables

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/text.h"
 #include "host/jet/catalog/query.h"
 #include "host/sql/statements.h"
 #include "host/sql/stored/query_form.h"
@@ -32,7 +33,9 @@ class FormWriter {
     void target(jet::QueryKind kind, const TableName& table,
                 const std::optional<ExternalDatabase>& database);
     bool isWhole() const { return form_.kind == jet::QueryKind::DataDefinition; }
+    // As it stands in the text; between the parts of a name a point.
     std::wstring spelled(const Range& range) const;
+    std::wstring spelled(const ColumnName& name) const;
 
     void parameters(const std::vector<ParameterDeclaration>& parameters);
 
@@ -63,11 +66,10 @@ class FormWriter {
     // Execute and definitions.
     template <class Whole>
     void node(const Whole&) {
-        begin(jet::QueryKind::DataDefinition, {.expression = spelled(statement_)});
+        begin(jet::QueryKind::DataDefinition, {.expression = std::wstring(trimmed(text_))});
     }
 
     std::wstring_view text_;
-    Range statement_;
     QueryForm form_;
     int options_ = 0;
     std::optional<std::wstring> count_;  // of TOP

@@ -29,16 +29,6 @@ std::optional<std::wstring> textOf(const std::optional<Name>& name) {
     return name ? std::optional(name->text) : std::nullopt;
 }
 
-// The parts with `between` between them; in brackets where they need them, if `quotes`.
-std::wstring joined(const ColumnName& name, wchar_t between, bool quotes) {
-    std::wstring all;
-    const auto part = [&](const Name& one) { return quotes ? quotedName(one.text) : one.text; };
-    for (const Name& qualifier : name.qualifiers) {
-        all += part(qualifier) + between;
-    }
-    return all + part(name.name);
-}
-
 // What an action's target says of another file.
 ExternalDatabase fileOf(const TableName& table, const std::optional<ExternalDatabase>& database) {
     if (database || !table.database) {
@@ -82,7 +72,6 @@ const std::wstring& tableOf(const Expression& term, const std::vector<std::wstri
 }  // namespace
 
 QueryForm FormWriter::write(const Statement& statement) {
-    statement_ = statement.range;
     add(attr::start, {.flag = 0});
     std::visit([this](const auto& body) { node(body); }, statement.body);
     if (!isWhole()) {
@@ -111,6 +100,14 @@ std::wstring FormWriter::spelled(const Range& range) const {
     return std::wstring(range.of(text_));
 }
 
+std::wstring FormWriter::spelled(const ColumnName& name) const {
+    std::wstring all;
+    for (const Name& qualifier : name.qualifiers) {
+        all += spelled(qualifier.range) + L'.';
+    }
+    return all + spelled(name.name.range);
+}
+
 void FormWriter::begin(jet::QueryKind kind, Cells cells) {
     form_.kind = kind;
     cells.flag = static_cast<int>(kind);
@@ -128,7 +125,7 @@ void FormWriter::target(jet::QueryKind kind, const TableName& table,
 void FormWriter::parameters(const std::vector<ParameterDeclaration>& parameters) {
     for (const ParameterDeclaration& each : parameters) {
         const auto type = each.type.type ? static_cast<int>(*each.type.type) : 0;
-        add(attr::parameter, {.name1 = joined(each.name, L'!', false), .flag = type});
+        add(attr::parameter, {.name1 = parameterName(each.name), .flag = type});
         form_.rows.back().extra = each.type.length;
     }
 }
@@ -243,11 +240,11 @@ void FormWriter::items(const std::vector<SelectItem>& items, const std::vector<C
                            .name1 = textOf(items[i].alias),
                            .flag = flag});
         if (i < targets.size()) {
-            form_.rows.back().name2 = joined(targets[i], L'.', true);
+            form_.rows.back().name2 = spelled(targets[i]);
         }
     }
     for (size_t i = items.size(); i < targets.size(); ++i) {
-        add(attr::column, {.name2 = joined(targets[i], L'.', true), .flag = flag});
+        add(attr::column, {.name2 = spelled(targets[i]), .flag = flag});
     }
 }
 
@@ -333,7 +330,7 @@ void FormWriter::node(const Insert& insert) {
     for (size_t i = 0; i < insert.values.size(); ++i) {
         add(attr::column, {.expression = spelled(insert.values[i]->range), .flag = columns::value});
         if (i < insert.columns.size()) {
-            form_.rows.back().name2 = joined(insert.columns[i], L'.', true);
+            form_.rows.back().name2 = spelled(insert.columns[i]);
         }
     }
     if (insert.query == nullptr) {
@@ -349,7 +346,7 @@ void FormWriter::node(const Insert& insert) {
         options_ |= options::star;
     } else {
         for (const ColumnName& each : insert.columns) {
-            add(attr::column, {.name2 = joined(each, L'.', true), .flag = 0});
+            add(attr::column, {.name2 = spelled(each), .flag = 0});
         }
         auto& first = form_.rows[form_.rows.size() - insert.columns.size()];
         first.expression = L"*";
@@ -361,9 +358,8 @@ void FormWriter::node(const Update& update) {
     begin(jet::QueryKind::Update, {});
     from(update.from);
     for (const Assignment& each : update.assignments) {
-        add(attr::column, {.expression = spelled(each.value->range),
-                           .name2 = joined(each.column, L'.', true),
-                           .flag = 0});
+        add(attr::column,
+            {.expression = spelled(each.value->range), .name2 = spelled(each.column), .flag = 0});
     }
     where(update.where);
 }

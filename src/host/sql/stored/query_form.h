@@ -15,11 +15,11 @@ struct QueryForm {
     std::vector<jet::QueryRow> rows;  // in the order of jet::Query::rows
 };
 
-// The form of a statement that was parsed from `text`. jet::Query::sql() of the rows means the
-// same, and is the same tree but for what the form has no place for: a query in place of a table
-// gets a name where it has none, TABLE t becomes SELECT * FROM t, [file].t as the target of an
-// action IN 'file', and of a parameter's type only its kind and a text's length remain. Expressions
-// keep their spelling. Definitions and EXECUTE are kept as their text.
+// The form of a statement that parseStatement() made of `text`. jet::Query::sql() of the rows means
+// the same, and is the same tree but for what the form has no place for: a query in place of a
+// table gets a name where it has none, TABLE t becomes SELECT * FROM t, [file].t as the target of
+// an action IN 'file', and of a parameter's type only its kind and a text's length remain.
+// Expressions keep their spelling. Definitions and EXECUTE are kept as their text.
 //
 // Throws TooComplex (3360) for more than jet::maxQueryJoins conditions of joins, and ObjectExists
 // (3012) for joins of tables with one name.
