@@ -51,7 +51,7 @@ void OpenQuery::adopt(const jet::Query& stored) {
 
 void OpenQuery::parse(const std::wstring& text) {
     sql::Statement statement = sql::parseStatement(text);
-    kind_ = sql::queryForm(statement, text).kind;
+    kind_ = sql::kindOf(statement);
     statement_ = std::move(statement);
     description_.reset();
 }

@@ -29,9 +29,8 @@ class FormWriter {
     };
 
     void add(uint8_t attribute, Cells cells);
-    void begin(jet::QueryKind kind, Cells cells);
-    void target(jet::QueryKind kind, const TableName& table,
-                const std::optional<ExternalDatabase>& database);
+    void begin(Cells cells);  // the row of the kind
+    void target(const TableName& table, const std::optional<ExternalDatabase>& database);
     bool isWhole() const { return form_.kind == jet::QueryKind::DataDefinition; }
     // As it stands in the text; between the parts of a name a point.
     std::wstring spelled(const Range& range) const;
@@ -66,7 +65,7 @@ class FormWriter {
     // Execute and definitions.
     template <class Whole>
     void node(const Whole&) {
-        begin(jet::QueryKind::DataDefinition, {.expression = std::wstring(trimmed(text_))});
+        begin({.expression = std::wstring(trimmed(text_))});
     }
 
     std::wstring_view text_;

@@ -69,9 +69,29 @@ const std::wstring& tableOf(const Expression& term, const std::vector<std::wstri
     return tables.front();
 }
 
+struct KindOf {
+    jet::QueryKind operator()(const QueryPtr& query) const {
+        return std::visit(*this, query->body);
+    }
+    jet::QueryKind operator()(const Select& select) const {
+        return select.into ? jet::QueryKind::MakeTable : jet::QueryKind::Select;
+    }
+    jet::QueryKind operator()(const TableQuery&) const { return jet::QueryKind::Select; }
+    jet::QueryKind operator()(const Union&) const { return jet::QueryKind::Union; }
+    jet::QueryKind operator()(const Crosstab&) const { return jet::QueryKind::Crosstab; }
+    jet::QueryKind operator()(const Insert&) const { return jet::QueryKind::Append; }
+    jet::QueryKind operator()(const Update&) const { return jet::QueryKind::Update; }
+    jet::QueryKind operator()(const Delete&) const { return jet::QueryKind::Delete; }
+    template <class Whole>
+    jet::QueryKind operator()(const Whole&) const {
+        return jet::QueryKind::DataDefinition;
+    }
+};
+
 }  // namespace
 
 QueryForm FormWriter::write(const Statement& statement) {
+    form_.kind = kindOf(statement);
     add(attr::start, {.flag = 0});
     std::visit([this](const auto& body) { node(body); }, statement.body);
     if (!isWhole()) {
@@ -108,18 +128,16 @@ std::wstring FormWriter::spelled(const ColumnName& name) const {
     return all + spelled(name.name.range);
 }
 
-void FormWriter::begin(jet::QueryKind kind, Cells cells) {
-    form_.kind = kind;
-    cells.flag = static_cast<int>(kind);
+void FormWriter::begin(Cells cells) {
+    cells.flag = static_cast<int>(form_.kind);
     add(attr::kind, std::move(cells));
 }
 
-void FormWriter::target(jet::QueryKind kind, const TableName& table,
-                        const std::optional<ExternalDatabase>& database) {
+void FormWriter::target(const TableName& table, const std::optional<ExternalDatabase>& database) {
     const ExternalDatabase file = fileOf(table, database);
-    begin(kind, {.expression = textOrNone(file.connect),
-                 .name1 = table.name.text,
-                 .name2 = textOrNone(file.path)});
+    begin({.expression = textOrNone(file.connect),
+           .name1 = table.name.text,
+           .name2 = textOrNone(file.path)});
 }
 
 void FormWriter::parameters(const std::vector<ParameterDeclaration>& parameters) {
@@ -277,22 +295,22 @@ void FormWriter::orderBy(const std::vector<OrderItem>& items) {
 
 void FormWriter::query(const Select& select) {
     if (select.into) {
-        target(jet::QueryKind::MakeTable, select.into->table, select.into->database);
+        target(select.into->table, select.into->database);
     } else {
-        begin(jet::QueryKind::Select, {});
+        begin({});
     }
     this->select(select, {});
 }
 
 void FormWriter::query(const TableQuery& table) {
-    begin(jet::QueryKind::Select, {});
+    begin({});
     options_ |= options::star;
     add(attr::table, {.expression = textOf(table.table.database), .name1 = table.table.name.text});
 }
 
 // Two parts: the last term and all before it.
 void FormWriter::query(const Union& all) {
-    begin(jet::QueryKind::Union, {});
+    begin({});
     const Union::Term& last = all.terms.back();
     options_ |= options::star | (last.all ? 0 : options::distinct);
     const Range first = all.terms.front().query->range;
@@ -303,7 +321,7 @@ void FormWriter::query(const Union& all) {
 }
 
 void FormWriter::query(const Crosstab& cross) {
-    begin(jet::QueryKind::Crosstab, {});
+    begin({});
     selection(cross.select);
     add(attr::column,
         {.expression = spelled(cross.value->range), .name1 = textOf(cross.alias), .flag = 0});
@@ -326,7 +344,7 @@ void FormWriter::node(const QueryPtr& query) {
 // ---- Actions
 
 void FormWriter::node(const Insert& insert) {
-    target(jet::QueryKind::Append, insert.table, insert.database);
+    target(insert.table, insert.database);
     for (size_t i = 0; i < insert.values.size(); ++i) {
         add(attr::column, {.expression = spelled(insert.values[i]->range), .flag = columns::value});
         if (i < insert.columns.size()) {
@@ -355,7 +373,7 @@ void FormWriter::node(const Insert& insert) {
 }
 
 void FormWriter::node(const Update& update) {
-    begin(jet::QueryKind::Update, {});
+    begin({});
     from(update.from);
     for (const Assignment& each : update.assignments) {
         add(attr::column,
@@ -365,7 +383,7 @@ void FormWriter::node(const Update& update) {
 }
 
 void FormWriter::node(const Delete& erase) {
-    begin(jet::QueryKind::Delete, {});
+    begin({});
     options_ |= erase.distinctRow ? options::distinctRow : 0;
     items(erase.items, {});
     from(erase.from);
@@ -373,6 +391,10 @@ void FormWriter::node(const Delete& erase) {
 }
 
 }  // namespace detail
+
+jet::QueryKind kindOf(const Statement& statement) {
+    return std::visit(detail::KindOf(), statement.body);
+}
 
 QueryForm queryForm(const Statement& statement, std::wstring_view text) {
     return detail::FormWriter(text).write(statement);

@@ -15,6 +15,9 @@ struct QueryForm {
     std::vector<jet::QueryRow> rows;  // in the order of jet::Query::rows
 };
 
+// Of definitions and EXECUTE it is DataDefinition, never PassThrough.
+SG_API jet::QueryKind kindOf(const Statement& statement);
+
 // The form of a statement that parseStatement() made of `text`. jet::Query::sql() of the rows means
 // the same, and is the same tree but for what the form has no place for: a query in place of a
 // table gets a name where it has none, TABLE t becomes SELECT * FROM t, [file].t as the target of
