@@ -42,9 +42,16 @@ struct TableUse {
     std::wstring name;  // in that database
 };
 
+// The column of a table of the session's own database that a column is, as it stands there.
+struct FieldOrigin {
+    std::wstring table;
+    std::wstring column;
+};
+
 struct OutputColumn {
     std::wstring name;
     Type type;
+    FieldOrigin field{};
 };
 
 // What the text names "t0", "t1"...

@@ -10,6 +10,7 @@
 #include "host/sql/run/translator.h"
 #include "host/sql/syntax_errors.h"
 #include "host/sql/to_text.h"
+#include "host/sql/words.h"
 
 namespace sg::sql {
 namespace {
@@ -40,17 +41,9 @@ Type quotientType(const Type& a, const Type& b) {
 
 }  // namespace
 
-std::wstring parameterName(const ColumnName& name) {
-    std::wstring joined;
-    for (const Name& part : name.qualifiers) {
-        joined += part.text + L"!";
-    }
-    return joined + name.name.text;
-}
-
 Translator::Translator(jet::Database& database, const std::vector<ParameterDeclaration>& declared,
                        const Parameters& parameters, Engine& engine)
-    : database_(&database), parameters_(parameters), engine_(engine) {
+    : session_(&database), database_(&database), parameters_(parameters), engine_(engine) {
     declare(declared);
 }
 
@@ -67,10 +60,10 @@ Program Translator::query(const Query& query) {
 }
 
 Program Translator::finish(Translated translated) {
-    if (!missing_.empty()) {
+    if (!missing_.empty() && !describes_) {
         std::wstring names;
-        for (const std::wstring& name : missing_) {
-            names += (names.empty() ? L"" : L", ") + name;
+        for (const MissingParameter& each : missing_) {
+            names += (names.empty() ? L"" : L", ") + each.name;
         }
         throw jet::Error(jet::UnknownName, {std::to_wstring(missing_.size())}, {.detail = names});
     }
@@ -329,8 +322,12 @@ Typed Translator::parameter(const std::wstring& name) {
         made.type = type;
         return made;
     }
-    missing_.insert(upperCased(name));
-    return constant({});
+    miss(name);
+    Typed made = constant({});
+    if (declared != declared_.end() && declared->second.type) {
+        made.type = *declared->second.type;
+    }
+    return made;
 }
 
 Typed Translator::positionalParameter(uint32_t index) {
@@ -340,8 +337,19 @@ Typed Translator::positionalParameter(uint32_t index) {
             return constant(each.value);
         }
     }
-    missing_.insert(L"?" + std::to_wstring(index + 1));
+    miss(L"?" + std::to_wstring(index + 1));
     return constant({});
+}
+
+void Translator::miss(const std::wstring& name) {
+    const bool isKnown = std::any_of(
+        missing_.begin(), missing_.end(),
+        [&](const MissingParameter& each) { return equalIgnoringCase(each.name, name); });
+    if (!isKnown) {
+        const auto declared = declared_.find(upperCased(name));
+        missing_.push_back(
+            {name, declared == declared_.end() ? std::nullopt : declared->second.type});
+    }
 }
 
 // ---- Operators

@@ -127,13 +127,17 @@ std::vector<Translator::Item> Translator::expand(const Select& select, Scope& sc
         Item made;
         made.typed = emit(*item.expression, scope);
         made.expression = item.expression.get();
+        if (const auto* plain = std::get_if<ColumnName>(&item.expression->node)) {
+            // A parameter is an expression like others.
+            const bool isAlias = std::any_of(
+                scope.aliases.begin(), scope.aliases.end(),
+                [&](const auto& each) { return equalIgnoringCase(each.first, plain->name.text); });
+            made.name = isAlias ? plain->name.text : std::wstring();
+            trace(made, scope);
+        }
         if (item.alias) {
             made.name = item.alias->text;
             made.isAlias = true;
-        }
-        if (const auto* plain = std::get_if<ColumnName>(&item.expression->node)) {
-            made.name = made.isAlias ? made.name : plain->name.text;
-            trace(made, scope);
         }
         items.push_back(std::move(made));
     }
@@ -149,6 +153,7 @@ void Translator::trace(Item& item, const Scope& scope) {
                 continue;
             }
             item.origin = each.origin;
+            item.field = each.field;
             item.source = &source;
             item.name = item.isAlias ? item.name : each.name;
         }
@@ -172,7 +177,8 @@ void Translator::addStar(const Star& star, Scope& scope, std::vector<Item>& item
                              &source,
                              each.origin,
                              nullptr,
-                             false});
+                             false,
+                             each.field});
         }
     }
     if (!found && !star.qualifiers.empty()) {
@@ -287,7 +293,7 @@ Translated Translator::assemble(const Select& select, const std::vector<Item>& i
                                 const std::vector<OrderKey>& order, Scope& scope) {
     Translated made;
     for (const Item& item : items) {
-        made.columns.push_back({item.name, item.typed.type});
+        made.columns.push_back({item.name, item.typed.type, item.field});
         made.traces.push_back({item.typed.isStrict, item.origin});
     }
     std::string clauses;
@@ -378,6 +384,7 @@ Translated Translator::unite(const Union& all, const std::vector<OrderItem>& ord
     for (const Translated& term : terms) {
         for (size_t i = 0; i < made.columns.size(); ++i) {
             made.columns[i].type = commonType(made.columns[i].type, term.columns[i].type);
+            made.columns[i].field = {};
         }
     }
     for (size_t t = 0; t < terms.size(); ++t) {
