@@ -21,6 +21,7 @@ namespace sg::sql {
 struct CallSite {
     enum class Kind : uint8_t {
         Operator,  // `op`, two arguments
+        ALike,     // two
         Between,   // three
         Negate,
         Not,

@@ -326,23 +326,8 @@ int compareTexts(std::string_view a, std::string_view b) {
     if (simple && allSimple(a.substr(common)) && allSimple(b.substr(common))) {
         return order != 0 ? order : a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
     }
-    const std::wstring x = fromUtf8(a);
-    const std::wstring y = fromUtf8(b);
-    jet::KeyBytes left;
-    jet::KeyBytes right;
-    const jet::TextOrder general = jet::TextOrder::GeneralLegacy;
-    const bool longer = x.size() >= jet::kIndexedTextUnits || y.size() >= jet::kIndexedTextUnits;
-    if (jet::appendTextKey(general, x, false, left) &&
-        jet::appendTextKey(general, y, false, right)) {
-        const auto byKeys = left <=> right;
-        if (byKeys != 0 || !longer) {
-            return byKeys < 0 ? -1 : byKeys > 0 ? 1 : 0;
-        }
-    } else if (left.empty() != right.empty()) {
-        return left.empty() ? 1 : -1;  // what has no weight comes behind all that has
-    }
-    const auto byCapitals = jet::detail::compareTexts(x, y);
-    return byCapitals < 0 ? -1 : byCapitals > 0 ? 1 : 0;
+    const auto found = jet::compareTexts(fromUtf8(a), fromUtf8(b));
+    return found < 0 ? -1 : found > 0 ? 1 : 0;
 }
 
 }  // namespace sg::sql

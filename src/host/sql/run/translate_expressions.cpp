@@ -18,37 +18,6 @@ using jet::detail::Operator;
 
 constexpr size_t maxWritten = 200'000;
 
-Operator operatorOf(BinaryOperator op) {
-    switch (op) {
-        case BinaryOperator::Power:
-            return Operator::Power;
-        case BinaryOperator::Multiply:
-            return Operator::Multiply;
-        case BinaryOperator::Divide:
-            return Operator::Divide;
-        case BinaryOperator::IntegerDivide:
-            return Operator::IntegerDivide;
-        case BinaryOperator::Modulo:
-            return Operator::Modulo;
-        case BinaryOperator::Add:
-            return Operator::Add;
-        case BinaryOperator::Subtract:
-            return Operator::Subtract;
-        case BinaryOperator::Concatenate:
-            return Operator::Concatenate;
-        case BinaryOperator::And:
-            return Operator::And;
-        case BinaryOperator::Or:
-            return Operator::Or;
-        case BinaryOperator::Xor:
-            return Operator::Xor;
-        case BinaryOperator::Eqv:
-            return Operator::Eqv;
-        default:
-            return Operator::Imp;
-    }
-}
-
 std::wstring joinedName(const ColumnName& name) {
     std::wstring joined;
     for (const Name& part : name.qualifiers) {
@@ -115,7 +84,7 @@ Program Translator::rows(Scope& scope, const Expression* where, const std::vecto
         made.columns.push_back({{}, type});
     };
     for (const size_t target : targets) {
-        add(scope.sources[target].alias + ".rowid", ColumnType::BigInteger);
+        add(scope.bases[target].id, ColumnType::BigInteger);
     }
     for (const Expression* each : values) {
         const Typed typed = emit(*each, scope);
@@ -228,7 +197,11 @@ Typed Translator::emitNode(const Expression& expression, Scope& scope) {
         Scope& scope;
         decltype(negatedIf)& negate;
 
-        Typed operator()(const Literal& node) { return self.constant(node.value); }
+        Typed operator()(const Literal& node) {
+            Typed made = self.constant(node.value);
+            made.isStrict = true;
+            return made;
+        }
         Typed operator()(const ColumnName& node) {
             return self.nameOrParameter(expression, node, scope);
         }
@@ -243,10 +216,9 @@ Typed Translator::emitNode(const Expression& expression, Scope& scope) {
         Typed operator()(const Like& node) {
             const Typed a = self.emit(*node.value, scope);
             const Typed b = self.emit(*node.pattern, scope);
+            const auto kind = node.ansi ? CallSite::Kind::ALike : CallSite::Kind::Operator;
             return negate(
-                self.site(
-                    {CallSite::Kind::Operator, Operator::Like, nullptr, {}, ColumnType::Boolean},
-                    {a, b}),
+                self.site({kind, Operator::Like, nullptr, {}, ColumnType::Boolean}, {a, b}),
                 node.negated);
         }
         Typed operator()(const Between& node) {
@@ -293,7 +265,7 @@ std::optional<Typed> Translator::column(const ColumnName& name, Scope& scope) {
         }
     }
     if (found != nullptr) {
-        return Typed{found->sql, found->type, false, {}};
+        return Typed{found->sql, found->type, false, {}, found->isStrict};
     }
     // A column of a query may itself be called "table.column".
     if (!name.qualifiers.empty()) {
@@ -301,7 +273,7 @@ std::optional<Typed> Translator::column(const ColumnName& name, Scope& scope) {
         for (const ScopeSource& source : scope.sources) {
             for (const ScopeColumn& each : source.columns) {
                 if (equalIgnoringCase(each.name, whole)) {
-                    return Typed{each.sql, each.type, false, {}};
+                    return Typed{each.sql, each.type, false, {}, each.isStrict};
                 }
             }
         }
@@ -380,7 +352,9 @@ Typed Translator::unary(const Unary& unary, Scope& scope) {
         return site({CallSite::Kind::Not, {}, nullptr, {}, ColumnType::Long}, {operand});
     }
     if (operand.constant) {
-        return constant(jet::detail::negate(*operand.constant));
+        Typed made = constant(jet::detail::negate(*operand.constant));
+        made.isStrict = operand.isStrict;
+        return made;
     }
     const Type type = form == Form::Whole  ? Type(ColumnType::Long)
                       : form == Form::Text ? Type(ColumnType::Double)
@@ -395,7 +369,7 @@ Typed Translator::binary(const Binary& binary, Scope& scope) {
     const Typed a = emit(*binary.left, scope);
     const Typed b = emit(*binary.right, scope);
     if (binary.op >= BinaryOperator::Equal && binary.op <= BinaryOperator::GreaterOrEqual) {
-        return compare(binary.op, a, b);
+        return compare(binary.op, a, b, scope);
     }
     return binary.op >= BinaryOperator::And ? logical(binary.op, a, b)
                                             : arithmetic(binary.op, a, b);
@@ -411,7 +385,7 @@ Typed Translator::logical(BinaryOperator op, const Typed& a, const Typed& b) {
                 {}};
     }
     return site({CallSite::Kind::Operator,
-                 operatorOf(op),
+                 op,
                  nullptr,
                  {},
                  truths ? ColumnType::Boolean : ColumnType::Long},
@@ -420,7 +394,7 @@ Typed Translator::logical(BinaryOperator op, const Typed& a, const Typed& b) {
 
 Typed Translator::arithmetic(BinaryOperator op, const Typed& a, const Typed& b) {
     const bool isSum = op == BinaryOperator::Add || op == BinaryOperator::Subtract;
-    CallSite call{CallSite::Kind::Operator, operatorOf(op), nullptr, {}, {}};
+    CallSite call{CallSite::Kind::Operator, op, nullptr, {}, {}};
     switch (op) {
         case BinaryOperator::Concatenate:
             call.result = a.type.column == ColumnType::Memo || b.type.column == ColumnType::Memo
