@@ -112,7 +112,7 @@ class Failures(SqlTest):
 
     def test_what_the_database_refuses_answers_3(self):
         for text, number in [("INSERT INTO Parts (Id) VALUES (1)", 3022),
-                             ("UPDATE Parts SET Price = Name WHERE Id = 1", 3421),
+                             ("UPDATE Parts SET Price = Name WHERE Id = 1", 3464),
                              ("CREATE TABLE Parts (Id LONG)", 3010)]:
             with self.subTest(text):
                 code, output, line = self.failed(text)
