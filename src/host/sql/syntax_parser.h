@@ -24,7 +24,7 @@ class SyntaxParser {
     explicit SyntaxParser(std::wstring_view text);
 
     Statement wholeStatement();
-    std::vector<ScriptEntry> script();
+    void script(std::vector<ScriptEntry>& into);
     ExpressionPtr wholeExpression();
 
   private:

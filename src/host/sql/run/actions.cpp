@@ -25,6 +25,8 @@ enum ActionError : int {
     NoTableToDelete = 3128,
     UnknownInsertColumn = 3127,
     CountOfValues = 3346,
+    ColumnTwice = 3063,
+    NoOutputTable = 3192,
     CannotDelete = 3086,
     NotUpdateableColumn = 3113,
 };
@@ -73,6 +75,12 @@ std::vector<ColumnName> insertColumns(const Insert& statement, const Scope& scop
     if (names.size() != program.columns.size()) {
         throw jet::Error(CountOfValues);
     }
+    std::set<std::wstring> given;
+    for (const ColumnName& column : names) {
+        if (!given.insert(upperCased(column.name.text)).second) {
+            throw jet::Error(ColumnTwice, {column.name.text});
+        }
+    }
     return names;
 }
 
@@ -106,7 +114,14 @@ Scope scopeOf(const Insert& statement, Translator& translator) {
     source->node = TableReference{statement.table, {}};
     from.sources.push_back(std::move(source));
     from.database = statement.database;
-    return translator.sources(from);
+    try {
+        return translator.sources(from);
+    } catch (const jet::Error& error) {
+        if (error.code() == jet::InputTableNotFound) {
+            throw jet::Error(NoOutputTable, error.names(), error.place());
+        }
+        throw;
+    }
 }
 
 // Runs `write`, which converts the values of `row` and leaves what it can't convert.

@@ -404,7 +404,17 @@ Typed Translator::logical(BinaryOperator op, const Typed& a, const Typed& b) {
                 {a, b});
 }
 
-Typed Translator::arithmetic(BinaryOperator op, const Typed& a, const Typed& b) {
+// A small whole number that is written out is an Integer, beside which a Single stays one.
+static Typed asOperand(Typed typed) {
+    if (typed.constant && std::holds_alternative<int16_t>(*typed.constant)) {
+        typed.type = ColumnType::Integer;
+    }
+    return typed;
+}
+
+Typed Translator::arithmetic(BinaryOperator op, const Typed& left, const Typed& right) {
+    const Typed a = asOperand(left);
+    const Typed b = asOperand(right);
     const bool isSum = op == BinaryOperator::Add || op == BinaryOperator::Subtract;
     CallSite call{CallSite::Kind::Operator, op, nullptr, {}, {}};
     switch (op) {

@@ -18,6 +18,8 @@ namespace {
 constexpr size_t firstExpressionName = 1000;
 constexpr int duplicateAlias = 3062;
 constexpr int orderNotDistinct = 3093;
+constexpr int headingTwice = 3104;
+constexpr int starInCrosstab = 3123;
 constexpr int cannotGroupStar = 3121;
 constexpr int orderNotInUnion = 3351;
 
@@ -418,6 +420,11 @@ Translated Translator::unite(const Union& all, const std::vector<OrderItem>& ord
 Translated Translator::crosstab(const Crosstab& crosstab, const std::vector<OrderItem>& orderBy,
                                 Scope* outer) {
     const Select& select = crosstab.select;
+    for (const SelectItem& item : select.items) {
+        if (std::holds_alternative<Star>(item.expression->node)) {
+            throw jet::Error(starInCrosstab);
+        }
+    }
     Scope scope;
     scope.outer = outer;
     if (select.from) {
@@ -425,9 +432,14 @@ Translated Translator::crosstab(const Crosstab& crosstab, const std::vector<Orde
     }
     const Typed pivot = emit(*crosstab.pivot, scope);
     std::vector<jet::Value> headings;
+    std::set<std::wstring> given;
     for (const ExpressionPtr& heading : crosstab.headings) {
         const Typed typed = emit(*heading, scope);
         headings.push_back(typed.constant ? *typed.constant : jet::Value());
+        const std::wstring text = jet::toInvariantText(headings.back());
+        if (!given.insert(upperCased(text)).second) {
+            throw jet::Error(headingTwice, {text});
+        }
     }
     if (headings.empty()) {
         Program ask = program_;

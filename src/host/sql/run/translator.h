@@ -115,7 +115,7 @@ class Translator {
     Typed unary(const Unary& unary, Scope& scope);
     Typed binary(const Binary& binary, Scope& scope);
     Typed logical(BinaryOperator op, const Typed& a, const Typed& b);
-    Typed arithmetic(BinaryOperator op, const Typed& a, const Typed& b);
+    Typed arithmetic(BinaryOperator op, const Typed& left, const Typed& right);
     Typed call(const Call& call, Scope& scope);
     std::optional<Typed> choice(const Call& call, Scope& scope);
     Typed cases(const std::vector<std::pair<std::string, Typed>>& branches,
