@@ -27,7 +27,9 @@
 #include "host/system/mutexes.h"
 #include "host/system/paths.h"
 #include "host/system/registry.h"
+#include "host/system/registry_handles.h"
 #include "host/system/shell.h"
+#include "host/system/system_libraries.h"
 #include "platform/dao/engine.h"
 #include "platform/db/database.h"
 #include "platform/variant/date_text.h"
@@ -90,6 +92,8 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     registry_ = std::make_unique<RegistryStore>(
         options_.registryFile.empty() ? RegistryStore::defaultFile() : options_.registryFile,
         [this](const std::wstring& problem) { output_->reportError(problem); });
+    registryHandles_ = std::make_unique<RegistryHandles>(*registry_);
+    libraries_ = std::make_unique<SystemLibraries>();
     supportPath_ = std::make_unique<SupportPath>();
     for (const std::wstring& folder : options_.supportPath)
         supportPath_->add(folder);

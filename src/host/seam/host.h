@@ -32,9 +32,11 @@ class InputSource;
 class ModuleLoader;
 class NamedMutexes;
 class Output;
+class RegistryHandles;
 class RegistryStore;
 class Shell;
 class SupportPath;
+class SystemLibraries;
 class SystemRegistry;
 class SystemVariables;
 class TypedWords;
@@ -84,6 +86,8 @@ class SG_API Host {
     Editor& editor() { return *editor_; }
     Output& output() { return *output_; }
     RegistryStore& registry() { return *registry_; }
+    RegistryHandles& registryHandles() { return *registryHandles_; }
+    SystemLibraries& libraries() { return *libraries_; }
     SupportPath& supportPath() { return *supportPath_; }
     Shell& shell() { return *shell_; }
     NamedMutexes& mutexes() { return *mutexes_; }
@@ -126,6 +130,8 @@ class SG_API Host {
     std::shared_ptr<TypedWords> typedWords_;
     std::shared_ptr<SystemVariables> applicationVariables_;
     std::unique_ptr<RegistryStore> registry_;
+    std::unique_ptr<RegistryHandles> registryHandles_;
+    std::unique_ptr<SystemLibraries> libraries_;
     std::unique_ptr<SupportPath> supportPath_;
     std::unique_ptr<Shell> shell_;
     std::unique_ptr<NamedMutexes> mutexes_;
