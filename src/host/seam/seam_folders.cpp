@@ -1,7 +1,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 #include <string>
 
@@ -10,11 +9,10 @@
 #include "host/system/files.h"
 #include "host/system/folders.h"
 #include "host/system/paths.h"
-#include "platform/win/files.h"
 #include "platform/win/folders.h"
 #include "platform/win/system.h"
 
-// platform/win's files and folders.
+// platform/win/folders.h.
 
 using namespace sg;
 
@@ -35,11 +33,6 @@ bool CreateDirectoryW(const wchar_t* path, const void*) {
                  : hasParent  ? ERROR_ACCESS_DENIED
                               : ERROR_PATH_NOT_FOUND);
     return false;
-}
-
-std::FILE* _wfopen(const wchar_t* path, const wchar_t* mode) {
-    if (path == nullptr || mode == nullptr) return nullptr;
-    return std::fopen(toUtf8(resolvePath(path).path).c_str(), toUtf8(mode).c_str());
 }
 
 uint32_t GetTempPathW(uint32_t capacity, wchar_t* path) {
