@@ -1,9 +1,9 @@
 #include "support/failure_file.h"
 
-#include <cstdio>
 #include <string_view>
 
 #include "base/encoding.h"
+#include "base/replacement_file.h"
 #include "platform/win/files.h"
 
 namespace sg {
@@ -49,11 +49,8 @@ std::wstring document(const FailureAccount& account) {
 }  // namespace
 
 bool saveFailureAccount(const std::wstring& file, const FailureAccount& account) {
-    std::FILE* const out = std::fopen(toUtf8(sgResolvePath(file)).c_str(), "w");
-    if (out == nullptr) return false;
-    const std::string bytes = toUtf8(document(account));
-    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), out) == bytes.size();
-    return std::fclose(out) == 0 && written;
+    ReplacementFile out(sgResolvePath(file));
+    return out.write(toUtf8(document(account))) && out.commit();
 }
 
 }  // namespace sg

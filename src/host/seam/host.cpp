@@ -22,6 +22,7 @@
 #include "host/seam/external_functions.h"
 #include "host/seam/lisp_functions.h"
 #include "host/seam/system_variable_values.h"
+#include "host/system/cryptography.h"
 #include "host/system/date_time.h"
 #include "host/system/folders.h"
 #include "host/system/mutexes.h"
@@ -99,6 +100,7 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
         supportPath_->add(folder);
     shell_ = std::make_unique<Shell>();
     mutexes_ = std::make_unique<NamedMutexes>();
+    cryptography_ = std::make_unique<Cryptography>();
     classes_ = std::make_unique<AcRxClassRegistry>();
     systemRegistry_ = std::make_unique<SystemRegistry>(classes_->dictionary());
     services_ = std::make_unique<ApplicationServices>(*this);

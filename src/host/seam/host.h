@@ -23,6 +23,7 @@ namespace lisp {
 class Interpreter;
 }
 class CommandLine;
+class Cryptography;
 class Document;
 class DocumentManager;
 class Editor;
@@ -91,6 +92,7 @@ class SG_API Host {
     SupportPath& supportPath() { return *supportPath_; }
     Shell& shell() { return *shell_; }
     NamedMutexes& mutexes() { return *mutexes_; }
+    Cryptography& cryptography() { return *cryptography_; }
     AcRxClassRegistry& classes() { return *classes_; }
     SystemRegistry& systemRegistry() { return *systemRegistry_; }
     AcDbHostApplicationServices& services() { return *services_; }
@@ -135,6 +137,7 @@ class SG_API Host {
     std::unique_ptr<SupportPath> supportPath_;
     std::unique_ptr<Shell> shell_;
     std::unique_ptr<NamedMutexes> mutexes_;
+    std::unique_ptr<Cryptography> cryptography_;
     std::unique_ptr<AcRxClassRegistry> classes_;
     std::unique_ptr<SystemRegistry> systemRegistry_;
     std::unique_ptr<Editor> editor_;
