@@ -152,18 +152,4 @@ bool isMailAddress(std::wstring_view address) {
     });
 }
 
-std::string mailLines(std::wstring_view text) {
-    std::string out;
-    const std::string bytes = toUtf8(text);
-    for (size_t i = 0; i < bytes.size(); ++i) {
-        if (bytes[i] != '\r' && bytes[i] != '\n') {
-            out += bytes[i];
-            continue;
-        }
-        if (bytes[i] == '\r' && i + 1 < bytes.size() && bytes[i + 1] == '\n') ++i;
-        out += "\r\n";
-    }
-    return out;
-}
-
 }  // namespace sg

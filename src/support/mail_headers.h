@@ -27,7 +27,4 @@ std::string mailAttachmentHeader(std::wstring_view fileName);
 // with a name and a domain, and nothing that separates addresses, quotes, or ends a line.
 bool isMailAddress(std::wstring_view address);
 
-// The text with CR LF for each line end of any kind.
-std::string mailLines(std::wstring_view text);
-
 }  // namespace sg

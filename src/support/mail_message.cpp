@@ -132,17 +132,11 @@ bool MailMessage::AddFileAttachment(const std::wstring& path, std::wstring& cont
 bool MailMessage::writeArchive(const std::wstring& path) {
     Archive archive;
     archive.SetDiscardPaths(true);
-    if (!archive.NewArchive(path))
-        return fail(L"ZipAttachments", L"cannot make the archive \"" + path + L"\"");
-    for (const Attachment& attachment : attachments_) {
-        if (!archive.AppendFileOrFolder(attachment.path, true)) {
-            archive.Close();
-            return fail(L"ZipAttachments", L"cannot compress \"" + attachment.path + L"\"");
-        }
-    }
-    if (!archive.WriteAndClose())
-        return fail(L"ZipAttachments", L"cannot write the archive \"" + path + L"\"");
-    return true;
+    bool good = archive.NewArchive(path);
+    for (const Attachment& attachment : attachments_)
+        good = good && archive.AppendFileOrFolder(attachment.path, true);
+    good = good && archive.WriteAndClose();
+    return good || fail(L"ZipAttachments", archive.lastError().reason);
 }
 
 bool MailMessage::ZipAttachments(std::wstring_view name) {

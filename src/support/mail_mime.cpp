@@ -9,6 +9,7 @@
 
 #include "base/encoding.h"
 #include "platform/win/files.h"
+#include "support/mail_body.h"
 #include "support/mail_headers.h"
 
 namespace sg {
@@ -87,13 +88,15 @@ void MailMime::addHeaders(const MailMessage& message) {
     addHeader(messageIdHeader(toUtf8(message.fromAddress())));
 }
 
-// Quoted-printable keeps the lines short and, for most languages, readable in the source.
+// Quoted-printable keeps the lines short and, for most languages, readable in the source. The
+// library would encode it as it sends it, and then could not tell the server the message's size.
 void MailMime::addBody(const MailMessage& message) {
-    const std::string text = mailLines(message.body());
+    const std::string text = quotedPrintable(message.body());
     curl_mimepart* const part = curl_mime_addpart(mime_);
     curl_mime_data(part, text.data(), text.size());
     curl_mime_type(part, "text/plain; charset=utf-8");
-    curl_mime_encoder(part, "quoted-printable");
+    curl_mime_headers(part,
+                      curl_slist_append(nullptr, "Content-Transfer-Encoding: quoted-printable"), 1);
 }
 
 bool MailMime::addAttachment(const MailMessage::Attachment& attachment) {

@@ -101,19 +101,20 @@ def real_server(options):
     return lambda: Recording(handler, **arguments)
 
 
-async def broken_server(options, reader, writer):
-    """Speaks as a server does up to the point that the options name. There it falls silent, or
-    closes the connection."""
+async def broken_server(points, is_silent, reader, writer):
+    """Speaks as a server does up to a point, with each connection up to the next of the points.
+    There it falls silent, or closes the connection."""
+    last = points.pop(0)
     answers = {"EHLO": "250 test.invalid", "NOOP": "250 OK", "MAIL": "250 OK", "RCPT": "250 OK",
                "DATA": "354 go on", "QUIT": "221 bye"}
 
     async def reached(point):
-        if point == options.silent_at:
+        if point != last:
+            return False
+        if is_silent:
             await asyncio.Event().wait()
-        if point == options.close_at:
-            writer.close()
-            return True
-        return False
+        writer.close()
+        return True
 
     if await reached("GREETING"):
         return
@@ -137,9 +138,11 @@ async def broken_server(options, reader, writer):
 
 async def serve(options):
     loop = asyncio.get_running_loop()
-    if options.silent_at or options.close_at:
+    points = (options.silent_at or options.close_at or "").split()
+    if points:
         server = await asyncio.start_server(
-            lambda reader, writer: broken_server(options, reader, writer), "127.0.0.1", 0)
+            lambda reader, writer: broken_server(points, bool(options.silent_at), reader, writer),
+            "127.0.0.1", 0)
     else:
         server = await loop.create_server(real_server(options), "127.0.0.1", 0)
     print(server.sockets[0].getsockname()[1], flush=True)
@@ -155,7 +158,7 @@ def main():
     parser.add_argument("--refuse-sender")
     parser.add_argument("--refuse-recipient")
     parser.add_argument("--after-data", help="the answer to a message")
-    parser.add_argument("--silent-at", help="GREETING, a verb, MESSAGE or END")
+    parser.add_argument("--silent-at", help="points: GREETING, a verb, MESSAGE or END")
     parser.add_argument("--close-at")
     logging.disable()  # what clients do wrong here is meant
     warnings.simplefilter("ignore")
