@@ -112,7 +112,8 @@ std::string mailAddressHeader(std::string_view name, std::wstring_view displayNa
     const std::string mailbox = toUtf8(withoutControls(address));
     if (clean.empty()) return out + mailbox;
     out += isPlain(clean, out.size() + 2) ? quoted(clean) : encodedWords(clean);
-    return out + std::string(kFold) + '<' + mailbox + '>';
+    const bool fits = out.size() + mailbox.size() + 3 <= kLineLength;
+    return out + (fits ? " " : std::string(kFold)) + '<' + mailbox + '>';
 }
 
 std::string mailDateHeader(std::chrono::system_clock::time_point time) {

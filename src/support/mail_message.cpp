@@ -107,6 +107,7 @@ bool MailMessage::SetFromName(std::wstring_view name) {
 }
 
 bool MailMessage::SetFromAddress(std::wstring_view address) {
+    fromAddress_.clear();
     if (!isMailAddress(address))
         return fail(L"SetFromAddress", L"\"" + std::wstring(address) + L"\" is no mail address");
     fromAddress_ = address;

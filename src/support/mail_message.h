@@ -31,7 +31,7 @@ class MailMessage {
     bool SetSubject(std::wstring_view subject);
     bool SetBody(std::wstring_view body);  // plain text; any line ends
     bool SetFromName(std::wstring_view name);
-    bool SetFromAddress(std::wstring_view address);
+    bool SetFromAddress(std::wstring_view address);  // a refused one leaves none
     // Adds to those that are there.
     bool AddRecipient(std::wstring_view displayName, std::wstring_view address);
 

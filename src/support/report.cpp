@@ -33,48 +33,48 @@ std::wstring explanation(const CException& exception) {
 
 }  // namespace
 
-Report::Report(ReportDialog& dialog, int32_t mode, std::wstring archiveSuffix,
-               std::wstring logFolder, std::wstring systemInfo)
+SupportReport::SupportReport(ReportDialog& dialog, int32_t mode, std::wstring archiveSuffix,
+                             std::wstring logFolder, std::wstring systemInfo)
     : dialog_(dialog),
       archiveSuffix_(std::move(archiveSuffix)),
       systemInfo_(std::move(systemInfo)),
       logPath_(std::move(logFolder) + L"qn_submit.log"),
       mode_(mode) {}
 
-Report::~Report() {
+SupportReport::~SupportReport() {
     if (logFile_ != nullptr) std::fclose(logFile_);
 }
 
-Report::Sender Report::storedSender() {
+SupportReport::Sender SupportReport::storedSender() {
     return {GetRegistryText(kSection, L"Name"), GetRegistryText(kSection, L"Email"),
             GetRegistryText(kSection, L"Phone"),
             GetRegistryText(kSection, kSavesToDesktop) == L"1"};
 }
 
-ReportField Report::Sender::firstFocus() const {
+ReportField SupportReport::Sender::firstFocus() const {
     if (name.empty()) return ReportField::name;
     return email.empty() ? ReportField::email : ReportField::text;
 }
 
-std::wstring Report::trimmedField(ReportField field) const {
+std::wstring SupportReport::trimmedField(ReportField field) const {
     return std::wstring(trimmed(dialog_.fieldText(field)));
 }
 
-std::wstring Report::BuildArchiveName() const {
+std::wstring SupportReport::BuildArchiveName() const {
     return sg::BuildArchiveName(dialog_.fieldText(ReportField::name), archiveSuffix_);
 }
 
-std::wstring Report::BuildSubject(size_t limit) const {
+std::wstring SupportReport::BuildSubject(size_t limit) const {
     return sg::BuildSubject(reportMode(mode_).subjectPrefix, dialog_.fieldText(ReportField::text),
                             limit);
 }
 
-std::wstring Report::BuildBody() const {
+std::wstring SupportReport::BuildBody() const {
     return sg::BuildBody(dialog_.fieldText(ReportField::phone),
                          dialog_.fieldText(ReportField::text), systemInfo_);
 }
 
-bool Report::submit() {
+bool SupportReport::submit() {
     LogOpen();
     const std::wstring phone = trimmedField(ReportField::phone);
     const std::wstring name = trimmedField(ReportField::name);
@@ -90,7 +90,7 @@ bool Report::submit() {
     return true;
 }
 
-bool Report::submitGuarded() {
+bool SupportReport::submitGuarded() {
     try {
         return SendReport();
     } catch (CException* exception) {
@@ -104,12 +104,12 @@ bool Report::submitGuarded() {
     return false;
 }
 
-void Report::endUnexpectedly(const std::wstring& text) {
+void SupportReport::endUnexpectedly(const std::wstring& text) {
     mailSession_.CloseSmtpConnection();
     dialog_.showBox(text, kCaption, MB_OK);
 }
 
-bool Report::SendReport() {
+bool SupportReport::SendReport() {
     Fields fields;
     fields.phone = trimmedField(ReportField::phone);
     fields.name = trimmedField(ReportField::name);
@@ -129,7 +129,7 @@ bool Report::SendReport() {
     return finish(error);
 }
 
-bool Report::acceptAddresses(const Fields& fields) {
+bool SupportReport::acceptAddresses(const Fields& fields) {
     const int code = ValidateAddresses(fields.email, fields.repeatedEmail,
                                        UnscrambleText(deployment::kSupportDomain));
     if (code == kAddressGood) return true;
@@ -138,7 +138,7 @@ bool Report::acceptAddresses(const Fields& fields) {
     return false;
 }
 
-std::wstring Report::deliver(const Fields& fields) {
+std::wstring SupportReport::deliver(const Fields& fields) {
     if (!connect()) return L"Could not connect to the SMTP server.";
     composeMessage(fields);
     if (!attachments.empty()) {
@@ -151,7 +151,7 @@ std::wstring Report::deliver(const Fields& fields) {
     return L"An error occurred while sending the email and was unable to finish.";
 }
 
-bool Report::connect() {
+bool SupportReport::connect() {
     LogStep(L"Setup SMTP...\n");
     mailSession_.SetSmtpHost(UnscrambleText(deployment::kSmtpHost));
     mailSession_.SetSmtpUserName(UnscrambleText(deployment::kSmtpUser));
@@ -169,7 +169,7 @@ bool Report::connect() {
     return true;
 }
 
-void Report::composeMessage(const Fields& fields) {
+void SupportReport::composeMessage(const Fields& fields) {
     LogStep(L"Create email text...\n");
     mailMessage_.SetSubject(BuildSubject(kSubjectLimit));
     mailMessage_.SetBody(BuildBody());
@@ -179,7 +179,7 @@ void Report::composeMessage(const Fields& fields) {
     LogStep(L"Done\n");
 }
 
-std::wstring Report::attachFiles() {
+std::wstring SupportReport::attachFiles() {
     LogStep(L"Add attachments...\n");
     dialog_.showStatus(L"Adding attachments...");
     for (const std::wstring& path : attachments) {
@@ -191,7 +191,7 @@ std::wstring Report::attachFiles() {
     return {};
 }
 
-std::wstring Report::compressAttachments() {
+std::wstring SupportReport::compressAttachments() {
     LogStep(L"Done\n");
     LogStep(L"Compress attachments...\n");
     dialog_.showStatus(L"Zipping attachments...");
@@ -200,13 +200,13 @@ std::wstring Report::compressAttachments() {
     return L"There was an error compressing one or more of the file attachments.";
 }
 
-bool Report::send() {
+bool SupportReport::send() {
     LogStep(L"Sending...\n");
     mailSession_.SetProgressSink(this);
     return mailSession_.SendMessage(mailMessage_);
 }
 
-bool Report::finish(const std::wstring& error) {
+bool SupportReport::finish(const std::wstring& error) {
     const std::wstring quotedAddress = L"\"" + supportAddress() + L"\"";
     if (error.empty()) {
         dialog_.showBox(L"Message sent successfully.", kCaption, MB_OK);

@@ -35,15 +35,15 @@ class ReportDialog {
 
 // A report to the support desk: what it carries, and what the dialog's OK button does with it. It
 // is mailed with its attachments in one archive, or saved as an archive on the desktop for the user
-// to send. Everything is told through the dialog; no operation throws.
-class Report : private MailProgressSink {
+// to send. Everything is told through the dialog.
+class SupportReport : private MailProgressSink {
   public:
     // `logFolder` ends with its own separator.
-    Report(ReportDialog& dialog, int32_t mode, std::wstring archiveSuffix, std::wstring logFolder,
-           std::wstring systemInfo);
-    Report(const Report&) = delete;
-    Report& operator=(const Report&) = delete;
-    ~Report() override;
+    SupportReport(ReportDialog& dialog, int32_t mode, std::wstring archiveSuffix,
+                  std::wstring logFolder, std::wstring systemInfo);
+    SupportReport(const SupportReport&) = delete;
+    SupportReport& operator=(const SupportReport&) = delete;
+    ~SupportReport() override;
 
     // Full paths; empty ones are left out where the report is made.
     std::vector<std::wstring> attachments;

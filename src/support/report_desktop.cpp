@@ -38,7 +38,7 @@ void showInBrowser(const std::wstring& path) {
 
 }  // namespace
 
-std::wstring Report::WriteErrorText() const {
+std::wstring SupportReport::WriteErrorText() const {
     std::wstring folder;
     if (!GetTempFolder(folder)) return {};
     const std::wstring body = BuildBody();
@@ -52,7 +52,7 @@ std::wstring Report::WriteErrorText() const {
     return path;
 }
 
-void Report::SaveReportToDesktop() {
+void SupportReport::SaveReportToDesktop() {
     const std::wstring fileName =
         L"Send to " + UnscrambleText(deployment::kSupportAddress) + L"--" + BuildArchiveName();
     if (const std::wstring path = WriteErrorText(); !path.empty()) attachments.push_back(path);
@@ -66,7 +66,7 @@ void Report::SaveReportToDesktop() {
 }
 
 // Answers the error text, empty when the archive at `path` is whole.
-std::wstring Report::writeDesktopArchive(const std::wstring& fileName, std::wstring& path) {
+std::wstring SupportReport::writeDesktopArchive(const std::wstring& fileName, std::wstring& path) {
     Archive archive;
     archive.SetDiscardPaths(true);
     const auto failed = [&](const wchar_t* text) {
@@ -86,7 +86,7 @@ std::wstring Report::writeDesktopArchive(const std::wstring& fileName, std::wstr
     return {};
 }
 
-void Report::announceDesktopArchive(const std::wstring& fileName, const std::wstring& path) {
+void SupportReport::announceDesktopArchive(const std::wstring& fileName, const std::wstring& path) {
     const std::wstring text = std::wstring(kNotSent) + L"\n\nFile \"" + fileName +
                               L"\" was saved to the desktop but has not been sent.\n\n" +
                               L"Manually send the file to \"" +

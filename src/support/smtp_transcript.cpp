@@ -1,5 +1,6 @@
 #include "support/smtp_transcript.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/encoding.h"
@@ -62,10 +63,6 @@ void SmtpTranscript::endMessage() {
 void SmtpTranscript::add(std::string line) {
     lines_.push_back(std::move(line));
     if (lines_.size() > kMostLines) lines_.pop_front();
-}
-
-void SmtpTranscript::clear() {
-    *this = SmtpTranscript();
 }
 
 std::vector<std::wstring> SmtpTranscript::lines() const {

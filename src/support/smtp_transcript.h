@@ -18,7 +18,6 @@ class SmtpTranscript {
     // Bytes of a message, of which only the number is told.
     void addMessageBytes(size_t count);
 
-    void clear();
     std::vector<std::wstring> lines() const;
 
   private:

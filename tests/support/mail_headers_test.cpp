@@ -26,7 +26,7 @@ TEST(MailHeadersTest, PlainTextStandsAsItIs) {
     EXPECT_EQ(mailTextHeader("Subject", L""), "Subject: ");
     EXPECT_EQ(mailAddressHeader("From", L"", L"a@b.c"), "From: a@b.c");
     EXPECT_EQ(mailAddressHeader("From", L"O'Neil, \"Joe\" \\", L"a@b.c"),
-              "From: \"O'Neil, \\\"Joe\\\" \\\\\"\r\n <a@b.c>");
+              "From: \"O'Neil, \\\"Joe\\\" \\\\\" <a@b.c>");
 }
 
 TEST(MailHeadersTest, OtherTextIsEncoded) {
@@ -34,7 +34,7 @@ TEST(MailHeadersTest, OtherTextIsEncoded) {
     EXPECT_THAT(mailTextHeader("Subject", L"=?UTF-8?B?QQ==?="), StartsWith("Subject: =?UTF-8?B?PT"))
         << "text that looks encoded";
     EXPECT_THAT(mailTextHeader("Subject", L" blank"), StartsWith("Subject: =?"));
-    EXPECT_EQ(mailAddressHeader("To", L"\u00c9", L"a@b.c"), "To: =?UTF-8?B?w4k=?=\r\n <a@b.c>");
+    EXPECT_EQ(mailAddressHeader("To", L"\u00c9", L"a@b.c"), "To: =?UTF-8?B?w4k=?= <a@b.c>");
 }
 
 TEST(MailHeadersTest, LongTextIsFoldedBetweenCharacters) {

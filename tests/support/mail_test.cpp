@@ -140,6 +140,8 @@ TEST_F(MailTest, NothingIsInjected) {
     message.SetSubject(L"x\r\nBcc: evil@example.net\r\n\r\nbody");
     message.SetFromName(L"y\nTo: evil@example.net");
     EXPECT_FALSE(message.SetFromAddress(L"a@b>\r\nRCPT TO:<evil@example.net"));
+    EXPECT_FALSE(session.SendMessage(message)) << "the address that was there is not used instead";
+    message.SetFromAddress(L"joe@example.com");
     EXPECT_FALSE(message.AddRecipient(L"", L"a@b.c, evil@example.net"));
     message.AddRecipient(L"z\r\nCc: evil@example.net", L"other@example.org");
     EXPECT_TRUE(session.SendMessage(message)) << lastError();

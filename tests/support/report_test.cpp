@@ -59,10 +59,10 @@ class FakeDialog : public ReportDialog {
 };
 
 // A report whose trace goes to the log.
-class TracedReport : public Report {
+class TracedReport : public SupportReport {
   public:
     TracedReport(FakeDialog& dialog, int32_t mode, std::wstring suffix, Log& log)
-        : Report(dialog, mode, std::move(suffix), L"logs/", L"the system"), log_(log) {}
+        : SupportReport(dialog, mode, std::move(suffix), L"logs/", L"the system"), log_(log) {}
 
   protected:
     void LogOpen() override { log_.push_back("open"); }
@@ -212,7 +212,7 @@ TEST_F(ReportTest, TheFallbackAccepted) {
     EXPECT_EQ(setting(L"bSendToDesktop2"), "1");
     EXPECT_EQ(entries(), "plan.qn\nqn_error.txt\n");
     EXPECT_EQ(read("started"), "open " + (folder_ / "Desktop").string() + "\n");
-    EXPECT_TRUE(Report::storedSender().savesToDesktop);
+    EXPECT_TRUE(SupportReport::storedSender().savesToDesktop);
 }
 
 TEST_F(ReportTest, FailureWithoutAttachmentsOffersNothing) {
@@ -330,12 +330,12 @@ TEST_F(ReportTest, WithoutATemporaryFolderThereIsNoErrorText) {
 }
 
 TEST_F(ReportTest, WhatTheDialogStartsWith) {
-    EXPECT_EQ(Report::storedSender().firstFocus(), ReportField::name);
+    EXPECT_EQ(SupportReport::storedSender().firstFocus(), ReportField::name);
     SetRegistryText(L"Joe", L"Name", L"Shared");
-    EXPECT_EQ(Report::storedSender().firstFocus(), ReportField::email);
+    EXPECT_EQ(SupportReport::storedSender().firstFocus(), ReportField::email);
     SetRegistryText(L"a@b.c", L"Email", L"Shared");
     SetRegistryText(L"2", L"bSendToDesktop2", L"Shared");
-    const Report::Sender sender = Report::storedSender();
+    const SupportReport::Sender sender = SupportReport::storedSender();
     EXPECT_EQ(sender.firstFocus(), ReportField::text);
     EXPECT_EQ(sender.email, L"a@b.c");
     EXPECT_FALSE(sender.savesToDesktop) << "only \"1\" counts";
