@@ -41,7 +41,9 @@ ReplacementFile::ReplacementFile(std::wstring_view target) : target_(toUtf8(targ
     const fs::path followed = fs::canonical(target_, error);
     if (!error) target_ = followed.native();
     struct stat info;
-    if (::stat(target_.c_str(), &info) != 0) {
+    if (target_.empty()) {
+        fail(ENOENT);
+    } else if (::stat(target_.c_str(), &info) != 0) {
         create(0666);
     } else if (!S_ISREG(info.st_mode)) {
         fail(S_ISDIR(info.st_mode) ? EISDIR : EINVAL);
