@@ -8,6 +8,12 @@
 namespace sg::jet {
 namespace {
 
+// Letters that the order of texts takes for one. It has a weight of its own for the long s.
+wchar_t folded(wchar_t c) {
+    constexpr wchar_t longS = 0x17F;
+    return c == longS ? c : toUpper(c);
+}
+
 bool isBetween(wchar_t c, wchar_t low, wchar_t high) {
     return low <= c && c <= high;
 }
@@ -60,7 +66,7 @@ Element matchElement(std::wstring_view pattern, size_t at, wchar_t c) {
         case L'[':
             return matchList(pattern, at, c);
         default:
-            return {at + 1, toUpper(pattern[at]) == toUpper(c)};
+            return {at + 1, folded(pattern[at]) == folded(c)};
     }
 }
 

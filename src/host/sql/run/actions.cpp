@@ -33,6 +33,7 @@ jet::PackedRows collected(const Setting& setting, const Program& program) {
                  values[i]);
         }
         rows.append(values);
+        setting.engine.checkResult(rows.contentBytes());
     });
     return rows;
 }

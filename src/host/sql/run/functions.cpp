@@ -9,7 +9,9 @@
 #include "host/jet/expression/expression_decimal.h"
 #include "host/jet/expression/expression_operators.h"
 #include "host/jet/values/value_convert.h"
+#include "host/sql/run/like.h"
 #include "host/sql/run/sqlite_values.h"
+#include "host/sql/run/text_order.h"
 
 namespace sg::sql {
 namespace {
@@ -20,13 +22,6 @@ class NoNames final : public jet::ExpressionNames {
   public:
     bool value(std::wstring_view, jet::Value&) const override { return false; }
 };
-
-jet::Value likeOf(const jet::Value& text, const jet::Value& pattern) {
-    if (jet::isNull(text) || jet::isNull(pattern)) {
-        return {};
-    }
-    return jet::isLike(jet::toInvariantText(text), jet::toInvariantText(pattern));
-}
 
 // The bounds may come in either order.
 jet::Value betweenOf(const Values& values) {
@@ -54,9 +49,7 @@ jet::Value functionOf(const CallSite& site, Values& values) {
 jet::Value valueOf(const CallSite& site, Values& values) {
     switch (site.kind) {
         case CallSite::Kind::Operator:
-            return site.op == jet::detail::Operator::Like
-                       ? likeOf(values[0], values[1])
-                       : jet::detail::applyOperator(site.op, values[0], values[1]);
+            return jet::detail::applyOperator(site.op, values[0], values[1]);
         case CallSite::Kind::Between:
             return betweenOf(values);
         case CallSite::Kind::Negate:
@@ -92,7 +85,8 @@ void callFunction(sqlite3_context* context, int count, sqlite3_value** arguments
     guarded(context, [&] {
         const auto place = static_cast<size_t>(sqlite3_value_int64(arguments[0]));
         const CallSite& site = runningOf(context).program->calls.at(place);
-        Values values(static_cast<size_t>(count) - 1);
+        Values& values = site.values;
+        values.resize(static_cast<size_t>(count) - 1);
         for (size_t i = 0; i < values.size(); ++i) {
             take(arguments[i + 1], site.arguments[i], values[i]);
         }
@@ -219,6 +213,7 @@ void addFunctions(sqlite3* connection, Engine::Running& running) {
     };
     add("jet", -1, SQLITE_DETERMINISTIC, callFunction, nullptr, nullptr);
     add("jetv", -1, 0, callFunction, nullptr, nullptr);
+    add(likeName.data(), 2, SQLITE_DETERMINISTIC, callLike, nullptr, nullptr);
     add("jet_first", 1, 0, nullptr, stepFirst, finishKept);
     add("jet_last", 1, 0, nullptr, stepLast, finishKept);
     add("jet_stdev", 1, 0, nullptr, stepSpread, finishSpread<true, true>);

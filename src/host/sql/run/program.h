@@ -33,6 +33,7 @@ struct CallSite {
     const jet::detail::Function* function = nullptr;
     std::vector<Type> arguments;
     Type result;
+    mutable std::vector<jet::Value> values{};  // of the call at hand, kept for their memory
 };
 
 // A table that the text names "jetN", N being its place.

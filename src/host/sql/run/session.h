@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -24,6 +25,15 @@ struct Parameter {
 };
 using Parameters = std::vector<Parameter>;
 
+// What a statement may cost.
+struct Limits {
+    // Asked now and then, at least every few thousand rows: true ends the statement with Canceled
+    // (3059).
+    std::function<bool()> isCanceled;
+    // That the rows of a result take in memory; more than this ends with ResultTooLarge (3183).
+    uint64_t resultBytes = uint64_t(1) << 30;
+};
+
 // Runs statements of the dialect on a database, which must outlive it. Linked tables and stored
 // queries stand for their rows.
 class SG_API Session {
@@ -32,6 +42,9 @@ class SG_API Session {
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
+
+    // For the statements from now on.
+    void limit(Limits limits);
 
     // The rows of a query as they are now. Throws what parseStatement() throws; InputTableNotFound
     // (3078), UnknownName (3061) with the number of parameters that have no value,
@@ -48,8 +61,9 @@ class SG_API Session {
     int64_t execute(std::wstring_view text, const Parameters& parameters = {});
     int64_t execute(const Statement& statement, const Parameters& parameters = {});
 
-    // How a query is to be run, a line a step: SEARCH where an index is used, SCAN where all rows
-    // are read.
+    // How a query is to be run, a line a step: SEARCH where an index is used to find rows, SCAN
+    // where all are read. A TRANSIENT INDEX is made for the statement, in memory, where rows of a
+    // table are looked for again and again and it has no index for it.
     std::vector<std::wstring> explain(const Statement& statement,
                                       const Parameters& parameters = {});
 

@@ -6,6 +6,7 @@
 #include "host/jet/database/database.h"
 #include "host/jet/expression/expression_operators.h"
 #include "host/jet/format/error.h"
+#include "host/sql/run/like.h"
 #include "host/sql/run/sqlite_values.h"
 #include "host/sql/run/translator.h"
 #include "host/sql/syntax_errors.h"
@@ -240,15 +241,7 @@ Typed Translator::emitNode(const Expression& expression, Scope& scope) {
         }
         Typed operator()(const Unary& node) { return self.unary(node, scope); }
         Typed operator()(const Binary& node) { return self.binary(node, scope); }
-        Typed operator()(const Like& node) {
-            const Typed a = self.emit(*node.value, scope);
-            const Typed b = self.emit(*node.pattern, scope);
-            return negate(
-                self.site(
-                    {CallSite::Kind::Operator, Operator::Like, nullptr, {}, ColumnType::Boolean},
-                    {a, b}),
-                node.negated);
-        }
+        Typed operator()(const Like& node) { return negate(self.like(node, scope), node.negated); }
         Typed operator()(const Between& node) {
             return negate(self.between(node, scope), node.negated);
         }
@@ -389,6 +382,15 @@ Typed Translator::unary(const Unary& unary, Scope& scope) {
         return {std::string("(-") + value(operand) + ")", type, false, {}};
     }
     return site({CallSite::Kind::Negate, {}, nullptr, {}, type}, {operand});
+}
+
+Typed Translator::like(const Like& like, Scope& scope) {
+    const auto text = [&](const Typed& typed) {
+        return value(isText(typed.type) ? typed : converted(typed, ColumnType::Text));
+    };
+    const std::string left = text(emit(*like.value, scope));
+    const std::string right = text(emit(*like.pattern, scope));
+    return {std::string(likeName) + "(" + left + ", " + right + ")", ColumnType::Boolean, true, {}};
 }
 
 Typed Translator::binary(const Binary& binary, Scope& scope) {

@@ -102,6 +102,7 @@ class Translator {
     Typed parameter(const std::wstring& name);
     Typed positionalParameter(uint32_t index);
     Typed unary(const Unary& unary, Scope& scope);
+    Typed like(const Like& like, Scope& scope);
     Typed binary(const Binary& binary, Scope& scope);
     Typed logical(BinaryOperator op, const Typed& a, const Typed& b);
     Typed arithmetic(BinaryOperator op, const Typed& a, const Typed& b);
