@@ -299,7 +299,7 @@ std::string textOf(const Case& each) {
 }
 
 void compareQuery(const Case& each, jet::Database& database, Peer& peer) {
-    constexpr int runs = 5;
+    constexpr int runs = 7;
     double ours = 1e9;
     double theirs = 1e9;
     int64_t rows = 0;

@@ -92,6 +92,56 @@ class ReadScopes {
     std::vector<std::unique_ptr<jet::Database::ReadScope>> scopes_;
 };
 
+// Tells where the first rows of an order end.
+class FirstRowsCounter {
+  public:
+    // `counts` tells that the rows are the program's own.
+    FirstRowsCounter(const Program& program, bool counts)
+        : first_(counts && program.first ? &*program.first : nullptr),
+          columns_(program.columns.size()) {}
+
+    // Whether the row comes behind them; asked of every row in its turn.
+    bool isBehind(sqlite3_stmt* row) {
+        if (first_ == nullptr) {
+            return false;
+        }
+        if (++rows_ > first_->count) {
+            return first_->count == 0 || !hasKeys(row);
+        }
+        if (rows_ == first_->count) {
+            for (size_t i = 0; i < first_->keys; ++i) {
+                keys_.emplace_back(sqlite3_value_dup(keyOf(row, i)));
+                if (keys_.back() == nullptr) {
+                    throw std::bad_alloc();
+                }
+            }
+        }
+        return false;
+    }
+
+  private:
+    struct Freer {
+        void operator()(sqlite3_value* value) const { sqlite3_value_free(value); }
+    };
+
+    sqlite3_value* keyOf(sqlite3_stmt* row, size_t key) const {
+        return sqlite3_column_value(row, static_cast<int>(columns_ + key));
+    }
+    bool hasKeys(sqlite3_stmt* row) const {
+        for (size_t i = 0; i < keys_.size(); ++i) {
+            if (!areSame(keys_[i].get(), keyOf(row, i))) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    const FirstRows* first_;  // null: all rows count
+    size_t columns_;
+    uint64_t rows_ = 0;
+    std::vector<std::unique_ptr<sqlite3_value, Freer>> keys_;  // of the last of the first rows
+};
+
 }  // namespace
 
 Engine::Engine() {
@@ -212,8 +262,12 @@ void Engine::step(const Program& program, const std::string& before,
     for (size_t i = 0; i < program.bound.size(); ++i) {
         bind(statement.get(), static_cast<int>(i) + 1, program.bound[i]);
     }
+    FirstRowsCounter counter(program, before.empty());
     int code = SQLITE_ROW;
     while ((code = sqlite3_step(statement.get())) == SQLITE_ROW) {
+        if (counter.isBehind(statement.get())) {
+            return;
+        }
         row(statement.get());
     }
     if (code != SQLITE_DONE) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,13 @@ struct NamedSource {
     TableUse table;  // without a database for a query
 };
 
+// Only the first rows count: so many, and those behind them whose last columns of the text, the
+// keys of the order, are still the same.
+struct FirstRows {
+    uint64_t count = 0;
+    size_t keys = 0;  // columns behind Program::columns
+};
+
 struct Program {
     std::string text;
     std::vector<jet::Value> bound;  // to ?1, ?2...
@@ -60,6 +68,7 @@ struct Program {
     std::vector<TableUse> tables;
     std::vector<OutputColumn> columns;
     std::map<std::string, NamedSource> sources;
+    std::optional<FirstRows> first;
 };
 
 }  // namespace sg::sql

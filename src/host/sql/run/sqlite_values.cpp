@@ -312,11 +312,27 @@ std::string literalOf(const jet::Value& value) {
     return text;
 }
 
+// To ask for the text itself would make SQLite put an end behind it, for which there may be no
+// room.
 std::string_view textOf(sqlite3_value* value) {
-    const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
-    return text == nullptr
-               ? std::string_view()
-               : std::string_view(text, static_cast<size_t>(sqlite3_value_bytes(value)));
+    return blobOf(value);
+}
+
+bool areSame(sqlite3_value* a, sqlite3_value* b) {
+    const int held = sqlite3_value_type(a);
+    const int other = sqlite3_value_type(b);
+    if (held == SQLITE_INTEGER && other == SQLITE_INTEGER) {
+        return sqlite3_value_int64(a) == sqlite3_value_int64(b);
+    }
+    if (held == SQLITE_INTEGER || held == SQLITE_FLOAT) {
+        return (other == SQLITE_INTEGER || other == SQLITE_FLOAT) &&
+               sqlite3_value_double(a) == sqlite3_value_double(b);
+    }
+    if (held != other) {
+        return false;
+    }
+    return held == SQLITE_NULL ||
+           (held == SQLITE_TEXT ? compareTexts(textOf(a), textOf(b)) == 0 : blobOf(a) == blobOf(b));
 }
 
 // A whole number that equals a real one is that one when it is made real.

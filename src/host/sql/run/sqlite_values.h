@@ -28,7 +28,10 @@ std::string literalOf(const jet::Value& value);
 std::optional<uint64_t> hashOf(const jet::Value& value);
 std::optional<uint64_t> hashOf(sqlite3_value* value);
 
-// A text's bytes, which hold until SQLite is given the value again.
+// As SQLite's IS would tell it, of texts by the collation JET.
+bool areSame(sqlite3_value* a, sqlite3_value* b);
+
+// The bytes of a value that is a text, which hold until SQLite is given the value again.
 std::string_view textOf(sqlite3_value* value);
 
 }  // namespace sg::sql

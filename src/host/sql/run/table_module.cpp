@@ -53,10 +53,11 @@ class JetCursor : public sqlite3_vtab_cursor {
   public:
     explicit JetCursor(const jet::Table& table) : sqlite3_vtab_cursor{}, rows_(table) {}
 
-    void start(const AccessPath& path, sqlite3_value** arguments);
+    // `path` is the same for as long as its text stands at the same place.
+    void start(int number, const char* text, sqlite3_value** arguments);
     void next() {
         if (index_) {
-            settle(backwards_ ? index_->previous() : index_->next());
+            settle(path_.backwards ? index_->previous() : index_->next());
         } else if (isListed_) {
             nextListed();
         } else {
@@ -70,31 +71,43 @@ class JetCursor : public sqlite3_vtab_cursor {
     ColumnReader reader;
 
   private:
+    void start(sqlite3_value** arguments);
     void startScan() { ended_ = !rows_.first(); }
-    void startIndex(const AccessPath& path, KeyRange range);
-    void startListed(const AccessPath& path, sqlite3_value** arguments);
+    void startIndex(KeyRange range);
+    void startListed(sqlite3_value** arguments);
     void nextListed();
     void settle(bool found);
 
     jet::RowCursor rows_;
     bool ended_ = true;
+    AccessPath path_;
+    int number_ = 0;
+    const char* text_ = nullptr;  // of path_
     std::optional<jet::IndexCursor> index_;
-    bool backwards_ = false;
     KeyRange range_;
     bool isListed_ = false;
     std::span<const uint32_t> list_;  // rows that are still to come
 };
 
-void JetCursor::start(const AccessPath& path, sqlite3_value** arguments) {
+void JetCursor::start(int number, const char* text, sqlite3_value** arguments) {
+    if (text_ == nullptr || text != text_ || number != number_) {
+        path_ = AccessPath::of(number, text);
+        number_ = number;
+        text_ = text;
+    }
+    start(arguments);
+}
+
+void JetCursor::start(sqlite3_value** arguments) {
     index_.reset();
     isListed_ = false;
-    if (path.kind == AccessPath::Kind::Transient) {
-        startListed(path, arguments);
+    if (path_.kind == AccessPath::Kind::Transient) {
+        startListed(arguments);
         return;
     }
-    if (path.kind == AccessPath::Kind::Index) {
+    if (path_.kind == AccessPath::Kind::Index) {
         try {
-            startIndex(path, rangeOf(table(), path, arguments));
+            startIndex(rangeOf(table(), path_, arguments));
             return;
         } catch (const jet::Error& error) {
             if (error.code() != jet::OperationNotSupported) {
@@ -106,16 +119,15 @@ void JetCursor::start(const AccessPath& path, sqlite3_value** arguments) {
     startScan();
 }
 
-void JetCursor::startIndex(const AccessPath& path, KeyRange range) {
+void JetCursor::startIndex(KeyRange range) {
     ended_ = true;
     if (range.isEmpty) {
         return;
     }
     range_ = std::move(range);
-    backwards_ = path.backwards;
     const jet::Table& table = this->table().table;
-    index_.emplace(table.store(), table.definition().realIndexes[path.index].rootPage);
-    if (!backwards_) {
+    index_.emplace(table.store(), table.definition().realIndexes[path_.index].rootPage);
+    if (!path_.backwards) {
         settle(index_->lowerBound(jet::ByteView(range_.low)));
     } else if (range_.high.empty()) {
         settle(index_->last());
@@ -129,7 +141,7 @@ void JetCursor::settle(bool found) {
     ended_ = true;
     while (found) {
         const jet::ByteView key = index_->key();
-        if (backwards_ ? orderOf(key, range_.low) < 0 : orderOf(key, range_.high) > 0) {
+        if (path_.backwards ? orderOf(key, range_.low) < 0 : orderOf(key, range_.high) > 0) {
             return;
         }
         if (rows_.seek(index_->row())) {
@@ -137,26 +149,26 @@ void JetCursor::settle(bool found) {
             return;
         }
         table().running->passRow();
-        found = backwards_ ? index_->previous() : index_->next();
+        found = path_.backwards ? index_->previous() : index_->next();
     }
 }
 
 // The first time all rows are looked at, which is all that there is to do where the values stay the
 // same; an index is made when they are asked for a second time.
-void JetCursor::startListed(const AccessPath& path, sqlite3_value** arguments) {
+void JetCursor::startListed(sqlite3_value** arguments) {
     Engine::Running& running = *table().running;
-    Engine::TransientUse& use = running.transients[{&table(), path.columns}];
+    Engine::TransientUse& use = running.transients[{&table(), path_.columns}];
     if (use.count++ == 0) {
         startScan();
         return;
     }
     if (use.index == nullptr) {
-        use.index = std::make_shared<TransientIndex>(table().table, path.columns,
+        use.index = std::make_shared<TransientIndex>(table().table, path_.columns,
                                                      [&running] { running.passRow(); });
     }
     HashOfValues hash;
     bool hasNull = false;
-    for (size_t i = 0; i < path.columns.size(); ++i) {
+    for (size_t i = 0; i < path_.columns.size(); ++i) {
         const std::optional<uint64_t> part = hashOf(arguments[i]);
         hash.add(part.value_or(0));
         hasNull = hasNull || !part;
@@ -192,7 +204,7 @@ int bestIndex(sqlite3_vtab* base, sqlite3_index_info* info) {
 int filter(sqlite3_vtab_cursor* base, int number, const char* text, int, sqlite3_value** values) {
     JetCursor& cursor = cursorOf(base);
     return guarded(*cursor.table().running, [&] {
-        cursor.start(AccessPath::of(number, text), values);
+        cursor.start(number, text, values);
         return SQLITE_OK;
     });
 }

@@ -91,6 +91,7 @@ Translator::Translator(jet::Database& database, const std::vector<ParameterDecla
 }
 
 Program Translator::query(const Query& query) {
+    whole_ = &query;
     return finish(translate(query, nullptr));
 }
 

@@ -248,6 +248,11 @@ std::string Translator::columnList(const Select& select, const std::vector<Item>
     return sql;
 }
 
+// Whether the select is the whole query, whose first rows are counted as they come.
+bool Translator::isWhole(const Select& select) const {
+    return whole_ != nullptr && std::get_if<Select>(&whole_->body) == &select;
+}
+
 // The clauses put together. The first n of an order are all those that rank up to n, so that
 // those who share the last rank stay together.
 Translated Translator::assemble(const Select& select, const std::vector<Item>& items,
@@ -292,6 +297,11 @@ Translated Translator::assemble(const Select& select, const std::vector<Item>& i
     }
     for (size_t i = 0; i < order.size(); ++i) {
         list += std::string(", ") + compared(order[i].typed) + " AS o" + std::to_string(i);
+    }
+    if (isWhole(select) && !select.top->percent) {
+        program_.first = {static_cast<uint64_t>(select.top->count), order.size()};
+        made.sql = list + clauses + ordering(order, "");
+        return made;
     }
     const std::string count = std::to_string(select.top->count);
     const std::string limit =

@@ -1,5 +1,7 @@
 // Where rows come from: tables, stored queries, joins.
 
+#include <algorithm>
+
 #include "base/text.h"
 #include "host/jet/database/database.h"
 #include "host/jet/format/error.h"
@@ -11,7 +13,7 @@
 namespace sg::sql {
 namespace {
 
-constexpr int maxNestedQueries = 40;
+constexpr size_t maxNestedQueries = 40;
 
 // Whether it is written as a join, which must then stand in parentheses.
 bool isJoin(const Source& source) {
@@ -187,9 +189,14 @@ std::string Translator::derived(Translated inner, std::wstring name, Scope& scop
 
 // In the database that it is kept in, with parameters of its own.
 Translated Translator::storedQuery(jet::Database& database, std::wstring_view name) {
-    if (++depth_ > maxNestedQueries) {
-        throw jet::Error(TooComplex, {}, {.detail = L"queries that ask each other"});
+    const StoredName self{&database, upperCased(name)};
+    if (std::find(asked_.begin(), asked_.end(), self) != asked_.end()) {
+        throw jet::Error(jet::CircularReference, {std::wstring(name)});
     }
+    if (asked_.size() >= maxNestedQueries) {
+        throw jet::Error(TooComplex, {}, {.detail = L"queries that ask queries, too deep"});
+    }
+    asked_.push_back(self);
     const Statement statement = parseStatement(database.query(name).sql());
     const auto* query = std::get_if<QueryPtr>(&statement.body);
     if (query == nullptr) {
@@ -199,7 +206,7 @@ Translated Translator::storedQuery(jet::Database& database, std::wstring_view na
         declared_.try_emplace(upperCased(parameter.name.name.text), parameter.type);
     }
     Translated made = translate(**query, nullptr);
-    --depth_;
+    asked_.pop_back();
     return made;
 }
 

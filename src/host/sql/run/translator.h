@@ -59,6 +59,11 @@ class Translator {
         const Expression* expression = nullptr;
         bool isAlias = false;
     };
+    struct StoredName {
+        const jet::Database* database = nullptr;
+        std::wstring name;  // in capitals
+        bool operator==(const StoredName&) const = default;
+    };
     struct OrderKey {
         Typed typed;
         bool descending = false;
@@ -80,6 +85,7 @@ class Translator {
     void group(const Select& select, Scope& scope, bool anyAggregate);
     std::vector<OrderKey> orderKeys(const std::vector<OrderItem>& orderBy,
                                     const std::vector<Item>& items, Scope& scope);
+    bool isWhole(const Select& select) const;
     std::string ordering(const std::vector<OrderKey>& keys, std::string_view prefix) const;
     std::string distinctRows(const std::vector<Item>& items, const Scope& scope) const;
     std::string columnList(const Select& select, const std::vector<Item>& items);
@@ -139,9 +145,10 @@ class Translator {
     std::map<std::wstring, DataType> declared_;  // by name in capitals
     std::set<std::wstring> missing_;             // parameters without a value, in capitals
     std::vector<const Expression*> aliases_;     // that are being looked up
+    const Query* whole_ = nullptr;               // what query() was given
     size_t sources_ = 0;
-    int depth_ = 0;       // of stored queries
-    size_t written_ = 0;  // expressions and tables
+    std::vector<StoredName> asked_;  // stored queries that are being translated
+    size_t written_ = 0;             // expressions and tables
 };
 
 }  // namespace sg::sql
