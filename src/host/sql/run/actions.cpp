@@ -190,6 +190,7 @@ int64_t insert(const Setting& setting, const Insert& statement) {
     const jet::PackedRows rows = collected(setting, program);
     std::vector<jet::Value> row;
     for (size_t i = 0; i < rows.size(); ++i) {
+        setting.engine.passRow();
         row.clear();
         writer.rules().defaults(row);
         for (size_t column = 0; column < places.size(); ++column) {
@@ -239,6 +240,7 @@ int64_t update(const Setting& setting, const Update& statement) {
         }
         jet::Value id;
         for (size_t i = 0; i < rows.size(); ++i) {
+            setting.engine.passRow();
             rows.value(i, t, id);
             if (jet::isNull(id)) {  // the side of an outer join that has no row
                 continue;
@@ -274,6 +276,7 @@ int64_t erase(const Setting& setting, const Delete& statement) {
     }
     jet::TableWriter& writer = target.database->writer(target.name);
     for (const jet::RowId row : ids) {
+        setting.engine.passRow();
         try {
             writer.erase(row);
         } catch (const jet::Error& error) {
@@ -302,6 +305,7 @@ int64_t makeTable(const Setting& setting, const Query& query, const IntoTable& i
     jet::TableWriter& writer = database.writer(design.name);
     std::vector<jet::Value> row(program.columns.size());
     for (size_t i = 0; i < rows.size(); ++i) {
+        setting.engine.passRow();
         for (size_t column = 0; column < row.size(); ++column) {
             rows.value(i, column, row[column]);
         }

@@ -75,6 +75,16 @@ int authorize(void* running, int action, const char*, const char*, const char*, 
     }
 }
 
+// Queries of FROM stand before the text: SQLite's parser takes no deep nesting.
+std::string wholeText(const Program& program) {
+    std::string text;
+    for (size_t i = 0; i < program.common.size(); ++i) {
+        text += std::string(i == 0 ? "WITH q" : ", q") + std::to_string(i) +
+                " AS NOT MATERIALIZED (" + program.common[i] + ")";
+    }
+    return text + (text.empty() ? "" : " ") + program.text;
+}
+
 // One state of every database that the program reads.
 class ReadScopes {
   public:
@@ -240,7 +250,7 @@ void Engine::addTables(const Program& program) {
 
 sqlite3_stmt* Engine::prepare(const Program& program, const std::string& before) {
     addTables(program);
-    const std::string text = before + program.text;
+    const std::string text = before + wholeText(program);
     sqlite3_stmt* statement = nullptr;
     if (sqlite3_prepare_v2(connection_, text.data(), static_cast<int>(text.size()), &statement,
                            nullptr) != SQLITE_OK) {

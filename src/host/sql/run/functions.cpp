@@ -23,6 +23,15 @@ class NoNames final : public jet::ExpressionNames {
     bool value(std::wstring_view, jet::Value&) const override { return false; }
 };
 
+// More than two values are concatenated.
+jet::Value operatorOf(jet::detail::Operator op, const Values& values) {
+    jet::Value value = jet::detail::applyOperator(op, values[0], values[1]);
+    for (size_t i = 2; i < values.size(); ++i) {
+        value = jet::detail::applyOperator(op, value, values[i]);
+    }
+    return value;
+}
+
 // The bounds may come in either order.
 jet::Value betweenOf(const Values& values) {
     for (const jet::Value& value : values) {
@@ -49,7 +58,7 @@ jet::Value functionOf(const CallSite& site, Values& values) {
 jet::Value valueOf(const CallSite& site, Values& values) {
     switch (site.kind) {
         case CallSite::Kind::Operator:
-            return jet::detail::applyOperator(site.op, values[0], values[1]);
+            return operatorOf(site.op, values);
         case CallSite::Kind::Between:
             return betweenOf(values);
         case CallSite::Kind::Negate:

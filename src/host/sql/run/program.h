@@ -21,7 +21,7 @@ namespace sg::sql {
 // "jet(n, arguments)" is the n-th.
 struct CallSite {
     enum class Kind : uint8_t {
-        Operator,  // `op`, two arguments
+        Operator,  // `op`, two arguments; Concatenate more
         Between,   // three
         Negate,
         Not,
@@ -63,7 +63,8 @@ struct FirstRows {
 
 struct Program {
     std::string text;
-    std::vector<jet::Value> bound;  // to ?1, ?2...
+    std::vector<std::string> common;  // queries that the text names "q0", "q1"..., and later ones
+    std::vector<jet::Value> bound;    // to ?1, ?2...
     std::vector<CallSite> calls;
     std::vector<TableUse> tables;
     std::vector<OutputColumn> columns;

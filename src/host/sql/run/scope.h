@@ -11,12 +11,26 @@
 
 namespace sg::sql {
 
+// What a text is, where that makes a difference to what is made of it. SQLite's parser takes no
+// deep nesting, so that chains of one operator are written without parentheses in them.
+enum class Shape : uint8_t {
+    Other,
+    Column,  // which has its own collation
+    And,     // of these four the text is in parentheses
+    Or,
+    Sum,
+    Product,
+    Concatenation,
+};
+
 // An expression in SQLite's text.
 struct Typed {
     std::string sql;
     Type type;
     bool isCondition = false;  // 1, 0 and Null, as SQLite's own comparisons give them
     std::optional<jet::Value> constant;
+    Shape shape = Shape::Other;
+    size_t call = 0;  // of a Concatenation: its place in Program::calls
 };
 
 // A query in SQLite's text; its columns are c0, c1...

@@ -196,7 +196,9 @@ std::string Translator::value(const Typed& typed) const {
 }
 
 std::string Translator::compared(const Typed& typed) const {
-    return isText(typed.type) ? std::string("(") + typed.sql + " COLLATE JET)" : value(typed);
+    return isText(typed.type) && typed.shape != Shape::Column
+               ? std::string("(") + typed.sql + " COLLATE JET)"
+               : value(typed);
 }
 
 // ---- Nodes
@@ -287,7 +289,7 @@ std::optional<Typed> Translator::column(const ColumnName& name, Scope& scope) {
         }
     }
     if (found != nullptr) {
-        return Typed{found->sql, found->type, false, {}};
+        return Typed{found->sql, found->type, false, {}, Shape::Column};
     }
     // A column of a query may itself be called "table.column".
     if (!name.qualifiers.empty()) {
@@ -295,7 +297,7 @@ std::optional<Typed> Translator::column(const ColumnName& name, Scope& scope) {
         for (const ScopeSource& source : scope.sources) {
             for (const ScopeColumn& each : source.columns) {
                 if (equalIgnoringCase(each.name, whole)) {
-                    return Typed{each.sql, each.type, false, {}};
+                    return Typed{each.sql, each.type, false, {}, Shape::Column};
                 }
             }
         }
@@ -404,14 +406,48 @@ Typed Translator::binary(const Binary& binary, Scope& scope) {
                                             : arithmetic(binary.op, a, b);
 }
 
+// `a sign b` in parentheses; the chain goes on where `a` is of the same shape.
+std::string Translator::chained(const Typed& a, Shape shape, const char* sign,
+                                const std::string& b) const {
+    const bool isChain = a.shape == shape;
+    std::string text = shape == Shape::And || shape == Shape::Or ? a.sql : value(a);
+    if (isChain) {
+        text.pop_back();
+    } else {
+        text.insert(text.begin(), '(');
+    }
+    return text + sign + b + ")";
+}
+
+// A chain is one call, as long as SQLite takes so many arguments.
+Typed Translator::concatenation(const Typed& a, const Typed& b) {
+    constexpr size_t mostArguments = 100;
+    const Type type = a.type.column == ColumnType::Memo || b.type.column == ColumnType::Memo
+                          ? ColumnType::Memo
+                          : ColumnType::Text;
+    if (a.shape == Shape::Concatenation &&
+        program_.calls[a.call].arguments.size() < mostArguments) {
+        CallSite& call = program_.calls[a.call];
+        call.arguments.push_back(b.type);
+        call.result = type;
+        Typed made = a;
+        made.sql.pop_back();
+        made.sql += std::string(", ") + value(b) + ")";
+        made.type = type;
+        return made;
+    }
+    Typed made = site({CallSite::Kind::Operator, Operator::Concatenate, nullptr, {}, type}, {a, b});
+    made.shape = Shape::Concatenation;
+    made.call = program_.calls.size() - 1;
+    return made;
+}
+
 Typed Translator::logical(BinaryOperator op, const Typed& a, const Typed& b) {
     const bool truths = isTruth(a.type) && isTruth(b.type);
     if (truths && (op == BinaryOperator::And || op == BinaryOperator::Or)) {
-        return {std::string("(") + a.sql +
-                    std::string(op == BinaryOperator::And ? " AND " : " OR ") + b.sql + ")",
-                ColumnType::Boolean,
-                true,
-                {}};
+        const Shape shape = op == BinaryOperator::And ? Shape::And : Shape::Or;
+        const char* sign = op == BinaryOperator::And ? " AND " : " OR ";
+        return {chained(a, shape, sign, b.sql), ColumnType::Boolean, true, {}, shape};
     }
     return site({CallSite::Kind::Operator,
                  operatorOf(op),
@@ -426,10 +462,7 @@ Typed Translator::arithmetic(BinaryOperator op, const Typed& a, const Typed& b) 
     CallSite call{CallSite::Kind::Operator, operatorOf(op), nullptr, {}, {}};
     switch (op) {
         case BinaryOperator::Concatenate:
-            call.result = a.type.column == ColumnType::Memo || b.type.column == ColumnType::Memo
-                              ? ColumnType::Memo
-                              : ColumnType::Text;
-            return site(std::move(call), {a, b});
+            return concatenation(a, b);
         case BinaryOperator::Power:
             call.result = ColumnType::Double;
             return site(std::move(call), {a, b});
@@ -457,7 +490,8 @@ Typed Translator::arithmetic(BinaryOperator op, const Typed& a, const Typed& b) 
         const char* sign = op == BinaryOperator::Add        ? " + "
                            : op == BinaryOperator::Subtract ? " - "
                                                             : " * ";
-        return {std::string("(") + value(a) + sign + value(b) + ")", call.result, false, {}};
+        const Shape shape = isSum ? Shape::Sum : Shape::Product;
+        return {chained(a, shape, sign, value(b)), call.result, false, {}, shape};
     }
     return site(std::move(call), {a, b});
 }

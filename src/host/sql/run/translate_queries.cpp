@@ -142,8 +142,11 @@ void Translator::addStar(const Star& star, Scope& scope, std::vector<Item>& item
             if (scope.isGrouped && !scope.groupColumns.contains(each.sql)) {
                 throw jet::Error(3122, {each.name});
             }
-            items.push_back(
-                {{each.sql, each.type, false, {}}, each.name, source.name, nullptr, false});
+            items.push_back({{each.sql, each.type, false, {}, Shape::Column},
+                             each.name,
+                             source.name,
+                             nullptr,
+                             false});
         }
     }
     if (!found && !star.qualifiers.empty()) {
@@ -337,7 +340,8 @@ Translated Translator::unite(const Union& all, const std::vector<OrderItem>& ord
         const std::string alias = std::string("u") + std::to_string(sources_++);
         std::string list;
         for (size_t i = 0; i < made.columns.size(); ++i) {
-            const Typed column{alias + "." + columnName(i), terms[t].columns[i].type, false, {}};
+            const Typed column{
+                alias + "." + columnName(i), terms[t].columns[i].type, false, {}, Shape::Column};
             list += std::string(i == 0 ? "" : ", ") +
                     compared(converted(column, made.columns[i].type)) + " AS " + columnName(i);
         }
@@ -348,7 +352,7 @@ Translated Translator::unite(const Union& all, const std::vector<OrderItem>& ord
         return made;
     }
     Scope scope;
-    scope.from = derived(std::move(made), {}, scope);
+    scope.from = derived(std::move(made), {}, scope, outer != nullptr);
     std::vector<Item> items;
     addStar({}, scope, items);
     return assemble({}, items, orderKeys(orderBy, items, scope), scope);
@@ -377,6 +381,7 @@ Translated Translator::crosstab(const Crosstab& crosstab, const std::vector<Orde
             ask.bound = program_.bound;
             ask.calls = program_.calls;
             ask.tables = program_.tables;
+            ask.common = program_.common;
             ask.text += std::string(" WHERE ") + where;
         }
         ask.text += " ORDER BY 1";

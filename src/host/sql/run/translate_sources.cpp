@@ -175,13 +175,18 @@ std::string Translator::table(const TableName& table, const std::optional<Name>&
     return sql;
 }
 
-std::string Translator::derived(Translated inner, std::wstring name, Scope& scope) {
+std::string Translator::derived(Translated inner, std::wstring name, Scope& scope, bool isOpen) {
     ScopeSource made{std::move(name), std::string("t") + std::to_string(sources_++), {}, {}};
     for (size_t i = 0; i < inner.columns.size(); ++i) {
         made.columns.push_back(
             {inner.columns[i].name, inner.columns[i].type, made.alias + ".c" + std::to_string(i)});
     }
-    std::string sql = std::string("(") + inner.sql + ") AS " + made.alias;
+    std::string sql = std::string("(") + inner.sql + ")";
+    if (!isOpen) {
+        sql = std::string("q") + std::to_string(program_.common.size());
+        program_.common.push_back(std::move(inner.sql));
+    }
+    sql += std::string(" AS ") + made.alias;
     program_.sources[made.alias] = {made.name, made.table.value_or(TableUse())};
     scope.sources.push_back(std::move(made));
     return sql;

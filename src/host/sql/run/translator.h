@@ -95,7 +95,8 @@ class Translator {
     std::string source(const Source& source, Scope& scope);
     std::string join(const Join& join, Scope& scope);
     std::string table(const TableName& table, const std::optional<Name>& alias, Scope& scope);
-    std::string derived(Translated inner, std::wstring name, Scope& scope);
+    // `isOpen`: the query may name columns of one around it.
+    std::string derived(Translated inner, std::wstring name, Scope& scope, bool isOpen = false);
     Translated storedQuery(jet::Database& database, std::wstring_view name);
     jet::Database& external(std::wstring_view path);
     size_t useTable(jet::Database& database, std::wstring_view name);
@@ -110,6 +111,8 @@ class Translator {
     Typed unary(const Unary& unary, Scope& scope);
     Typed like(const Like& like, Scope& scope);
     Typed binary(const Binary& binary, Scope& scope);
+    std::string chained(const Typed& a, Shape shape, const char* sign, const std::string& b) const;
+    Typed concatenation(const Typed& a, const Typed& b);
     Typed logical(BinaryOperator op, const Typed& a, const Typed& b);
     Typed arithmetic(BinaryOperator op, const Typed& a, const Typed& b);
     Typed call(const Call& call, Scope& scope);
