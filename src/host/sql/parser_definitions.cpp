@@ -1,6 +1,5 @@
 // Statements of the parser that define tables, indexes and queries.
 
-#include "host/sql/precedence.h"
 #include "host/sql/syntax_parser.h"
 
 namespace sg::sql::detail {

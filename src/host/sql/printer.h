@@ -12,6 +12,10 @@
 // statement_printer.cpp.
 namespace sg::sql::detail {
 
+using jet::detail::Infix;
+using jet::detail::infixOf;
+using enum jet::detail::Precedence;
+
 class Printer {
   public:
     explicit Printer(Parentheses parentheses) : parentheses_(parentheses) {}

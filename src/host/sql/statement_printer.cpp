@@ -1,6 +1,5 @@
 // Statements of the printer.
 
-#include "host/sql/precedence.h"
 #include "host/sql/printer.h"
 #include "host/sql/words.h"
 

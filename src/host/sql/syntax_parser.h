@@ -16,8 +16,9 @@ namespace sg::sql::detail {
 using jet::detail::Token;
 using jet::detail::TokenKind;
 
-struct Infix;
-
+using jet::detail::Infix;
+using jet::detail::infixOf;
+using enum jet::detail::Precedence;
 class SyntaxParser {
   public:
     explicit SyntaxParser(std::wstring_view text);
@@ -94,7 +95,6 @@ class SyntaxParser {
     ExpressionPtr in(ExpressionPtr left, bool negated);
     ExpressionPtr isNull(ExpressionPtr left);
     ExpressionPtr compared(const Infix& op, ExpressionPtr left);
-    const Infix* infix() const;
     bool beginsComparison();
     bool isComparisonWord(const Token& token, size_t distance);
 

@@ -24,7 +24,7 @@ TEST(SqlParser, Select) {
         {L"SELECT a INTO [x.mdb].u FROM t", ""},
         {L"TABLE [my table]", ""},
         {L"SELECT date, name, value, level, index, key, password FROM [table]",
-         "SELECT date, name, value, level, index, key, password FROM [table]"},
+         "SELECT date, name, value, level, [index], key, password FROM [table]"},
         {L"SELECT (a + b) AS c, -(d) FROM t", "SELECT a + b AS c, -d FROM t"},
         {L"PARAMETERS [from] DateTime, n Long, v Value, s Text ( 50 ); SELECT [from]",
          "PARAMETERS [from] DATETIME, n LONG, v VALUE, s TEXT(50); SELECT [from]"},

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "base/text.h"
+#include "host/jet/expression/words.h"
 #include "host/jet/format/error.h"
 
 namespace sg::jet {
@@ -26,32 +27,10 @@ int flagOf(const QueryRow& row) {
     return static_cast<uint16_t>(row.flag.value_or(0));
 }
 
-// Words that cannot stand as names without brackets.
-constexpr std::wstring_view reservedWords[] = {
-    L"ALL",    L"ALTER",     L"AND",       L"AS",       L"ASC",         L"BETWEEN",    L"BY",
-    L"CREATE", L"DELETE",    L"DESC",      L"DISTINCT", L"DISTINCTROW", L"DROP",       L"EXISTS",
-    L"FROM",   L"GROUP",     L"HAVING",    L"IN",       L"INDEX",       L"INNER",      L"INSERT",
-    L"INTO",   L"IS",        L"JOIN",      L"LEFT",     L"LIKE",        L"NOT",        L"NULL",
-    L"ON",     L"OR",        L"ORDER",     L"OUTER",    L"OWNERACCESS", L"PARAMETERS", L"PERCENT",
-    L"PIVOT",  L"PRIMARY",   L"PROCEDURE", L"RIGHT",    L"SELECT",      L"SET",        L"TABLE",
-    L"TOP",    L"TRANSFORM", L"UNION",     L"UNIQUE",   L"UPDATE",      L"VALUES",     L"WHERE",
-    L"WITH"};
-
-bool isPlainName(std::wstring_view name) {
-    const bool isWord = std::all_of(name.begin(), name.end(), [](wchar_t c) {
-        return (c >= L'0' && c <= L'9') || (c >= L'A' && c <= L'Z') || (c >= L'a' && c <= L'z') ||
-               c == L'_' || c > 0x7f;
-    });
-    const bool isNumber = !name.empty() && name.front() >= L'0' && name.front() <= L'9';
-    return isWord && !isNumber &&
-           std::none_of(std::begin(reservedWords), std::end(reservedWords),
-                        [&](std::wstring_view word) { return equalIgnoringCase(word, name); });
-}
-
 // In brackets where the name needs them and has none.
 std::wstring quoted(std::wstring_view name) {
     const bool isQuoted = name.size() >= 2 && name.front() == L'[' && name.back() == L']';
-    return isQuoted || isPlainName(name) ? std::wstring(name) : L"[" + std::wstring(name) + L"]";
+    return isQuoted ? std::wstring(name) : quotedName(name);
 }
 
 // A name of parts with points between them.

@@ -8,6 +8,7 @@
 #include "base/text.h"
 #include "host/jet/expression/expression_decimal.h"
 #include "host/jet/expression/expression_functions.h"
+#include "host/jet/index/sort_order.h"
 #include "host/jet/values/value_convert.h"
 
 namespace sg::jet::detail {
@@ -334,18 +335,6 @@ bool isOrdered(Operator op, std::partial_ordering order) {
 }
 
 }  // namespace
-
-std::strong_ordering compareTexts(std::wstring_view a, std::wstring_view b) {
-    const size_t common = std::min(a.size(), b.size());
-    for (size_t i = 0; i < common; ++i) {
-        const wchar_t x = toUpper(a[i]);
-        const wchar_t y = toUpper(b[i]);
-        if (x != y) {
-            return x <=> y;
-        }
-    }
-    return a.size() <=> b.size();
-}
 
 std::partial_ordering compareValues(const Value& a, const Value& b) {
     const auto isOfBytes = [](const Value& value) {

@@ -4,6 +4,7 @@
 
 #include "base/text.h"
 #include "host/jet/expression/expression.h"
+#include "host/jet/index/sort_order.h"
 
 namespace sg::jet {
 namespace {
@@ -12,14 +13,28 @@ bool isBetween(wchar_t c, wchar_t low, wchar_t high) {
     return low <= c && c <= high;
 }
 
+bool isAscii(wchar_t c) {
+    return c < 0x80;
+}
+
 // Letters that the order of texts takes for one. It has a weight of its own for the long s.
 bool isSame(wchar_t a, wchar_t b) {
     constexpr wchar_t longS = 0x17F;
     constexpr wchar_t caseBit = 0x20;
-    if (a < 0x80 && b < 0x80) {
+    if (isAscii(a) && isAscii(b)) {
         return a == b || ((a ^ b) == caseBit && isBetween(a | caseBit, L'a', L'z'));
     }
     return a == b || (a != longS && b != longS && toUpper(a) == toUpper(b));
+}
+
+// Letters with accents stand in a range where they sort.
+bool isInRange(wchar_t c, wchar_t low, wchar_t high) {
+    if (isAscii(c) && isAscii(low) && isAscii(high)) {
+        return isBetween(toUpper(c), toUpper(low), toUpper(high)) ||
+               isBetween(toLower(c), toLower(low), toLower(high));
+    }
+    const std::wstring_view sought(&c, 1);
+    return compareTexts(sought, {&low, 1}) >= 0 && compareTexts(sought, {&high, 1}) <= 0;
 }
 
 // What one element of a pattern says of a character, and where the next element begins.
@@ -37,12 +52,11 @@ std::optional<bool> isInList(std::wstring_view list, wchar_t c) {
         if (i + 2 < list.size() && list[i + 1] == L'-') {
             high = list[i + 2];
             i += 2;
-            if (high < low && toUpper(high) < toUpper(low)) {
+            if (high < low && toUpper(high) < toUpper(low) && !isInRange(low, low, high)) {
                 return std::nullopt;
             }
         }
-        found = found || isBetween(toUpper(c), toUpper(low), toUpper(high)) ||
-                isBetween(toLower(c), toLower(low), toLower(high));
+        found = found || isInRange(c, low, high);
     }
     return found;
 }

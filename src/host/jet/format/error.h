@@ -76,6 +76,7 @@ enum ErrorCode : int {
     ObjectClosed = 3420,
     ConversionError = 3421,
     Damaged = 3428,
+    TypeMismatch = 3464,
     TooManyIndexes = 3626,
 };
 

@@ -92,13 +92,19 @@ constexpr Entry entries[] = {
      L"The specified field '|' could refer to more than one table listed in the FROM clause of "
      L"your SQL statement."},
     {3085, L"Undefined function '|' in expression."},
+    {3086, L"Could not delete from specified tables."},
     {3090, L"Resultant table not allowed to have more than one AutoNumber field."},
     {3092, L"Cannot use HAVING clause in TRANSFORM statement."},
+    {3093, L"ORDER BY clause '|' conflicts with DISTINCT."},
     {3095, L"Cannot have aggregate function in expression '|'."},
     {3096, L"Cannot have aggregate function in WHERE clause '|'."},
+    {3098, L"Cannot have aggregate function in GROUP BY clause '|'."},
+    {3099, L"Cannot have aggregate function in JOIN operation '|'."},
     {3102, L"Circular reference caused by '|'."},
     {3103, L"Circular reference caused by alias '|' in query definition's SELECT list."},
     {3112, L"Record(s) cannot be read; no read permission on '|'."},
+    {3113, L"Cannot update '|'; field not updateable."},
+    {3121, L"Cannot group on fields selected with '|'."},
     {3122,
      L"You tried to execute a query that does not include the specified expression '|' as part "
      L"of an aggregate function."},
@@ -222,6 +228,10 @@ constexpr Entry entries[] = {
     {3343, L"Unrecognized database format '|'."},
     {3346, L"Number of query values and destination fields are not the same."},
     {3349, L"Numeric field overflow."},
+    {3351,
+     L"The ORDER BY expression '|' includes fields that are not selected by the query. Only those "
+     L"fields requested in the first query can be included in an ORDER BY expression."},
+    {3354, L"At most one record can be returned by this subquery."},
     {3356,
      L"You attempted to open a database that is already opened exclusively by user '|1' on "
      L"machine '|2'. Try again when the database is available."},
@@ -261,6 +271,8 @@ constexpr Entry entries[] = {
     {3428,
      L"A problem occurred in your database. Correct the problem by repairing and compacting the "
      L"database."},
+    {3464, L"Data type mismatch in criteria expression."},
+    {3615, L"Type mismatch in expression."},
     {3624, L"Could not read the record; currently locked by another user."},
     {3626,
      L"The operation failed. There are too many indexes on table '|'. Delete some of the indexes "

@@ -23,7 +23,7 @@ Parameters argumentsOf(const Setting& setting, const Execute& call, const Statem
     const Program program = translator.values(call.arguments);
     setting.engine.run(program, [&](sqlite3_stmt* row) {
         for (size_t i = 0; i < program.columns.size() && i < stored.parameters.size(); ++i) {
-            Parameter parameter{stored.parameters[i].name.name.text, {}};
+            Parameter parameter{parameterName(stored.parameters[i].name), {}};
             take(sqlite3_column_value(row, static_cast<int>(i)), program.columns[i].type,
                  parameter.value);
             given.insert(given.begin(), std::move(parameter));

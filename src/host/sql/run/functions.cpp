@@ -8,6 +8,7 @@
 #include "host/jet/expression/expression.h"
 #include "host/jet/expression/expression_decimal.h"
 #include "host/jet/expression/expression_operators.h"
+#include "host/jet/format/error.h"
 #include "host/jet/values/value_convert.h"
 #include "host/sql/run/like.h"
 #include "host/sql/run/sqlite_values.h"
@@ -18,10 +19,19 @@ namespace {
 
 using Values = std::vector<jet::Value>;
 
+constexpr int severalRecords = 3354;
+
 class NoNames final : public jet::ExpressionNames {
   public:
     bool value(std::wstring_view, jet::Value&) const override { return false; }
 };
+
+jet::Value likeOf(const jet::Value& text, const jet::Value& pattern) {
+    if (jet::isNull(text) || jet::isNull(pattern)) {
+        return {};
+    }
+    return jet::isLike(jet::toInvariantText(text), jet::toInvariantText(pattern));
+}
 
 // More than two values are concatenated.
 jet::Value operatorOf(jet::detail::Operator op, const Values& values) {
@@ -30,6 +40,24 @@ jet::Value operatorOf(jet::detail::Operator op, const Values& values) {
         value = jet::detail::applyOperator(op, value, values[i]);
     }
     return value;
+}
+
+// A pattern with the wildcards % and _ as one with * and ?.
+std::wstring withDialectWildcards(std::wstring_view pattern) {
+    std::wstring made;
+    bool inList = false;
+    for (const wchar_t c : pattern) {
+        const bool isOther = c == L'*' || c == L'?' || c == L'#';
+        inList = c == L'[' || (inList && c != L']');
+        if (inList || !(isOther || c == L'%' || c == L'_')) {
+            made += c;
+        } else if (isOther) {
+            made.append({L'[', c, L']'});
+        } else {
+            made += c == L'%' ? L'*' : L'?';
+        }
+    }
+    return made;
 }
 
 // The bounds may come in either order.
@@ -59,6 +87,11 @@ jet::Value valueOf(const CallSite& site, Values& values) {
     switch (site.kind) {
         case CallSite::Kind::Operator:
             return operatorOf(site.op, values);
+        case CallSite::Kind::ALike:
+            if (!jet::isNull(values[1])) {
+                values[1] = withDialectWildcards(jet::toInvariantText(values[1]));
+            }
+            return likeOf(values[0], values[1]);
         case CallSite::Kind::Between:
             return betweenOf(values);
         case CallSite::Kind::Negate:
@@ -120,6 +153,20 @@ void stepLast(sqlite3_context* context, int, sqlite3_value** arguments) {
         sqlite3_value_free(*kept);
         *kept = sqlite3_value_dup(arguments[0]);
     }
+}
+
+// The one value of a subquery.
+void stepOne(sqlite3_context* context, int, sqlite3_value** arguments) {
+    auto** kept =
+        static_cast<sqlite3_value**>(sqlite3_aggregate_context(context, sizeof(sqlite3_value*)));
+    if (kept == nullptr) {
+        return;
+    }
+    if (*kept == nullptr) {
+        *kept = sqlite3_value_dup(arguments[0]);
+        return;
+    }
+    guarded(context, [] { throw jet::Error(severalRecords); });
 }
 
 void finishKept(sqlite3_context* context) {
@@ -224,6 +271,7 @@ void addFunctions(sqlite3* connection, Engine::Running& running) {
     add("jetv", -1, 0, callFunction, nullptr, nullptr);
     add(likeName.data(), 2, SQLITE_DETERMINISTIC, callLike, nullptr, nullptr);
     add("jet_first", 1, 0, nullptr, stepFirst, finishKept);
+    add("jet_one", 1, 0, nullptr, stepOne, finishKept);
     add("jet_last", 1, 0, nullptr, stepLast, finishKept);
     add("jet_stdev", 1, 0, nullptr, stepSpread, finishSpread<true, true>);
     add("jet_stdevp", 1, 0, nullptr, stepSpread, finishSpread<false, true>);

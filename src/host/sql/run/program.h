@@ -22,6 +22,7 @@ namespace sg::sql {
 struct CallSite {
     enum class Kind : uint8_t {
         Operator,  // `op`, two arguments; Concatenate more
+        ALike,     // two
         Between,   // three
         Negate,
         Not,

@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "base/encoding.h"
-#include "host/jet/expression/expression_operators.h"
 #include "host/jet/index/sort_order.h"
 
 namespace sg::sql {
@@ -66,24 +65,8 @@ bool isAscii(std::string_view text) {
 }
 
 int compareByKeys(std::string_view a, std::string_view b) {
-    const std::wstring x = fromUtf8(a);
-    const std::wstring y = fromUtf8(b);
-    jet::KeyBytes left;
-    jet::KeyBytes right;
-    const bool longer = std::max(x.size(), y.size()) > jet::kIndexedTextUnits;
-    const bool hasLeft = jet::appendTextKey(general, x, false, left);
-    const bool hasRight = jet::appendTextKey(general, y, false, right);
-    if (hasLeft != hasRight) {
-        return hasLeft ? -1 : 1;
-    }
-    if (hasLeft) {
-        const auto byKeys = left <=> right;
-        if (byKeys != 0 || !longer) {
-            return byKeys < 0 ? -1 : byKeys > 0 ? 1 : 0;
-        }
-    }
-    const auto byCapitals = jet::detail::compareTexts(x, y);
-    return byCapitals < 0 ? -1 : byCapitals > 0 ? 1 : 0;
+    const auto order = jet::compareTexts(fromUtf8(a), fromUtf8(b));
+    return order < 0 ? -1 : order > 0 ? 1 : 0;
 }
 
 class Hash {

@@ -135,7 +135,7 @@ Typed Translator::cases(const std::vector<std::pair<std::string, Typed>>& branch
 
 Typed Translator::aggregate(const Aggregate& aggregate, Scope& scope) {
     if (!scope.mayAggregate || scope.ungrouped > 0) {
-        throw jet::Error(scope.ungrouped > 0 ? 3095 : 3096,
+        throw jet::Error(scope.mayAggregate ? NoAggregateInExpression : scope.noAggregate,
                          {aggregate.argument ? toText(*aggregate.argument) : L"*"});
     }
     const std::string filter =

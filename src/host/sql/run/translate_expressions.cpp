@@ -19,45 +19,6 @@ using jet::detail::Operator;
 
 constexpr size_t maxWritten = 200'000;
 
-Operator operatorOf(BinaryOperator op) {
-    switch (op) {
-        case BinaryOperator::Power:
-            return Operator::Power;
-        case BinaryOperator::Multiply:
-            return Operator::Multiply;
-        case BinaryOperator::Divide:
-            return Operator::Divide;
-        case BinaryOperator::IntegerDivide:
-            return Operator::IntegerDivide;
-        case BinaryOperator::Modulo:
-            return Operator::Modulo;
-        case BinaryOperator::Add:
-            return Operator::Add;
-        case BinaryOperator::Subtract:
-            return Operator::Subtract;
-        case BinaryOperator::Concatenate:
-            return Operator::Concatenate;
-        case BinaryOperator::And:
-            return Operator::And;
-        case BinaryOperator::Or:
-            return Operator::Or;
-        case BinaryOperator::Xor:
-            return Operator::Xor;
-        case BinaryOperator::Eqv:
-            return Operator::Eqv;
-        default:
-            return Operator::Imp;
-    }
-}
-
-std::wstring joinedName(const ColumnName& name) {
-    std::wstring joined;
-    for (const Name& part : name.qualifiers) {
-        joined += part.text + L"!";
-    }
-    return joined + name.name.text;
-}
-
 bool isTruth(const Type& type) {
     return !type.column || isBoolean(type);
 }
@@ -80,11 +41,23 @@ Type quotientType(const Type& a, const Type& b) {
 
 }  // namespace
 
+std::wstring parameterName(const ColumnName& name) {
+    std::wstring joined;
+    for (const Name& part : name.qualifiers) {
+        joined += part.text + L"!";
+    }
+    return joined + name.name.text;
+}
+
 Translator::Translator(jet::Database& database, const std::vector<ParameterDeclaration>& declared,
                        const Parameters& parameters, Engine& engine)
     : database_(&database), parameters_(parameters), engine_(engine) {
-    for (const ParameterDeclaration& each : declared) {
-        const std::wstring name = joinedName(each.name);
+    declare(declared);
+}
+
+void Translator::declare(const std::vector<ParameterDeclaration>& parameters) {
+    for (const ParameterDeclaration& each : parameters) {
+        const std::wstring name = parameterName(each.name);
         declared_.try_emplace(upperCased(name), each.type);
         parameter(name);  // one that is declared must have a value, wanted or not
     }
@@ -117,7 +90,7 @@ Program Translator::rows(Scope& scope, const Expression* where, const std::vecto
         made.columns.push_back({{}, type});
     };
     for (const size_t target : targets) {
-        add(scope.sources[target].alias + ".rowid", ColumnType::BigInteger);
+        add(scope.bases[target].id, ColumnType::BigInteger);
     }
     for (const Expression* each : values) {
         const Typed typed = emit(*each, scope);
@@ -232,7 +205,11 @@ Typed Translator::emitNode(const Expression& expression, Scope& scope) {
         Scope& scope;
         decltype(negatedIf)& negate;
 
-        Typed operator()(const Literal& node) { return self.constant(node.value); }
+        Typed operator()(const Literal& node) {
+            Typed made = self.constant(node.value);
+            made.isStrict = true;
+            return made;
+        }
         Typed operator()(const ColumnName& node) {
             return self.nameOrParameter(expression, node, scope);
         }
@@ -289,7 +266,7 @@ std::optional<Typed> Translator::column(const ColumnName& name, Scope& scope) {
         }
     }
     if (found != nullptr) {
-        return Typed{found->sql, found->type, false, {}, Shape::Column};
+        return Typed{found->sql, found->type, false, {}, found->isStrict, Shape::Column};
     }
     // A column of a query may itself be called "table.column".
     if (!name.qualifiers.empty()) {
@@ -297,7 +274,7 @@ std::optional<Typed> Translator::column(const ColumnName& name, Scope& scope) {
         for (const ScopeSource& source : scope.sources) {
             for (const ScopeColumn& each : source.columns) {
                 if (equalIgnoringCase(each.name, whole)) {
-                    return Typed{each.sql, each.type, false, {}, Shape::Column};
+                    return Typed{each.sql, each.type, false, {}, each.isStrict, Shape::Column};
                 }
             }
         }
@@ -332,7 +309,7 @@ Typed Translator::nameOrParameter(const Expression& expression, const ColumnName
             return made;
         }
     }
-    return parameter(joinedName(name));
+    return parameter(parameterName(name));
 }
 
 Typed Translator::parameter(const std::wstring& name) {
@@ -376,7 +353,9 @@ Typed Translator::unary(const Unary& unary, Scope& scope) {
         return site({CallSite::Kind::Not, {}, nullptr, {}, ColumnType::Long}, {operand});
     }
     if (operand.constant) {
-        return constant(jet::detail::negate(*operand.constant));
+        Typed made = constant(jet::detail::negate(*operand.constant));
+        made.isStrict = operand.isStrict;
+        return made;
     }
     const Type type = form == Form::Whole  ? Type(ColumnType::Long)
                       : form == Form::Text ? Type(ColumnType::Double)
@@ -388,6 +367,11 @@ Typed Translator::unary(const Unary& unary, Scope& scope) {
 }
 
 Typed Translator::like(const Like& like, Scope& scope) {
+    if (like.ansi) {
+        const Typed value = emit(*like.value, scope);
+        return site({CallSite::Kind::ALike, {}, nullptr, {}, ColumnType::Boolean},
+                    {value, emit(*like.pattern, scope)});
+    }
     const auto text = [&](const Typed& typed) {
         return value(isText(typed.type) ? typed : converted(typed, ColumnType::Text));
     };
@@ -400,7 +384,7 @@ Typed Translator::binary(const Binary& binary, Scope& scope) {
     const Typed a = emit(*binary.left, scope);
     const Typed b = emit(*binary.right, scope);
     if (binary.op >= BinaryOperator::Equal && binary.op <= BinaryOperator::GreaterOrEqual) {
-        return compare(binary.op, a, b);
+        return compare(binary.op, a, b, scope);
     }
     return binary.op >= BinaryOperator::And ? logical(binary.op, a, b)
                                             : arithmetic(binary.op, a, b);
@@ -447,10 +431,10 @@ Typed Translator::logical(BinaryOperator op, const Typed& a, const Typed& b) {
     if (truths && (op == BinaryOperator::And || op == BinaryOperator::Or)) {
         const Shape shape = op == BinaryOperator::And ? Shape::And : Shape::Or;
         const char* sign = op == BinaryOperator::And ? " AND " : " OR ";
-        return {chained(a, shape, sign, b.sql), ColumnType::Boolean, true, {}, shape};
+        return {chained(a, shape, sign, b.sql), ColumnType::Boolean, true, {}, false, shape};
     }
     return site({CallSite::Kind::Operator,
-                 operatorOf(op),
+                 op,
                  nullptr,
                  {},
                  truths ? ColumnType::Boolean : ColumnType::Long},
@@ -459,7 +443,7 @@ Typed Translator::logical(BinaryOperator op, const Typed& a, const Typed& b) {
 
 Typed Translator::arithmetic(BinaryOperator op, const Typed& a, const Typed& b) {
     const bool isSum = op == BinaryOperator::Add || op == BinaryOperator::Subtract;
-    CallSite call{CallSite::Kind::Operator, operatorOf(op), nullptr, {}, {}};
+    CallSite call{CallSite::Kind::Operator, op, nullptr, {}, {}};
     switch (op) {
         case BinaryOperator::Concatenate:
             return concatenation(a, b);
@@ -491,7 +475,7 @@ Typed Translator::arithmetic(BinaryOperator op, const Typed& a, const Typed& b) 
                            : op == BinaryOperator::Subtract ? " - "
                                                             : " * ";
         const Shape shape = isSum ? Shape::Sum : Shape::Product;
-        return {chained(a, shape, sign, value(b)), call.result, false, {}, shape};
+        return {chained(a, shape, sign, value(b)), call.result, false, {}, false, shape};
     }
     return site(std::move(call), {a, b});
 }

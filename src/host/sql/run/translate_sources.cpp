@@ -14,6 +14,8 @@ namespace sg::sql {
 namespace {
 
 constexpr size_t maxNestedQueries = 40;
+constexpr int notUpdatable = 3073;
+constexpr int notUpdatableColumn = 3113;
 
 // Whether it is written as a join, which must then stand in parentheses.
 bool isJoin(const Source& source) {
@@ -42,7 +44,9 @@ std::wstring pathOf(std::wstring_view text) {
 
 Scope Translator::sources(const From& from) {
     Scope scope;
+    keepsRows_ = true;
     scope.from = this->from(from, scope);
+    keepsRows_ = false;
     return scope;
 }
 
@@ -87,6 +91,8 @@ std::string Translator::join(const Join& join, Scope& scope) {
     // The condition sees the tables of its own join alone.
     Scope own;
     own.outer = scope.outer;
+    own.joins = true;
+    own.noAggregate = NoAggregateInJoin;
     own.sources.assign(scope.sources.begin() + static_cast<std::ptrdiff_t>(first),
                        scope.sources.end());
     const std::string on = condition(*join.condition, own);
@@ -109,26 +115,23 @@ jet::Database& Translator::databaseOf(const TableName& table,
     return table.database ? external(table.database->text) : *database_;
 }
 
-TableUse Translator::target(const TableName& table,
-                            const std::optional<ExternalDatabase>& database) {
-    std::wstring name = table.name.text;
-    jet::Database& home = databaseOf(table, database).home(name);
-    return {&home, name};
-}
-
-Translator::ColumnPlace Translator::place(const ColumnName& name, Scope& scope) {
+Origin Translator::place(const ColumnName& name, Scope& scope) {
     const std::optional<Typed> found = column(name, scope);
     if (!found) {
         throw jet::Error(jet::UnknownName, {L"1"}, {.detail = name.name.text});
     }
-    for (size_t i = 0; i < scope.sources.size(); ++i) {
-        const ScopeSource& source = scope.sources[i];
-        const std::string prefix = source.alias + ".c";
-        if (source.table && found->sql.compare(0, prefix.size(), prefix) == 0) {
-            return {i, std::stoul(found->sql.substr(prefix.size()))};
+    for (const ScopeSource& source : scope.sources) {
+        for (const ScopeColumn& each : source.columns) {
+            if (each.sql != found->sql) {
+                continue;
+            }
+            if (each.origin) {
+                return *each.origin;
+            }
+            throw jet::Error(source.isUpdatable ? notUpdatableColumn : notUpdatable, {each.name});
         }
     }
-    throw jet::Error(3073);
+    throw jet::Error(notUpdatable);
 }
 
 size_t Translator::useTable(jet::Database& database, std::wstring_view name) {
@@ -161,12 +164,14 @@ std::string Translator::table(const TableName& table, const std::optional<Name>&
     jet::Database& home = database.home(name);
     const jet::Table found = home.table(name);
     ScopeSource made{
-        known, std::string("t") + std::to_string(sources_++), TableUse{&home, name}, {}};
+        known, std::string("t") + std::to_string(sources_++), TableUse{&home, name}, {}, true};
+    scope.bases.push_back({*made.table, made.alias + ".rowid"});
     const std::vector<size_t> places = jet::placesInOrder(found.definition());
     const auto columns = jet::recordColumns(found.definition(), places, found.store().format());
     for (size_t i = 0; i < places.size(); ++i) {
         made.columns.push_back({columns[i].name, Type(columns[i].type, columns[i].size),
-                                made.alias + ".c" + std::to_string(places[i])});
+                                made.alias + ".c" + std::to_string(places[i]), true,
+                                Origin{scope.bases.size() - 1, places[i]}});
     }
     std::string sql =
         std::string("jet") + std::to_string(useTable(home, name)) + " AS " + made.alias;
@@ -176,10 +181,25 @@ std::string Translator::table(const TableName& table, const std::optional<Name>&
 }
 
 std::string Translator::derived(Translated inner, std::wstring name, Scope& scope, bool isOpen) {
-    ScopeSource made{std::move(name), std::string("t") + std::to_string(sources_++), {}, {}};
+    ScopeSource made{std::move(name),
+                     std::string("t") + std::to_string(sources_++),
+                     {},
+                     {},
+                     !inner.bases.empty()};
     for (size_t i = 0; i < inner.columns.size(); ++i) {
-        made.columns.push_back(
-            {inner.columns[i].name, inner.columns[i].type, made.alias + ".c" + std::to_string(i)});
+        ScopeColumn column{inner.columns[i].name, inner.columns[i].type,
+                           made.alias + ".c" + std::to_string(i)};
+        if (i < inner.traces.size()) {
+            column.isStrict = inner.traces[i].isStrict;
+            const std::optional<Origin>& origin = inner.traces[i].origin;
+            if (origin && !inner.bases.empty()) {
+                column.origin = Origin{scope.bases.size() + origin->base, origin->column};
+            }
+        }
+        made.columns.push_back(std::move(column));
+    }
+    for (const BaseRow& base : inner.bases) {
+        scope.bases.push_back({base.table, made.alias + "." + base.id});
     }
     std::string sql = std::string("(") + inner.sql + ")";
     if (!isOpen) {
@@ -207,9 +227,7 @@ Translated Translator::storedQuery(jet::Database& database, std::wstring_view na
     if (query == nullptr) {
         throw jet::Error(jet::InputTableNotFound, {std::wstring(name)});
     }
-    for (const ParameterDeclaration& parameter : statement.parameters) {
-        declared_.try_emplace(upperCased(parameter.name.name.text), parameter.type);
-    }
+    declare(statement.parameters);
     Translated made = translate(**query, nullptr);
     asked_.pop_back();
     return made;

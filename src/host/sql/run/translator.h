@@ -16,6 +16,9 @@
 
 namespace sg::sql {
 
+// As Parameter::name has it.
+std::wstring parameterName(const ColumnName& name);
+
 // Makes SQLite's text of queries. One object translates one statement.
 //
 // Throws jet::Error with the engine's numbers: InputTableNotFound (3078), 3079 for a column that is
@@ -31,31 +34,27 @@ class Translator {
     Program query(const Query& query);
 
     // For statements that change rows: the rows of `from` that meet `where`. The first columns are
-    // the row ids of the base tables at `targets` (places in sources()), then come `values`.
+    // the row ids of `targets` (places in Scope::bases), then come `values`.
     Scope sources(const From& from);
     Program rows(Scope& scope, const Expression* where, const std::vector<size_t>& targets,
                  const std::vector<const Expression*>& values);
     // The values alone, in one row.
     Program values(const std::vector<ExpressionPtr>& values);
 
-    // A table that a statement names as its target, and the database that it names it in.
-    TableUse target(const TableName& table, const std::optional<ExternalDatabase>& database);
+    // The database that a statement names its target in.
     jet::Database& databaseOf(const TableName& table,
                               const std::optional<ExternalDatabase>& database);
 
-    // A column of a base table, by its source's place and its own in the table's definition. Throws
-    // 3073 for a column that can't be written, UnknownName for one that isn't there.
-    struct ColumnPlace {
-        size_t source = 0;
-        size_t column = 0;
-    };
-    ColumnPlace place(const ColumnName& name, Scope& scope);
+    // Where a column's values are kept. Throws 3073 for one of a query whose rows can't be changed
+    // through it, 3113 for one that is calculated, UnknownName for one that isn't there.
+    Origin place(const ColumnName& name, Scope& scope);
 
   private:
     struct Item {
         Typed typed;
         std::wstring name;
-        std::wstring source;  // of a plain column: its table
+        const ScopeSource* source = nullptr;  // of a plain column
+        std::optional<Origin> origin{};       // the same, among Scope::bases
         const Expression* expression = nullptr;
         bool isAlias = false;
     };
@@ -69,6 +68,7 @@ class Translator {
         bool descending = false;
     };
 
+    void declare(const std::vector<ParameterDeclaration>& parameters);
     Program finish(Translated translated);
 
     // Queries: translate_queries.cpp
@@ -79,7 +79,12 @@ class Translator {
                         Scope* outer);
     Translated assemble(const Select& select, const std::vector<Item>& items,
                         const std::vector<OrderKey>& order, Scope& scope);
+    std::string keptRows(const Select& select, const Scope& scope, Translated& made) const;
+    std::string keyList(const std::vector<OrderKey>& order) const;
+    std::string ranked(const Top& top, const std::vector<OrderKey>& order, std::string list,
+                       const std::string& clauses, const Translated& made) const;
     std::vector<Item> expand(const Select& select, Scope& scope);
+    static void trace(Item& item, const Scope& scope);
     void addStar(const Star& star, Scope& scope, std::vector<Item>& items);
     void name(std::vector<Item>& items) const;
     void group(const Select& select, Scope& scope, bool anyAggregate);
@@ -120,12 +125,16 @@ class Translator {
     Typed cases(const std::vector<std::pair<std::string, Typed>>& branches,
                 const std::optional<Typed>& otherwise, const std::string& chosen = {});
     Typed aggregate(const Aggregate& aggregate, Scope& scope);
-    Typed compare(BinaryOperator op, Typed a, Typed b);
+    Typed compare(BinaryOperator op, Typed a, Typed b, const Scope& scope);
     Typed between(const Between& between, Scope& scope);
     Typed in(const In& in, Scope& scope);
     Typed quantified(const Quantified& quantified, Scope& scope);
     Typed subquery(const Query& query, Scope& scope);
     Translated oneColumn(const Query& query, Scope& scope);
+    Typed anyOf(const Translated& query, const std::string& alias, const std::string& met,
+                bool wanted);
+    // Throws 3464, or 3615 in a join, for kinds that can't be compared.
+    void checkComparable(const Typed& a, const Typed& b, const Scope& scope) const;
 
     // Throws TooComplex for a text that grows without end: what aliases and stored queries stand
     // for is written out wherever they are used.
@@ -151,6 +160,7 @@ class Translator {
     const Query* whole_ = nullptr;               // what query() was given
     size_t sources_ = 0;
     std::vector<StoredName> asked_;  // stored queries that are being translated
+    bool keepsRows_ = false;         // of queries in FROM: their rows are to be changed
     size_t written_ = 0;             // expressions and tables
 };
 

@@ -48,7 +48,6 @@ TEST_F(SelectTest, Where) {
         {L"SELECT Id FROM Rooms WHERE Id IN (5, 1, 9)", "1; 5"},
         {L"SELECT Id FROM Rooms WHERE Code IN ('B2', 'a1') ORDER BY Id", "1; 4"},
         {L"SELECT Id FROM Rooms WHERE Id > 2.5 AND Id < 4.5", "3; 4"},
-        {L"SELECT Id FROM Rooms WHERE Id = '3'", "3"},
         {L"SELECT Id FROM Rooms WHERE Id > -5000000000 AND Id < 2", "1"},
     });
 }
