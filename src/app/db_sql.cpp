@@ -17,6 +17,7 @@
 #include "app/db_files.h"
 #include "app/exit_codes.h"
 #include "app/field_values.h"
+#include "app/interruption.h"
 #include "app/process.h"
 #include "app/text_table.h"
 #include "base/encoding.h"
@@ -136,10 +137,15 @@ bool hasStyles() {
            std::getenv("NO_COLOR") == nullptr;
 }
 
-// What statements give, on standard output.
+void throwIfWanted(const Interruption& interruption) {
+    if (interruption.isWanted()) throw jet::Error(jet::Canceled);
+}
+
+// What statements give, on standard output. Rows that are being printed are given up when that is
+// wanted, with Canceled.
 class Output {
   public:
-    Output() = default;
+    explicit Output(const Interruption& interruption) : interruption_(interruption) {}
     virtual ~Output() = default;
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
@@ -157,13 +163,17 @@ class Output {
   protected:
     // An empty line between two results.
     bool isFirst() { return std::exchange(first_, false); }
+    void passRow() const { throwIfWanted(interruption_); }
 
   private:
+    const Interruption& interruption_;
     bool first_ = true;
 };
 
 class TerminalOutput final : public Output {
   public:
+    using Output::Output;
+
     void rows(jet::Recordset& rows) override {
         separate();
         TextTable table;
@@ -172,6 +182,7 @@ class TerminalOutput final : public Output {
         table.rows = [&](const auto& reader) {
             TextTable::Row row(rows.columns().size());
             for (rows.moveFirst(); !rows.isEof(); rows.move(1)) {
+                passRow();
                 for (size_t i = 0; i < row.size(); ++i) {
                     rows.value(i, value_);
                     row[i] = {std::visit(CellText(), value_), jet::isNull(value_)};
@@ -199,6 +210,8 @@ class TerminalOutput final : public Output {
 // Counts go to standard error, so that what is printed is all values.
 class CsvOutput final : public Output {
   public:
+    using Output::Output;
+
     void rows(jet::Recordset& rows) override {
         if (!isFirst()) csv_.endRow();
         for (const jet::RecordColumn& column : rows.columns())
@@ -206,6 +219,7 @@ class CsvOutput final : public Output {
         csv_.endRow();
         jet::Value value;
         for (rows.moveFirst(); !rows.isEof() && !csv_.failed(); rows.move(1)) {
+            passRow();
             for (size_t i = 0; i < rows.columns().size(); ++i) {
                 rows.value(i, value);
                 std::visit(CsvValueWriter{csv_}, value);
@@ -223,16 +237,19 @@ class CsvOutput final : public Output {
     CsvWriter csv_{STDOUT_FILENO};
 };
 
-std::unique_ptr<Output> outputFor(const DatabaseArguments& arguments) {
-    if (!arguments.csv && isatty(STDOUT_FILENO)) return std::make_unique<TerminalOutput>();
-    return std::make_unique<CsvOutput>();
+std::unique_ptr<Output> outputFor(const DatabaseArguments& arguments,
+                                  const Interruption& interruption) {
+    if (!arguments.csv && isatty(STDOUT_FILENO)) {
+        return std::make_unique<TerminalOutput>(interruption);
+    }
+    return std::make_unique<CsvOutput>(interruption);
 }
 
 // ---- Running
 
 // True for what is wrong with a statement whatever rows there are.
 bool isOfTheText(int code) {
-    constexpr int codes[] = {3061, 3062, 3065, 3070, 3073, 3075, 3078, 3079, 3085, 3095, 3096,
+    constexpr int codes[] = {3061, 3062, 3065, 3070, 3073, 3075, 3078, 3079, 3085, 3095, 3096, 3102,
                              3103, 3122, 3125, 3127, 3128, 3138, 3219, 3306, 3307, 3346, 3360};
     return std::find(std::begin(codes), std::end(codes), code) != std::end(codes);
 }
@@ -284,10 +301,13 @@ int runStatements(const DatabaseArguments& arguments) {
     if (!parse(textOf(arguments), script)) return kWrongUsage;
 
     jet::Database database = openDatabase(arguments.file, modeFor(script));
+    const Interruption interruption;
     sql::Session session(database);
-    const std::unique_ptr<Output> output = outputFor(arguments);
+    session.limit({.isCanceled = [&] { return interruption.isWanted(); }});
+    const std::unique_ptr<Output> output = outputFor(arguments, interruption);
     for (size_t i = 0; i < script.size(); ++i) {
         try {
+            throwIfWanted(interruption);
             run(session, script[i], parameters, *output);
         } catch (const jet::Error& error) {
             flushOutput();

@@ -3,6 +3,7 @@
 import fcntl
 import os
 import pty
+import signal
 import struct
 import subprocess
 import termios
@@ -96,7 +97,7 @@ class Pipe(SqlTest):
         self.assertEqual(
             self.sql("EXPLAIN SELECT * FROM Parts WHERE Id = 1",
                      "EXPLAIN SELECT * FROM Parts WHERE Share = 1").splitlines(),
-            ["Step", "SEARCH Parts USING INDEX PrimaryKey (=)", "", "Step", "SCAN Parts"])
+            ["Step", "SEARCH Parts USING INDEX PrimaryKey (Id=?)", "", "Step", "SCAN Parts"])
 
 
 class Failures(SqlTest):
@@ -140,6 +141,20 @@ class Failures(SqlTest):
         code, output, errors = self.run_program("db", "sql", older, "SELECT 1; DELETE FROM Rooms")
         self.assertEqual((code, output), (3, ""))
         self.assertIn("(error 3051)", errors)
+
+    def test_an_interrupt_cancels_the_statement_and_those_behind_it(self):
+        rows = ", ".join(f"Parts AS p{i}" for i in range(20))
+        process = self.popen(
+            "db", "sql", "plan.mdb",
+            f"SELECT 1 AS a; DELETE FROM Parts WHERE Id < (SELECT Count(*) FROM {rows}); "
+            "DELETE FROM Parts", stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        self.addCleanup(process.kill)
+        self.assertEqual([process.stdout.readline() for _ in range(2)], ["a\n", "1\n"])
+        process.send_signal(signal.SIGINT)
+        output, errors = process.communicate(timeout=120)
+        self.assertEqual((process.returncode, output), (3, ""))
+        self.assertRegex(errors, r"^swiftgate: statement \d: .*\(error 3059\)\n$")
+        self.assertEqual(self.sql("SELECT Count(*) FROM Parts").splitlines()[1], "3")
 
     def test_standard_output_that_cannot_be_written(self):
         with open("/dev/full", "w", encoding="utf-8") as full:

@@ -101,6 +101,7 @@ constexpr Entry entries[] = {
     {3096, L"Cannot have aggregate function in WHERE clause '|'."},
     {3098, L"Cannot have aggregate function in GROUP BY clause '|'."},
     {3099, L"Cannot have aggregate function in JOIN operation '|'."},
+    {3102, L"Circular reference caused by '|'."},
     {3103, L"Circular reference caused by alias '|' in query definition's SELECT list."},
     {3104, L"Cannot specify fixed column heading '|' in a crosstab query more than once."},
     {3112, L"Record(s) cannot be read; no read permission on '|'."},
@@ -147,6 +148,10 @@ constexpr Entry entries[] = {
      L"record or table."},
     {3167, L"Record is deleted."},
     {3170, L"Could not find installable ISAM."},
+    {3183,
+     L"The query cannot be completed. Either the size of the query result is larger than the "
+     L"maximum size of a database (2 GB), or there is not enough temporary storage space on the "
+     L"disk to store the query result."},
     {3186, L"Could not save; currently locked by user '|1' on machine '|2'."},
     {3187, L"Could not read; currently locked by user '|1' on machine '|2'."},
     {3188, L"Could not update; currently locked by another session on this machine."},

@@ -151,6 +151,8 @@ class SG_API SnapshotRecordset final : public Recordset {
     // Adds a row behind the last; one value for each column. The cursor is on the first row until
     // it is moved.
     void append(std::span<const Value> row);
+    // That the rows take in memory.
+    uint64_t contentBytes() const;
 
     const std::vector<RecordColumn>& columns() const override;
     bool isBof() const override;

@@ -40,6 +40,7 @@ jet::PackedRows collected(const Setting& setting, const Program& program) {
                  values[i]);
         }
         rows.append(values);
+        setting.engine.checkResult(rows.contentBytes());
     });
     return rows;
 }
@@ -263,6 +264,7 @@ std::set<jet::RowId> updateTable(const Setting& setting, const Target& target,
         changed[column] = true;
     }
     for (const auto& [id, joined] : lastOfEach(rows, place)) {
+        setting.engine.passRow();
         row.assign(columns.size(), {});
         for (size_t i = 0; i < target.columns.size(); ++i) {
             rows.value(joined, targets + target.values[i], row[target.columns[i]]);
@@ -403,6 +405,7 @@ int64_t insert(const Setting& setting, const Insert& statement) {
     std::vector<jet::Value> row;
     int64_t count = 0;
     for (size_t i = 0; i < rows.size(); ++i) {
+        setting.engine.passRow();
         row.clear();
         writer.rules().defaults(row);
         for (size_t column = 0; column < target.places.size(); ++column) {
@@ -460,6 +463,7 @@ int64_t erase(const Setting& setting, const Delete& statement) {
     jet::TableWriter& writer = target.database->writer(target.name);
     int64_t count = 0;
     for (const jet::RowId row : ids) {
+        setting.engine.passRow();
         try {
             count += wrote(setting, *target.database, [&] { writer.erase(row); }) ? 1 : 0;
         } catch (const jet::Error& error) {
@@ -489,6 +493,7 @@ int64_t makeTable(const Setting& setting, const Query& query, const IntoTable& i
     jet::TableWriter& writer = database.writer(design.name);
     std::vector<jet::Value> row(program.columns.size());
     for (size_t i = 0; i < rows.size(); ++i) {
+        setting.engine.passRow();
         for (size_t column = 0; column < row.size(); ++column) {
             rows.value(i, column, row[column]);
         }

@@ -10,7 +10,9 @@
 #include "host/jet/expression/expression_operators.h"
 #include "host/jet/format/error.h"
 #include "host/jet/values/value_convert.h"
+#include "host/sql/run/like.h"
 #include "host/sql/run/sqlite_values.h"
+#include "host/sql/run/text_order.h"
 
 namespace sg::sql {
 namespace {
@@ -24,29 +26,13 @@ class NoNames final : public jet::ExpressionNames {
     bool value(std::wstring_view, jet::Value&) const override { return false; }
 };
 
-jet::Value likeOf(const jet::Value& text, const jet::Value& pattern) {
-    if (jet::isNull(text) || jet::isNull(pattern)) {
-        return {};
+// More than two values are concatenated.
+jet::Value operatorOf(jet::detail::Operator op, const Values& values) {
+    jet::Value value = jet::detail::applyOperator(op, values[0], values[1]);
+    for (size_t i = 2; i < values.size(); ++i) {
+        value = jet::detail::applyOperator(op, value, values[i]);
     }
-    return jet::isLike(jet::toInvariantText(text), jet::toInvariantText(pattern));
-}
-
-// A pattern with the wildcards % and _ as one with * and ?.
-std::wstring withDialectWildcards(std::wstring_view pattern) {
-    std::wstring made;
-    bool inList = false;
-    for (const wchar_t c : pattern) {
-        const bool isOther = c == L'*' || c == L'?' || c == L'#';
-        inList = c == L'[' || (inList && c != L']');
-        if (inList || !(isOther || c == L'%' || c == L'_')) {
-            made += c;
-        } else if (isOther) {
-            made.append({L'[', c, L']'});
-        } else {
-            made += c == L'%' ? L'*' : L'?';
-        }
-    }
-    return made;
+    return value;
 }
 
 // The bounds may come in either order.
@@ -75,14 +61,10 @@ jet::Value functionOf(const CallSite& site, Values& values) {
 jet::Value valueOf(const CallSite& site, Values& values) {
     switch (site.kind) {
         case CallSite::Kind::Operator:
-            return site.op == jet::detail::Operator::Like
-                       ? likeOf(values[0], values[1])
-                       : jet::detail::applyOperator(site.op, values[0], values[1]);
-        case CallSite::Kind::ALike:
-            if (!jet::isNull(values[1])) {
-                values[1] = withDialectWildcards(jet::toInvariantText(values[1]));
-            }
-            return likeOf(values[0], values[1]);
+            return operatorOf(site.op, values);
+        case CallSite::Kind::Pattern:
+            return jet::isNull(values[0]) ? jet::Value()
+                                          : withDialectWildcards(jet::toInvariantText(values[0]));
         case CallSite::Kind::Between:
             return betweenOf(values);
         case CallSite::Kind::Negate:
@@ -118,7 +100,8 @@ void callFunction(sqlite3_context* context, int count, sqlite3_value** arguments
     guarded(context, [&] {
         const auto place = static_cast<size_t>(sqlite3_value_int64(arguments[0]));
         const CallSite& site = runningOf(context).program->calls.at(place);
-        Values values(static_cast<size_t>(count) - 1);
+        Values& values = site.values;
+        values.resize(static_cast<size_t>(count) - 1);
         for (size_t i = 0; i < values.size(); ++i) {
             take(arguments[i + 1], site.arguments[i], values[i]);
         }
@@ -259,6 +242,7 @@ void addFunctions(sqlite3* connection, Engine::Running& running) {
     };
     add("jet", -1, SQLITE_DETERMINISTIC, callFunction, nullptr, nullptr);
     add("jetv", -1, 0, callFunction, nullptr, nullptr);
+    add(likeName.data(), 2, SQLITE_DETERMINISTIC, callLike, nullptr, nullptr);
     add("jet_first", 1, 0, nullptr, stepFirst, finishKept);
     add("jet_one", 1, 0, nullptr, stepOne, finishKept);
     add("jet_last", 1, 0, nullptr, stepLast, finishKept);

@@ -11,6 +11,18 @@
 
 namespace sg::sql {
 
+// What a text is, where that makes a difference to what is made of it. SQLite's parser takes no
+// deep nesting, so that chains of one operator are written without parentheses in them.
+enum class Shape : uint8_t {
+    Other,
+    Column,  // which has its own collation
+    And,     // of these four the text is in parentheses
+    Or,
+    Sum,
+    Product,
+    Concatenation,
+};
+
 // An expression in SQLite's text.
 struct Typed {
     std::string sql;
@@ -18,6 +30,8 @@ struct Typed {
     bool isCondition = false;  // 1, 0 and Null, as SQLite's own comparisons give them
     std::optional<jet::Value> constant;
     bool isStrict = false;  // a column or a literal, which is compared with its own kind only
+    Shape shape = Shape::Other;
+    size_t call = 0;  // of a Concatenation: its place in Program::calls
 };
 
 // A row of a table that takes part in a query's row.

@@ -73,6 +73,10 @@ Session::Session(jet::Database& database) : state_(std::make_unique<State>(datab
 
 Session::~Session() = default;
 
+void Session::limit(Limits limits) {
+    state_->engine.limit(std::move(limits));
+}
+
 std::unique_ptr<jet::SnapshotRecordset> Session::select(std::wstring_view text,
                                                         const Parameters& parameters) {
     return select(parseStatement(text), parameters);
@@ -90,6 +94,7 @@ std::unique_ptr<jet::SnapshotRecordset> Session::select(const Statement& stateme
                  values[i]);
         }
         rows->append(values);
+        state_->engine.checkResult(rows->contentBytes());
     });
     return rows;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -44,6 +45,15 @@ struct Description {
     std::vector<jet::RecordColumn> columns;  // none where it gives no rows
 };
 
+// What a statement may cost.
+struct Limits {
+    // Asked now and then, at least every few thousand rows: true ends the statement with Canceled
+    // (3059).
+    std::function<bool()> isCanceled;
+    // That the rows of a result take in memory; more than this ends with ResultTooLarge (3183).
+    uint64_t resultBytes = uint64_t(1) << 30;
+};
+
 // Runs statements of the dialect on a database, which must outlive it. Linked tables and stored
 // queries stand for their rows.
 class SG_API Session {
@@ -52,6 +62,9 @@ class SG_API Session {
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
+
+    // For the statements from now on.
+    void limit(Limits limits);
 
     // The rows of a query as they are now. Throws what parseStatement() throws; InputTableNotFound
     // (3078), UnknownName (3061) with the number of parameters that have no value,
@@ -74,8 +87,9 @@ class SG_API Session {
     // told are those that its rows give now.
     Description describe(const Statement& statement);
 
-    // How a query is to be run, a line a step: SEARCH where an index is used, SCAN where all rows
-    // are read.
+    // How a query is to be run, a line a step: SEARCH where an index is used to find rows, SCAN
+    // where all are read. A TRANSIENT INDEX is made for the statement, in memory, where rows of a
+    // table are looked for again and again and it has no index for it.
     std::vector<std::wstring> explain(const Statement& statement,
                                       const Parameters& parameters = {});
 

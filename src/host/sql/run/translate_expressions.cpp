@@ -6,6 +6,8 @@
 #include "host/jet/database/database.h"
 #include "host/jet/expression/expression_operators.h"
 #include "host/jet/format/error.h"
+#include "host/jet/values/value_convert.h"
+#include "host/sql/run/like.h"
 #include "host/sql/run/sqlite_values.h"
 #include "host/sql/run/translator.h"
 #include "host/sql/syntax_errors.h"
@@ -56,6 +58,7 @@ void Translator::declare(const std::vector<ParameterDeclaration>& parameters) {
 }
 
 Program Translator::query(const Query& query) {
+    whole_ = &query;
     return finish(translate(query, nullptr));
 }
 
@@ -160,7 +163,9 @@ std::string Translator::value(const Typed& typed) const {
 }
 
 std::string Translator::compared(const Typed& typed) const {
-    return isText(typed.type) ? std::string("(") + typed.sql + " COLLATE JET)" : value(typed);
+    return isText(typed.type) && typed.shape != Shape::Column
+               ? std::string("(") + typed.sql + " COLLATE JET)"
+               : value(typed);
 }
 
 // ---- Nodes
@@ -210,14 +215,7 @@ Typed Translator::emitNode(const Expression& expression, Scope& scope) {
         }
         Typed operator()(const Unary& node) { return self.unary(node, scope); }
         Typed operator()(const Binary& node) { return self.binary(node, scope); }
-        Typed operator()(const Like& node) {
-            const Typed a = self.emit(*node.value, scope);
-            const Typed b = self.emit(*node.pattern, scope);
-            const auto kind = node.ansi ? CallSite::Kind::ALike : CallSite::Kind::Operator;
-            return negate(
-                self.site({kind, Operator::Like, nullptr, {}, ColumnType::Boolean}, {a, b}),
-                node.negated);
-        }
+        Typed operator()(const Like& node) { return negate(self.like(node, scope), node.negated); }
         Typed operator()(const Between& node) {
             return negate(self.between(node, scope), node.negated);
         }
@@ -262,7 +260,7 @@ std::optional<Typed> Translator::column(const ColumnName& name, Scope& scope) {
         }
     }
     if (found != nullptr) {
-        return Typed{found->sql, found->type, false, {}, found->isStrict};
+        return Typed{found->sql, found->type, false, {}, found->isStrict, Shape::Column};
     }
     // A column of a query may itself be called "table.column".
     if (!name.qualifiers.empty()) {
@@ -270,7 +268,7 @@ std::optional<Typed> Translator::column(const ColumnName& name, Scope& scope) {
         for (const ScopeSource& source : scope.sources) {
             for (const ScopeColumn& each : source.columns) {
                 if (equalIgnoringCase(each.name, whole)) {
-                    return Typed{each.sql, each.type, false, {}, each.isStrict};
+                    return Typed{each.sql, each.type, false, {}, each.isStrict, Shape::Column};
                 }
             }
         }
@@ -377,6 +375,21 @@ Typed Translator::unary(const Unary& unary, Scope& scope) {
     return site({CallSite::Kind::Negate, {}, nullptr, {}, type}, {operand});
 }
 
+Typed Translator::like(const Like& like, Scope& scope) {
+    const auto text = [&](const Typed& typed) {
+        return value(isText(typed.type) ? typed : converted(typed, ColumnType::Text));
+    };
+    const std::string left = text(emit(*like.value, scope));
+    Typed pattern = emit(*like.pattern, scope);
+    if (like.ansi && pattern.constant && !jet::isNull(*pattern.constant)) {
+        pattern = constant(withDialectWildcards(jet::toInvariantText(*pattern.constant)));
+    } else if (like.ansi) {
+        pattern = site({CallSite::Kind::Pattern, {}, nullptr, {}, ColumnType::Memo}, {pattern});
+    }
+    const std::string right = text(pattern);
+    return {std::string(likeName) + "(" + left + ", " + right + ")", ColumnType::Boolean, true, {}};
+}
+
 Typed Translator::binary(const Binary& binary, Scope& scope) {
     const Typed a = emit(*binary.left, scope);
     const Typed b = emit(*binary.right, scope);
@@ -387,14 +400,48 @@ Typed Translator::binary(const Binary& binary, Scope& scope) {
                                             : arithmetic(binary.op, a, b);
 }
 
+// `a sign b` in parentheses; the chain goes on where `a` is of the same shape.
+std::string Translator::chained(const Typed& a, Shape shape, const char* sign,
+                                const std::string& b) const {
+    const bool isChain = a.shape == shape;
+    std::string text = shape == Shape::And || shape == Shape::Or ? a.sql : value(a);
+    if (isChain) {
+        text.pop_back();
+    } else {
+        text.insert(text.begin(), '(');
+    }
+    return text + sign + b + ")";
+}
+
+// A chain is one call, as long as SQLite takes so many arguments.
+Typed Translator::concatenation(const Typed& a, const Typed& b) {
+    constexpr size_t mostArguments = 100;
+    const Type type = a.type.column == ColumnType::Memo || b.type.column == ColumnType::Memo
+                          ? ColumnType::Memo
+                          : ColumnType::Text;
+    if (a.shape == Shape::Concatenation &&
+        program_.calls[a.call].arguments.size() < mostArguments) {
+        CallSite& call = program_.calls[a.call];
+        call.arguments.push_back(b.type);
+        call.result = type;
+        Typed made = a;
+        made.sql.pop_back();
+        made.sql += std::string(", ") + value(b) + ")";
+        made.type = type;
+        return made;
+    }
+    Typed made = site({CallSite::Kind::Operator, Operator::Concatenate, nullptr, {}, type}, {a, b});
+    made.shape = Shape::Concatenation;
+    made.call = program_.calls.size() - 1;
+    return made;
+}
+
 Typed Translator::logical(BinaryOperator op, const Typed& a, const Typed& b) {
     const bool truths = isTruth(a.type) && isTruth(b.type);
     if (truths && (op == BinaryOperator::And || op == BinaryOperator::Or)) {
-        return {std::string("(") + a.sql +
-                    std::string(op == BinaryOperator::And ? " AND " : " OR ") + b.sql + ")",
-                ColumnType::Boolean,
-                true,
-                {}};
+        const Shape shape = op == BinaryOperator::And ? Shape::And : Shape::Or;
+        const char* sign = op == BinaryOperator::And ? " AND " : " OR ";
+        return {chained(a, shape, sign, b.sql), ColumnType::Boolean, true, {}, false, shape};
     }
     return site({CallSite::Kind::Operator,
                  op,
@@ -419,10 +466,7 @@ Typed Translator::arithmetic(BinaryOperator op, const Typed& left, const Typed& 
     CallSite call{CallSite::Kind::Operator, op, nullptr, {}, {}};
     switch (op) {
         case BinaryOperator::Concatenate:
-            call.result = a.type.column == ColumnType::Memo || b.type.column == ColumnType::Memo
-                              ? ColumnType::Memo
-                              : ColumnType::Text;
-            return site(std::move(call), {a, b});
+            return concatenation(a, b);
         case BinaryOperator::Power:
             call.result = ColumnType::Double;
             return site(std::move(call), {a, b});
@@ -450,7 +494,8 @@ Typed Translator::arithmetic(BinaryOperator op, const Typed& left, const Typed& 
         const char* sign = op == BinaryOperator::Add        ? " + "
                            : op == BinaryOperator::Subtract ? " - "
                                                             : " * ";
-        return {std::string("(") + value(a) + sign + value(b) + ")", call.result, false, {}};
+        const Shape shape = isSum ? Shape::Sum : Shape::Product;
+        return {chained(a, shape, sign, value(b)), call.result, false, {}, false, shape};
     }
     return site(std::move(call), {a, b});
 }

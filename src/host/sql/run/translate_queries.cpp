@@ -174,7 +174,7 @@ void Translator::addStar(const Star& star, Scope& scope, std::vector<Item>& item
         }
         found = true;
         for (const ScopeColumn& each : source.columns) {
-            items.push_back({{each.sql, each.type, false, {}, each.isStrict},
+            items.push_back({{each.sql, each.type, false, {}, each.isStrict, Shape::Column},
                              each.name,
                              &source,
                              each.origin,
@@ -289,6 +289,11 @@ std::string Translator::columnList(const Select& select, const std::vector<Item>
     return sql;
 }
 
+// Whether the select is the whole query, whose first rows are counted as they come.
+bool Translator::isWhole(const Select& select) const {
+    return whole_ != nullptr && std::get_if<Select>(&whole_->body) == &select;
+}
+
 // The clauses put together. The first n of an order are all those that rank up to n, so that
 // those who share the last rank stay together.
 Translated Translator::assemble(const Select& select, const std::vector<Item>& items,
@@ -325,6 +330,11 @@ Translated Translator::assemble(const Select& select, const std::vector<Item>& i
         clauses += std::string(" HAVING ") + having;
     }
     const std::string list = columnList(select, items) + keptRows(select, scope, made);
+    if (select.top && isWhole(select) && !order.empty() && !select.top->percent) {
+        program_.first = {static_cast<uint64_t>(select.top->count), order.size()};
+        made.sql = list + keyList(order) + clauses + ordering(order, "");
+        return made;
+    }
     if (select.top && (!order.empty() || select.top->percent)) {
         made.sql = ranked(*select.top, order, list, clauses, made);
         return made;
@@ -351,12 +361,19 @@ std::string Translator::keptRows(const Select& select, const Scope& scope, Trans
     return list;
 }
 
-// The rows that rank up to the TOP one.
-std::string Translator::ranked(const Top& top, const std::vector<OrderKey>& order, std::string list,
-                               const std::string& clauses, const Translated& made) const {
+// The keys of the order as more columns, "o0", "o1"...
+std::string Translator::keyList(const std::vector<OrderKey>& order) const {
+    std::string list;
     for (size_t i = 0; i < order.size(); ++i) {
         list += std::string(", ") + compared(order[i].typed) + " AS o" + std::to_string(i);
     }
+    return list;
+}
+
+// The rows that rank up to the TOP one.
+std::string Translator::ranked(const Top& top, const std::vector<OrderKey>& order, std::string list,
+                               const std::string& clauses, const Translated& made) const {
+    list += keyList(order);
     const std::string count = std::to_string(top.count);
     const std::string limit = top.percent ? std::string("(n * ") + count + " + 99) / 100" : count;
     const std::string keys = ordering(order, "o");
@@ -393,7 +410,12 @@ Translated Translator::unite(const Union& all, const std::vector<OrderItem>& ord
         const std::string alias = std::string("u") + std::to_string(sources_++);
         std::string list;
         for (size_t i = 0; i < made.columns.size(); ++i) {
-            const Typed column{alias + "." + columnName(i), terms[t].columns[i].type, false, {}};
+            const Typed column{alias + "." + columnName(i),
+                               terms[t].columns[i].type,
+                               false,
+                               {},
+                               false,
+                               Shape::Column};
             list += std::string(i == 0 ? "" : ", ") +
                     compared(converted(column, made.columns[i].type)) + " AS " + columnName(i);
         }
@@ -404,7 +426,7 @@ Translated Translator::unite(const Union& all, const std::vector<OrderItem>& ord
         return made;
     }
     Scope scope;
-    scope.from = derived(std::move(made), {}, scope);
+    scope.from = derived(std::move(made), {}, scope, outer != nullptr);
     for (const OrderItem& item : orderBy) {
         const auto* plain = std::get_if<ColumnName>(&item.expression->node);
         if (plain != nullptr && !column(*plain, scope)) {
@@ -449,6 +471,7 @@ Translated Translator::crosstab(const Crosstab& crosstab, const std::vector<Orde
             ask.bound = program_.bound;
             ask.calls = program_.calls;
             ask.tables = program_.tables;
+            ask.common = program_.common;
             ask.text += std::string(" WHERE ") + where;
         }
         ask.text += " ORDER BY 1";

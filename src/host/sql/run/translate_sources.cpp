@@ -1,5 +1,7 @@
 // Where rows come from: tables, stored queries, joins.
 
+#include <algorithm>
+
 #include "base/text.h"
 #include "host/jet/database/database.h"
 #include "host/jet/format/error.h"
@@ -12,7 +14,7 @@
 namespace sg::sql {
 namespace {
 
-constexpr int maxNestedQueries = 40;
+constexpr size_t maxNestedQueries = 40;
 constexpr int notUpdatable = 3073;
 constexpr int notUpdatableColumn = 3113;
 
@@ -182,7 +184,7 @@ std::string Translator::table(const TableName& table, const std::optional<Name>&
     return sql;
 }
 
-std::string Translator::derived(Translated inner, std::wstring name, Scope& scope) {
+std::string Translator::derived(Translated inner, std::wstring name, Scope& scope, bool isOpen) {
     ScopeSource made{std::move(name),
                      std::string("t") + std::to_string(sources_++),
                      {},
@@ -204,7 +206,12 @@ std::string Translator::derived(Translated inner, std::wstring name, Scope& scop
     for (const BaseRow& base : inner.bases) {
         scope.bases.push_back({base.table, made.alias + "." + base.id});
     }
-    std::string sql = std::string("(") + inner.sql + ") AS " + made.alias;
+    std::string sql = std::string("(") + inner.sql + ")";
+    if (!isOpen) {
+        sql = std::string("q") + std::to_string(program_.common.size());
+        program_.common.push_back(std::move(inner.sql));
+    }
+    sql += std::string(" AS ") + made.alias;
     program_.sources[made.alias] = {made.name, made.table.value_or(TableUse())};
     scope.sources.push_back(std::move(made));
     return sql;
@@ -212,9 +219,14 @@ std::string Translator::derived(Translated inner, std::wstring name, Scope& scop
 
 // In the database that it is kept in, with parameters of its own.
 Translated Translator::storedQuery(jet::Database& database, std::wstring_view name) {
-    if (++depth_ > maxNestedQueries) {
-        throw jet::Error(TooComplex, {}, {.detail = L"queries that ask each other"});
+    const StoredName self{&database, upperCased(name)};
+    if (std::find(asked_.begin(), asked_.end(), self) != asked_.end()) {
+        throw jet::Error(jet::CircularReference, {std::wstring(name)});
     }
+    if (asked_.size() >= maxNestedQueries) {
+        throw jet::Error(TooComplex, {}, {.detail = L"queries that ask queries, too deep"});
+    }
+    asked_.push_back(self);
     const Statement statement = parseStatement(database.query(name).sql());
     const auto* query = std::get_if<QueryPtr>(&statement.body);
     if (query == nullptr) {
@@ -222,7 +234,7 @@ Translated Translator::storedQuery(jet::Database& database, std::wstring_view na
     }
     declare(statement.parameters);
     Translated made = translate(**query, nullptr);
-    --depth_;
+    asked_.pop_back();
     return made;
 }
 

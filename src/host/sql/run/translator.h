@@ -65,6 +65,11 @@ class Translator {
         bool isAlias = false;
         FieldOrigin field{};
     };
+    struct StoredName {
+        const jet::Database* database = nullptr;
+        std::wstring name;  // in capitals
+        bool operator==(const StoredName&) const = default;
+    };
     struct OrderKey {
         Typed typed;
         bool descending = false;
@@ -82,6 +87,7 @@ class Translator {
     Translated assemble(const Select& select, const std::vector<Item>& items,
                         const std::vector<OrderKey>& order, Scope& scope);
     std::string keptRows(const Select& select, const Scope& scope, Translated& made) const;
+    std::string keyList(const std::vector<OrderKey>& order) const;
     std::string ranked(const Top& top, const std::vector<OrderKey>& order, std::string list,
                        const std::string& clauses, const Translated& made) const;
     std::vector<Item> expand(const Select& select, Scope& scope);
@@ -91,6 +97,7 @@ class Translator {
     void group(const Select& select, Scope& scope, bool anyAggregate);
     std::vector<OrderKey> orderKeys(const std::vector<OrderItem>& orderBy,
                                     const std::vector<Item>& items, Scope& scope);
+    bool isWhole(const Select& select) const;
     std::string ordering(const std::vector<OrderKey>& keys, std::string_view prefix) const;
     std::string distinctRows(const std::vector<Item>& items, const Scope& scope) const;
     std::string columnList(const Select& select, const std::vector<Item>& items);
@@ -100,7 +107,8 @@ class Translator {
     std::string source(const Source& source, Scope& scope);
     std::string join(const Join& join, Scope& scope);
     std::string table(const TableName& table, const std::optional<Name>& alias, Scope& scope);
-    std::string derived(Translated inner, std::wstring name, Scope& scope);
+    // `isOpen`: the query may name columns of one around it.
+    std::string derived(Translated inner, std::wstring name, Scope& scope, bool isOpen = false);
     Translated storedQuery(jet::Database& database, std::wstring_view name);
     jet::Database& external(std::wstring_view path);
     size_t useTable(jet::Database& database, std::wstring_view name);
@@ -113,7 +121,10 @@ class Translator {
     Typed parameter(const std::wstring& name);
     Typed positionalParameter(uint32_t index);
     Typed unary(const Unary& unary, Scope& scope);
+    Typed like(const Like& like, Scope& scope);
     Typed binary(const Binary& binary, Scope& scope);
+    std::string chained(const Typed& a, Shape shape, const char* sign, const std::string& b) const;
+    Typed concatenation(const Typed& a, const Typed& b);
     Typed logical(BinaryOperator op, const Typed& a, const Typed& b);
     Typed arithmetic(BinaryOperator op, const Typed& left, const Typed& right);
     Typed call(const Call& call, Scope& scope);
@@ -156,10 +167,11 @@ class Translator {
     std::vector<MissingParameter> missing_;      // parameters without a value
     bool describes_ = false;
     std::vector<const Expression*> aliases_;  // that are being looked up
+    const Query* whole_ = nullptr;            // what query() was given
     size_t sources_ = 0;
-    int depth_ = 0;           // of stored queries
-    bool keepsRows_ = false;  // of queries in FROM: their rows are to be changed
-    size_t written_ = 0;      // expressions and tables
+    std::vector<StoredName> asked_;  // stored queries that are being translated
+    bool keepsRows_ = false;         // of queries in FROM: their rows are to be changed
+    size_t written_ = 0;             // expressions and tables
 };
 
 }  // namespace sg::sql

@@ -223,10 +223,10 @@ TEST_F(SelectTest, ParametersByName) {
 
 TEST_F(SelectTest, IndexesAreUsed) {
     const std::pair<const wchar_t*, const char*> cases[] = {
-        {L"SELECT Id FROM Rooms WHERE Id = 3", "SEARCH Rooms USING INDEX PrimaryKey (=)"},
-        {L"SELECT Id FROM Rooms WHERE Code = 'x'", "SEARCH Rooms USING INDEX ByCode (=)"},
+        {L"SELECT Id FROM Rooms WHERE Id = 3", "SEARCH Rooms USING INDEX PrimaryKey (Id=?)"},
+        {L"SELECT Id FROM Rooms WHERE Code = 'x'", "SEARCH Rooms USING INDEX ByCode (Code=?)"},
         {L"SELECT Id FROM Rooms AS r WHERE Area > 3 AND Area < 4",
-         "SEARCH r USING INDEX ByArea (><)"},
+         "SEARCH r USING INDEX ByArea (Area>? AND Area<?)"},
         {L"SELECT Id FROM Rooms WHERE Level = 3", "SCAN Rooms"},
         {L"SELECT Id FROM Rooms WHERE UCase(Code) = 'X'", "SCAN Rooms"},
     };
