@@ -1,85 +1,26 @@
-// The database engine on a file that it made itself: 200,000 rows of 6 columns with a unique index
-// over a number and one over a text, opened shared.
+// The database engine on a file that it made itself (parts.h), opened shared.
 
 #include <benchmark/benchmark.h>
-#include <fmt/xchar.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <string>
 #include <vector>
 
 #include "base/encoding.h"
-#include "host/jet/database/database.h"
-#include "host/jet/database/table_writer.h"
 #include "host/jet/recordset/recordset.h"
-#include "host/jet/schema/schema.h"
+#include "parts.h"
 
 namespace {
 
 using namespace sg::jet;
-
-constexpr int kRows = 200'000;
-
-class Folder {
-  public:
-    Folder() { std::filesystem::create_directories(path_); }
-    ~Folder() { std::filesystem::remove_all(path_); }
-    // A name in it that no file has any more.
-    std::wstring file(const char* name) const {
-        std::filesystem::remove(path_ / name);
-        return (path_ / name).wstring();
-    }
-
-  private:
-    std::filesystem::path path_ =
-        std::filesystem::temp_directory_path() / ("jet_bench" + std::to_string(getpid()));
-};
-
-const Folder& folder() {
-    static const Folder made;
-    return made;
-}
-
-TableDesign partsTable(const wchar_t* name) {
-    return {.name = name,
-            .columns = {{.name = L"ixPart", .type = ColumnType::Long},
-                        {.name = L"sKey", .type = ColumnType::Text, .size = 40},
-                        {.name = L"sDescription", .type = ColumnType::Text, .size = 100},
-                        {.name = L"dLength", .type = ColumnType::Double},
-                        {.name = L"bShown", .type = ColumnType::Boolean},
-                        {.name = L"dtMade", .type = ColumnType::Date}},
-            .indexes = {{.name = L"ixPart", .columns = {{L"ixPart"}}, .primary = true},
-                        {.name = L"sKey", .columns = {{L"sKey"}}}}};
-}
-
-// Keys come in no order, as names do.
-std::vector<Value> part(int row) {
-    const auto mixed = static_cast<unsigned>(row) * 2654435761u;
-    return {row,
-            fmt::format(L"duct {:08x}", mixed),
-            fmt::format(L"Straight piece {}", row),
-            row * 0.25,
-            row % 3 == 0,
-            Date{42000.0 + row % 1000}};
-}
-
-void fill(Database& database, const wchar_t* table) {
-    database.beginTransaction();
-    TableWriter& writer = database.writer(table);
-    for (int row = 0; row < kRows; ++row) {
-        std::vector<Value> values = part(row);
-        writer.insert(values);
-    }
-    database.commitTransaction();
-}
+using namespace sg::bench;
 
 const std::wstring& filled() {
     static const std::wstring path = [] {
         const std::wstring file = folder().file("filled.mdb");
         Database database = Database::create(file);
         createTable(database, partsTable(L"tblPart"));
-        fill(database, L"tblPart");
+        fill(database, L"tblPart", rowCount, part);
         return file;
     }();
     return path;
@@ -97,9 +38,9 @@ void scanAllValues(benchmark::State& state) {
             }
             benchmark::DoNotOptimize(values.data());
         }
-        if (count != kRows) state.SkipWithError("rows are missing");
+        if (count != rowCount) state.SkipWithError("rows are missing");
     }
-    state.SetItemsProcessed(state.iterations() * kRows);
+    state.SetItemsProcessed(state.iterations() * rowCount);
 }
 BENCHMARK(scanAllValues)->Unit(benchmark::kMillisecond);
 
@@ -117,7 +58,7 @@ void scanWithCursor(benchmark::State& state) {
             benchmark::DoNotOptimize(values.data());
         }
     }
-    state.SetItemsProcessed(state.iterations() * kRows);
+    state.SetItemsProcessed(state.iterations() * rowCount);
 }
 BENCHMARK(scanWithCursor)->Unit(benchmark::kMillisecond);
 
@@ -128,7 +69,7 @@ void seekNumber(benchmark::State& state) {
     unsigned next = 0;
     for (auto _ : state) {
         next = next * 1664525u + 1013904223u;
-        const Value key = static_cast<int32_t>(next % kRows);
+        const Value key = static_cast<int32_t>(next % rowCount);
         if (!rows.seek(SeekOperator::Equal, {&key, 1})) state.SkipWithError("not found");
     }
     state.SetItemsProcessed(state.iterations());
@@ -140,7 +81,7 @@ void seekText(benchmark::State& state) {
     TableRecordset rows(database, L"tblPart");
     rows.setIndex(L"sKey");
     std::vector<Value> keys;
-    for (int row = 0; row < kRows; row += 7) {
+    for (int row = 0; row < rowCount; row += 7) {
         keys.push_back(part(row)[1]);
     }
     size_t next = 0;
@@ -155,7 +96,7 @@ BENCHMARK(seekText);
 // The rows are made before the time is taken.
 void appendInOneTransaction(benchmark::State& state) {
     std::vector<std::vector<Value>> rows;
-    for (int row = 0; row < kRows; ++row) {
+    for (int row = 0; row < rowCount; ++row) {
         rows.push_back(part(row));
     }
     const std::wstring path = folder().file("append.mdb");
@@ -176,7 +117,7 @@ void appendInOneTransaction(benchmark::State& state) {
         }
         database.commitTransaction();
     }
-    state.SetItemsProcessed(state.iterations() * kRows);
+    state.SetItemsProcessed(state.iterations() * rowCount);
 }
 BENCHMARK(appendInOneTransaction)->Unit(benchmark::kMillisecond);
 

@@ -26,6 +26,7 @@ namespace model {
 class DatabaseTable;
 }
 class CommandLine;
+class Cryptography;
 class Document;
 class DocumentManager;
 class Editor;
@@ -35,9 +36,11 @@ class InputSource;
 class ModuleLoader;
 class NamedMutexes;
 class Output;
+class RegistryHandles;
 class RegistryStore;
 class Shell;
 class SupportPath;
+class SystemLibraries;
 class SystemRegistry;
 class SystemVariables;
 class TypedWords;
@@ -87,9 +90,12 @@ class SG_API Host {
     Editor& editor() { return *editor_; }
     Output& output() { return *output_; }
     RegistryStore& registry() { return *registry_; }
+    RegistryHandles& registryHandles() { return *registryHandles_; }
+    SystemLibraries& libraries() { return *libraries_; }
     SupportPath& supportPath() { return *supportPath_; }
     Shell& shell() { return *shell_; }
     NamedMutexes& mutexes() { return *mutexes_; }
+    Cryptography& cryptography() { return *cryptography_; }
     AcRxClassRegistry& classes() { return *classes_; }
     SystemRegistry& systemRegistry() { return *systemRegistry_; }
     AcDbHostApplicationServices& services() { return *services_; }
@@ -130,9 +136,12 @@ class SG_API Host {
     std::shared_ptr<TypedWords> typedWords_;
     std::shared_ptr<SystemVariables> applicationVariables_;
     std::unique_ptr<RegistryStore> registry_;
+    std::unique_ptr<RegistryHandles> registryHandles_;
+    std::unique_ptr<SystemLibraries> libraries_;
     std::unique_ptr<SupportPath> supportPath_;
     std::unique_ptr<Shell> shell_;
     std::unique_ptr<NamedMutexes> mutexes_;
+    std::unique_ptr<Cryptography> cryptography_;
     std::unique_ptr<AcRxClassRegistry> classes_;
     std::unique_ptr<SystemRegistry> systemRegistry_;
     std::unique_ptr<model::DatabaseTable> databases_;

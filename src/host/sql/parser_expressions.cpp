@@ -6,7 +6,6 @@
 #include "base/text.h"
 #include "host/jet/format/error.h"
 #include "host/sql/made.h"
-#include "host/sql/precedence.h"
 #include "host/sql/syntax_parser.h"
 #include "host/sql/words.h"
 
@@ -80,26 +79,16 @@ std::vector<ExpressionPtr> SyntaxParser::expressions(SyntaxError missing) {
 
 // ---- Operators
 
-const Infix* SyntaxParser::infix() const {
-    if (token_.kind != TokenKind::Symbol && token_.kind != TokenKind::Name) {
-        return nullptr;
-    }
-    const auto* found = std::find_if(std::begin(infixes), std::end(infixes), [&](const Infix& op) {
-        return equalIgnoringCase(op.text, token_.text);
-    });
-    return found == std::end(infixes) ? nullptr : found;
-}
-
 // `token` is `distance` tokens behind the present one. An IN 'file' is a clause.
 bool SyntaxParser::isComparisonWord(const Token& token, size_t distance) {
-    return token.isWord(L"LIKE") || token.isWord(L"BETWEEN") ||
+    return token.isWord(L"LIKE") || token.isWord(L"ALIKE") || token.isWord(L"BETWEEN") ||
            (token.isWord(L"IN") && peek(distance + 1).kind != TokenKind::Literal);
 }
 
 // Whether the present token is that of a comparison, behind its left side.
 bool SyntaxParser::beginsComparison() {
     if (token_.kind == TokenKind::Symbol) {
-        const Infix* op = infix();
+        const Infix* op = infixOf(token_);
         return op != nullptr && op->level == ComparisonLevel;
     }
     return at(L"IS") || (at(L"NOT") ? isComparisonWord(peek(), 1) : isComparisonWord(token_, 0));
@@ -114,12 +103,12 @@ ExpressionPtr SyntaxParser::level(int least) {
             left = comparison(std::move(left));
             continue;
         }
-        const Infix* op = infix();
+        const Infix* op = infixOf(token_);
         if (op == nullptr || op->level < least) {
             return left;
         }
         advance();
-        left = madeBinary(operatorOf(*op), std::move(left), level(op->level + 1));
+        left = madeBinary(op->op, std::move(left), level(op->level + 1));
     }
 }
 
@@ -157,7 +146,7 @@ ExpressionPtr SyntaxParser::comparison(ExpressionPtr left) {
     if (token_.kind == TokenKind::Name) {
         return likeBetweenOrIn(std::move(left));
     }
-    const Infix* op = infix();
+    const Infix* op = infixOf(token_);
     advance();
     return compared(*op, std::move(left));
 }
@@ -170,25 +159,26 @@ ExpressionPtr SyntaxParser::likeBetweenOrIn(ExpressionPtr left) {
     if (take(L"IN")) {
         return in(std::move(left), negated);
     }
+    const bool ansi = at(L"ALIKE");
     advance();
     const size_t begin = left->range.offset;
     ExpressionPtr pattern = level(ConcatenateLevel);
     const int height = std::max(left->height, pattern->height) + 1;
-    return made(begin, Like{std::move(left), std::move(pattern), negated}, height);
+    return made(begin, Like{std::move(left), std::move(pattern), negated, ansi}, height);
 }
 
 // Behind a comparison's symbol: a value, or ANY, SOME or ALL with a query.
 ExpressionPtr SyntaxParser::compared(const Infix& op, ExpressionPtr left) {
     const bool any = at(L"ANY") || at(L"SOME");
     if ((!any && !at(L"ALL")) || !peek().isSymbol(L"(")) {
-        return madeBinary(operatorOf(op), std::move(left), level(ConcatenateLevel));
+        return madeBinary(op.op, std::move(left), level(ConcatenateLevel));
     }
     advance();
     const size_t begin = left->range.offset;
     QueryPtr query = subquery();
     const int height = std::max(left->height, query->height) + 1;
     return made(begin,
-                Quantified{std::move(left), operatorOf(op), any ? Quantifier::Any : Quantifier::All,
+                Quantified{std::move(left), op.op, any ? Quantifier::Any : Quantifier::All,
                            std::move(query)},
                 height);
 }

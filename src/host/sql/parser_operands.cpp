@@ -4,7 +4,6 @@
 
 #include "host/jet/format/error.h"
 #include "host/sql/made.h"
-#include "host/sql/precedence.h"
 #include "host/sql/syntax_parser.h"
 #include "host/sql/words.h"
 
@@ -146,7 +145,7 @@ ExpressionPtr SyntaxParser::qualified() {
 
 ExpressionPtr SyntaxParser::star(size_t start, std::vector<Name> qualifiers) {
     advance();
-    if (infix() != nullptr || beginsComparison()) {
+    if (infixOf(token_) != nullptr || beginsComparison()) {
         failExpression(missingOperator);
     }
     return made(start, Star{std::move(qualifiers)}, 1);

@@ -12,6 +12,10 @@
 // statement_printer.cpp.
 namespace sg::sql::detail {
 
+using jet::detail::Infix;
+using jet::detail::infixOf;
+using enum jet::detail::Precedence;
+
 class Printer {
   public:
     explicit Printer(Parentheses parentheses) : parentheses_(parentheses) {}
@@ -89,6 +93,7 @@ class Printer {
     void node(const DropColumns& node);
     void node(const DropConstraint& node);
 
+    void body(const Statement& statement);  // without its parameters
     void parameters(const std::vector<ParameterDeclaration>& parameters);
     void type(const DataType& type);
     void definition(const ColumnDefinition& column);

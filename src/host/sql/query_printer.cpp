@@ -1,6 +1,5 @@
 // Queries of the printer.
 
-#include "host/sql/precedence.h"
 #include "host/sql/printer.h"
 
 namespace sg::sql::detail {

@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "host/jet/expression/operators.h"
 #include "host/jet/values/value.h"
 
 // The syntax tree of the Jet dialect's expressions and queries; statements.h has the statements.
@@ -89,27 +90,8 @@ struct Unary {
     ExpressionPtr operand;
 };
 
-enum class BinaryOperator : uint8_t {
-    Power,
-    Multiply,
-    Divide,
-    IntegerDivide,
-    Modulo,
-    Add,
-    Subtract,
-    Concatenate,
-    Equal,
-    NotEqual,
-    Less,
-    LessOrEqual,
-    Greater,
-    GreaterOrEqual,
-    And,
-    Or,
-    Xor,
-    Eqv,
-    Imp,
-};
+// But Like, which has a node of its own.
+using BinaryOperator = jet::detail::Operator;
 
 struct Binary {
     BinaryOperator op = BinaryOperator::Add;
@@ -121,6 +103,7 @@ struct Like {
     ExpressionPtr value;
     ExpressionPtr pattern;
     bool negated = false;
+    bool ansi = false;  // ALIKE: its wildcards are % and _
 };
 
 struct Between {

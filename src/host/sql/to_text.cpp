@@ -5,7 +5,6 @@
 #include <limits>
 
 #include "base/text.h"
-#include "host/sql/precedence.h"
 #include "host/sql/printer.h"
 #include "host/sql/words.h"
 
@@ -196,7 +195,7 @@ void Printer::node(const Binary& node) {
 void Printer::node(const Like& node) {
     part(*node.value, ComparisonLevel);
     add(notText(node.negated));
-    add(L" Like ");
+    add(node.ansi ? L" ALike " : L" Like ");
     part(*node.pattern, ConcatenateLevel);
 }
 

@@ -10,31 +10,6 @@ namespace {
 
 using jet::ColumnType;
 
-// Ascending, for binary search.
-constexpr std::wstring_view reservedWords[] = {
-    L"ALL",        L"ALTER",   L"AND",        L"AS",     L"ASC",      L"BETWEEN",     L"BY",
-    L"CONSTRAINT", L"CREATE",  L"DELETE",     L"DESC",   L"DISTINCT", L"DISTINCTROW", L"DROP",
-    L"EQV",        L"EXISTS",  L"FROM",       L"GROUP",  L"HAVING",   L"IMP",         L"IN",
-    L"INNER",      L"INSERT",  L"INTO",       L"IS",     L"JOIN",     L"LEFT",        L"LIKE",
-    L"MOD",        L"NOT",     L"NULL",       L"ON",     L"OR",       L"ORDER",       L"PARAMETERS",
-    L"PIVOT",      L"PRIMARY", L"REFERENCES", L"RIGHT",  L"SELECT",   L"SET",         L"TABLE",
-    L"TRANSFORM",  L"UNION",   L"UNIQUE",     L"UPDATE", L"VALUES",   L"WHERE",       L"WITH",
-    L"XOR"};
-constexpr size_t longestReservedWord = 11;
-
-// Words that mean something in some places only: there a name needs brackets.
-constexpr std::wstring_view softWords[] = {
-    L"ANY", L"CHECK", L"COLUMN",  L"DEFAULT", L"EXPLAIN", L"FALSE", L"FOREIGN", L"NO",
-    L"OFF", L"OUTER", L"PERCENT", L"SOME",    L"TOP",     L"TRUE",  L"YES"};
-
-struct Constant {
-    std::wstring_view word;
-    std::optional<bool> value;
-};
-constexpr Constant constants[] = {{L"True", true}, {L"False", false}, {L"Yes", true},
-                                  {L"No", false},  {L"On", true},     {L"Off", false},
-                                  {L"Null", {}}};
-
 // In the order of AggregateFunction.
 constexpr std::wstring_view aggregates[] = {L"Count", L"Sum",   L"Avg",    L"Min", L"Max", L"First",
                                             L"Last",  L"StDev", L"StDevP", L"Var", L"VarP"};
@@ -101,32 +76,7 @@ constexpr TypeWord typeWords[] = {
     {L"VALUE", std::nullopt},
 };
 
-bool isPlain(std::wstring_view name) {
-    const auto beginsWord = [](wchar_t c) {
-        return (c >= L'A' && c <= L'Z') || (c >= L'a' && c <= L'z') || c == L'_' ||
-               (c >= 0x80 && !isBlank(c));
-    };
-    return !name.empty() && beginsWord(name[0]) &&
-           std::all_of(name.begin(), name.end(),
-                       [&](wchar_t c) { return beginsWord(c) || (c >= L'0' && c <= L'9'); });
-}
-
 }  // namespace
-
-bool isReserved(std::wstring_view word) {
-    return word.size() <= longestReservedWord &&
-           std::binary_search(std::begin(reservedWords), std::end(reservedWords),
-                              std::wstring_view(upperCased(word)));
-}
-
-std::optional<jet::Value> constantOf(std::wstring_view word) {
-    for (const Constant& constant : constants) {
-        if (equalIgnoringCase(constant.word, word)) {
-            return constant.value ? jet::Value(*constant.value) : jet::Value();
-        }
-    }
-    return std::nullopt;
-}
 
 std::optional<AggregateFunction> aggregateOf(std::wstring_view word) {
     for (size_t i = 0; i < std::size(aggregates); ++i) {
@@ -141,12 +91,12 @@ std::wstring_view nameOf(AggregateFunction function) {
     return aggregates[static_cast<size_t>(function)];
 }
 
-std::wstring quotedName(std::wstring_view name) {
-    const bool needsNone =
-        isPlain(name) && !isReserved(name) &&
-        std::none_of(std::begin(softWords), std::end(softWords),
-                     [&](std::wstring_view word) { return equalIgnoringCase(word, name); });
-    return needsNone ? std::wstring(name) : L"[" + std::wstring(name) + L"]";
+std::wstring parameterName(const ColumnName& name) {
+    std::wstring joined;
+    for (const Name& part : name.qualifiers) {
+        joined += part.text + L"!";
+    }
+    return joined + name.name.text;
 }
 
 const TypeWord* typeOf(std::wstring_view word) {

@@ -4,22 +4,21 @@
 #include <string>
 #include <string_view>
 
+#include "host/jet/expression/words.h"
 #include "host/sql/statements.h"
 
-// The dialect's words and names.
+// The dialect's words in statements.
 namespace sg::sql {
 
-// Words that cannot stand for a column or a table without brackets. Ignoring case, like all here.
-bool isReserved(std::wstring_view word);
-
-// The value of True, Yes, On, False, No, Off or Null.
-std::optional<jet::Value> constantOf(std::wstring_view word);
+using jet::constantOf;
+using jet::isReserved;
+using jet::quotedName;
 
 std::optional<AggregateFunction> aggregateOf(std::wstring_view word);
 std::wstring_view nameOf(AggregateFunction function);
 
-// In brackets where the dialect needs them.
-SG_API std::wstring quotedName(std::wstring_view name);
+// A parameter's name: its parts with "!" between them.
+SG_API std::wstring parameterName(const ColumnName& name);
 
 // A type as its first word tells it, and what may follow.
 struct TypeWord {

@@ -62,6 +62,7 @@ inline constexpr uint32_t notEnforced = 0x00000002;
 inline constexpr uint32_t inherited = 0x00000004;
 inline constexpr uint32_t cascadeUpdates = 0x00000100;
 inline constexpr uint32_t cascadeDeletes = 0x00001000;
+inline constexpr uint32_t nullsOnDelete = 0x00002000;
 inline constexpr uint32_t leftJoin = 0x01000000;
 inline constexpr uint32_t rightJoin = 0x02000000;
 }  // namespace relationFlags

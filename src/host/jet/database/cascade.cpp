@@ -27,6 +27,8 @@ void CascadingErase::run(TableWriter& table, RowId row) {
         for (const Doomed& doomed : rows_)
             checkReferring(*doomed.table, doomed.row);
     }
+    for (const Freed& freed : freed_)
+        release(freed);
     table.prepareErase(row, TableWriter::Origin::Caller);
     scope_->changing();
     table.applyErase(*scope_, row);
@@ -54,6 +56,21 @@ void CascadingErase::addReferring(TableWriter& table, RowId row) {
     }
 }
 
+// Takes the columns away by which the row refers.
+void CascadingErase::release(const Freed& freed) {
+    TableWriter& table = *freed.table;
+    std::vector<Value> values(table.definition().columns.size());
+    std::vector<bool> changed(values.size());
+    for (const size_t place : table.encoder(freed.index).places())
+        changed[place] = true;
+    try {
+        CascadingUpdate(*scope_, *locks_).run(table, freed.row, values, changed);
+    } catch (const Error& error) {
+        if (error.code() != NullInIndex && error.code() != NullInRequiredField) throw;
+        throw Error(CascadeNullKey, {table.table().name()});
+    }
+}
+
 // Where a relation does not cascade, rows may go that go anyway.
 void CascadingErase::checkReferring(TableWriter& table, RowId row) {
     const auto& ends = table.relations().children();
@@ -64,6 +81,11 @@ void CascadingErase::checkReferring(TableWriter& table, RowId row) {
         if (end.cascadeDeletes || !keyAcross(table.indexes(), end, table.oldRow_, key_)) continue;
         forEachEntry(table.table().store(), otherIndex(end), ByteView(key_), [&](RowId referring) {
             if (seen_.contains(referring)) return true;
+            if (end.nullsOnDelete) {
+                locks_->take(referring);
+                freed_.push_back({end.other, referring, end.otherIndex});
+                return true;
+            }
             throw Error(RelatedRecordsExist, {end.other->table().name()});
         });
     }

@@ -18,12 +18,14 @@ namespace sg::jet {
 
 class TableWriter;
 
-// Deletes a row and all rows that refer to it in relations that cascade.
+// Deletes a row and all rows that refer to it in relations that cascade; in relations that say so
+// the rows that referred to it refer to none.
 class CascadingErase {
   public:
     CascadingErase(WriteScope& scope, RecordLocks& locks) : scope_(&scope), locks_(&locks) {}
 
-    // The caller has the row's lock. What is refused is refused before anything is changed.
+    // The caller has the row's lock. What is refused is refused before anything is changed, but for
+    // what a row that is to refer to none refuses.
     void run(TableWriter& table, RowId row);
 
   private:
@@ -32,12 +34,21 @@ class CascadingErase {
         RowId row;
     };
 
+    // A row that stays, and the index by which it refers.
+    struct Freed {
+        TableWriter* table;
+        RowId row;
+        size_t index;
+    };
+
     void addReferring(TableWriter& table, RowId row);
     void checkReferring(TableWriter& table, RowId row);
+    void release(const Freed& freed);
 
     WriteScope* scope_;
     RecordLocks* locks_;
     std::vector<Doomed> rows_;
+    std::vector<Freed> freed_;
     std::set<RowId> seen_;  // the same; no two tables share a page
     KeyBytes key_;
 };

@@ -38,8 +38,9 @@ RelationEnd resolve(Database& database, TableWriter& writer, const LogicalIndex&
     const std::vector<KeyColumn>& related = other.encoder(found->realIndex).columns();
     if (!std::equal(columns.begin(), columns.end(), related.begin(), related.end(), isComparable))
         throwBroken(table, index, L"is between columns of different types");
-    return {index.name,       index.realIndex,      &other,
-            found->realIndex, index.cascadeUpdates, index.cascadeDeletes};
+    return {index.name,         index.realIndex,      &other,
+            found->realIndex,   index.cascadeUpdates, index.cascadeDeletes,
+            index.nullsOnDelete};
 }
 
 }  // namespace

@@ -27,6 +27,7 @@ struct RelationEnd {
     size_t otherIndex = 0;         // real index there, over the columns that are compared
     bool cascadeUpdates = false;
     bool cascadeDeletes = false;
+    bool nullsOnDelete = false;
 };
 
 // The ends of a table's relations. They name writers of other tables, so that they hold only until

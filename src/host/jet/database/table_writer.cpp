@@ -100,7 +100,8 @@ void TableWriter::adopt(Table table) {
     cascadesUpdates_ = cascadesDeletes_ = false;
     for (const LogicalIndex& index : design.indexes) {
         cascadesUpdates_ = cascadesUpdates_ || (isReferredTo(index) && index.cascadeUpdates);
-        cascadesDeletes_ = cascadesDeletes_ || (isReferredTo(index) && index.cascadeDeletes);
+        cascadesDeletes_ = cascadesDeletes_ ||
+                           (isReferredTo(index) && (index.cascadeDeletes || index.nullsOnDelete));
     }
 }
 

@@ -75,6 +75,44 @@ Value isDate(Evaluation&, Arguments arguments) {
            (text != nullptr && parseDate(*text, date));
 }
 
+struct KindOfValue {
+    int16_t number;
+    const wchar_t* name;
+};
+
+KindOfValue kindOf(const Value& value) {
+    struct Visitor {
+        KindOfValue operator()(std::monostate) const { return {1, L"Null"}; }
+        KindOfValue operator()(bool) const { return {11, L"Boolean"}; }
+        KindOfValue operator()(uint8_t) const { return {17, L"Byte"}; }
+        KindOfValue operator()(int16_t) const { return {2, L"Integer"}; }
+        KindOfValue operator()(int32_t) const { return {3, L"Long"}; }
+        KindOfValue operator()(float) const { return {4, L"Single"}; }
+        KindOfValue operator()(double) const { return {5, L"Double"}; }
+        KindOfValue operator()(Currency) const { return {6, L"Currency"}; }
+        KindOfValue operator()(Date) const { return {7, L"Date"}; }
+        KindOfValue operator()(const std::wstring&) const { return {8, L"String"}; }
+        KindOfValue operator()(const Decimal&) const { return {14, L"Decimal"}; }
+        KindOfValue operator()(int64_t) const { return {14, L"Decimal"}; }
+        KindOfValue operator()(const Bytes&) const { return {8209, L"Byte()"}; }
+        KindOfValue operator()(const Guid&) const { return {8209, L"Byte()"}; }
+    };
+    return std::visit(Visitor(), value);
+}
+
+Value varType(Evaluation&, Arguments arguments) {
+    return kindOf(arguments[0]).number;
+}
+
+Value typeName(Evaluation&, Arguments arguments) {
+    return std::wstring(kindOf(arguments[0]).name);
+}
+
+// Nothing that an expression gives is one of these.
+Value isNever(Evaluation&, Arguments) {
+    return false;
+}
+
 // --- conversions ---
 
 void refuseNull(const Value& value) {
@@ -175,16 +213,67 @@ Value format(Evaluation& evaluation, Arguments arguments) {
     return text;
 }
 
+// FormatNumber(value [, digits [, leading zero [, parentheses [, groups]]]]) and its kin: 0 is no,
+// what is left out or -2 is as usual.
+Value formatNumber(Evaluation& evaluation, Arguments arguments, const wchar_t* before,
+                   const wchar_t* behind, bool usualParentheses) {
+    const int32_t given = wholeOr(arguments, 1, -1);
+    if (given < -1 || given > 99) {
+        throwInvalidArgument(L"digits behind the point");
+    }
+    const auto isWanted = [&](size_t place, bool usually) {
+        const int32_t choice = wholeOr(arguments, place, -2);
+        return choice == -2 ? usually : choice != 0;
+    };
+    std::wstring pattern = before;
+    pattern += isWanted(4, true) ? L"#,##" : L"#";
+    pattern += isWanted(2, true) ? L"0" : L"#";
+    const size_t digits = given < 0 ? 2 : static_cast<size_t>(given);
+    pattern += digits == 0 ? L"" : L"." + std::wstring(digits, L'0');
+    pattern += behind;
+    if (isWanted(3, usualParentheses)) {
+        pattern += L";(" + pattern + L")";
+    }
+    evaluation.charge(pattern.size() * 32);
+    return formatted(numberOf(arguments[0]), pattern, 1, 1);
+}
+
+Value formatPlain(Evaluation& evaluation, Arguments arguments) {
+    return formatNumber(evaluation, arguments, L"", L"", false);
+}
+
+Value formatCurrency(Evaluation& evaluation, Arguments arguments) {
+    return formatNumber(evaluation, arguments, L"$", L"", true);
+}
+
+Value formatPercent(Evaluation& evaluation, Arguments arguments) {
+    return formatNumber(evaluation, arguments, L"", L"%", false);
+}
+
+Value formatDateTime(Evaluation&, Arguments arguments) {
+    static constexpr const wchar_t* formats[] = {L"General Date", L"Long Date", L"Short Date",
+                                                 L"Long Time", L"Short Time"};
+    const int32_t which = wholeOr(arguments, 1, 0);
+    if (which < 0 || which > 4) {
+        throwInvalidArgument(L"format of a date");
+    }
+    return formatted(dateOf(arguments[0]), formats[which], 1, 1);
+}
+
 constexpr size_t any = 255;
 
 constexpr Function choices[] = {
     {L"Choose", 2, any, NullArguments::ArePassed, nullptr, choose},
     {L"IIf", 2, 3, NullArguments::ArePassed, nullptr, iif},
     {L"IsDate", 1, 1, NullArguments::ArePassed, isDate},
+    {L"IsEmpty", 1, 1, NullArguments::ArePassed, isNever},
+    {L"IsError", 1, 1, NullArguments::ArePassed, isNever},
     {L"IsNull", 1, 1, NullArguments::ArePassed, isNullFunction},
     {L"IsNumeric", 1, 1, NullArguments::ArePassed, isNumeric},
     {L"Nz", 1, 2, NullArguments::ArePassed, nullptr, nz},
     {L"Switch", 2, any, NullArguments::ArePassed, nullptr, switchFunction},
+    {L"TypeName", 1, 1, NullArguments::ArePassed, typeName},
+    {L"VarType", 1, 1, NullArguments::ArePassed, varType},
 };
 
 constexpr Function conversions[] = {
@@ -201,6 +290,10 @@ constexpr Function conversions[] = {
     {L"CVar", 1, 1, NullArguments::ArePassed, asIs},
     {L"CVDate", 1, 1, NullArguments::GiveNull, toDate},
     {L"Format", 1, 4, NullArguments::ArePassed, format},
+    {L"FormatCurrency", 1, 5, NullArguments::GiveNull, formatCurrency},
+    {L"FormatDateTime", 1, 2, NullArguments::GiveNull, formatDateTime},
+    {L"FormatNumber", 1, 5, NullArguments::GiveNull, formatPlain},
+    {L"FormatPercent", 1, 5, NullArguments::GiveNull, formatPercent},
     {L"Str", 1, 1, NullArguments::GiveNull, str},
 };
 

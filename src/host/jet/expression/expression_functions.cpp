@@ -14,8 +14,8 @@ const Function* findFunction(std::wstring_view name) {
         name.remove_suffix(1);
     }
     for (const std::span<const Function> family :
-         {choiceFunctions(), conversionFunctions(), dateFunctions(), numberFunctions(),
-          textFunctions()}) {
+         {choiceFunctions(), conversionFunctions(), dateFunctions(), moneyFunctions(),
+          numberFunctions(), textFunctions()}) {
         for (const Function& function : family) {
             if (equalIgnoringCase(function.name, name)) {
                 return &function;

@@ -31,6 +31,7 @@ const Function* findFunction(std::wstring_view name);
 std::span<const Function> choiceFunctions();
 std::span<const Function> conversionFunctions();
 std::span<const Function> dateFunctions();
+std::span<const Function> moneyFunctions();
 std::span<const Function> numberFunctions();
 std::span<const Function> textFunctions();
 

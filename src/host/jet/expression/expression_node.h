@@ -6,33 +6,11 @@
 #include <vector>
 
 #include "host/jet/expression/expression.h"
+#include "host/jet/expression/operators.h"
 #include "host/jet/values/value.h"
 
 // The tree that an expression is taken apart into, and what walks it.
 namespace sg::jet::detail {
-
-enum class Operator : uint8_t {
-    Power,
-    Multiply,
-    Divide,
-    IntegerDivide,
-    Modulo,
-    Add,
-    Subtract,
-    Concatenate,
-    Equal,
-    NotEqual,
-    Less,
-    LessOrEqual,
-    Greater,
-    GreaterOrEqual,
-    Like,
-    And,
-    Or,
-    Xor,
-    Eqv,
-    Imp,
-};
 
 struct Function;
 struct ExpressionNode;

@@ -223,6 +223,42 @@ Value val(Evaluation& evaluation, Arguments arguments) {
     return plain[0] == '-' ? -value : value;
 }
 
+Value rgb(Evaluation&, Arguments arguments) {
+    int32_t color = 0;
+    for (size_t i = 3; i-- > 0;) {
+        const int32_t part = wholeOf(arguments[i]);
+        if (part < 0) {
+            throwInvalidArgument(L"part of a color");
+        }
+        color = color << 8 | std::min(part, 255);
+    }
+    return color;
+}
+
+// Partition(number, start, stop, interval): the interval that the number is in, as "20: 29". What
+// lies before `start` or behind `stop` is in an interval with one end.
+Value partition(Evaluation&, Arguments arguments) {
+    const int64_t number = wholeOf(arguments[0]);
+    const int64_t start = wholeOf(arguments[1]);
+    const int64_t stop = wholeOf(arguments[2]);
+    const int64_t interval = wholeOf(arguments[3]);
+    if (start < 0 || stop <= start || interval < 1) {
+        throwInvalidArgument(L"Partition");
+    }
+    const int64_t low = start + (number - start) / interval * interval;
+    std::wstring from = number < start  ? std::wstring()
+                        : number > stop ? std::to_wstring(stop + 1)
+                                        : std::to_wstring(low);
+    std::wstring to = number < start  ? std::to_wstring(start - 1)
+                      : number > stop ? std::wstring()
+                                      : std::to_wstring(std::min(low + interval - 1, stop));
+    const size_t width =
+        std::max(std::to_wstring(start - 1).size(), std::to_wstring(stop + 1).size());
+    from.insert(0, width - from.size(), L' ');
+    to.insert(0, width - to.size(), L' ');
+    return from + L":" + to;
+}
+
 constexpr Function functions[] = {
     {L"Abs", 1, 1, NullArguments::GiveNull, absFunction},
     {L"Atn", 1, 1, NullArguments::GiveNull, real<std::atan>},
@@ -235,6 +271,8 @@ constexpr Function functions[] = {
     {L"Int", 1, 1, NullArguments::GiveNull, intFunction},
     {L"Log", 1, 1, NullArguments::GiveNull, log},
     {L"Oct", 1, 1, NullArguments::GiveNull, oct},
+    {L"Partition", 4, 4, NullArguments::GiveNull, partition},
+    {L"RGB", 3, 3, NullArguments::GiveNull, rgb},
     {L"Rnd", 0, 1, NullArguments::GiveNull, rnd},
     {L"Round", 1, 2, NullArguments::GiveNull, round},
     {L"Sgn", 1, 1, NullArguments::GiveNull, sgn},

@@ -8,6 +8,7 @@
 #include "base/text.h"
 #include "host/jet/expression/expression_decimal.h"
 #include "host/jet/expression/expression_functions.h"
+#include "host/jet/index/sort_order.h"
 #include "host/jet/values/value_convert.h"
 
 namespace sg::jet::detail {
@@ -123,14 +124,16 @@ Decimal calculate(Operator op, const Decimal& a, const Decimal& b) {
 }
 
 // Of the operands of +, - and *: the higher of the two, but that a Long doesn't fit in a Single,
-// that times a Double a Currency is one, and that dates keep to adding and subtracting.
+// that times a Single or a Double a Currency is a Double, and that dates keep to adding and
+// subtracting.
 Rank resultRank(Operator op, Rank a, Rank b) {
     const Rank low = std::min(a, b);
     const Rank high = std::max(a, b);
     if (high == Rank::Single && low == Rank::Long) {
         return Rank::Double;
     }
-    if (op == Operator::Multiply && high == Rank::Currency && low == Rank::Double) {
+    const bool isReal = low == Rank::Single || low == Rank::Double;
+    if (op == Operator::Multiply && high == Rank::Currency && isReal) {
         return Rank::Double;
     }
     if (high == Rank::Date &&
@@ -334,18 +337,6 @@ bool isOrdered(Operator op, std::partial_ordering order) {
 }
 
 }  // namespace
-
-std::strong_ordering compareTexts(std::wstring_view a, std::wstring_view b) {
-    const size_t common = std::min(a.size(), b.size());
-    for (size_t i = 0; i < common; ++i) {
-        const wchar_t x = toUpper(a[i]);
-        const wchar_t y = toUpper(b[i]);
-        if (x != y) {
-            return x <=> y;
-        }
-    }
-    return a.size() <=> b.size();
-}
 
 std::partial_ordering compareValues(const Value& a, const Value& b) {
     const auto isOfBytes = [](const Value& value) {

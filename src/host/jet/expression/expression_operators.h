@@ -12,10 +12,8 @@ Value applyOperator(Operator op, const Value& a, const Value& b);
 Value negate(const Value& value);
 Value invert(const Value& value);  // Not
 
-// The order of two values that are not Null: text ignoring case, everything else as numbers; text
-// beside another kind of value is read as one. Throws ConversionError where that can't be.
+// The order of two values that are not Null: text by compareTexts(), everything else as numbers;
+// text beside another kind of value is read as one. Throws ConversionError where that can't be.
 std::partial_ordering compareValues(const Value& a, const Value& b);
-// Of two texts ignoring case.
-std::strong_ordering compareTexts(std::wstring_view a, std::wstring_view b);
 
 }  // namespace sg::jet::detail

@@ -8,6 +8,8 @@
 #include "base/text.h"
 #include "host/jet/expression/expression_functions.h"
 #include "host/jet/expression/expression_lexer.h"
+#include "host/jet/expression/operators.h"
+#include "host/jet/expression/words.h"
 #include "host/jet/format/error.h"
 
 namespace sg::jet::detail {
@@ -18,76 +20,12 @@ constexpr size_t maxNesting = 200;  // of calls of the parser
 constexpr uint16_t maxHeight = 400;
 constexpr size_t maxArguments = 255;
 
-// How tightly operators bind.
-enum Precedence : int {
-    ImpLevel = 1,
-    EqvLevel,
-    XorLevel,
-    OrLevel,
-    AndLevel,
-    NotLevel,
-    ComparisonLevel,
-    ConcatenateLevel,
-    AddLevel,
-    ModuloLevel,
-    IntegerDivideLevel,
-    MultiplyLevel,
-    SignLevel,
-    PowerLevel,
-};
-
-struct Infix {
-    std::wstring_view text;
-    Operator op;
-    int level;
-};
-
-constexpr Infix symbols[] = {
-    {L"^", Operator::Power, PowerLevel},
-    {L"*", Operator::Multiply, MultiplyLevel},
-    {L"/", Operator::Divide, MultiplyLevel},
-    {L"\\", Operator::IntegerDivide, IntegerDivideLevel},
-    {L"+", Operator::Add, AddLevel},
-    {L"-", Operator::Subtract, AddLevel},
-    {L"&", Operator::Concatenate, ConcatenateLevel},
-    {L"=", Operator::Equal, ComparisonLevel},
-    {L"<>", Operator::NotEqual, ComparisonLevel},
-    {L"<", Operator::Less, ComparisonLevel},
-    {L"<=", Operator::LessOrEqual, ComparisonLevel},
-    {L">", Operator::Greater, ComparisonLevel},
-    {L">=", Operator::GreaterOrEqual, ComparisonLevel},
-};
-
-constexpr Infix words[] = {
-    {L"Mod", Operator::Modulo, ModuloLevel}, {L"Like", Operator::Like, ComparisonLevel},
-    {L"And", Operator::And, AndLevel},       {L"Or", Operator::Or, OrLevel},
-    {L"Xor", Operator::Xor, XorLevel},       {L"Eqv", Operator::Eqv, EqvLevel},
-    {L"Imp", Operator::Imp, ImpLevel},
-};
-
 // Words that stand neither for a column nor for a function.
-constexpr std::wstring_view reserved[] = {L"Mod", L"Like", L"And", L"Or", L"Xor",    L"Eqv",
-                                          L"Imp", L"Not",  L"Is",  L"In", L"Between"};
+constexpr std::wstring_view operatorWords[] = {L"Mod", L"Like", L"And", L"Or", L"Xor",    L"Eqv",
+                                               L"Imp", L"Not",  L"Is",  L"In", L"Between"};
 
-struct Constant {
-    std::wstring_view word;
-    Value value;
-};
-
-std::optional<Value> constantOf(const Token& token) {
-    static const Constant constants[] = {{L"True", true}, {L"False", false}, {L"Yes", true},
-                                         {L"No", false},  {L"On", true},     {L"Off", false},
-                                         {L"Null", {}}};
-    for (const Constant& constant : constants) {
-        if (token.isWord(constant.word)) {
-            return constant.value;
-        }
-    }
-    return std::nullopt;
-}
-
-bool isReserved(const Token& token) {
-    return std::any_of(std::begin(reserved), std::end(reserved),
+bool isOperatorWord(const Token& token) {
+    return std::any_of(std::begin(operatorWords), std::end(operatorWords),
                        [&](std::wstring_view word) { return token.isWord(word); });
 }
 
@@ -139,7 +77,6 @@ class Parser {
     NodePtr comparison(NodePtr left);
     NodePtr bareValuesCompared(NodePtr node);
 
-    std::optional<Infix> infix() const;
     bool beginsComparison();
     bool isComparisonWord(const Token& token) const;
     NodePtr node(ExpressionNode::Kind kind, std::vector<NodePtr> children = {});
@@ -251,31 +188,14 @@ NodePtr Parser::parse() {
     return isRule_ && !namesColumns_ ? bareValuesCompared(std::move(root)) : std::move(root);
 }
 
-std::optional<Infix> Parser::infix() const {
-    if (token_.kind == TokenKind::Symbol) {
-        for (const Infix& symbol : symbols) {
-            if (token_.text == symbol.text) {
-                return symbol;
-            }
-        }
-    } else if (token_.kind == TokenKind::Name) {
-        for (const Infix& word : words) {
-            if (token_.isWord(word.text)) {
-                return word;
-            }
-        }
-    }
-    return std::nullopt;
-}
-
 bool Parser::isComparisonWord(const Token& token) const {
     return token.isWord(L"Like") || token.isWord(L"Between") || token.isWord(L"In");
 }
 
 // Whether the present token is that of a comparison, behind its left side.
 bool Parser::beginsComparison() {
-    const std::optional<Infix> op = infix();
-    return (op && op->level == ComparisonLevel) || isComparisonWord(token_) ||
+    const Infix* op = infixOf(token_);
+    return (op != nullptr && op->level == ComparisonLevel) || isComparisonWord(token_) ||
            token_.isWord(L"Is") || (token_.isWord(L"Not") && isComparisonWord(peek()));
 }
 
@@ -288,8 +208,8 @@ NodePtr Parser::level(int least) {
             left = comparison(std::move(left));
             continue;
         }
-        const std::optional<Infix> op = infix();
-        if (!op || op->level < least) {
+        const Infix* op = infixOf(token_);
+        if (op == nullptr || op->level < least) {
             return left;
         }
         advance(false);
@@ -326,7 +246,7 @@ NodePtr Parser::comparison(NodePtr left) {
     if (takeWord(L"In", false)) {
         return negated(in(std::move(left)), isNegated);
     }
-    const Operator op = infix()->op;
+    const Operator op = infixOf(token_)->op;
     advance(false);
     return negated(binary(op, std::move(left), level(ConcatenateLevel)), isNegated);
 }
@@ -383,14 +303,14 @@ NodePtr Parser::primary() {
         advance(true);
         return qualified(std::move(name));
     }
-    if (token_.kind == TokenKind::Name && !isReserved(token_)) {
+    if (token_.kind == TokenKind::Name && !isOperatorWord(token_)) {
         return nameOrCall();
     }
     fail(L"Syntax error (missing operator)");
 }
 
 NodePtr Parser::nameOrCall() {
-    if (std::optional<Value> constant = constantOf(token_)) {
+    if (std::optional<Value> constant = constantOf(token_.text)) {
         NodePtr made = node(ExpressionNode::Kind::Literal);
         made->literal = std::move(*constant);
         advance(true);
@@ -465,6 +385,16 @@ NodePtr Parser::bareValuesCompared(NodePtr given) {
 }
 
 }  // namespace
+
+const Infix* infixOf(const Token& token) {
+    if (token.kind != TokenKind::Symbol && token.kind != TokenKind::Name) {
+        return nullptr;
+    }
+    const auto* found = std::find_if(std::begin(infixes), std::end(infixes), [&](const Infix& op) {
+        return equalIgnoringCase(op.text, token.text);
+    });
+    return found == std::end(infixes) ? nullptr : found;
+}
 
 NodePtr parseExpression(std::wstring_view text) {
     return Parser(text, false).parse();

@@ -7,7 +7,7 @@
 #include "base/encoding.h"
 #include "base/text.h"
 #include "host/jet/expression/expression_functions.h"
-#include "host/jet/expression/expression_operators.h"
+#include "host/jet/index/sort_order.h"
 #include "host/jet/values/value_convert.h"
 
 namespace sg::jet::detail {
@@ -109,7 +109,14 @@ bool ignoresCase(Arguments arguments, size_t place) {
 Value strComp(Evaluation& evaluation, Arguments arguments) {
     const std::wstring a = textOf(evaluation, arguments[0]);
     const std::wstring b = textOf(evaluation, arguments[1]);
-    const auto order = ignoresCase(arguments, 2) ? compareTexts(a, b) : a.compare(b) <=> 0;
+    std::weak_ordering order = a.compare(b) <=> 0;
+    if (ignoresCase(arguments, 2)) {
+        const auto blanks = [](const std::wstring& text) {
+            return text.size() - (text.find_last_not_of(L' ') + 1);
+        };
+        const std::weak_ordering sorted = compareTexts(a, b);
+        order = sorted != 0 ? sorted : blanks(a) <=> blanks(b);
+    }
     return static_cast<int16_t>(order < 0 ? -1 : order > 0 ? 1 : 0);
 }
 

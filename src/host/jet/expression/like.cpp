@@ -4,12 +4,37 @@
 
 #include "base/text.h"
 #include "host/jet/expression/expression.h"
+#include "host/jet/index/sort_order.h"
 
 namespace sg::jet {
 namespace {
 
 bool isBetween(wchar_t c, wchar_t low, wchar_t high) {
     return low <= c && c <= high;
+}
+
+bool isAscii(wchar_t c) {
+    return c < 0x80;
+}
+
+// Letters that the order of texts takes for one. It has a weight of its own for the long s.
+bool isSame(wchar_t a, wchar_t b) {
+    constexpr wchar_t longS = 0x17F;
+    constexpr wchar_t caseBit = 0x20;
+    if (isAscii(a) && isAscii(b)) {
+        return a == b || ((a ^ b) == caseBit && isBetween(a | caseBit, L'a', L'z'));
+    }
+    return a == b || (a != longS && b != longS && toUpper(a) == toUpper(b));
+}
+
+// Letters with accents stand in a range where they sort.
+bool isInRange(wchar_t c, wchar_t low, wchar_t high) {
+    if (isAscii(c) && isAscii(low) && isAscii(high)) {
+        return isBetween(toUpper(c), toUpper(low), toUpper(high)) ||
+               isBetween(toLower(c), toLower(low), toLower(high));
+    }
+    const std::wstring_view sought(&c, 1);
+    return compareTexts(sought, {&low, 1}) >= 0 && compareTexts(sought, {&high, 1}) <= 0;
 }
 
 // What one element of a pattern says of a character, and where the next element begins.
@@ -27,12 +52,11 @@ std::optional<bool> isInList(std::wstring_view list, wchar_t c) {
         if (i + 2 < list.size() && list[i + 1] == L'-') {
             high = list[i + 2];
             i += 2;
-            if (high < low && toUpper(high) < toUpper(low)) {
+            if (high < low && toUpper(high) < toUpper(low) && !isInRange(low, low, high)) {
                 return std::nullopt;
             }
         }
-        found = found || isBetween(toUpper(c), toUpper(low), toUpper(high)) ||
-                isBetween(toLower(c), toLower(low), toLower(high));
+        found = found || isInRange(c, low, high);
     }
     return found;
 }
@@ -60,8 +84,18 @@ Element matchElement(std::wstring_view pattern, size_t at, wchar_t c) {
         case L'[':
             return matchList(pattern, at, c);
         default:
-            return {at + 1, toUpper(pattern[at]) == toUpper(c)};
+            return {at + 1, isSame(pattern[at], c)};
     }
+}
+
+// The first place from `at` on where what stands at `in` behind a "*" may begin.
+size_t candidate(std::wstring_view text, size_t at, std::wstring_view pattern, size_t in) {
+    const bool isLiteral = in < pattern.size() && pattern[in] != L'?' && pattern[in] != L'#' &&
+                           pattern[in] != L'[' && pattern[in] != L'*';
+    while (isLiteral && at < text.size() && !isSame(pattern[in], text[at])) {
+        ++at;
+    }
+    return at;
 }
 
 }  // namespace
@@ -79,7 +113,7 @@ bool isLike(std::wstring_view text, std::wstring_view pattern) {
             starAt = at;
             continue;
         }
-        if (in < pattern.size() && pattern.substr(in, 2) == L"[]") {
+        if (in + 1 < pattern.size() && pattern[in] == L'[' && pattern[in + 1] == L']') {
             in += 2;
             continue;
         }
@@ -93,12 +127,14 @@ bool isLike(std::wstring_view text, std::wstring_view pattern) {
                 ++at;
                 continue;
             }
+        } else if (starIn == in) {
+            return true;
         }
         if (!starIn) {
             return false;
         }
         in = *starIn;
-        at = ++starAt;
+        at = starAt = candidate(text, starAt + 1, pattern, in);
     }
 }
 

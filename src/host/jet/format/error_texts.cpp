@@ -79,6 +79,7 @@ constexpr Entry entries[] = {
     {3059, L"Operation canceled by user."},
     {3061, L"Too few parameters. Expected |."},
     {3062, L"Duplicate output alias '|'."},
+    {3063, L"Duplicate output destination '|'."},
     {3065, L"Cannot execute a select query."},
     {3070,
      L"The Microsoft Jet database engine does not recognize '|' as a valid field name or "
@@ -92,15 +93,24 @@ constexpr Entry entries[] = {
      L"The specified field '|' could refer to more than one table listed in the FROM clause of "
      L"your SQL statement."},
     {3085, L"Undefined function '|' in expression."},
+    {3086, L"Could not delete from specified tables."},
     {3090, L"Resultant table not allowed to have more than one AutoNumber field."},
     {3092, L"Cannot use HAVING clause in TRANSFORM statement."},
+    {3093, L"ORDER BY clause '|' conflicts with DISTINCT."},
     {3095, L"Cannot have aggregate function in expression '|'."},
     {3096, L"Cannot have aggregate function in WHERE clause '|'."},
+    {3098, L"Cannot have aggregate function in GROUP BY clause '|'."},
+    {3099, L"Cannot have aggregate function in JOIN operation '|'."},
+    {3102, L"Circular reference caused by '|'."},
     {3103, L"Circular reference caused by alias '|' in query definition's SELECT list."},
+    {3104, L"Cannot specify fixed column heading '|' in a crosstab query more than once."},
     {3112, L"Record(s) cannot be read; no read permission on '|'."},
+    {3113, L"Cannot update '|'; field not updateable."},
+    {3121, L"Cannot group on fields selected with '|'."},
     {3122,
      L"You tried to execute a query that does not include the specified expression '|' as part "
      L"of an aggregate function."},
+    {3123, L"Cannot use '*' in crosstab query."},
     {3125,
      L"'|' is not a valid name. Make sure that it does not include invalid characters or "
      L"punctuation and that it is not too long."},
@@ -138,6 +148,10 @@ constexpr Entry entries[] = {
      L"record or table."},
     {3167, L"Record is deleted."},
     {3170, L"Could not find installable ISAM."},
+    {3183,
+     L"The query cannot be completed. Either the size of the query result is larger than the "
+     L"maximum size of a database (2 GB), or there is not enough temporary storage space on the "
+     L"disk to store the query result."},
     {3186, L"Could not save; currently locked by user '|1' on machine '|2'."},
     {3187, L"Could not read; currently locked by user '|1' on machine '|2'."},
     {3188, L"Could not update; currently locked by another session on this machine."},
@@ -217,6 +231,10 @@ constexpr Entry entries[] = {
     {3343, L"Unrecognized database format '|'."},
     {3346, L"Number of query values and destination fields are not the same."},
     {3349, L"Numeric field overflow."},
+    {3351,
+     L"The ORDER BY expression '|' includes fields that are not selected by the query. Only those "
+     L"fields requested in the first query can be included in an ORDER BY expression."},
+    {3354, L"At most one record can be returned by this subquery."},
     {3356,
      L"You attempted to open a database that is already opened exclusively by user '|1' on "
      L"machine '|2'. Try again when the database is available."},
@@ -256,6 +274,8 @@ constexpr Entry entries[] = {
     {3428,
      L"A problem occurred in your database. Correct the problem by repairing and compacting the "
      L"database."},
+    {3464, L"Data type mismatch in criteria expression."},
+    {3615, L"Type mismatch in expression."},
     {3624, L"Could not read the record; currently locked by another user."},
     {3626,
      L"The operation failed. There are too many indexes on table '|'. Delete some of the indexes "

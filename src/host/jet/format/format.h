@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "base/export.h"
@@ -50,6 +51,34 @@ enum class ColumnType : uint8_t {
     BigInteger = 19,
     DateTimeExtended = 20,
 };
+
+// The bytes of a value, where all of the type are as long; none for other types.
+constexpr std::optional<uint16_t> valueSize(ColumnType type) {
+    switch (type) {
+        case ColumnType::Boolean:
+        case ColumnType::Byte:
+            return 1;
+        case ColumnType::Integer:
+            return 2;
+        case ColumnType::Long:
+        case ColumnType::Single:
+        case ColumnType::Complex:
+            return 4;
+        case ColumnType::Currency:
+        case ColumnType::Double:
+        case ColumnType::Date:
+        case ColumnType::BigInteger:
+            return 8;
+        case ColumnType::Guid:
+            return 16;
+        case ColumnType::Numeric:
+            return 17;
+        case ColumnType::DateTimeExtended:
+            return 42;
+        default:
+            return std::nullopt;
+    }
+}
 
 // "The database page". Everything from `maskedStart` on, `maskedSize` bytes, is masked.
 struct DatabasePageLayout {
@@ -210,6 +239,8 @@ inline constexpr size_t logicalRelatedIndex = 9;
 inline constexpr size_t logicalRelatedPage = 13;
 inline constexpr size_t logicalCascadeUpdate = 17;
 inline constexpr size_t logicalCascadeDelete = 18;
+inline constexpr uint8_t cascadeFlag = 1;  // in these two
+inline constexpr uint8_t setNullFlag = 2;  // in the second
 inline constexpr size_t logicalKind = 19;
 }  // namespace indexes
 

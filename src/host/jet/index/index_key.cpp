@@ -11,8 +11,7 @@ namespace sg::jet {
 
 namespace {
 
-constexpr uint8_t kNull = 0x00;   // these two are inverted in a descending column
-constexpr uint8_t kValue = 0x7F;  // a value follows
+constexpr uint8_t kNull = 0x00;  // inverted in a descending column, as the other marks are
 constexpr uint8_t kTrue = 0x00;
 constexpr uint8_t kFalse = 0xFF;
 constexpr size_t kGroupSize = 8;    // of binary values
@@ -234,12 +233,12 @@ void appendKey(const KeyColumn& column, const Value& value, KeyBytes& key) {
     };
     if (column.type == ColumnType::Boolean) {
         const bool isTrue = !isNull(value) && require<bool>(value);
-        key.push_back(marked(kValue));
+        key.push_back(marked(keyOfValue));
         key.push_back(marked(isTrue ? kTrue : kFalse));
     } else if (isNull(value)) {
         key.push_back(marked(kNull));
     } else {
-        key.push_back(marked(kValue));
+        key.push_back(marked(keyOfValue));
         appendValue(column, value, key);
     }
 }

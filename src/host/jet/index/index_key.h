@@ -14,6 +14,10 @@
 // "Keys".
 namespace sg::jet {
 
+// What a column's part of a key begins with when it isn't Null, and in a descending column.
+inline constexpr uint8_t keyOfValue = 0x7F;
+inline constexpr uint8_t keyOfValueDescending = 0x80;
+
 // One column of an index, as its part of the key is made.
 struct KeyColumn {
     ColumnType type = ColumnType::Long;

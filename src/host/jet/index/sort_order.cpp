@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "base/text.h"
 #include "host/jet/index/sort_order_general97.h"
 #include "host/jet/index/sort_order_table.h"
 
@@ -248,6 +249,47 @@ bool appendTextKey(TextOrder order, std::wstring_view text, bool descending, Key
     }
     key.push_back(kEndOfKey);
     return true;
+}
+
+namespace {
+
+// Texts of these characters alone sort by their capitals.
+bool isSimple(wchar_t c) {
+    return (c >= L'0' && c <= L'9') || (c >= L'A' && c <= L'Z') || (c >= L'a' && c <= L'z');
+}
+
+std::weak_ordering compareCapitals(std::wstring_view a, std::wstring_view b) {
+    const size_t common = std::min(a.size(), b.size());
+    for (size_t i = 0; i < common; ++i) {
+        const wchar_t x = toUpper(a[i]);
+        const wchar_t y = toUpper(b[i]);
+        if (x != y) return x <=> y;
+    }
+    return a.size() <=> b.size();
+}
+
+std::wstring_view withoutBlanks(std::wstring_view text) {
+    return text.substr(0, text.find_last_not_of(L' ') + 1);
+}
+
+}  // namespace
+
+std::weak_ordering compareTexts(std::wstring_view a, std::wstring_view b) {
+    a = withoutBlanks(a);
+    b = withoutBlanks(b);
+    if (std::all_of(a.begin(), a.end(), isSimple) && std::all_of(b.begin(), b.end(), isSimple)) {
+        return compareCapitals(a, b);
+    }
+    KeyBytes left;
+    KeyBytes right;
+    const bool hasLeft = appendTextKey(TextOrder::GeneralLegacy, a, false, left);
+    const bool hasRight = appendTextKey(TextOrder::GeneralLegacy, b, false, right);
+    if (hasLeft != hasRight) {
+        return hasLeft ? std::weak_ordering::less : std::weak_ordering::greater;
+    }
+    const bool areWhole = a.size() < kIndexedTextUnits && b.size() < kIndexedTextUnits;
+    if (hasLeft && (left != right || areWhole)) return left <=> right;
+    return compareCapitals(a, b);
 }
 
 }  // namespace sg::jet

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -30,5 +31,9 @@ SG_API TextOrder textOrder(uint16_t language, uint8_t version);
 // when the order is Unknown or has no weight for a character of the text (surrogates, U+10000 and
 // on).
 SG_API bool appendTextKey(TextOrder order, std::wstring_view text, bool descending, KeyBytes& key);
+
+// The order of two texts by their keys in GeneralLegacy, and where those end before the texts do or
+// are not there by their capitals; a text without a key comes behind those that have one.
+SG_API std::weak_ordering compareTexts(std::wstring_view a, std::wstring_view b);
 
 }  // namespace sg::jet

@@ -252,14 +252,15 @@ void DefinitionBuilder::addLogicalIndex(const LogicalIndex& index) {
     put32(record, indexes::logicalReal, index.realIndex);
     put8(record, indexes::logicalKind, static_cast<uint8_t>(index.kind));
     if (index.isForeign()) {
-        const auto putBit = [&](size_t offset, bool set) {
-            put8(record, offset, static_cast<uint8_t>((record[offset] & ~1) | (set ? 1 : 0)));
+        const auto putBit = [&](size_t offset, uint8_t bit, bool set) {
+            put8(record, offset, static_cast<uint8_t>((record[offset] & ~bit) | (set ? bit : 0)));
         };
         put8(record, indexes::logicalRelatedType, index.relatedType);
         put32(record, indexes::logicalRelatedIndex, index.relatedIndex);
         put32(record, indexes::logicalRelatedPage, index.relatedTablePage);
-        putBit(indexes::logicalCascadeUpdate, index.cascadeUpdates);
-        putBit(indexes::logicalCascadeDelete, index.cascadeDeletes);
+        putBit(indexes::logicalCascadeUpdate, indexes::cascadeFlag, index.cascadeUpdates);
+        putBit(indexes::logicalCascadeDelete, indexes::cascadeFlag, index.cascadeDeletes);
+        putBit(indexes::logicalCascadeDelete, indexes::setNullFlag, index.nullsOnDelete);
     }
 }
 

@@ -72,14 +72,16 @@ void RowReader::decode(size_t column, Value& into) const {
         into = std::monostate();
         return;
     }
+    decodeValue(c.type, content(column), *format_, c.scale, into);
+}
+
+ByteView RowReader::content(size_t column) const {
+    const Column& c = table_->columns[column];
     ByteView found = bytes(column);
     if (c.isLongValue()) {
         found = readLongValue(*store_, found, longValue_);
     }
-    if (c.isCalculated()) {
-        found = unwrapCalculated(found);
-    }
-    decodeValue(c.type, found, *format_, c.scale, into);
+    return c.isCalculated() ? unwrapCalculated(found) : found;
 }
 
 size_t RowReader::variableCount() const {

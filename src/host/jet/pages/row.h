@@ -29,6 +29,9 @@ class SG_API RowReader {
     // The column's bytes in the row: of a long value its header, of a Null and a Boolean nothing.
     // Throws Damaged when they are not within the row.
     ByteView bytes(size_t column) const;
+    // The bytes of the value itself: of a long value its content, from its pages. They hold until
+    // the next call.
+    ByteView content(size_t column) const;
     // The value, in memory that `into` holds already where it can be. Reads the pages of a long
     // value.
     void decode(size_t column, Value& into) const;

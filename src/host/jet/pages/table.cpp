@@ -289,6 +289,10 @@ void RowCursor::release() {
     valid_ = false;
 }
 
+ByteView RowCursor::content(size_t column) const {
+    return placed(table_, id_.page, [&] { return reader_.content(column); });
+}
+
 void RowCursor::value(size_t column, Value& into) const {
     placed(table_, id_.page, [&] { reader_.decode(column, into); });
 }

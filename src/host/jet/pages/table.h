@@ -74,6 +74,7 @@ class SG_API RowCursor {
     // Lets the pages go, and the place with them: the next call must be one that does not need it.
     void release();
 
+    const Table& table() const { return table_; }
     // Whether there is a row under the cursor.
     bool valid() const { return valid_; }
 
@@ -82,6 +83,8 @@ class SG_API RowCursor {
     RowId id() const { return id_; }
     const RowReader& row() const { return reader_; }
     bool isNull(size_t column) const { return reader_.isNull(column); }
+    // RowReader::content(). Throws as value() does.
+    ByteView content(size_t column) const;
     // Throws Error with table and page when the value is damaged; the others stay readable.
     void value(size_t column, Value& into) const;
     Value value(size_t column) const;

@@ -23,6 +23,9 @@ struct RecordColumn {
     std::wstring name;
     ColumnType type = ColumnType::Text;
     uint32_t size = 0;  // bytes; of Text characters; 0 for long values
+    // Of a result's column that is a table's column as it stands: which one. Else "".
+    std::wstring sourceTable{};
+    std::wstring sourceColumn{};
 };
 
 enum class EditMode { None, Edit, AddNew };
@@ -148,6 +151,8 @@ class SG_API SnapshotRecordset final : public Recordset {
     // Adds a row behind the last; one value for each column. The cursor is on the first row until
     // it is moved.
     void append(std::span<const Value> row);
+    // That the rows take in memory.
+    uint64_t contentBytes() const;
 
     const std::vector<RecordColumn>& columns() const override;
     bool isBof() const override;

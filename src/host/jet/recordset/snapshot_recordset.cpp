@@ -71,6 +71,10 @@ void SnapshotRecordset::append(std::span<const Value> row) {
     state_->rows.append(row);
 }
 
+uint64_t SnapshotRecordset::contentBytes() const {
+    return state_->rows.contentBytes();
+}
+
 const std::vector<RecordColumn>& SnapshotRecordset::columns() const {
     return state_->columns;
 }

@@ -39,6 +39,13 @@ SG_API void addColumn(Database& database, std::wstring_view table, const ColumnD
 // Throws 3381 with both names when there is no such column, 3280 when an index has it, 3303 when a
 // relation that is not enforced names it, 3264 when it is the last one.
 SG_API void dropColumn(Database& database, std::wstring_view table, std::wstring_view column);
+// Makes the column `design.name` as the design says: its rows' values are converted, its indexes
+// made anew; it keeps its place and what is kept with it, but is required only when the design says
+// so, and keeps its default when the design has none. A counter goes on with `firstNumber`.
+// Throws 3381; what addColumn() throws; 3303 for another type where a relation names the column;
+// 3259 for a table with rows whose column is to become a counter; what TableWriter throws of the
+// values (ConversionError, FieldTooSmall) and createIndex() of the keys.
+SG_API void alterColumn(Database& database, std::wstring_view table, const ColumnDesign& column);
 // Relations follow. Throws 3381, FieldExists.
 SG_API void renameColumn(Database& database, std::wstring_view table, std::wstring_view column,
                          std::wstring_view newName);

@@ -106,28 +106,19 @@ void setText(Properties& properties, std::wstring_view owner, const wchar_t* nam
 
 uint16_t sizeOf(ColumnType type) {
     switch (type) {
-        case ColumnType::Boolean:
-        case ColumnType::Byte:
-            return 1;
-        case ColumnType::Integer:
-            return 2;
-        case ColumnType::Long:
-        case ColumnType::Single:
-            return 4;
-        case ColumnType::Currency:
-        case ColumnType::Double:
-        case ColumnType::Date:
-            return 8;
-        case ColumnType::Guid:
-            return 16;
-        case ColumnType::Numeric:
-            return 17;
         case ColumnType::Ole:
         case ColumnType::Memo:
             return 0;
-        default:
+        case ColumnType::Complex:
+        case ColumnType::BigInteger:
+        case ColumnType::DateTimeExtended:
             throw Error(invalidType);
+        default:
+            break;
     }
+    const std::optional<uint16_t> size = valueSize(type);
+    if (!size) throw Error(invalidType);
+    return *size;
 }
 
 Column& addDesignedColumn(TableDefinition& table, const ColumnDesign& design, SortOrder order) {

@@ -167,6 +167,7 @@ LogicalIndex relationIndex(std::wstring name, size_t real, uint8_t type, uint32_
     index.relatedTablePage = otherPage;
     index.cascadeUpdates = (flags & relationFlags::cascadeUpdates) != 0;
     index.cascadeDeletes = (flags & relationFlags::cascadeDeletes) != 0;
+    index.nullsOnDelete = (flags & relationFlags::nullsOnDelete) != 0;
     return index;
 }
 

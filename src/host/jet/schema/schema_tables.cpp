@@ -86,6 +86,11 @@ void createTable(Database& database, const TableDesign& design) {
 
     change.changing();
     makeTablePages(change.allocator(), table);
+    for (const ColumnDesign& column : design.columns) {
+        if (column.autoNumber && column.type == ColumnType::Long && column.firstNumber != 1) {
+            writeAutoNumber(change.pages(), table, static_cast<uint32_t>(column.firstNumber) - 1);
+        }
+    }
     addObject(database, {.id = static_cast<int32_t>(table.page),
                          .name = design.name,
                          .type = ObjectType::Table,

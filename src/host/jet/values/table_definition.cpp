@@ -188,8 +188,11 @@ void DefinitionReader::readLogicalIndexes() {
             index.relatedType = record.get8(indexes::logicalRelatedType);
             index.relatedIndex = record.get32(indexes::logicalRelatedIndex);
             index.relatedTablePage = record.get32(indexes::logicalRelatedPage);
-            index.cascadeUpdates = (record.get8(indexes::logicalCascadeUpdate) & 1) != 0;
-            index.cascadeDeletes = (record.get8(indexes::logicalCascadeDelete) & 1) != 0;
+            index.cascadeUpdates =
+                (record.get8(indexes::logicalCascadeUpdate) & indexes::cascadeFlag) != 0;
+            const uint8_t onDelete = record.get8(indexes::logicalCascadeDelete);
+            index.cascadeDeletes = (onDelete & indexes::cascadeFlag) != 0;
+            index.nullsOnDelete = (onDelete & indexes::setNullFlag) != 0;
         }
         table_.indexes.push_back(std::move(index));
     }

@@ -97,6 +97,7 @@ struct LogicalIndex {
     uint32_t relatedTablePage = 0;  // definition page of the other table
     bool cascadeUpdates = false;
     bool cascadeDeletes = false;
+    bool nullsOnDelete = false;  // rows that referred to one that goes refer to none
 
     bool isForeign() const { return kind == IndexKind::Foreign; }
     bool isPrimary() const { return kind == IndexKind::Primary; }

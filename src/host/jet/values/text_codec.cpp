@@ -75,6 +75,56 @@ void decodeCompressed(ByteView bytes, std::wstring& text) {
     text = fromUtf16(units);
 }
 
+void putUtf8(std::string& text, uint16_t unit) {
+    if (unit < 0x80) {
+        text += static_cast<char>(unit);
+        return;
+    }
+    if (unit < 0x800) {
+        text += static_cast<char>(0xc0 | unit >> 6);
+    } else {
+        text += static_cast<char>(0xe0 | unit >> 12);
+        text += static_cast<char>(0x80 | (unit >> 6 & 0x3f));
+    }
+    text += static_cast<char>(0x80 | (unit & 0x3f));
+}
+
+// False for a text with surrogates, which must be joined.
+bool wideToUtf8(ByteView bytes, std::string& text) {
+    text.clear();
+    const uint8_t* from = bytes.data();
+    for (size_t count = bytes.size() / 2; count > 0; --count, from += 2) {
+        const auto unit = static_cast<uint16_t>(from[0] | from[1] << 8);
+        if (isSurrogate(unit)) {
+            return false;
+        }
+        putUtf8(text, unit);
+    }
+    return true;
+}
+
+// `bytes` behind the mark. False where characters of two bytes are among them.
+bool compressedToUtf8(ByteView bytes, std::string& buffer, std::string_view& text) {
+    uint8_t all = 0;
+    bool hasZero = false;
+    for (const uint8_t byte : bytes) {
+        all |= byte;
+        hasZero |= byte == 0;
+    }
+    if (hasZero) {
+        return false;
+    }
+    text = {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+    if (all >= 0x80) {
+        buffer.clear();
+        for (const uint8_t byte : bytes) {
+            putUtf8(buffer, byte);
+        }
+        text = buffer;
+    }
+    return true;
+}
+
 uint8_t* putUnit(uint8_t* to, uint32_t unit) {
     to[0] = static_cast<uint8_t>(unit);
     to[1] = static_cast<uint8_t>(unit >> 8);
@@ -146,6 +196,23 @@ void decodeText(ByteView bytes, const Format& format, std::wstring& text) {
     } else {
         decodeWide(bytes, text);
     }
+}
+
+std::string_view decodeTextUtf8(ByteView bytes, const Format& format, std::string& buffer) {
+    if (format.wideText) {
+        std::string_view text;
+        if (hasMark(bytes)) {
+            if (compressedToUtf8(bytes.from(markSize), buffer, text)) {
+                return text;
+            }
+        } else if (wideToUtf8(bytes, buffer)) {
+            return buffer;
+        }
+    }
+    std::wstring wide;
+    decodeText(bytes, format, wide);
+    buffer = toUtf8(wide);
+    return buffer;
 }
 
 void encodeText(std::wstring_view text, bool compress, Bytes& bytes) {

@@ -15,6 +15,9 @@ namespace sg::jet {
 // Replaces `text`, whose memory is used again. An odd byte at the end of UTF-16 is left out.
 SG_API void decodeText(ByteView bytes, const Format& format, std::wstring& text);
 
+// The same in UTF-8: the bytes themselves where they are that already, else in `buffer`.
+SG_API std::string_view decodeTextUtf8(ByteView bytes, const Format& format, std::string& buffer);
+
 // Replaces `bytes` by the text's: UTF-16, compressed when `compress` is set, every character is one
 // of U+0001 to U+00FF, and that is shorter and no longer than 4096 bytes. For Jet 4 and ACE. A text
 // that begins with U+FEFF is compressed in any case, since nothing else tells it from a compressed

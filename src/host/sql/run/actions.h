@@ -32,10 +32,14 @@ struct Setting {
     Engine& engine;
     const std::vector<ParameterDeclaration>& declared;
     const Parameters& parameters;
+    Refused refused = Refused::UndoesAll;
 };
 
 // Statements that change rows. Each collects what it writes before it writes anything, and answers
-// how many records it wrote.
+// how many records it wrote. A row that a join meets several times is written once, with the values
+// of the last time. Of several files that one statement writes each has a transaction of its own:
+// they are committed one after the other, so that all are unchanged when anything fails before, but
+// a crash between two commits leaves the first ones written.
 int64_t insert(const Setting& setting, const Insert& statement);
 int64_t update(const Setting& setting, const Update& statement);
 int64_t erase(const Setting& setting, const Delete& statement);

@@ -1,5 +1,7 @@
 // CREATE, ALTER and DROP.
 
+#include <algorithm>
+
 #include "base/text.h"
 #include "host/jet/catalog/properties.h"
 #include "host/jet/database/database.h"
@@ -14,6 +16,7 @@ namespace {
 
 constexpr int noPrimaryKey = 3373;
 constexpr int noConstraint = 3371;
+constexpr int indexOfThatName = 3375;
 
 jet::Database& databaseOf(const Setting& setting, const TableName& table) {
     return Translator(setting.database, {}, setting.parameters, setting.engine)
@@ -25,6 +28,7 @@ jet::ColumnDesign designOf(const ColumnDefinition& column) {
     design.name = column.name.text;
     design.type = column.type.type.value_or(ColumnType::Text);
     design.autoNumber = column.type.autoNumber;
+    design.firstNumber = column.type.seed;
     design.fixedLength = column.type.fixed;
     if (column.type.length) {
         if (*column.type.length < 1 || *column.type.length > 255) {
@@ -75,20 +79,44 @@ jet::IndexDesign indexOf(const Constraint& constraint, const Name* own) {
     return index;
 }
 
+uint32_t flagsOf(const References& references) {
+    uint32_t flags = 0;
+    if (references.onUpdate == ReferenceAction::Cascade) {
+        flags |= jet::relationFlags::cascadeUpdates;
+    }
+    if (references.onDelete == ReferenceAction::Cascade) {
+        flags |= jet::relationFlags::cascadeDeletes;
+    } else if (references.onDelete == ReferenceAction::SetNull) {
+        flags |= jet::relationFlags::nullsOnDelete;
+    }
+    return flags;
+}
+
+// For a relation that the statement gives no name.
+std::wstring freeName(const jet::Database& database, const jet::Relation& relation) {
+    const std::wstring first = relation.table + relation.foreignTable;
+    const std::vector<jet::Relation> others = database.relations();
+    std::wstring name = first;
+    for (int i = 1; std::any_of(
+             others.begin(), others.end(),
+             [&](const jet::Relation& other) { return equalIgnoringCase(other.name, name); });
+         ++i) {
+        name = first + std::to_wstring(i);
+    }
+    return name;
+}
+
 jet::Relation relationOf(jet::Database& database, const std::wstring& table,
                          const Constraint& constraint, const Name* own) {
     const References& references = *constraint.references;
-    if (references.onUpdate == ReferenceAction::SetNull ||
-        references.onDelete == ReferenceAction::SetNull) {
-        throw jet::Error(jet::OperationNotSupported);
+    if (references.onUpdate == ReferenceAction::SetNull) {  // which a file can't keep
+        throw jet::Error(jet::OperationNotSupported, {}, {.detail = L"ON UPDATE SET NULL"});
     }
     jet::Relation relation;
     relation.table = references.table.name.text;
     relation.foreignTable = table;
-    relation.name = constraint.name ? constraint.name->text : relation.table + table;
-    relation.flags =
-        (references.onUpdate == ReferenceAction::Cascade ? jet::relationFlags::cascadeUpdates : 0) |
-        (references.onDelete == ReferenceAction::Cascade ? jet::relationFlags::cascadeDeletes : 0);
+    relation.name = constraint.name ? constraint.name->text : freeName(database, relation);
+    relation.flags = flagsOf(references);
     std::vector<std::wstring> primary;
     for (const Name& name : references.columns) {
         primary.push_back(name.text);
@@ -212,7 +240,12 @@ void alterTable(const Setting& setting, const AlterTable& statement) {
         void operator()(const AddConstraint& node) {
             add(database, table, node.constraint, nullptr);
         }
-        void operator()(const AlterColumn&) { throw jet::Error(jet::OperationNotSupported); }
+        void operator()(const AlterColumn& node) {
+            jet::alterColumn(database, table, designOf(node.column));
+            for (const Constraint& each : node.column.constraints) {
+                add(database, table, each, &node.column.name);
+            }
+        }
         void operator()(const AlterDefault& node) { setDefault(database, table, node); }
         void operator()(const DropColumns& node) {
             for (const Name& column : node.columns) {
@@ -237,7 +270,15 @@ void createIndex(const Setting& setting, const CreateIndex& statement) {
     for (const IndexColumn& column : statement.columns) {
         index.columns.push_back({column.name.text, !column.descending});
     }
-    jet::createIndex(databaseOf(setting, statement.table), statement.table.name.text, index);
+    const std::wstring& table = statement.table.name.text;
+    try {
+        jet::createIndex(databaseOf(setting, statement.table), table, index);
+    } catch (const jet::Error& error) {
+        if (error.code() == jet::IndexExists) {
+            throw jet::Error(indexOfThatName, {table, index.name});
+        }
+        throw;
+    }
 }
 
 void drop(const Setting& setting, const Drop& statement) {

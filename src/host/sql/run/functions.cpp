@@ -8,24 +8,31 @@
 #include "host/jet/expression/expression.h"
 #include "host/jet/expression/expression_decimal.h"
 #include "host/jet/expression/expression_operators.h"
+#include "host/jet/format/error.h"
 #include "host/jet/values/value_convert.h"
+#include "host/sql/run/like.h"
 #include "host/sql/run/sqlite_values.h"
+#include "host/sql/run/text_order.h"
 
 namespace sg::sql {
 namespace {
 
 using Values = std::vector<jet::Value>;
 
+constexpr int severalRecords = 3354;
+
 class NoNames final : public jet::ExpressionNames {
   public:
     bool value(std::wstring_view, jet::Value&) const override { return false; }
 };
 
-jet::Value likeOf(const jet::Value& text, const jet::Value& pattern) {
-    if (jet::isNull(text) || jet::isNull(pattern)) {
-        return {};
+// More than two values are concatenated.
+jet::Value operatorOf(jet::detail::Operator op, const Values& values) {
+    jet::Value value = jet::detail::applyOperator(op, values[0], values[1]);
+    for (size_t i = 2; i < values.size(); ++i) {
+        value = jet::detail::applyOperator(op, value, values[i]);
     }
-    return jet::isLike(jet::toInvariantText(text), jet::toInvariantText(pattern));
+    return value;
 }
 
 // The bounds may come in either order.
@@ -54,9 +61,10 @@ jet::Value functionOf(const CallSite& site, Values& values) {
 jet::Value valueOf(const CallSite& site, Values& values) {
     switch (site.kind) {
         case CallSite::Kind::Operator:
-            return site.op == jet::detail::Operator::Like
-                       ? likeOf(values[0], values[1])
-                       : jet::detail::applyOperator(site.op, values[0], values[1]);
+            return operatorOf(site.op, values);
+        case CallSite::Kind::Pattern:
+            return jet::isNull(values[0]) ? jet::Value()
+                                          : withDialectWildcards(jet::toInvariantText(values[0]));
         case CallSite::Kind::Between:
             return betweenOf(values);
         case CallSite::Kind::Negate:
@@ -92,7 +100,8 @@ void callFunction(sqlite3_context* context, int count, sqlite3_value** arguments
     guarded(context, [&] {
         const auto place = static_cast<size_t>(sqlite3_value_int64(arguments[0]));
         const CallSite& site = runningOf(context).program->calls.at(place);
-        Values values(static_cast<size_t>(count) - 1);
+        Values& values = site.values;
+        values.resize(static_cast<size_t>(count) - 1);
         for (size_t i = 0; i < values.size(); ++i) {
             take(arguments[i + 1], site.arguments[i], values[i]);
         }
@@ -117,6 +126,20 @@ void stepLast(sqlite3_context* context, int, sqlite3_value** arguments) {
         sqlite3_value_free(*kept);
         *kept = sqlite3_value_dup(arguments[0]);
     }
+}
+
+// The one value of a subquery.
+void stepOne(sqlite3_context* context, int, sqlite3_value** arguments) {
+    auto** kept =
+        static_cast<sqlite3_value**>(sqlite3_aggregate_context(context, sizeof(sqlite3_value*)));
+    if (kept == nullptr) {
+        return;
+    }
+    if (*kept == nullptr) {
+        *kept = sqlite3_value_dup(arguments[0]);
+        return;
+    }
+    guarded(context, [] { throw jet::Error(severalRecords); });
 }
 
 void finishKept(sqlite3_context* context) {
@@ -219,7 +242,9 @@ void addFunctions(sqlite3* connection, Engine::Running& running) {
     };
     add("jet", -1, SQLITE_DETERMINISTIC, callFunction, nullptr, nullptr);
     add("jetv", -1, 0, callFunction, nullptr, nullptr);
+    add(likeName.data(), 2, SQLITE_DETERMINISTIC, callLike, nullptr, nullptr);
     add("jet_first", 1, 0, nullptr, stepFirst, finishKept);
+    add("jet_one", 1, 0, nullptr, stepOne, finishKept);
     add("jet_last", 1, 0, nullptr, stepLast, finishKept);
     add("jet_stdev", 1, 0, nullptr, stepSpread, finishSpread<true, true>);
     add("jet_stdevp", 1, 0, nullptr, stepSpread, finishSpread<false, true>);

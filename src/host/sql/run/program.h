@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,7 +21,8 @@ namespace sg::sql {
 // "jet(n, arguments)" is the n-th.
 struct CallSite {
     enum class Kind : uint8_t {
-        Operator,  // `op`, two arguments
+        Operator,  // `op`, two arguments; Concatenate more
+        Pattern,   // of ALIKE, as one of LIKE; one
         Between,   // three
         Negate,
         Not,
@@ -33,6 +35,7 @@ struct CallSite {
     const jet::detail::Function* function = nullptr;
     std::vector<Type> arguments;
     Type result;
+    mutable std::vector<jet::Value> values{};  // of the call at hand, kept for their memory
 };
 
 // A table that the text names "jetN", N being its place.
@@ -41,9 +44,16 @@ struct TableUse {
     std::wstring name;  // in that database
 };
 
+// The column of a table of the session's own database that a column is, as it stands there.
+struct FieldOrigin {
+    std::wstring table;
+    std::wstring column;
+};
+
 struct OutputColumn {
     std::wstring name;
     Type type;
+    FieldOrigin field{};
 };
 
 // What the text names "t0", "t1"...
@@ -52,13 +62,22 @@ struct NamedSource {
     TableUse table;  // without a database for a query
 };
 
+// Only the first rows count: so many, and those behind them whose last columns of the text, the
+// keys of the order, are still the same.
+struct FirstRows {
+    uint64_t count = 0;
+    size_t keys = 0;  // columns behind Program::columns
+};
+
 struct Program {
     std::string text;
-    std::vector<jet::Value> bound;  // to ?1, ?2...
+    std::vector<std::string> common;  // queries that the text names "q0", "q1"..., and later ones
+    std::vector<jet::Value> bound;    // to ?1, ?2...
     std::vector<CallSite> calls;
     std::vector<TableUse> tables;
     std::vector<OutputColumn> columns;
     std::map<std::string, NamedSource> sources;
+    std::optional<FirstRows> first;
 };
 
 }  // namespace sg::sql

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <functional>
 #include <limits>
 #include <type_traits>
 
@@ -13,7 +15,7 @@
 #include "host/jet/expression/expression_functions.h"
 #include "host/jet/expression/expression_operators.h"
 #include "host/jet/format/error.h"
-#include "host/jet/index/sort_order.h"
+#include "host/sql/run/text_order.h"
 
 namespace sg::sql {
 namespace {
@@ -146,20 +148,23 @@ void takeText(std::string_view text, jet::Value& into) {
     }
 }
 
-// Texts of these characters alone sort by their capitals.
-bool isSimple(unsigned char c) {
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
+// Longer texts are bound.
+constexpr size_t longestLiteral = 256;
 
-unsigned char capital(unsigned char c) {
-    return c >= 'a' && c <= 'z' ? static_cast<unsigned char>(c - 'a' + 'A') : c;
-}
-
-std::string_view withoutBlanks(std::string_view text) {
-    while (!text.empty() && text.back() == ' ') {
-        text.remove_suffix(1);
+std::string quoted(std::string_view text) {
+    std::string made = "'";
+    for (const char c : text) {
+        made += c == '\'' ? "''" : std::string(1, c);
     }
-    return text;
+    return made + "'";
+}
+
+uint64_t hashOfNumber(double number) {
+    return std::bit_cast<uint64_t>(number == 0 ? 0.0 : number);  // whatever the zero's sign
+}
+
+uint64_t hashOfBytes(std::string_view bytes) {
+    return std::hash<std::string_view>()(bytes);
 }
 
 }  // namespace
@@ -239,9 +244,7 @@ void take(sqlite3_value* from, const Type& type, jet::Value& into) {
             throwOverflow();
         case Form::Text:
             if (held == SQLITE_TEXT) {
-                takeText({reinterpret_cast<const char*>(sqlite3_value_text(from)),
-                          static_cast<size_t>(sqlite3_value_bytes(from))},
-                         into);
+                takeText(textOf(from), into);
                 return;
             }
             break;
@@ -300,49 +303,64 @@ std::string literalOf(const jet::Value& value) {
                 text += ')';
             }
         },
-        [](const std::wstring&) {}, [](const char*, size_t) {}, [&] { text = "NULL"; });
+        [&](const std::wstring& held) {
+            if (held.size() <= longestLiteral && held.find(L'\0') == held.npos) {
+                text = quoted(toUtf8(held));
+            }
+        },
+        [](const char*, size_t) {}, [&] { text = "NULL"; });
     return text;
 }
 
-int compareTexts(std::string_view a, std::string_view b) {
-    a = withoutBlanks(a);
-    b = withoutBlanks(b);
-    const size_t common = std::min(a.size(), b.size());
-    size_t at = 0;
-    bool simple = true;
-    int order = 0;
-    for (; at < common && simple; ++at) {
-        const auto x = static_cast<unsigned char>(a[at]);
-        const auto y = static_cast<unsigned char>(b[at]);
-        simple = isSimple(x) && isSimple(y);
-        if (order == 0) {
-            order = int(capital(x)) - int(capital(y));
-        }
+// To ask for the text itself would make SQLite put an end behind it, for which there may be no
+// room.
+std::string_view textOf(sqlite3_value* value) {
+    return blobOf(value);
+}
+
+bool areSame(sqlite3_value* a, sqlite3_value* b) {
+    const int held = sqlite3_value_type(a);
+    const int other = sqlite3_value_type(b);
+    if (held == SQLITE_INTEGER && other == SQLITE_INTEGER) {
+        return sqlite3_value_int64(a) == sqlite3_value_int64(b);
     }
-    const auto allSimple = [](std::string_view rest) {
-        return std::all_of(rest.begin(), rest.end(),
-                           [](char c) { return isSimple(static_cast<unsigned char>(c)); });
-    };
-    if (simple && allSimple(a.substr(common)) && allSimple(b.substr(common))) {
-        return order != 0 ? order : a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
+    if (held == SQLITE_INTEGER || held == SQLITE_FLOAT) {
+        return (other == SQLITE_INTEGER || other == SQLITE_FLOAT) &&
+               sqlite3_value_double(a) == sqlite3_value_double(b);
     }
-    const std::wstring x = fromUtf8(a);
-    const std::wstring y = fromUtf8(b);
-    jet::KeyBytes left;
-    jet::KeyBytes right;
-    const jet::TextOrder general = jet::TextOrder::GeneralLegacy;
-    const bool longer = x.size() >= jet::kIndexedTextUnits || y.size() >= jet::kIndexedTextUnits;
-    if (jet::appendTextKey(general, x, false, left) &&
-        jet::appendTextKey(general, y, false, right)) {
-        const auto byKeys = left <=> right;
-        if (byKeys != 0 || !longer) {
-            return byKeys < 0 ? -1 : byKeys > 0 ? 1 : 0;
-        }
-    } else if (left.empty() != right.empty()) {
-        return left.empty() ? 1 : -1;  // what has no weight comes behind all that has
+    if (held != other) {
+        return false;
     }
-    const auto byCapitals = jet::detail::compareTexts(x, y);
-    return byCapitals < 0 ? -1 : byCapitals > 0 ? 1 : 0;
+    return held == SQLITE_NULL ||
+           (held == SQLITE_TEXT ? compareTexts(textOf(a), textOf(b)) == 0 : blobOf(a) == blobOf(b));
+}
+
+// A whole number that equals a real one is that one when it is made real.
+std::optional<uint64_t> hashOf(const jet::Value& value) {
+    std::optional<uint64_t> hash;
+    passOn(
+        value, [&](int64_t number) { hash = hashOfNumber(static_cast<double>(number)); },
+        [&](double number) { hash = hashOfNumber(number); },
+        [&](const std::wstring& text) { hash = hashOf(std::string_view(toUtf8(text))); },
+        [&](const char* bytes, size_t size) {
+            hash = hashOfBytes({bytes, size});
+        },
+        [] {});
+    return hash;
+}
+
+std::optional<uint64_t> hashOf(sqlite3_value* value) {
+    switch (sqlite3_value_type(value)) {
+        case SQLITE_INTEGER:
+        case SQLITE_FLOAT:
+            return hashOfNumber(sqlite3_value_double(value));
+        case SQLITE_TEXT:
+            return hashOf(textOf(value));
+        case SQLITE_BLOB:
+            return hashOfBytes(blobOf(value));
+        default:
+            return std::nullopt;
+    }
 }
 
 }  // namespace sg::sql

@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,8 +23,15 @@ void take(sqlite3_value* from, const Type& type, jet::Value& into);
 // A value that stands in a statement's text as it is; empty for one that must be bound.
 std::string literalOf(const jet::Value& value);
 
-// The dialect's order of texts in UTF-8: the General order, in which case and trailing blanks make
-// no difference.
-int compareTexts(std::string_view a, std::string_view b);
+// Equal for values that SQLite takes for equal, texts by the collation JET; none for Null, which
+// equals nothing.
+std::optional<uint64_t> hashOf(const jet::Value& value);
+std::optional<uint64_t> hashOf(sqlite3_value* value);
+
+// As SQLite's IS would tell it, of texts by the collation JET.
+bool areSame(sqlite3_value* a, sqlite3_value* b);
+
+// The bytes of a value that is a text, which hold until SQLite is given the value again.
+std::string_view textOf(sqlite3_value* value);
 
 }  // namespace sg::sql

@@ -1,74 +1,32 @@
 #include "host/sql/run/table_module.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
-#include <limits>
 #include <memory>
 #include <new>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "host/jet/database/database.h"
 #include "host/jet/format/error.h"
-#include "host/jet/index/index_key.h"
 #include "host/jet/index/index_tree.h"
-#include "host/jet/pages/table.h"
+#include "host/sql/run/access_path.h"
+#include "host/sql/run/column_reader.h"
 #include "host/sql/run/functions.h"
+#include "host/sql/run/jet_table.h"
+#include "host/sql/run/key_range.h"
+#include "host/sql/run/like.h"
 #include "host/sql/run/sqlite_values.h"
+#include "host/sql/run/transient_index.h"
 
 namespace sg::sql {
 namespace {
 
-struct Source {
+struct ModuleData {
     TableUse use;
     Engine::Running* running;
-};
-
-struct JetTable : sqlite3_vtab {
-    jet::Table table;
-    std::vector<jet::KeyEncoder> encoders;  // by real index
-    Engine::Running* running;
-
-    JetTable(jet::Table of, Engine::Running* keeper)
-        : sqlite3_vtab{}, table(std::move(of)), running(keeper) {
-        for (const jet::RealIndex& index : table.definition().realIndexes) {
-            encoders.emplace_back(table.store().format(), table.definition(), index);
-        }
-    }
-};
-
-enum class Bound : char { Equal = '=', Low = '>', High = '<' };
-
-struct JetCursor : sqlite3_vtab_cursor {
-    explicit JetCursor(const jet::Table& table) : sqlite3_vtab_cursor{}, rows(table) {}
-
-    jet::RowCursor rows;
-    std::optional<jet::IndexCursor> index;
-    jet::KeyBytes high;  // the last keys begin with it; none: to the end
-    bool ended = true;
-    jet::Value value;
-
-    JetTable& table() const { return *static_cast<JetTable*>(pVtab); }
-
-    // To the row of the index's entry; rows that are gone are passed over.
-    void settle(bool found) {
-        while (found) {
-            const jet::ByteView key = index->key();
-            const size_t common = std::min(key.size(), high.size());
-            const int order = common == 0 ? 0 : std::memcmp(key.data(), high.data(), common);
-            if (order > 0) {
-                break;
-            }
-            if (rows.seek(index->row())) {
-                ended = false;
-                return;
-            }
-            found = index->next();
-        }
-        ended = true;
-    }
 };
 
 template <class Work>
@@ -81,312 +39,203 @@ int guarded(Engine::Running& running, Work work) {
     }
 }
 
-// ---- Planning
-
-// Whether keys of such a column may be made of what a column is compared with.
-bool mayBound(ColumnType type, Bound bound) {
-    switch (type) {
-        case ColumnType::Boolean:
-        case ColumnType::Guid:
-            return bound == Bound::Equal;
-        case ColumnType::Byte:
-        case ColumnType::Integer:
-        case ColumnType::Long:
-        case ColumnType::Currency:
-        case ColumnType::Double:
-        case ColumnType::Date:
-        case ColumnType::Text:
-            return true;
-        default:
-            return false;
-    }
+// -1, 0 or 1 as the key is before `bound`, begins with it, or is behind it.
+int orderOf(jet::ByteView key, const jet::KeyBytes& bound) {
+    const size_t common = std::min(key.size(), bound.size());
+    const int order = common == 0 ? 0 : std::memcmp(key.data(), bound.data(), common);
+    return order != 0 ? order : key.size() < bound.size() ? -1 : 0;
 }
 
-std::optional<Bound> boundOf(unsigned char op) {
-    switch (op) {
-        case SQLITE_INDEX_CONSTRAINT_EQ:
-            return Bound::Equal;
-        case SQLITE_INDEX_CONSTRAINT_GT:
-        case SQLITE_INDEX_CONSTRAINT_GE:
-            return Bound::Low;
-        case SQLITE_INDEX_CONSTRAINT_LT:
-        case SQLITE_INDEX_CONSTRAINT_LE:
-            return Bound::High;
-        default:
-            return std::nullopt;
-    }
-}
+// ---- Cursors
 
-// The usable constraint of this kind on a column; -1 when there is none.
-int constraintOn(sqlite3_index_info* info, size_t column, Bound bound, bool isText) {
-    for (int i = 0; i < info->nConstraint; ++i) {
-        const auto& constraint = info->aConstraint[i];
-        if (constraint.usable && constraint.iColumn == static_cast<int>(column) &&
-            boundOf(constraint.op) == bound &&
-            (!isText || std::strcmp(sqlite3_vtab_collation(info, i), "JET") == 0)) {
-            return i;
-        }
-    }
-    return -1;
-}
+// The rows of one access path, one after the other.
+class JetCursor : public sqlite3_vtab_cursor {
+  public:
+    explicit JetCursor(const jet::Table& table) : sqlite3_vtab_cursor{}, rows_(table) {}
 
-struct Plan {
-    size_t index = 0;
-    std::string bounds;          // Bound, of one argument each
-    std::vector<int> arguments;  // constraints
-    size_t equalities = 0;
-    double rows = 0;
-};
-
-Plan planOf(const JetTable& table, size_t index, sqlite3_index_info* info, double all) {
-    const jet::TableDefinition& definition = table.table.definition();
-    Plan plan{index, {}, {}, 0, all};
-    for (const size_t place : table.encoders[index].places()) {
-        const jet::Column& column = definition.columns[place];
-        const auto take = [&](Bound bound) {
-            const int at = mayBound(column.type, bound)
-                               ? constraintOn(info, place, bound, column.isText())
-                               : -1;
-            if (at >= 0) {
-                plan.bounds += static_cast<char>(bound);
-                plan.arguments.push_back(at);
-            }
-            return at >= 0;
-        };
-        if (take(Bound::Equal)) {
-            ++plan.equalities;
-            plan.rows = std::max(1.0, std::min(plan.rows / 4, std::sqrt(plan.rows)));
-            continue;
-        }
-        const bool low = take(Bound::Low);
-        const bool high = take(Bound::High);
-        plan.rows /= (low ? 3 : 1) * (high ? 3 : 1);
-        break;
-    }
-    if (plan.equalities == table.encoders[index].places().size() &&
-        definition.realIndexes[index].isUnique()) {
-        plan.rows = 1;
-    }
-    return plan;
-}
-
-int bestIndex(sqlite3_vtab* base, sqlite3_index_info* info) {
-    auto& table = *static_cast<JetTable*>(base);
-    return guarded(*table.running, [&] {
-        const double all = std::max(1.0, double(table.table.rowCount()));
-        std::optional<Plan> best;
-        for (size_t i = 0; i < table.encoders.size(); ++i) {
-            if (!table.encoders[i].usable()) {
-                continue;
-            }
-            Plan plan = planOf(table, i, info, all);
-            if (!plan.arguments.empty() && (!best || plan.rows < best->rows)) {
-                best = std::move(plan);
-            }
-        }
-        info->idxNum = -1;
-        info->estimatedRows = static_cast<sqlite3_int64>(all);
-        info->estimatedCost = all;
-        if (!best) {
-            return SQLITE_OK;
-        }
-        for (size_t i = 0; i < best->arguments.size(); ++i) {
-            info->aConstraintUsage[best->arguments[i]].argvIndex = static_cast<int>(i) + 1;
-        }
-        info->idxNum = static_cast<int>(best->index);
-        info->idxStr = sqlite3_mprintf("%s", best->bounds.c_str());
-        info->needToFreeIdxStr = 1;
-        info->estimatedRows = std::max<sqlite3_int64>(1, static_cast<sqlite3_int64>(best->rows));
-        info->estimatedCost = 3 + best->rows * 3;
-        if (best->rows == 1) {
-            info->idxFlags = SQLITE_INDEX_SCAN_UNIQUE;
-        }
-        return SQLITE_OK;
-    });
-}
-
-// ---- Keys
-
-enum class Fit { Exact, None, Unbounded };
-
-// The value of the column that bounds what is asked for; SQLite looks at the rows again, so that
-// the bound may be a little wide. None: no value of the column can fulfil it.
-Fit boundValue(const jet::Column& column, sqlite3_value* given, Bound bound, jet::Value& into) {
-    const int held = sqlite3_value_type(given);
-    if (held == SQLITE_NULL) {
-        return Fit::None;
-    }
-    const bool isNumber = held == SQLITE_INTEGER || held == SQLITE_FLOAT;
-    if (column.type == ColumnType::Text) {
-        if (held != SQLITE_TEXT) {
-            return Fit::Unbounded;
-        }
-        take(given, ColumnType::Text, into);
-        return Fit::Exact;
-    }
-    if (column.type == ColumnType::Guid) {
-        if (held != SQLITE_BLOB || sqlite3_value_bytes(given) != 16) {
-            return Fit::None;
-        }
-        take(given, ColumnType::Guid, into);
-        return Fit::Exact;
-    }
-    if (!isNumber) {
-        return Fit::Unbounded;
-    }
-    if (column.type == ColumnType::Double || column.type == ColumnType::Date) {
-        take(given, column.type, into);
-        return Fit::Exact;
-    }
-    double number = sqlite3_value_double(given);
-    if (column.type == ColumnType::Boolean) {
-        into = number != 0;
-        return number == 0 || number == -1 ? Fit::Exact : Fit::None;
-    }
-    if (column.type == ColumnType::Currency) {
-        if (held != SQLITE_INTEGER) {
-            return Fit::Unbounded;
-        }
-        take(given, ColumnType::Currency, into);
-        return Fit::Exact;
-    }
-    const double whole = bound == Bound::Low ? std::floor(number) : std::ceil(number);
-    if (bound == Bound::Equal && whole != number) {
-        return Fit::None;
-    }
-    const bool isByte = column.type == ColumnType::Byte;
-    const bool isShort = column.type == ColumnType::Integer;
-    const double least = isByte ? 0 : isShort ? -32768.0 : -2147483648.0;
-    const double most = isByte ? 255 : isShort ? 32767.0 : 2147483647.0;
-    if (whole < least || whole > most) {
-        const bool outside = bound == Bound::Equal || (bound == Bound::Low) == (whole > most);
-        return outside ? Fit::None : Fit::Unbounded;
-    }
-    if (isByte) {
-        into = static_cast<uint8_t>(whole);
-    } else if (isShort) {
-        into = static_cast<int16_t>(whole);
-    } else {
-        into = static_cast<int32_t>(whole);
-    }
-    return Fit::Exact;
-}
-
-struct Keys {
-    jet::KeyBytes low;
-    jet::KeyBytes high;
-    bool empty = false;
-};
-
-Keys keysOf(const JetTable& table, size_t index, const char* bounds, sqlite3_value** arguments) {
-    const jet::KeyEncoder& encoder = table.encoders[index];
-    const jet::TableDefinition& definition = table.table.definition();
-    std::vector<jet::Value> equal;
-    std::optional<jet::Value> low;
-    std::optional<jet::Value> high;
-    for (size_t i = 0; bounds[i] != '\0'; ++i) {
-        const auto bound = static_cast<Bound>(bounds[i]);
-        const jet::Column& column = definition.columns[encoder.places()[equal.size()]];
-        jet::Value value;
-        const Fit fit = boundValue(column, arguments[i], bound, value);
-        if (fit == Fit::None) {
-            return {{}, {}, true};
-        }
-        if (fit == Fit::Unbounded) {
-            if (bound == Bound::Equal) {
-                break;
-            }
-        } else if (bound == Bound::Equal) {
-            equal.push_back(std::move(value));
+    // `path` is the same for as long as its text stands at the same place.
+    void start(int number, const char* text, sqlite3_value** arguments);
+    void next() {
+        if (index_) {
+            settle(path_.backwards ? index_->previous() : index_->next());
+        } else if (isListed_) {
+            nextListed();
         } else {
-            (bound == Bound::Low ? low : high) = std::move(value);
+            ended_ = !rows_.next();
         }
     }
-    Keys keys;
-    const auto encode = [&](const std::optional<jet::Value>& last, jet::KeyBytes& key) {
-        std::vector<jet::Value> values = equal;
-        if (last) {
-            values.push_back(*last);
-        }
-        if (!values.empty()) {
-            encoder.encode(values, key);
-        }
-    };
-    const bool ascending =
-        equal.size() >= encoder.columns().size() || encoder.columns()[equal.size()].ascending;
-    encode(ascending ? low : high, keys.low);
-    encode(ascending ? high : low, keys.high);
-    return keys;
+    bool ended() const { return ended_; }
+    const jet::RowCursor& rows() const { return rows_; }
+    JetTable& table() const { return *static_cast<JetTable*>(pVtab); }
+
+    ColumnReader reader;
+
+  private:
+    void start(sqlite3_value** arguments);
+    void startScan() { ended_ = !rows_.first(); }
+    void startIndex(KeyRange range);
+    void startListed(sqlite3_value** arguments);
+    void nextListed();
+    void settle(bool found);
+
+    jet::RowCursor rows_;
+    bool ended_ = true;
+    AccessPath path_;
+    int number_ = 0;
+    const char* text_ = nullptr;  // of path_
+    std::optional<jet::IndexCursor> index_;
+    KeyRange range_;
+    bool isListed_ = false;
+    std::span<const uint32_t> list_;  // rows that are still to come
+};
+
+void JetCursor::start(int number, const char* text, sqlite3_value** arguments) {
+    if (text_ == nullptr || text != text_ || number != number_) {
+        path_ = AccessPath::of(number, text);
+        number_ = number;
+        text_ = text;
+    }
+    start(arguments);
 }
 
-int filter(sqlite3_vtab_cursor* base, int number, const char* bounds, int, sqlite3_value** values) {
-    auto& cursor = *static_cast<JetCursor*>(base);
-    JetTable& table = cursor.table();
-    return guarded(*table.running, [&] {
-        cursor.index.reset();
-        if (number < 0) {
-            cursor.ended = !cursor.rows.first();
-            return SQLITE_OK;
-        }
-        const auto index = static_cast<size_t>(number);
-        Keys keys;
+void JetCursor::start(sqlite3_value** arguments) {
+    index_.reset();
+    isListed_ = false;
+    if (path_.kind == AccessPath::Kind::Transient) {
+        startListed(arguments);
+        return;
+    }
+    if (path_.kind == AccessPath::Kind::Index) {
         try {
-            keys = keysOf(table, index, bounds, values);
+            startIndex(rangeOf(table(), path_, arguments));
+            return;
         } catch (const jet::Error& error) {
             if (error.code() != jet::OperationNotSupported) {
                 throw;
             }
             // A text without a place in the index: all rows are looked at.
-            cursor.ended = !cursor.rows.first();
-            return SQLITE_OK;
         }
-        if (keys.empty) {
-            cursor.ended = true;
-            return SQLITE_OK;
+    }
+    startScan();
+}
+
+void JetCursor::startIndex(KeyRange range) {
+    ended_ = true;
+    if (range.isEmpty) {
+        return;
+    }
+    range_ = std::move(range);
+    const jet::Table& table = this->table().table;
+    index_.emplace(table.store(), table.definition().realIndexes[path_.index].rootPage);
+    if (!path_.backwards) {
+        settle(index_->lowerBound(jet::ByteView(range_.low)));
+    } else if (range_.high.empty()) {
+        settle(index_->last());
+    } else {
+        settle(index_->lastUpTo(jet::ByteView(range_.high)));
+    }
+}
+
+// To the row of the index's entry; rows that are gone are passed over.
+void JetCursor::settle(bool found) {
+    ended_ = true;
+    while (found) {
+        const jet::ByteView key = index_->key();
+        if (path_.backwards ? orderOf(key, range_.low) < 0 : orderOf(key, range_.high) > 0) {
+            return;
         }
-        cursor.index.emplace(table.table.store(),
-                             table.table.definition().realIndexes[index].rootPage);
-        cursor.high = std::move(keys.high);
-        cursor.settle(keys.low.empty() ? cursor.index->first()
-                                       : cursor.index->lowerBound(jet::ByteView(keys.low)));
+        if (rows_.seek(index_->row())) {
+            ended_ = false;
+            return;
+        }
+        table().running->passRow();
+        found = path_.backwards ? index_->previous() : index_->next();
+    }
+}
+
+// The first time all rows are looked at, which is all that there is to do where the values stay the
+// same; an index is made when they are asked for a second time.
+void JetCursor::startListed(sqlite3_value** arguments) {
+    Engine::Running& running = *table().running;
+    Engine::TransientUse& use = running.transients[{&table(), path_.columns}];
+    if (use.count++ == 0) {
+        startScan();
+        return;
+    }
+    if (use.index == nullptr) {
+        use.index = std::make_shared<TransientIndex>(table().table, path_.columns,
+                                                     [&running] { running.passRow(); });
+    }
+    HashOfValues hash;
+    bool hasNull = false;
+    for (size_t i = 0; i < path_.columns.size(); ++i) {
+        const std::optional<uint64_t> part = hashOf(arguments[i]);
+        hash.add(part.value_or(0));
+        hasNull = hasNull || !part;
+    }
+    list_ = hasNull ? std::span<const uint32_t>() : use.index->find(hash.value());
+    isListed_ = true;
+    nextListed();
+}
+
+void JetCursor::nextListed() {
+    ended_ = true;
+    while (ended_ && !list_.empty()) {
+        const jet::RowId row = jet::RowId::fromPacked(list_.front());
+        list_ = list_.subspan(1);
+        ended_ = !rows_.seek(row);
+    }
+}
+
+// ---- What SQLite calls
+
+JetCursor& cursorOf(sqlite3_vtab_cursor* base) {
+    return *static_cast<JetCursor*>(base);
+}
+
+int bestIndex(sqlite3_vtab* base, sqlite3_index_info* info) {
+    const auto& table = *static_cast<JetTable*>(base);
+    return guarded(*table.running, [&] {
+        choosePath(table, info);
         return SQLITE_OK;
     });
 }
 
-// ---- Rows
+int filter(sqlite3_vtab_cursor* base, int number, const char* text, int, sqlite3_value** values) {
+    JetCursor& cursor = cursorOf(base);
+    return guarded(*cursor.table().running, [&] {
+        cursor.start(number, text, values);
+        return SQLITE_OK;
+    });
+}
 
 int next(sqlite3_vtab_cursor* base) {
-    auto& cursor = *static_cast<JetCursor*>(base);
+    JetCursor& cursor = cursorOf(base);
     return guarded(*cursor.table().running, [&] {
-        if (cursor.index) {
-            cursor.settle(cursor.index->next());
-        } else {
-            cursor.ended = !cursor.rows.next();
-        }
+        cursor.next();
         return SQLITE_OK;
     });
 }
 
 int atEnd(sqlite3_vtab_cursor* base) {
-    return static_cast<JetCursor*>(base)->ended;
+    return cursorOf(base).ended();
 }
 
 int column(sqlite3_vtab_cursor* base, sqlite3_context* context, int place) {
-    auto& cursor = *static_cast<JetCursor*>(base);
+    JetCursor& cursor = cursorOf(base);
     return guarded(*cursor.table().running, [&] {
-        cursor.rows.value(static_cast<size_t>(place), cursor.value);
-        answer(context, cursor.value);
+        cursor.reader.answer(context, cursor.rows(), static_cast<size_t>(place));
         return SQLITE_OK;
     });
 }
 
 int rowId(sqlite3_vtab_cursor* base, sqlite3_int64* id) {
-    *id = static_cast<JetCursor*>(base)->rows.id().packed();
+    *id = cursorOf(base).rows().id().packed();
     return SQLITE_OK;
 }
 
 int open(sqlite3_vtab* base, sqlite3_vtab_cursor** cursor) {
-    auto& table = *static_cast<JetTable*>(base);
+    const auto& table = *static_cast<JetTable*>(base);
     return guarded(*table.running, [&] {
         *cursor = new JetCursor(table.table);
         return SQLITE_OK;
@@ -398,11 +247,20 @@ int close(sqlite3_vtab_cursor* cursor) {
     return SQLITE_OK;
 }
 
-// ---- Tables
+// LIKE is told to bestIndex() as a constraint of its own.
+int findFunction(sqlite3_vtab* base, int arguments, const char* name,
+                 void (**function)(sqlite3_context*, int, sqlite3_value**), void** given) {
+    if (arguments != 2 || std::string_view(name) != likeName) {
+        return 0;
+    }
+    *function = callLike;
+    *given = static_cast<JetTable*>(base)->running;
+    return likeConstraint;
+}
 
 int connect(sqlite3* connection, void* auxiliary, int, const char* const*, sqlite3_vtab** table,
             char**) {
-    const auto& source = *static_cast<Source*>(auxiliary);
+    const auto& source = *static_cast<ModuleData*>(auxiliary);
     return guarded(*source.running, [&] {
         auto made =
             std::make_unique<JetTable>(source.use.database->table(source.use.name), source.running);
@@ -413,7 +271,9 @@ int connect(sqlite3* connection, void* auxiliary, int, const char* const*, sqlit
             text += columns[i].isText() ? " COLLATE JET" : "";
         }
         text += columns.empty() ? "c0)" : ")";
+        source.running->declares = true;
         const int code = sqlite3_declare_vtab(connection, text.c_str());
+        source.running->declares = false;
         if (code == SQLITE_OK) {
             *table = made.release();
         }
@@ -438,6 +298,7 @@ sqlite3_module makeModule() {
     module.xEof = atEnd;
     module.xColumn = column;
     module.xRowid = rowId;
+    module.xFindFunction = findFunction;
     return module;
 }
 
@@ -447,8 +308,8 @@ void addTable(sqlite3* connection, const std::string& name, const TableUse& use,
               Engine::Running& running) {
     static const sqlite3_module module = makeModule();
     const int code =
-        sqlite3_create_module_v2(connection, name.c_str(), &module, new Source{use, &running},
-                                 [](void* source) { delete static_cast<Source*>(source); });
+        sqlite3_create_module_v2(connection, name.c_str(), &module, new ModuleData{use, &running},
+                                 [](void* source) { delete static_cast<ModuleData*>(source); });
     if (code != SQLITE_OK) {
         throw std::bad_alloc();
     }

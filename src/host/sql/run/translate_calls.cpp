@@ -23,6 +23,18 @@ bool isVolatile(std::wstring_view name) {
                      {L"Wrong number of arguments used with function", call.function.text});
 }
 
+// The IIf that an IIf answers where its condition isn't met; null for anything else. Where there
+// are groups it may be what they are made by.
+const Call* elseIf(const Call& call, const Scope& scope) {
+    if (call.arguments.size() < 3 || !scope.groupTexts.empty()) {
+        return nullptr;
+    }
+    const auto* next = std::get_if<Call>(&call.arguments[2]->node);
+    const bool isIIf = next != nullptr && equalIgnoringCase(next->function.text, L"IIf") &&
+                       (next->arguments.size() == 2 || next->arguments.size() == 3);
+    return isIIf ? next : nullptr;
+}
+
 }  // namespace
 
 Typed Translator::call(const Call& call, Scope& scope) {
@@ -57,9 +69,14 @@ std::optional<Typed> Translator::choice(const Call& call, Scope& scope) {
     std::vector<std::pair<std::string, Typed>> branches;
     std::optional<Typed> otherwise;
     if (named(L"IIf")) {
-        branches.emplace_back(condition(*arguments[0], scope), emit(*arguments[1], scope));
-        if (arguments.size() > 2) {
-            otherwise = emit(*arguments[2], scope);
+        const Call* last = &call;
+        for (const Call* each = last; each != nullptr; each = elseIf(*each, scope)) {
+            branches.emplace_back(condition(*each->arguments[0], scope),
+                                  emit(*each->arguments[1], scope));
+            last = each;
+        }
+        if (last->arguments.size() > 2) {
+            otherwise = emit(*last->arguments[2], scope);
         }
     } else if (named(L"Switch")) {
         if (arguments.size() % 2 != 0) {
@@ -118,13 +135,19 @@ Typed Translator::cases(const std::vector<std::pair<std::string, Typed>>& branch
 
 Typed Translator::aggregate(const Aggregate& aggregate, Scope& scope) {
     if (!scope.mayAggregate || scope.ungrouped > 0) {
-        throw jet::Error(scope.ungrouped > 0 ? 3095 : 3096,
+        throw jet::Error(scope.mayAggregate ? NoAggregateInExpression : scope.noAggregate,
                          {aggregate.argument ? toText(*aggregate.argument) : L"*"});
     }
     const std::string filter =
         scope.filter.empty() ? "" : std::string(" FILTER (WHERE ") + scope.filter + ")";
+    // In a crosstab's cell: whether a row is in it. Where none is, a count is Null too.
+    const std::string counted = std::string("count(*)") + filter;
+    const auto inCell = [&](const std::string& count) {
+        return scope.filter.empty() ? count
+                                    : std::string("iif(") + counted + " > 0, " + count + ", NULL)";
+    };
     if (aggregate.argument == nullptr) {
-        return {std::string("count(*)") + filter, ColumnType::Long, false, {}};
+        return {inCell(counted), ColumnType::Long, false, {}};
     }
     ++scope.ungrouped;
     Typed argument = emit(*aggregate.argument, scope);
@@ -134,8 +157,11 @@ Typed Translator::aggregate(const Aggregate& aggregate, Scope& scope) {
     };
     using enum AggregateFunction;
     switch (aggregate.function) {
-        case Count:
-            return made("count", argument, ColumnType::Long);
+        case Count: {
+            Typed count = made("count", argument, ColumnType::Long);
+            count.sql = inCell(count.sql);
+            return count;
+        }
         case Min:
             return made("min", argument, argument.type);
         case Max:

@@ -5,33 +5,44 @@
 #include "host/jet/expression/expression_operators.h"
 #include "host/jet/format/error.h"
 #include "host/sql/run/translator.h"
+#include "host/sql/run/tree.h"
 #include "host/sql/syntax_errors.h"
 
 namespace sg::sql {
 namespace {
 
-using jet::detail::Operator;
-
-struct Comparison {
-    const char* sign;
-    Operator op;
-};
-
-Comparison comparisonOf(BinaryOperator op) {
+const char* signOf(BinaryOperator op) {
     switch (op) {
         case BinaryOperator::Equal:
-            return {" = ", Operator::Equal};
+            return " = ";
         case BinaryOperator::NotEqual:
-            return {" <> ", Operator::NotEqual};
+            return " <> ";
         case BinaryOperator::Less:
-            return {" < ", Operator::Less};
+            return " < ";
         case BinaryOperator::LessOrEqual:
-            return {" <= ", Operator::LessOrEqual};
+            return " <= ";
         case BinaryOperator::Greater:
-            return {" > ", Operator::Greater};
+            return " > ";
         default:
-            return {" >= ", Operator::GreaterOrEqual};
+            return " >= ";
     }
+}
+
+constexpr int typeMismatchInJoin = 3615;
+
+bool isStrict(const Translated& query) {
+    return !query.traces.empty() && query.traces[0].isStrict;
+}
+
+// Whether it gives one row whatever there is.
+bool isSingleRow(const Query& query) {
+    const auto* select = std::get_if<Select>(&query.body);
+    if (select == nullptr || !select->groupBy.empty()) {
+        return false;
+    }
+    return !select->from ||
+           std::any_of(select->items.begin(), select->items.end(),
+                       [](const SelectItem& item) { return hasAggregate(*item.expression); });
 }
 
 bool isNative(const Type& a, const Type& b) {
@@ -84,27 +95,47 @@ Typed Translator::folded(const Typed& given, const Type& beside) {
     }
 }
 
-Typed Translator::compare(BinaryOperator op, Typed a, Typed b) {
+void Translator::checkComparable(const Typed& a, const Typed& b, const Scope& scope) const {
+    const auto isNothing = [](const Typed& typed) {
+        return !typed.type.column || (typed.constant && jet::isNull(*typed.constant));
+    };
+    const auto isNumber = [](const Type& type) {
+        const Form form = formOf(type);
+        return form == Form::Whole || form == Form::Single || form == Form::Real ||
+               form == Form::Date || form == Form::Currency || form == Form::Decimal;
+    };
+    if (!a.isStrict || !b.isStrict || isNothing(a) || isNothing(b)) {
+        return;
+    }
+    if ((isText(a.type) && isNumber(b.type)) || (isText(b.type) && isNumber(a.type))) {
+        throw jet::Error(scope.joins ? typeMismatchInJoin : jet::TypeMismatch);
+    }
+}
+
+Typed Translator::compare(BinaryOperator op, Typed a, Typed b, const Scope& scope) {
+    checkComparable(a, b, scope);
     if (a.constant && !b.constant) {
         a = folded(a, b.type);
     } else if (b.constant && !a.constant) {
         b = folded(b, a.type);
     }
-    const Comparison comparison = comparisonOf(op);
     if (isNative(a.type, b.type)) {
-        return {std::string("(") + compared(a) + comparison.sign + value(b) + ")",
+        return {std::string("(") + compared(a) + signOf(op) + value(b) + ")",
                 ColumnType::Boolean,
                 true,
                 {}};
     }
-    return site({CallSite::Kind::Operator, comparison.op, nullptr, {}, ColumnType::Boolean},
-                {a, b});
+    return site({CallSite::Kind::Operator, op, nullptr, {}, ColumnType::Boolean}, {a, b});
 }
 
 Typed Translator::between(const Between& between, Scope& scope) {
     const Typed middle = emit(*between.value, scope);
-    Typed low = folded(emit(*between.low, scope), middle.type);
-    Typed high = folded(emit(*between.high, scope), middle.type);
+    Typed low = emit(*between.low, scope);
+    Typed high = emit(*between.high, scope);
+    checkComparable(middle, low, scope);
+    checkComparable(middle, high, scope);
+    low = folded(low, middle.type);
+    high = folded(high, middle.type);
     const bool fixed = low.constant && high.constant && !jet::isNull(*low.constant) &&
                        !jet::isNull(*high.constant) && isNative(low.type, high.type);
     if (!fixed || !isNative(middle.type, low.type) || !isNative(middle.type, high.type)) {
@@ -126,6 +157,7 @@ Typed Translator::in(const In& in, Scope& scope) {
     if (in.query != nullptr) {
         const Translated query = oneColumn(*in.query, scope);
         const Type& type = query.columns[0].type;
+        checkComparable(left, {{}, type, false, {}, isStrict(query)}, scope);
         if (isNative(left.type, type)) {
             return {std::string("(") + compared(left) + " IN (" + query.sql + "))",
                     ColumnType::Boolean,
@@ -134,25 +166,36 @@ Typed Translator::in(const In& in, Scope& scope) {
         }
         const std::string alias = std::string("s") + std::to_string(sources_++);
         const Typed each{alias + ".c0", type, false, {}};
-        const std::string met = compare(BinaryOperator::Equal, left, each).sql;
-        return {std::string("EXISTS (SELECT 1 FROM (") + query.sql + ") AS " + alias + " WHERE " +
-                    met + ")",
-                ColumnType::Boolean,
-                true,
-                {}};
+        return anyOf(query, alias, compare(BinaryOperator::Equal, left, each, scope).sql, true);
     }
     std::string list;
     std::string others;
     for (const ExpressionPtr& item : in.list) {
-        const Typed each = folded(emit(*item, scope), left.type);
+        Typed each = emit(*item, scope);
+        checkComparable(left, each, scope);
+        each = folded(each, left.type);
         if (isNative(left.type, each.type)) {
             list += std::string(list.empty() ? "" : ", ") + value(each);
         } else {
-            others += std::string(" OR ") + compare(BinaryOperator::Equal, left, each).sql;
+            others += std::string(" OR ") + compare(BinaryOperator::Equal, left, each, scope).sql;
         }
     }
     std::string sql = list.empty() ? "0" : compared(left) + " IN (" + list + ")";
     return {std::string("(") + sql + others + ")", ColumnType::Boolean, true, {}};
+}
+
+// Whether one row of the query, called `alias`, makes the condition `wanted`: if none does, a row
+// that makes it Null leaves it open.
+Typed Translator::anyOf(const Translated& query, const std::string& alias, const std::string& met,
+                        bool wanted) {
+    const std::string any =
+        std::string("EXISTS (SELECT 1 FROM (") + query.sql + ") AS " + alias + " WHERE " + met;
+    return {std::string("(CASE WHEN ") + any + (wanted ? " IS TRUE)" : " IS FALSE)") + " THEN " +
+                (wanted ? "1" : "0") + " WHEN " + any + " IS NULL) THEN NULL ELSE " +
+                (wanted ? "0" : "1") + " END)",
+            ColumnType::Boolean,
+            true,
+            {}};
 }
 
 // ANY: there is a row that fulfils it. ALL: there is none that doesn't.
@@ -160,14 +203,9 @@ Typed Translator::quantified(const Quantified& quantified, Scope& scope) {
     const Typed left = emit(*quantified.value, scope);
     const Translated query = oneColumn(*quantified.query, scope);
     const std::string alias = std::string("s") + std::to_string(sources_++);
-    const Typed each{alias + ".c0", query.columns[0].type, false, {}};
-    const std::string met = compare(quantified.op, left, each).sql;
-    const std::string from =
-        std::string("EXISTS (SELECT 1 FROM (") + query.sql + ") AS " + alias + " WHERE ";
-    if (quantified.quantifier == Quantifier::Any) {
-        return {from + met + ")", ColumnType::Boolean, true, {}};
-    }
-    return {std::string("(NOT ") + from + met + " IS NOT TRUE))", ColumnType::Boolean, true, {}};
+    const Typed each{alias + ".c0", query.columns[0].type, false, {}, isStrict(query)};
+    const std::string met = compare(quantified.op, left, each, scope).sql;
+    return anyOf(query, alias, met, quantified.quantifier == Quantifier::Any);
 }
 
 Translated Translator::oneColumn(const Query& query, Scope& scope) {
@@ -180,7 +218,11 @@ Translated Translator::oneColumn(const Query& query, Scope& scope) {
 
 Typed Translator::subquery(const Query& query, Scope& scope) {
     const Translated made = oneColumn(query, scope);
-    return {std::string("(") + made.sql + ")", made.columns[0].type, false, {}};
+    const Type& type = made.columns[0].type;
+    if (isSingleRow(query)) {
+        return {std::string("(") + made.sql + ")", type, false, {}};
+    }
+    return {std::string("(SELECT jet_one(c0) FROM (") + made.sql + "))", type, false, {}};
 }
 
 }  // namespace sg::sql

@@ -6,10 +6,13 @@
 #include "host/jet/database/database.h"
 #include "host/jet/expression/expression_operators.h"
 #include "host/jet/format/error.h"
+#include "host/jet/values/value_convert.h"
+#include "host/sql/run/like.h"
 #include "host/sql/run/sqlite_values.h"
 #include "host/sql/run/translator.h"
 #include "host/sql/syntax_errors.h"
 #include "host/sql/to_text.h"
+#include "host/sql/words.h"
 
 namespace sg::sql {
 namespace {
@@ -17,45 +20,6 @@ namespace {
 using jet::detail::Operator;
 
 constexpr size_t maxWritten = 200'000;
-
-Operator operatorOf(BinaryOperator op) {
-    switch (op) {
-        case BinaryOperator::Power:
-            return Operator::Power;
-        case BinaryOperator::Multiply:
-            return Operator::Multiply;
-        case BinaryOperator::Divide:
-            return Operator::Divide;
-        case BinaryOperator::IntegerDivide:
-            return Operator::IntegerDivide;
-        case BinaryOperator::Modulo:
-            return Operator::Modulo;
-        case BinaryOperator::Add:
-            return Operator::Add;
-        case BinaryOperator::Subtract:
-            return Operator::Subtract;
-        case BinaryOperator::Concatenate:
-            return Operator::Concatenate;
-        case BinaryOperator::And:
-            return Operator::And;
-        case BinaryOperator::Or:
-            return Operator::Or;
-        case BinaryOperator::Xor:
-            return Operator::Xor;
-        case BinaryOperator::Eqv:
-            return Operator::Eqv;
-        default:
-            return Operator::Imp;
-    }
-}
-
-std::wstring joinedName(const ColumnName& name) {
-    std::wstring joined;
-    for (const Name& part : name.qualifiers) {
-        joined += part.text + L"!";
-    }
-    return joined + name.name.text;
-}
 
 bool isTruth(const Type& type) {
     return !type.column || isBoolean(type);
@@ -81,23 +45,28 @@ Type quotientType(const Type& a, const Type& b) {
 
 Translator::Translator(jet::Database& database, const std::vector<ParameterDeclaration>& declared,
                        const Parameters& parameters, Engine& engine)
-    : database_(&database), parameters_(parameters), engine_(engine) {
-    for (const ParameterDeclaration& each : declared) {
-        const std::wstring name = joinedName(each.name);
+    : session_(&database), database_(&database), parameters_(parameters), engine_(engine) {
+    declare(declared);
+}
+
+void Translator::declare(const std::vector<ParameterDeclaration>& parameters) {
+    for (const ParameterDeclaration& each : parameters) {
+        const std::wstring name = parameterName(each.name);
         declared_.try_emplace(upperCased(name), each.type);
         parameter(name);  // one that is declared must have a value, wanted or not
     }
 }
 
 Program Translator::query(const Query& query) {
+    whole_ = &query;
     return finish(translate(query, nullptr));
 }
 
 Program Translator::finish(Translated translated) {
-    if (!missing_.empty()) {
+    if (!missing_.empty() && !describes_) {
         std::wstring names;
-        for (const std::wstring& name : missing_) {
-            names += (names.empty() ? L"" : L", ") + name;
+        for (const MissingParameter& each : missing_) {
+            names += (names.empty() ? L"" : L", ") + each.name;
         }
         throw jet::Error(jet::UnknownName, {std::to_wstring(missing_.size())}, {.detail = names});
     }
@@ -115,7 +84,7 @@ Program Translator::rows(Scope& scope, const Expression* where, const std::vecto
         made.columns.push_back({{}, type});
     };
     for (const size_t target : targets) {
-        add(scope.sources[target].alias + ".rowid", ColumnType::BigInteger);
+        add(scope.bases[target].id, ColumnType::BigInteger);
     }
     for (const Expression* each : values) {
         const Typed typed = emit(*each, scope);
@@ -194,7 +163,9 @@ std::string Translator::value(const Typed& typed) const {
 }
 
 std::string Translator::compared(const Typed& typed) const {
-    return isText(typed.type) ? std::string("(") + typed.sql + " COLLATE JET)" : value(typed);
+    return isText(typed.type) && typed.shape != Shape::Column
+               ? std::string("(") + typed.sql + " COLLATE JET)"
+               : value(typed);
 }
 
 // ---- Nodes
@@ -228,7 +199,11 @@ Typed Translator::emitNode(const Expression& expression, Scope& scope) {
         Scope& scope;
         decltype(negatedIf)& negate;
 
-        Typed operator()(const Literal& node) { return self.constant(node.value); }
+        Typed operator()(const Literal& node) {
+            Typed made = self.constant(node.value);
+            made.isStrict = true;
+            return made;
+        }
         Typed operator()(const ColumnName& node) {
             return self.nameOrParameter(expression, node, scope);
         }
@@ -240,15 +215,7 @@ Typed Translator::emitNode(const Expression& expression, Scope& scope) {
         }
         Typed operator()(const Unary& node) { return self.unary(node, scope); }
         Typed operator()(const Binary& node) { return self.binary(node, scope); }
-        Typed operator()(const Like& node) {
-            const Typed a = self.emit(*node.value, scope);
-            const Typed b = self.emit(*node.pattern, scope);
-            return negate(
-                self.site(
-                    {CallSite::Kind::Operator, Operator::Like, nullptr, {}, ColumnType::Boolean},
-                    {a, b}),
-                node.negated);
-        }
+        Typed operator()(const Like& node) { return negate(self.like(node, scope), node.negated); }
         Typed operator()(const Between& node) {
             return negate(self.between(node, scope), node.negated);
         }
@@ -293,7 +260,7 @@ std::optional<Typed> Translator::column(const ColumnName& name, Scope& scope) {
         }
     }
     if (found != nullptr) {
-        return Typed{found->sql, found->type, false, {}};
+        return Typed{found->sql, found->type, false, {}, found->isStrict, Shape::Column};
     }
     // A column of a query may itself be called "table.column".
     if (!name.qualifiers.empty()) {
@@ -301,7 +268,7 @@ std::optional<Typed> Translator::column(const ColumnName& name, Scope& scope) {
         for (const ScopeSource& source : scope.sources) {
             for (const ScopeColumn& each : source.columns) {
                 if (equalIgnoringCase(each.name, whole)) {
-                    return Typed{each.sql, each.type, false, {}};
+                    return Typed{each.sql, each.type, false, {}, each.isStrict, Shape::Column};
                 }
             }
         }
@@ -336,7 +303,7 @@ Typed Translator::nameOrParameter(const Expression& expression, const ColumnName
             return made;
         }
     }
-    return parameter(joinedName(name));
+    return parameter(parameterName(name));
 }
 
 Typed Translator::parameter(const std::wstring& name) {
@@ -353,8 +320,12 @@ Typed Translator::parameter(const std::wstring& name) {
         made.type = type;
         return made;
     }
-    missing_.insert(upperCased(name));
-    return constant({});
+    miss(name);
+    Typed made = constant({});
+    if (declared != declared_.end() && declared->second.type) {
+        made.type = *declared->second.type;
+    }
+    return made;
 }
 
 Typed Translator::positionalParameter(uint32_t index) {
@@ -364,8 +335,19 @@ Typed Translator::positionalParameter(uint32_t index) {
             return constant(each.value);
         }
     }
-    missing_.insert(L"?" + std::to_wstring(index + 1));
+    miss(L"?" + std::to_wstring(index + 1));
     return constant({});
+}
+
+void Translator::miss(const std::wstring& name) {
+    const bool isKnown = std::any_of(
+        missing_.begin(), missing_.end(),
+        [&](const MissingParameter& each) { return equalIgnoringCase(each.name, name); });
+    if (!isKnown) {
+        const auto declared = declared_.find(upperCased(name));
+        missing_.push_back(
+            {name, declared == declared_.end() ? std::nullopt : declared->second.type});
+    }
 }
 
 // ---- Operators
@@ -380,7 +362,9 @@ Typed Translator::unary(const Unary& unary, Scope& scope) {
         return site({CallSite::Kind::Not, {}, nullptr, {}, ColumnType::Long}, {operand});
     }
     if (operand.constant) {
-        return constant(jet::detail::negate(*operand.constant));
+        Typed made = constant(jet::detail::negate(*operand.constant));
+        made.isStrict = operand.isStrict;
+        return made;
     }
     const Type type = form == Form::Whole  ? Type(ColumnType::Long)
                       : form == Form::Text ? Type(ColumnType::Double)
@@ -391,42 +375,98 @@ Typed Translator::unary(const Unary& unary, Scope& scope) {
     return site({CallSite::Kind::Negate, {}, nullptr, {}, type}, {operand});
 }
 
+Typed Translator::like(const Like& like, Scope& scope) {
+    const auto text = [&](const Typed& typed) {
+        return value(isText(typed.type) ? typed : converted(typed, ColumnType::Text));
+    };
+    const std::string left = text(emit(*like.value, scope));
+    Typed pattern = emit(*like.pattern, scope);
+    if (like.ansi && pattern.constant && !jet::isNull(*pattern.constant)) {
+        pattern = constant(withDialectWildcards(jet::toInvariantText(*pattern.constant)));
+    } else if (like.ansi) {
+        pattern = site({CallSite::Kind::Pattern, {}, nullptr, {}, ColumnType::Memo}, {pattern});
+    }
+    const std::string right = text(pattern);
+    return {std::string(likeName) + "(" + left + ", " + right + ")", ColumnType::Boolean, true, {}};
+}
+
 Typed Translator::binary(const Binary& binary, Scope& scope) {
     const Typed a = emit(*binary.left, scope);
     const Typed b = emit(*binary.right, scope);
     if (binary.op >= BinaryOperator::Equal && binary.op <= BinaryOperator::GreaterOrEqual) {
-        return compare(binary.op, a, b);
+        return compare(binary.op, a, b, scope);
     }
     return binary.op >= BinaryOperator::And ? logical(binary.op, a, b)
                                             : arithmetic(binary.op, a, b);
 }
 
+// `a sign b` in parentheses; the chain goes on where `a` is of the same shape.
+std::string Translator::chained(const Typed& a, Shape shape, const char* sign,
+                                const std::string& b) const {
+    const bool isChain = a.shape == shape;
+    std::string text = shape == Shape::And || shape == Shape::Or ? a.sql : value(a);
+    if (isChain) {
+        text.pop_back();
+    } else {
+        text.insert(text.begin(), '(');
+    }
+    return text + sign + b + ")";
+}
+
+// A chain is one call, as long as SQLite takes so many arguments.
+Typed Translator::concatenation(const Typed& a, const Typed& b) {
+    constexpr size_t mostArguments = 100;
+    const Type type = a.type.column == ColumnType::Memo || b.type.column == ColumnType::Memo
+                          ? ColumnType::Memo
+                          : ColumnType::Text;
+    if (a.shape == Shape::Concatenation &&
+        program_.calls[a.call].arguments.size() < mostArguments) {
+        CallSite& call = program_.calls[a.call];
+        call.arguments.push_back(b.type);
+        call.result = type;
+        Typed made = a;
+        made.sql.pop_back();
+        made.sql += std::string(", ") + value(b) + ")";
+        made.type = type;
+        return made;
+    }
+    Typed made = site({CallSite::Kind::Operator, Operator::Concatenate, nullptr, {}, type}, {a, b});
+    made.shape = Shape::Concatenation;
+    made.call = program_.calls.size() - 1;
+    return made;
+}
+
 Typed Translator::logical(BinaryOperator op, const Typed& a, const Typed& b) {
     const bool truths = isTruth(a.type) && isTruth(b.type);
     if (truths && (op == BinaryOperator::And || op == BinaryOperator::Or)) {
-        return {std::string("(") + a.sql +
-                    std::string(op == BinaryOperator::And ? " AND " : " OR ") + b.sql + ")",
-                ColumnType::Boolean,
-                true,
-                {}};
+        const Shape shape = op == BinaryOperator::And ? Shape::And : Shape::Or;
+        const char* sign = op == BinaryOperator::And ? " AND " : " OR ";
+        return {chained(a, shape, sign, b.sql), ColumnType::Boolean, true, {}, false, shape};
     }
     return site({CallSite::Kind::Operator,
-                 operatorOf(op),
+                 op,
                  nullptr,
                  {},
                  truths ? ColumnType::Boolean : ColumnType::Long},
                 {a, b});
 }
 
-Typed Translator::arithmetic(BinaryOperator op, const Typed& a, const Typed& b) {
+// A small whole number that is written out is an Integer, beside which a Single stays one.
+static Typed asOperand(Typed typed) {
+    if (typed.constant && std::holds_alternative<int16_t>(*typed.constant)) {
+        typed.type = ColumnType::Integer;
+    }
+    return typed;
+}
+
+Typed Translator::arithmetic(BinaryOperator op, const Typed& left, const Typed& right) {
+    const Typed a = asOperand(left);
+    const Typed b = asOperand(right);
     const bool isSum = op == BinaryOperator::Add || op == BinaryOperator::Subtract;
-    CallSite call{CallSite::Kind::Operator, operatorOf(op), nullptr, {}, {}};
+    CallSite call{CallSite::Kind::Operator, op, nullptr, {}, {}};
     switch (op) {
         case BinaryOperator::Concatenate:
-            call.result = a.type.column == ColumnType::Memo || b.type.column == ColumnType::Memo
-                              ? ColumnType::Memo
-                              : ColumnType::Text;
-            return site(std::move(call), {a, b});
+            return concatenation(a, b);
         case BinaryOperator::Power:
             call.result = ColumnType::Double;
             return site(std::move(call), {a, b});
@@ -454,7 +494,8 @@ Typed Translator::arithmetic(BinaryOperator op, const Typed& a, const Typed& b) 
         const char* sign = op == BinaryOperator::Add        ? " + "
                            : op == BinaryOperator::Subtract ? " - "
                                                             : " * ";
-        return {std::string("(") + value(a) + sign + value(b) + ")", call.result, false, {}};
+        const Shape shape = isSum ? Shape::Sum : Shape::Product;
+        return {chained(a, shape, sign, value(b)), call.result, false, {}, false, shape};
     }
     return site(std::move(call), {a, b});
 }

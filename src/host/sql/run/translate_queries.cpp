@@ -16,6 +16,12 @@ namespace sg::sql {
 namespace {
 
 constexpr size_t firstExpressionName = 1000;
+constexpr int duplicateAlias = 3062;
+constexpr int orderNotDistinct = 3093;
+constexpr int headingTwice = 3104;
+constexpr int starInCrosstab = 3123;
+constexpr int cannotGroupStar = 3121;
+constexpr int orderNotInUnion = 3351;
 
 std::string columnName(size_t place) {
     return std::string("c") + std::to_string(place);
@@ -54,6 +60,7 @@ Translated Translator::translate(const Query& query, Scope* outer) {
     }
     const auto& table = std::get<TableQuery>(query.body);
     Scope scope;
+    scope.outer = outer;
     scope.from = this->table(table.table, {}, scope);
     Select all;
     std::vector<Item> items;
@@ -84,11 +91,23 @@ Translated Translator::select(const Select& select, const std::vector<OrderItem>
     group(select, scope, anyAggregate);
     std::vector<Item> items = expand(select, scope);
     name(items);
-    return assemble(select, items, orderKeys(orderBy, items, scope), scope);
+    const std::vector<OrderKey> order = orderKeys(orderBy, items, scope);
+    for (size_t i = 0; i < order.size(); ++i) {
+        const bool isSelected = std::any_of(items.begin(), items.end(), [&](const Item& item) {
+            return item.typed.sql == order[i].typed.sql;
+        });
+        if (select.distinctness == Distinctness::Distinct && !isSelected) {
+            throw jet::Error(orderNotDistinct, {toText(*orderBy[i].expression)});
+        }
+    }
+    return assemble(select, items, order, scope);
 }
 
 void Translator::group(const Select& select, Scope& scope, bool anyAggregate) {
     for (const ExpressionPtr& key : select.groupBy) {
+        if (hasAggregate(*key)) {
+            throw jet::Error(NoAggregateInGroupBy, {toText(*key)});
+        }
         scope.groupTexts.insert(upperCased(toText(*key)));
         if (const auto* name = std::get_if<ColumnName>(&key->node)) {
             if (const std::optional<Typed> found = column(*name, scope)) {
@@ -110,19 +129,17 @@ std::vector<Translator::Item> Translator::expand(const Select& select, Scope& sc
         Item made;
         made.typed = emit(*item.expression, scope);
         made.expression = item.expression.get();
+        if (const auto* plain = std::get_if<ColumnName>(&item.expression->node)) {
+            // A parameter is an expression like others.
+            const bool isAlias = std::any_of(
+                scope.aliases.begin(), scope.aliases.end(),
+                [&](const auto& each) { return equalIgnoringCase(each.first, plain->name.text); });
+            made.name = isAlias ? plain->name.text : std::wstring();
+            trace(made, scope);
+        }
         if (item.alias) {
             made.name = item.alias->text;
             made.isAlias = true;
-        } else if (const auto* plain = std::get_if<ColumnName>(&item.expression->node)) {
-            made.name = plain->name.text;
-            for (const ScopeSource& source : scope.sources) {
-                for (const ScopeColumn& each : source.columns) {
-                    if (each.sql == made.typed.sql) {
-                        made.name = each.name;
-                        made.source = source.name;
-                    }
-                }
-            }
         }
         items.push_back(std::move(made));
     }
@@ -130,7 +147,25 @@ std::vector<Translator::Item> Translator::expand(const Select& select, Scope& sc
     return items;
 }
 
+// Finds the column of this query that an item is.
+void Translator::trace(Item& item, const Scope& scope) {
+    for (const ScopeSource& source : scope.sources) {
+        for (const ScopeColumn& each : source.columns) {
+            if (each.sql != item.typed.sql) {
+                continue;
+            }
+            item.origin = each.origin;
+            item.field = each.field;
+            item.source = &source;
+            item.name = item.isAlias ? item.name : each.name;
+        }
+    }
+}
+
 void Translator::addStar(const Star& star, Scope& scope, std::vector<Item>& items) {
+    if (scope.isGrouped) {
+        throw jet::Error(cannotGroupStar, {L"*"});
+    }
     bool found = false;
     for (const ScopeSource& source : scope.sources) {
         if (!star.qualifiers.empty() &&
@@ -139,11 +174,13 @@ void Translator::addStar(const Star& star, Scope& scope, std::vector<Item>& item
         }
         found = true;
         for (const ScopeColumn& each : source.columns) {
-            if (scope.isGrouped && !scope.groupColumns.contains(each.sql)) {
-                throw jet::Error(3122, {each.name});
-            }
-            items.push_back(
-                {{each.sql, each.type, false, {}}, each.name, source.name, nullptr, false});
+            items.push_back({{each.sql, each.type, false, {}, each.isStrict, Shape::Column},
+                             each.name,
+                             &source,
+                             each.origin,
+                             nullptr,
+                             false,
+                             each.field});
         }
     }
     if (!found && !star.qualifiers.empty()) {
@@ -151,25 +188,30 @@ void Translator::addStar(const Star& star, Scope& scope, std::vector<Item>& item
     }
 }
 
-// Plain columns that share their name get their table's before it.
+// Plain columns of several tables that share their name get their table's before it; a column that
+// is there already is named as an expression.
 void Translator::name(std::vector<Item>& items) const {
-    std::map<std::wstring, int> uses;
+    std::map<std::wstring, std::set<const ScopeSource*>> owners;
     std::set<std::wstring> aliases;
     for (const Item& item : items) {
         const std::wstring capitals = upperCased(item.name);
         if (!item.name.empty()) {
-            ++uses[capitals];
+            owners[capitals].insert(item.isAlias ? nullptr : item.source);
         }
         if (item.isAlias && !aliases.insert(capitals).second) {
-            throw jet::Error(3062, {item.name});
+            throw jet::Error(duplicateAlias, {item.name});
         }
     }
+    std::set<std::wstring> given;
     for (size_t i = 0; i < items.size(); ++i) {
         Item& item = items[i];
-        if (item.name.empty()) {
+        if (!item.isAlias && item.source != nullptr && !item.source->name.empty() &&
+            owners[upperCased(item.name)].size() > 1) {
+            item.name = item.source->name + L"." + item.name;
+        }
+        const bool isNew = item.isAlias || given.insert(upperCased(item.name)).second;
+        if (item.name.empty() || !isNew) {
             item.name = L"Expr" + std::to_wstring(firstExpressionName + i);
-        } else if (!item.isAlias && !item.source.empty() && uses[upperCased(item.name)] > 1) {
-            item.name = item.source + L"." + item.name;
         }
     }
 }
@@ -192,8 +234,7 @@ std::vector<Translator::OrderKey> Translator::orderKeys(const std::vector<OrderI
                 return std::nullopt;
             }
             for (const Item& each : items) {
-                if ((each.isAlias || scope.sources.empty()) &&
-                    equalIgnoringCase(each.name, plain->name.text)) {
+                if (each.isAlias && equalIgnoringCase(each.name, plain->name.text)) {
                     return each.typed;
                 }
             }
@@ -248,13 +289,19 @@ std::string Translator::columnList(const Select& select, const std::vector<Item>
     return sql;
 }
 
+// Whether the select is the whole query, whose first rows are counted as they come.
+bool Translator::isWhole(const Select& select) const {
+    return whole_ != nullptr && std::get_if<Select>(&whole_->body) == &select;
+}
+
 // The clauses put together. The first n of an order are all those that rank up to n, so that
 // those who share the last rank stay together.
 Translated Translator::assemble(const Select& select, const std::vector<Item>& items,
                                 const std::vector<OrderKey>& order, Scope& scope) {
     Translated made;
     for (const Item& item : items) {
-        made.columns.push_back({item.name, item.typed.type});
+        made.columns.push_back({item.name, item.typed.type, item.field});
+        made.traces.push_back({item.typed.isStrict, item.origin});
     }
     std::string clauses;
     if (!scope.from.empty()) {
@@ -282,28 +329,63 @@ Translated Translator::assemble(const Select& select, const std::vector<Item>& i
         scope.mayAggregate = false;
         clauses += std::string(" HAVING ") + having;
     }
-    std::string list = columnList(select, items);
-    if (!select.top || (order.empty() && !select.top->percent)) {
-        made.sql = list + clauses + ordering(order, "");
-        if (select.top) {
-            made.sql += std::string(" LIMIT ") + std::to_string(select.top->count);
-        }
+    const std::string list = columnList(select, items) + keptRows(select, scope, made);
+    if (select.top && isWhole(select) && !order.empty() && !select.top->percent) {
+        program_.first = {static_cast<uint64_t>(select.top->count), order.size()};
+        made.sql = list + keyList(order) + clauses + ordering(order, "");
         return made;
     }
+    if (select.top && (!order.empty() || select.top->percent)) {
+        made.sql = ranked(*select.top, order, list, clauses, made);
+        return made;
+    }
+    made.sql = list + clauses + ordering(order, "");
+    if (select.top) {
+        made.sql += std::string(" LIMIT ") + std::to_string(select.top->count);
+    }
+    return made;
+}
+
+// The ids of the rows behind a row, where each row of a table makes no more than it in the result.
+std::string Translator::keptRows(const Select& select, const Scope& scope, Translated& made) const {
+    std::string list;
+    if (!keepsRows_ || scope.outer != nullptr || scope.isGrouped ||
+        select.distinctness == Distinctness::Distinct) {
+        return list;
+    }
+    for (const BaseRow& base : scope.bases) {
+        const std::string id = std::string("r") + std::to_string(made.bases.size());
+        list += std::string(", ") + base.id + " AS " + id;
+        made.bases.push_back({base.table, id});
+    }
+    return list;
+}
+
+// The keys of the order as more columns, "o0", "o1"...
+std::string Translator::keyList(const std::vector<OrderKey>& order) const {
+    std::string list;
     for (size_t i = 0; i < order.size(); ++i) {
         list += std::string(", ") + compared(order[i].typed) + " AS o" + std::to_string(i);
     }
-    const std::string count = std::to_string(select.top->count);
-    const std::string limit =
-        select.top->percent ? std::string("(n * ") + count + " + 99) / 100" : count;
+    return list;
+}
+
+// The rows that rank up to the TOP one.
+std::string Translator::ranked(const Top& top, const std::vector<OrderKey>& order, std::string list,
+                               const std::string& clauses, const Translated& made) const {
+    list += keyList(order);
+    const std::string count = std::to_string(top.count);
+    const std::string limit = top.percent ? std::string("(n * ") + count + " + 99) / 100" : count;
+    const std::string keys = ordering(order, "o");
     const std::string rank =
-        order.empty() ? "row_number() OVER ()"
-                      : std::string("rank() OVER (") + ordering(order, "o").substr(1) + ")";
-    const std::string columns = columnNames(items.size());
-    made.sql = std::string("SELECT ") + columns + " FROM (SELECT " + columns + ", " + rank +
-               " AS r, count(*) OVER () AS n FROM (" + list + clauses + ")) WHERE r <= " + limit +
-               " ORDER BY r";
-    return made;
+        keys.empty() ? "row_number() OVER ()" : std::string("rank() OVER (") + keys.substr(1) + ")";
+    std::string columns = columnNames(made.columns.size());
+    for (const BaseRow& base : made.bases) {
+        columns += std::string(", ") + base.id;
+    }
+    return std::string("SELECT ") + columns + " FROM (SELECT " + columns + ", " + rank +
+           " AS r, count(*) OVER () AS n FROM (" + list + clauses + ")) WHERE r <= " + limit +
+           " ORDER BY r";
 }
 
 // Columns of the first term's names, of types that hold the values of all.
@@ -321,13 +403,19 @@ Translated Translator::unite(const Union& all, const std::vector<OrderItem>& ord
     for (const Translated& term : terms) {
         for (size_t i = 0; i < made.columns.size(); ++i) {
             made.columns[i].type = commonType(made.columns[i].type, term.columns[i].type);
+            made.columns[i].field = {};
         }
     }
     for (size_t t = 0; t < terms.size(); ++t) {
         const std::string alias = std::string("u") + std::to_string(sources_++);
         std::string list;
         for (size_t i = 0; i < made.columns.size(); ++i) {
-            const Typed column{alias + "." + columnName(i), terms[t].columns[i].type, false, {}};
+            const Typed column{alias + "." + columnName(i),
+                               terms[t].columns[i].type,
+                               false,
+                               {},
+                               false,
+                               Shape::Column};
             list += std::string(i == 0 ? "" : ", ") +
                     compared(converted(column, made.columns[i].type)) + " AS " + columnName(i);
         }
@@ -338,7 +426,13 @@ Translated Translator::unite(const Union& all, const std::vector<OrderItem>& ord
         return made;
     }
     Scope scope;
-    scope.from = derived(std::move(made), {}, scope);
+    scope.from = derived(std::move(made), {}, scope, outer != nullptr);
+    for (const OrderItem& item : orderBy) {
+        const auto* plain = std::get_if<ColumnName>(&item.expression->node);
+        if (plain != nullptr && !column(*plain, scope)) {
+            throw jet::Error(orderNotInUnion, {toText(*item.expression)});
+        }
+    }
     std::vector<Item> items;
     addStar({}, scope, items);
     return assemble({}, items, orderKeys(orderBy, items, scope), scope);
@@ -348,6 +442,11 @@ Translated Translator::unite(const Union& all, const std::vector<OrderItem>& ord
 Translated Translator::crosstab(const Crosstab& crosstab, const std::vector<OrderItem>& orderBy,
                                 Scope* outer) {
     const Select& select = crosstab.select;
+    for (const SelectItem& item : select.items) {
+        if (std::holds_alternative<Star>(item.expression->node)) {
+            throw jet::Error(starInCrosstab);
+        }
+    }
     Scope scope;
     scope.outer = outer;
     if (select.from) {
@@ -355,9 +454,14 @@ Translated Translator::crosstab(const Crosstab& crosstab, const std::vector<Orde
     }
     const Typed pivot = emit(*crosstab.pivot, scope);
     std::vector<jet::Value> headings;
+    std::set<std::wstring> given;
     for (const ExpressionPtr& heading : crosstab.headings) {
         const Typed typed = emit(*heading, scope);
         headings.push_back(typed.constant ? *typed.constant : jet::Value());
+        const std::wstring text = jet::toInvariantText(headings.back());
+        if (!given.insert(upperCased(text)).second) {
+            throw jet::Error(headingTwice, {text});
+        }
     }
     if (headings.empty()) {
         Program ask = program_;
@@ -367,6 +471,7 @@ Translated Translator::crosstab(const Crosstab& crosstab, const std::vector<Orde
             ask.bound = program_.bound;
             ask.calls = program_.calls;
             ask.tables = program_.tables;
+            ask.common = program_.common;
             ask.text += std::string(" WHERE ") + where;
         }
         ask.text += " ORDER BY 1";
@@ -381,8 +486,9 @@ Translated Translator::crosstab(const Crosstab& crosstab, const std::vector<Orde
     scope.mayAggregate = true;
     for (const jet::Value& heading : headings) {
         const Typed key = constant(heading);
-        scope.filter = jet::isNull(heading) ? std::string("(") + value(pivot) + " IS NULL)"
-                                            : condition(compare(BinaryOperator::Equal, pivot, key));
+        scope.filter = jet::isNull(heading)
+                           ? std::string("(") + value(pivot) + " IS NULL)"
+                           : condition(compare(BinaryOperator::Equal, pivot, key, scope));
         Item item;
         item.typed = emit(*crosstab.value, scope);
         item.name = jet::isNull(heading) ? L"<>" : jet::toInvariantText(heading);

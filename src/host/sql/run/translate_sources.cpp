@@ -1,5 +1,7 @@
 // Where rows come from: tables, stored queries, joins.
 
+#include <algorithm>
+
 #include "base/text.h"
 #include "host/jet/database/database.h"
 #include "host/jet/format/error.h"
@@ -7,11 +9,14 @@
 #include "host/sql/parser.h"
 #include "host/sql/run/translator.h"
 #include "host/sql/syntax_errors.h"
+#include "host/sql/words.h"
 
 namespace sg::sql {
 namespace {
 
-constexpr int maxNestedQueries = 40;
+constexpr size_t maxNestedQueries = 40;
+constexpr int notUpdatable = 3073;
+constexpr int notUpdatableColumn = 3113;
 
 // Whether it is written as a join, which must then stand in parentheses.
 bool isJoin(const Source& source) {
@@ -40,7 +45,9 @@ std::wstring pathOf(std::wstring_view text) {
 
 Scope Translator::sources(const From& from) {
     Scope scope;
+    keepsRows_ = true;
     scope.from = this->from(from, scope);
+    keepsRows_ = false;
     return scope;
 }
 
@@ -85,6 +92,8 @@ std::string Translator::join(const Join& join, Scope& scope) {
     // The condition sees the tables of its own join alone.
     Scope own;
     own.outer = scope.outer;
+    own.joins = true;
+    own.noAggregate = NoAggregateInJoin;
     own.sources.assign(scope.sources.begin() + static_cast<std::ptrdiff_t>(first),
                        scope.sources.end());
     const std::string on = condition(*join.condition, own);
@@ -107,26 +116,23 @@ jet::Database& Translator::databaseOf(const TableName& table,
     return table.database ? external(table.database->text) : *database_;
 }
 
-TableUse Translator::target(const TableName& table,
-                            const std::optional<ExternalDatabase>& database) {
-    std::wstring name = table.name.text;
-    jet::Database& home = databaseOf(table, database).home(name);
-    return {&home, name};
-}
-
-Translator::ColumnPlace Translator::place(const ColumnName& name, Scope& scope) {
+Origin Translator::place(const ColumnName& name, Scope& scope) {
     const std::optional<Typed> found = column(name, scope);
     if (!found) {
         throw jet::Error(jet::UnknownName, {L"1"}, {.detail = name.name.text});
     }
-    for (size_t i = 0; i < scope.sources.size(); ++i) {
-        const ScopeSource& source = scope.sources[i];
-        const std::string prefix = source.alias + ".c";
-        if (source.table && found->sql.compare(0, prefix.size(), prefix) == 0) {
-            return {i, std::stoul(found->sql.substr(prefix.size()))};
+    for (const ScopeSource& source : scope.sources) {
+        for (const ScopeColumn& each : source.columns) {
+            if (each.sql != found->sql) {
+                continue;
+            }
+            if (each.origin) {
+                return *each.origin;
+            }
+            throw jet::Error(source.isUpdatable ? notUpdatableColumn : notUpdatable, {each.name});
         }
     }
-    throw jet::Error(3073);
+    throw jet::Error(notUpdatable);
 }
 
 size_t Translator::useTable(jet::Database& database, std::wstring_view name) {
@@ -159,12 +165,17 @@ std::string Translator::table(const TableName& table, const std::optional<Name>&
     jet::Database& home = database.home(name);
     const jet::Table found = home.table(name);
     ScopeSource made{
-        known, std::string("t") + std::to_string(sources_++), TableUse{&home, name}, {}};
+        known, std::string("t") + std::to_string(sources_++), TableUse{&home, name}, {}, true};
+    scope.bases.push_back({*made.table, made.alias + ".rowid"});
     const std::vector<size_t> places = jet::placesInOrder(found.definition());
     const auto columns = jet::recordColumns(found.definition(), places, found.store().format());
     for (size_t i = 0; i < places.size(); ++i) {
         made.columns.push_back({columns[i].name, Type(columns[i].type, columns[i].size),
-                                made.alias + ".c" + std::to_string(places[i])});
+                                made.alias + ".c" + std::to_string(places[i]), true,
+                                Origin{scope.bases.size() - 1, places[i]},
+                                &database == session_
+                                    ? FieldOrigin{table.name.text, columns[i].name}
+                                    : FieldOrigin{}});
     }
     std::string sql =
         std::string("jet") + std::to_string(useTable(home, name)) + " AS " + made.alias;
@@ -173,13 +184,34 @@ std::string Translator::table(const TableName& table, const std::optional<Name>&
     return sql;
 }
 
-std::string Translator::derived(Translated inner, std::wstring name, Scope& scope) {
-    ScopeSource made{std::move(name), std::string("t") + std::to_string(sources_++), {}, {}};
+std::string Translator::derived(Translated inner, std::wstring name, Scope& scope, bool isOpen) {
+    ScopeSource made{std::move(name),
+                     std::string("t") + std::to_string(sources_++),
+                     {},
+                     {},
+                     !inner.bases.empty()};
     for (size_t i = 0; i < inner.columns.size(); ++i) {
-        made.columns.push_back(
-            {inner.columns[i].name, inner.columns[i].type, made.alias + ".c" + std::to_string(i)});
+        ScopeColumn column{inner.columns[i].name, inner.columns[i].type,
+                           made.alias + ".c" + std::to_string(i)};
+        column.field = inner.columns[i].field;
+        if (i < inner.traces.size()) {
+            column.isStrict = inner.traces[i].isStrict;
+            const std::optional<Origin>& origin = inner.traces[i].origin;
+            if (origin && !inner.bases.empty()) {
+                column.origin = Origin{scope.bases.size() + origin->base, origin->column};
+            }
+        }
+        made.columns.push_back(std::move(column));
     }
-    std::string sql = std::string("(") + inner.sql + ") AS " + made.alias;
+    for (const BaseRow& base : inner.bases) {
+        scope.bases.push_back({base.table, made.alias + "." + base.id});
+    }
+    std::string sql = std::string("(") + inner.sql + ")";
+    if (!isOpen) {
+        sql = std::string("q") + std::to_string(program_.common.size());
+        program_.common.push_back(std::move(inner.sql));
+    }
+    sql += std::string(" AS ") + made.alias;
     program_.sources[made.alias] = {made.name, made.table.value_or(TableUse())};
     scope.sources.push_back(std::move(made));
     return sql;
@@ -187,19 +219,22 @@ std::string Translator::derived(Translated inner, std::wstring name, Scope& scop
 
 // In the database that it is kept in, with parameters of its own.
 Translated Translator::storedQuery(jet::Database& database, std::wstring_view name) {
-    if (++depth_ > maxNestedQueries) {
-        throw jet::Error(TooComplex, {}, {.detail = L"queries that ask each other"});
+    const StoredName self{&database, upperCased(name)};
+    if (std::find(asked_.begin(), asked_.end(), self) != asked_.end()) {
+        throw jet::Error(jet::CircularReference, {std::wstring(name)});
     }
+    if (asked_.size() >= maxNestedQueries) {
+        throw jet::Error(TooComplex, {}, {.detail = L"queries that ask queries, too deep"});
+    }
+    asked_.push_back(self);
     const Statement statement = parseStatement(database.query(name).sql());
     const auto* query = std::get_if<QueryPtr>(&statement.body);
     if (query == nullptr) {
         throw jet::Error(jet::InputTableNotFound, {std::wstring(name)});
     }
-    for (const ParameterDeclaration& parameter : statement.parameters) {
-        declared_.try_emplace(upperCased(parameter.name.name.text), parameter.type);
-    }
+    declare(statement.parameters);
     Translated made = translate(**query, nullptr);
-    --depth_;
+    asked_.pop_back();
     return made;
 }
 

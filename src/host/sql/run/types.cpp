@@ -14,30 +14,10 @@ namespace {
 
 constexpr uint32_t textSize = 255;
 
+// As many characters or bytes as there can be, where they are not all as long.
 uint32_t sizeOf(ColumnType type) {
-    switch (type) {
-        case ColumnType::Boolean:
-        case ColumnType::Byte:
-            return 1;
-        case ColumnType::Integer:
-            return 2;
-        case ColumnType::Long:
-        case ColumnType::Single:
-        case ColumnType::Complex:
-            return 4;
-        case ColumnType::Guid:
-            return 16;
-        case ColumnType::Numeric:
-            return 17;
-        case ColumnType::Text:
-        case ColumnType::Binary:
-            return textSize;
-        case ColumnType::Ole:
-        case ColumnType::Memo:
-            return 0;
-        default:
-            return 8;
-    }
+    const bool isShort = type == ColumnType::Text || type == ColumnType::Binary;
+    return isShort ? textSize : jet::valueSize(type).value_or(0);
 }
 
 // The order in which a type gives way to another.
@@ -112,12 +92,15 @@ constexpr FunctionType functionTypes[] = {
     {L"InStrRev", ColumnType::Long},
     {L"Int", {}},
     {L"IsDate", ColumnType::Boolean},
+    {L"IsEmpty", ColumnType::Boolean},
+    {L"IsError", ColumnType::Boolean},
     {L"IsNull", ColumnType::Boolean},
     {L"IsNumeric", ColumnType::Boolean},
     {L"Len", ColumnType::Long},
     {L"Minute", ColumnType::Integer},
     {L"Month", ColumnType::Integer},
     {L"Now", ColumnType::Date},
+    {L"RGB", ColumnType::Long},
     {L"Rnd", ColumnType::Single},
     {L"Round", {}},
     {L"Second", ColumnType::Integer},
@@ -127,11 +110,13 @@ constexpr FunctionType functionTypes[] = {
     {L"Timer", ColumnType::Single},
     {L"TimeSerial", ColumnType::Date},
     {L"TimeValue", ColumnType::Date},
+    {L"VarType", ColumnType::Integer},
     {L"Weekday", ColumnType::Integer},
     {L"Year", ColumnType::Integer},
 };
-constexpr std::wstring_view realFunctions[] = {L"Atn", L"CDbl", L"Cos", L"Exp", L"Log",
-                                               L"Sin", L"Sqr",  L"Tan", L"Val"};
+constexpr std::wstring_view realFunctions[] = {
+    L"Atn",  L"CDbl", L"Cos",  L"DDB", L"Exp", L"FV",  L"IPmt", L"Log", L"NPer", L"Pmt",
+    L"PPmt", L"PV",   L"Rate", L"Sin", L"SLN", L"Sqr", L"SYD",  L"Tan", L"Val"};
 
 bool isNumber(ColumnType type) {
     return rankOf(type) <= 8;
@@ -248,7 +233,8 @@ Type arithmeticType(const Type& a, const Type& b, bool sum, bool subtract) {
     if (high == ColumnType::Single && low == ColumnType::Long) {
         return ColumnType::Double;
     }
-    if (!sum && high == ColumnType::Currency && low == ColumnType::Double) {
+    if (!sum && high == ColumnType::Currency &&
+        (low == ColumnType::Double || low == ColumnType::Single)) {
         return ColumnType::Double;
     }
     if (high == ColumnType::Date || high == ColumnType::DateTimeExtended) {

@@ -46,6 +46,29 @@ class SchemaRelationsTest : public test::SchemaTest {
     std::map<std::wstring, TableDefinition> definitions_;
 };
 
+TEST_F(SchemaRelationsTest, RowsThatReferredToOneThatGoesReferToNone) {
+    create();
+    makeTables();
+    createRelation(db(), relationOf(L"FloorsRooms", L"Floors", L"Rooms", {{L"Id", L"Floor"}},
+                                    relationFlags::nullsOnDelete | relationFlags::cascadeUpdates));
+    reopen();
+    EXPECT_EQ(db().relations().at(0).flags,
+              relationFlags::nullsOnDelete | relationFlags::cascadeUpdates);
+    const LogicalIndex* index = definition(L"Rooms").indexByName(L"FloorsRooms");
+    ASSERT_NE(index, nullptr);
+    EXPECT_TRUE(index->nullsOnDelete);
+    EXPECT_FALSE(index->cascadeDeletes);
+    RowCursor floors = db().table(L"Floors").scan();
+    ASSERT_TRUE(floors.next());
+    db().writer(L"Floors").erase(floors.id());
+    expectSound("erase");
+    RowCursor rooms = db().table(L"Rooms").scan();
+    for (int count = 0; count < 3; ++count) {
+        ASSERT_TRUE(rooms.next());
+        EXPECT_TRUE(rooms.isNull(1));
+    }
+}
+
 TEST_F(SchemaRelationsTest, BothTablesGetAnIndexThatNamesTheOther) {
     create();
     makeTables();
