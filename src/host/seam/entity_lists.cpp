@@ -76,7 +76,8 @@ class GroupBuilder {
     void addGroup(Value item) {
         const int32_t code = car(item).asInt();
         const Value value = cdr(item);
-        switch (code < INT16_MIN || code > INT16_MAX ? RTNONE : acdbGroupCodeToType(code)) {
+        const bool isCode = code >= INT16_MIN && code <= INT16_MAX;
+        switch (isCode ? acdbGroupCodeToType(code) : int16_t{RTNONE}) {
             case RTSTR:
                 if (!value.isString()) bad(item);
                 appendText(code, value);
@@ -129,8 +130,21 @@ class GroupBuilder {
 // One group as LISP has it.
 Value groupToValue(Interpreter& in, const resbuf& group, bool flat) {
     const Value code = Value::integer(group.restype);
-    if (acdbGroupCodeToType(group.restype) != RT3DPOINT) {
-        return in.cons(code, lisp::nodeToValue(in, group));
+    switch (acdbGroupCodeToType(group.restype)) {
+        case RTSTR:
+            return in.cons(code, in.string(group.resval.rstring));
+        case RTREAL:
+            return in.cons(code, Value::real(group.resval.rreal));
+        case RTSHORT:
+            return in.cons(code, Value::integer(group.resval.rint));
+        case RTLONG:
+            return in.cons(code, Value::integer(group.resval.rlong));
+        case RTENAME:
+            return in.cons(code, Value::entityName(lisp::nameToPayload(group.resval.rlname)));
+        case RT3DPOINT:
+            break;
+        default:
+            return in.cons(code, Value::nil());
     }
     const double* const p = group.resval.rpoint;
     const Value z = flat ? Value::nil() : in.cons(Value::real(p[2]), Value::nil());

@@ -58,14 +58,13 @@ class Setter {
             const LineBox box = measureLine(run.text, run.style);
             if (box.isEmpty()) continue;
             done.width = std::max(done.width, run.x + run.width);
-            done.ascent = std::max(done.ascent, run.y + box.top);
             done.descent = std::max(done.descent, -(run.y + box.bottom));
             done.height = std::max(done.height, run.y + run.style.height);
         }
         for (const TextRule& rule : done.rules)
             done.width = std::max(done.width, rule.x2);
         if (done.height == 0) done.height = options_.style.height;
-        if (done.ascent == 0) done.ascent = done.height;
+        done.ascent = done.height;
     }
 
     void placeLines() {

@@ -32,7 +32,7 @@ struct TextLine {
     std::vector<TextRun> runs;
     std::vector<TextRule> rules;
     double width = 0;     // of what shows: blanks at its end do not count
-    double ascent = 0;    // of its highest character, over the baseline
+    double ascent = 0;    // how far its capital letters reach over the baseline
     double descent = 0;   // of its lowest, under the baseline, positive
     double height = 0;    // of its capital letters, the largest
     double baseline = 0;  // under the first line's top, positive

@@ -5,8 +5,8 @@
 namespace sg::text {
 
 OutlineFonts* outlineFonts() {
-    static const auto kEntry = reinterpret_cast<OutlineFontsEntry>(
-        companionSymbol(kGraphicsLibrary, kOutlineFontsEntry));
+    static const auto kEntry =
+        reinterpret_cast<OutlineFontsEntry>(companionSymbol(kGraphicsLibrary, kOutlineFontsEntry));
     return kEntry == nullptr ? nullptr : kEntry();
 }
 

@@ -52,6 +52,8 @@ class ExtendedData {
     Acad::ErrorStatus dwgIn(AcDbDwgFiler& filer);
     Acad::ErrorStatus dxfOut(AcDbDxfFiler& filer) const;
 
+    size_t fileBytes() const;  // what it takes in a drawing file
+
   private:
     struct Part {
         AcDbHardPointerId application;
@@ -59,7 +61,6 @@ class ExtendedData {
     };
 
     void replace(Part part);
-    size_t fileBytes() const;
 
     std::vector<Part> parts_;
 };
