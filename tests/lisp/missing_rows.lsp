@@ -5,6 +5,6 @@
 (show '(sg_append "a" 1))
 (show '(SG_COUNT))
 (show '(ssgetX-all))
-(show '(AcDbCurve::getLength nil))
+(show '(RectangleJig nil))
 (show '(mapcar 'asin '(0.5)))
 (princ)

@@ -16,8 +16,8 @@ namespace sg::jet::schema {
 // be made. Throws what schema.h tells of columns.
 Column& addDesignedColumn(TableDefinition& table, const ColumnDesign& design, SortOrder order);
 
-// valueSize() of a type that a column of ours can have; 0 for long values. Throws 3259 for any other
-// type.
+// valueSize() of a type that a column of ours can have; 0 for long values. Throws 3259 for any
+// other type.
 uint16_t sizeOf(ColumnType type);
 
 // Throws RecordTooLarge when not even a row of Nulls fits.
