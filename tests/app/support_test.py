@@ -87,6 +87,13 @@ class Archives(SupportTest):
             self.assertEqual(self.value('(ExtractZip "x.zip" "out")'), "nil")
         self.assertFalse(os.path.exists(self.path("out")))
 
+    def test_too_many_entries_are_refused(self):
+        with zipfile.ZipFile(self.path("x.zip"), "w") as archive:
+            for number in range(0x10000):
+                archive.writestr(str(number), "")
+        self.assertEqual(self.value('(ExtractZip "x.zip" "out")'), "nil")
+        self.assertEqual(self.files(), ["x.zip"])
+
     def test_nothing_leaves_the_folder(self):
         for name in ["../evil", "a/../../evil", "/tmp/swiftgate-evil", "..\\evil", "C:\\evil"]:
             with zipfile.ZipFile(self.path("x.zip"), "w") as archive:

@@ -4,11 +4,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <utility>
 
 #include "base/encoding.h"
+#include "base/text.h"
 #include "support/zip/entry_names.h"
 #include "support/zip/zip_times.h"
 
@@ -122,16 +124,23 @@ bool ArchiveReader::planEntry(zip_uint64_t index, Entry& entry) {
     if (!reason.empty()) return failAt(name, reason);
     std::optional<ExtractionFolder::Path> path = entryPath(name, reason);
     if (!path) return failAt(name, reason);
-    entry = {index, *std::move(path), isFolderName(name), directory_.entries()[index].size,
-             timeOf(index)};
+    entry = {
+        index,        *std::move(path), isFolderName(name), {}, directory_.entries()[index].size,
+        timeOf(index)};
+    for (size_t i = 0; i + (entry.isFolder ? 0 : 1) < entry.path.size(); ++i)
+        entry.folder += lowerCased(entry.path[i]) + L'/';
     return true;
 }
 
+// In the end what belongs into one folder is together, so that each is looked at once; entries of
+// one name keep their order.
 bool ArchiveReader::planEntries(std::vector<Entry>& plan) {
     plan.resize(directory_.entries().size());
     for (zip_uint64_t i = 0; i < plan.size(); ++i) {
         if (!planEntry(i, plan[i])) return false;
     }
+    std::stable_sort(plan.begin(), plan.end(),
+                     [](const Entry& a, const Entry& b) { return a.folder < b.folder; });
     return true;
 }
 

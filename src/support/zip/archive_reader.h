@@ -23,7 +23,7 @@ class ArchiveReader {
     // Unpacks everything into a folder, which is made where it is missing. What every entry
     // declares is looked at first: one whose name leads out of the folder, a link, one with a
     // password, more bytes than are free, or than its packed bytes can hold, and nothing is
-    // written. An entry that turns out to be damaged ends the work; those before it stay.
+    // written. An entry that turns out to be damaged ends the work; what was unpacked before stays.
     bool extractAll(const std::wstring& folder);
 
     // Why the last operation failed.
@@ -34,6 +34,7 @@ class ArchiveReader {
         zip_uint64_t index = 0;
         ExtractionFolder::Path path;
         bool isFolder = false;
+        std::wstring folder;  // that it goes into or is, lower-cased
         uint64_t size = 0;
         std::time_t changed = 0;
     };

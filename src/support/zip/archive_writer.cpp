@@ -10,6 +10,7 @@
 #include "base/encoding.h"
 #include "base/text.h"
 #include "support/zip/entry_names.h"
+#include "support/zip/zip_directory.h"
 #include "support/zip/zip_target.h"
 #include "support/zip/zip_times.h"
 
@@ -75,6 +76,7 @@ bool ArchiveWriter::setTime(zip_uint64_t index, std::time_t changed) {
 
 bool ArchiveWriter::addFile(const std::wstring& file, const std::wstring& storedName) {
     struct stat info;
+    if (isFull()) return fail(L"it would have too many entries");
     const std::string path = toUtf8(file);
     if (!statusOf(file, info) || ::access(path.c_str(), R_OK) != 0) return failAt(file, errno);
     if (!S_ISREG(info.st_mode)) return fail(L"\"" + file + L"\" is no file");
@@ -94,12 +96,17 @@ bool ArchiveWriter::addFile(const std::wstring& file, const std::wstring& stored
 
 bool ArchiveWriter::addFolder(const std::wstring& folder, const std::wstring& storedName) {
     struct stat info;
+    if (isFull()) return fail(L"it would have too many entries");
     if (!statusOf(folder, info)) return failAt(folder, errno);
     if (!names_.insert(lowerCased(storedName)).second) return true;
     const zip_int64_t added =
         zip_dir_add(archive_.get(), toUtf8(storedName).c_str(), ZIP_FL_ENC_UTF_8);
     if (added < 0) return failInLibrary(folder);
     return setTime(static_cast<zip_uint64_t>(added), info.st_mtime) || failInLibrary(folder);
+}
+
+bool ArchiveWriter::isFull() const {
+    return names_.size() >= kMostZipEntries;
 }
 
 bool ArchiveWriter::isOwnFile(const std::wstring& file) const {

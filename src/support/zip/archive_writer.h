@@ -44,6 +44,7 @@ class ArchiveWriter {
     bool fail(std::wstring reason);
     bool failAt(const std::wstring& file, int code);
     bool failInLibrary(const std::wstring& file);
+    bool isFull() const;
     std::wstring freeName(const std::wstring& storedName);
     bool setTime(zip_uint64_t index, std::time_t changed);
     bool writeEntries();

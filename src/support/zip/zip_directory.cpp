@@ -147,7 +147,6 @@ bool ZipDirectory::readZip64Record(uint64_t locatorOffset) {
         return fail(L"its directory is damaged");
     }
     place_.entries = longAt(record, 32);
-    place_.entriesMask = ~uint64_t(0);
     place_.size = longAt(record, 40);
     place_.offset = longAt(record, 48);
     return true;
@@ -158,16 +157,16 @@ bool ZipDirectory::readEntries() {
         place_.entries > place_.size / kEntryBytes) {
         return fail(L"its directory is damaged");
     }
+    if (place_.entries > kMostZipEntries) return fail(L"it has too many entries");
     std::string bytes;
     if (!readBytes(place_.offset, static_cast<size_t>(place_.size), bytes)) {
         return fail(L"it cannot be read");
     }
     entries_.reserve(static_cast<size_t>(place_.entries));
-    for (size_t at = 0; at < bytes.size();) {
+    for (size_t at = 0; at < bytes.size() && entries_.size() <= place_.entries;) {
         if (!readEntry(bytes, at)) return false;
     }
-    const bool isWhole = (entries_.size() & place_.entriesMask) == place_.entries;
-    return isWhole || fail(L"its directory is damaged");
+    return entries_.size() == place_.entries || fail(L"its directory is damaged");
 }
 
 bool ZipDirectory::readEntry(const std::string& bytes, size_t& at) {

@@ -1,10 +1,15 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
 
 namespace sg {
+
+// The most entries that an archive may have, as in the format before its extension to 64 bits. More
+// could be made to cost the library hours: its table of names slows down with names chosen for it.
+inline constexpr size_t kMostZipEntries = 0xFFFF;
 
 // One entry of a ZIP file as its central directory declares it.
 struct ZipEntry {
@@ -37,7 +42,6 @@ class ZipDirectory {
     struct Place {
         uint64_t offset = 0, size = 0, entries = 0;
         uint64_t end = 0;  // where the directory must have ended: at the record that tells of it
-        uint64_t entriesMask = 0xFFFF;  // some programs write just 16 bits of a larger number
     };
 
     bool fail(const wchar_t* reason);
