@@ -36,7 +36,7 @@ jet::QueryRow queryRow(uint8_t attribute, std::optional<std::wstring> expression
 // The small file with queries that ask others.
 const std::vector<uint8_t>& content() {
     static const std::vector<uint8_t> bytes = [] {
-        jet::test::RecordingFiles files({{fileName, jet::test::smallFile()}});
+        jet::RecordingFiles files({{fileName, jet::test::smallFile()}});
         {
             jet::Database db = jet::Database::open(fileName, jet::OpenMode::Exclusive,
                                                    jet::test::memoryOptions(files));
@@ -106,7 +106,7 @@ class Bed {
         }
     }
 
-    jet::test::RecordingFiles files_;
+    jet::RecordingFiles files_;
     jet::Database database_;
     bool isChanged_ = false;
 };
