@@ -17,8 +17,8 @@ namespace {
 // What the parser fills in; it knows only narrow text.
 struct Narrow {
     std::string program, saveAs, drawing, script, locale, memoryLimit, function;
-    std::vector<std::string> expressions, folders;
-    std::string databaseFile, table, output, folder, input, backup;
+    std::vector<std::string> expressions, folders, parameters;
+    std::string databaseFile, table, output, folder, sql, input, backup;
 };
 
 std::string joined(const std::vector<std::string>& items) {
@@ -93,6 +93,31 @@ CLI::App* addDatabaseCommand(CLI::App& db, Narrow& narrow, DatabaseArguments& ar
     return command;
 }
 
+std::string checkParameter(const std::string& text) {
+    const size_t sign = text.find('=');
+    if (sign != std::string::npos && sign > 0) return {};
+    return "\"" + text + "\" is no parameter; write NAME=VALUE";
+}
+
+void addSql(CLI::App& db, Narrow& narrow, DatabaseArguments& arguments) {
+    CLI::App* const command =
+        addDatabaseCommand(db, narrow, arguments, DatabaseArguments::Action::Sql, "sql",
+                           "Run SQL statements: tables on a terminal, else comma-separated values");
+    command
+        ->add_option("TEXT", narrow.sql,
+                     "Statements with \";\" between them; \"-\" reads them from standard input")
+        ->type_name("")
+        ->required();
+    command->add_flag("--csv", arguments.csv, "Comma-separated values on a terminal too");
+    command
+        ->add_option("-p,--parameter", narrow.parameters,
+                     "What a parameter of the statements stands for; may be repeated")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false)
+        ->check(CLI::Validator(checkParameter, ""));
+    command->footer("EXPLAIN before a query prints how it is run, and which indexes it uses.");
+}
+
 void addImport(CLI::App& db, Narrow& narrow, DatabaseArguments& arguments) {
     CLI::App* const command =
         addDatabaseCommand(db, narrow, arguments, DatabaseArguments::Action::Import, "import",
@@ -133,7 +158,8 @@ void addCompact(CLI::App& db, Narrow& narrow, DatabaseArguments& arguments) {
 
 CLI::App* addDatabaseCommands(CLI::App& app, Narrow& narrow, DatabaseArguments& arguments) {
     using Action = DatabaseArguments::Action;
-    CLI::App* const db = app.add_subcommand("db", "Show, check, fill and compact a database file");
+    CLI::App* const db =
+        app.add_subcommand("db", "Show, ask, check, fill and compact a database file");
     db->require_subcommand(0, 1);
     addDatabaseCommand(*db, narrow, arguments, Action::Tables, "tables", "List the tables");
 
@@ -151,6 +177,7 @@ CLI::App* addDatabaseCommands(CLI::App& app, Narrow& narrow, DatabaseArguments& 
     exporting->add_option("-d,--directory", narrow.folder, "Where --all puts the files")
         ->type_name("FOLDER");
 
+    addSql(*db, narrow, arguments);
     addImport(*db, narrow, arguments);
     addDatabaseCommand(*db, narrow, arguments, Action::Queries, "queries",
                        "Print the stored queries");
@@ -197,6 +224,8 @@ void widen(const Narrow& narrow, Arguments& arguments) {
     arguments.database.table = fromUtf8(narrow.table);
     arguments.database.output = fromUtf8(narrow.output);
     arguments.database.folder = fromUtf8(narrow.folder);
+    arguments.database.sql = fromUtf8(narrow.sql);
+    arguments.database.parameters = widened(narrow.parameters);
     arguments.database.input = fromUtf8(narrow.input);
     arguments.database.backup = fromUtf8(narrow.backup);
     arguments.expressions = widened(narrow.expressions);
@@ -276,7 +305,7 @@ ParsedArguments parseArguments(int count, char** words) {
         }
         if (db->parsed() && db->get_subcommands().empty()) {
             throw CLI::RequiredError(
-                "A command: tables, schema, export, import, queries, check or compact");
+                "A command: tables, schema, export, sql, import, queries, check or compact");
         }
         if (db->parsed()) {
             checkExport(narrow, arguments.database);

@@ -10,7 +10,7 @@ namespace sg::app {
 
 // The words behind db.
 struct DatabaseArguments {
-    enum class Action { Tables, Schema, Export, Import, Queries, Check, Compact };
+    enum class Action { Tables, Schema, Export, Sql, Import, Queries, Check, Compact };
     Action action = Action::Tables;
     std::wstring file;
     // Of schema and export; empty: all. Of import; empty: named as the file that is read.
@@ -24,6 +24,10 @@ struct DatabaseArguments {
     bool replace = false;
     bool noHeader = false;
     bool dryRun = false;
+
+    std::wstring sql;                      // of sql: statements; "-": standard input
+    std::vector<std::wstring> parameters;  // NAME=VALUE
+    bool csv = false;
 
     bool repair = false;  // of compact
     std::wstring backup;  // empty: as compact sees fit

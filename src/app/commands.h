@@ -16,7 +16,8 @@ int repl(const Arguments& arguments);
 // Prints a function's page, the list of all functions, or those that the module lacks.
 int help(const Arguments& arguments);
 
-// Shows what is in a database file, checks it, adds rows, or writes it anew. Needs no host.
+// Shows what is in a database file, runs SQL on it, checks it, adds rows, or writes it anew. Needs
+// no host.
 int db(const Arguments& arguments);
 
 }  // namespace sg::app

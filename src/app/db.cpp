@@ -7,6 +7,7 @@
 #include "app/db_files.h"
 #include "app/db_import.h"
 #include "app/db_schema.h"
+#include "app/db_sql.h"
 #include "app/exit_codes.h"
 #include "app/process.h"
 #include "app/progress_bar.h"
@@ -165,6 +166,8 @@ int perform(const DatabaseArguments& arguments) {
             return printSchema(arguments);
         case DatabaseArguments::Action::Export:
             return exportTables(arguments);
+        case DatabaseArguments::Action::Sql:
+            return runStatements(arguments);
         case DatabaseArguments::Action::Import:
             return finished(importTable(arguments));
         case DatabaseArguments::Action::Queries:

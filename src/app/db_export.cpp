@@ -10,6 +10,7 @@
 #include <set>
 #include <vector>
 
+#include "app/csv_values.h"
 #include "app/csv_writer.h"
 #include "app/db_files.h"
 #include "app/progress_bar.h"
@@ -94,28 +95,6 @@ void OutputFile::finish(CsvWriter& writer) {
     failWriting(path_, error);
 }
 
-struct FieldWriter {
-    CsvWriter& csv;
-
-    void operator()(std::monostate) const { csv.null(); }
-    void operator()(bool value) const { csv.number(int64_t(value)); }
-    void operator()(uint8_t value) const { csv.number(int64_t(value)); }
-    void operator()(int16_t value) const { csv.number(int64_t(value)); }
-    void operator()(int32_t value) const { csv.number(int64_t(value)); }
-    void operator()(int64_t value) const { csv.number(value); }
-    void operator()(float value) const { csv.number(value); }
-    void operator()(double value) const { csv.number(value); }
-    void operator()(jet::Currency value) const { csv.scaled(value.scaled, 4); }
-    void operator()(jet::Date value) const {
-        const jet::DateParts p = jet::partsOf(value);
-        csv.date(p.year, p.month, p.day, p.hour, p.minute, p.second);
-    }
-    void operator()(const std::wstring& value) const { csv.text(value); }
-    void operator()(const jet::Bytes& value) const { csv.hexadecimal(value); }
-    void operator()(const jet::Guid& value) const { csv.text(jet::toText(value)); }
-    void operator()(const jet::Decimal& value) const { csv.text(jet::toText(value)); }
-};
-
 constexpr uint64_t kRowsBetween = 4096;  // two looks at how far the export is
 
 // Writes tables one after another, and shows how far it is.
@@ -179,7 +158,7 @@ void Exporter::writeRows(const jet::Table& table, CsvWriter& csv) {
                 damage_.add(error);
                 values[i] = std::monostate();
             }
-            std::visit(FieldWriter{csv}, values[i]);
+            std::visit(CsvValueWriter{csv}, values[i]);
         }
         csv.endRow();
     }

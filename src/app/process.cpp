@@ -73,6 +73,15 @@ void complain(const std::wstring& text) {
     std::fwrite(bytes.data(), 1, bytes.size(), stderr);
 }
 
+std::string readStandardInput() {
+    std::string bytes;
+    char buffer[4096];
+    while (const size_t count = std::fread(buffer, 1, sizeof buffer, stdin)) {
+        bytes.append(buffer, count);
+    }
+    return bytes;
+}
+
 bool flushOutput() {
     return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }

@@ -20,6 +20,9 @@ std::wstring stateFolder();
 void printOut(const std::wstring& text);
 void complain(const std::wstring& text);
 
+// All that comes from standard input.
+std::string readStandardInput();
+
 // Writes what standard output still holds. False when that, or any write before, failed.
 bool flushOutput();
 

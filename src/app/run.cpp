@@ -1,6 +1,5 @@
 #include <fmt/xchar.h>
 
-#include <cstdio>
 #include <optional>
 #include <string>
 
@@ -22,15 +21,6 @@ struct Program {
     std::wstring file;  // as messages name it
     std::wstring text;
 };
-
-std::string readStandardInput() {
-    std::string bytes;
-    char buffer[4096];
-    while (const size_t count = std::fread(buffer, 1, sizeof buffer, stdin)) {
-        bytes.append(buffer, count);
-    }
-    return bytes;
-}
 
 // The program's file: as named or with .lsp behind it, in the current folder or on the support
 // path.

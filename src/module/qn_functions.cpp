@@ -1,5 +1,7 @@
 #include "module/function_tables.h"
+#include "module/handlers.h"
 #include "module/missing.h"
+#include "support/lisp_functions.h"
 
 namespace sg {
 namespace {
@@ -79,9 +81,9 @@ constexpr FunctionRow kRows[] = {
     missingQnRow<L"qn_qn-LayerSystemOptionsElec">(),
     missingQnRow<L"qn_qn-LayerSystemOptionsPlumb">(),
     missingQnRow<L"qn_qn-LayerSystemOptionsHVAC">(),
-    missingQnRow<L"DownloadFile">(),
-    missingQnRow<L"ExtractZip">(),
-    missingQnRow<L"CreateZip">(),
+    {L"DownloadFile", qnHandler<downloadFile>},
+    {L"ExtractZip", qnHandler<extractZip>},
+    {L"CreateZip", qnHandler<createZip>},
     missingQnRow<L"GetTempPath">(),
     missingQnRow<L"IsFileReadOnly">(),
     missingQnRow<L"CreateCompressedGuidString">(),
@@ -108,8 +110,8 @@ constexpr FunctionRow kRows[] = {
     missingQnRow<L"qn::pow">(),
     missingQnRow<L"qn_qn-setToDoDrawing">(),
     missingQnRow<L"qn_qn-getToDoDrawing">(),
-    missingQnRow<L"signString">(),
-    missingQnRow<L"verifyString">(),
+    {L"signString", qnHandler<signString>},
+    {L"verifyString", qnHandler<verifyString>},
     missingQnRow<L"qn_qn-createJigTimer">(),
     missingQnRow<L"qn_qn-killJigTimer">(),
     missingQnRow<L"qn_qn-enableAutoCADWindow">(),

@@ -35,7 +35,7 @@ def rows_of(text):
 class Usage(ProgramTest):
     def test_wrong_usage_answers_2(self):
         for words, said in [
-            ([], "tables, schema, export, import, queries, check or compact"),
+            ([], "tables, schema, export, sql, import, queries, check or compact"),
             (["tables"], "FILE"),
             (["tables", "a.mdb", "b.mdb"], "b.mdb"),
             (["compact", "a.mdb", "b.mdb", "c.mdb"], "c.mdb"),
@@ -43,6 +43,8 @@ class Usage(ProgramTest):
             (["import", "a.mdb"], "CSV is required"),
             (["import", "a.mdb", "-"], "- requires --table"),
             (["import", "a.mdb", "a.csv", "--create", "--replace"], "--create excludes --replace"),
+            (["sql", "a.mdb"], "TEXT is required"),
+            (["sql", "a.mdb", "SELECT 1", "-p", "x"], "\"x\" is no parameter"),
             (["export", "a.mdb"], "TABLE or --all"),
             (["export", "a.mdb", "T", "--all", "-d", "x"], "TABLE excludes --all"),
             (["export", "a.mdb", "--all"], "--all requires --directory"),
@@ -58,7 +60,8 @@ class Usage(ProgramTest):
         code, output, _ = self.run_program("db", "--help")
         self.assertEqual(code, 0)
         commands = re.findall("^  ([a-z]+) ", output.split("Subcommands:")[1], re.MULTILINE)
-        self.assertEqual(commands, ["tables", "schema", "export", "import", "queries", "check", "compact"])
+        self.assertEqual(commands, ["tables", "schema", "export", "sql", "import", "queries", "check",
+                                    "compact"])
 
     def test_what_is_no_database_is_told_in_one_line(self):
         self.write("notes.txt", "not a database\n" * 500)
@@ -70,7 +73,8 @@ class Usage(ProgramTest):
                            ("empty.mdb", "(3049|3343)"), ("newer.accdb", 3343)]:
             for words in [["tables", name], ["schema", name], ["export", name, "T"],
                           ["queries", name], ["check", name], ["compact", name],
-                          ["compact", name, "out.mdb"], ["import", name, "/dev/null", "-t", "T"]]:
+                          ["compact", name, "out.mdb"], ["sql", name, "SELECT 1"],
+                          ["sql", name, "DELETE FROM T"], ["import", name, "/dev/null", "-t", "T"]]:
                 with self.subTest(words=words):
                     answer, output, errors = self.run_program("db", *words)
                     self.assertEqual((answer, output, errors.count("\n")), (3, "", 1), errors)

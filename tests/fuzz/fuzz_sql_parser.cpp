@@ -43,7 +43,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     } catch (const sg::jet::Error&) {
     }
     try {
-        parseScript(text);
+        std::vector<ScriptEntry> script;
+        parseScript(text, script);
     } catch (const sg::jet::Error&) {
     }
     try {

@@ -24,15 +24,6 @@ constexpr int looksAllowed = 60;
 constexpr uint64_t resultBytes = uint64_t(2) << 20;
 constexpr size_t statementsRun = 12;
 
-jet::QueryRow queryRow(uint8_t attribute, std::optional<std::wstring> expression,
-                       std::optional<std::wstring> name = {}) {
-    jet::QueryRow row;
-    row.attribute = attribute;
-    row.expression = std::move(expression);
-    row.name1 = std::move(name);
-    return row;
-}
-
 // The small file with queries that ask others.
 const std::vector<uint8_t>& content() {
     static const std::vector<uint8_t> bytes = [] {
@@ -41,9 +32,12 @@ const std::vector<uint8_t>& content() {
             jet::Database db = jet::Database::open(fileName, jet::OpenMode::Exclusive,
                                                    jet::test::memoryOptions(files));
             const auto ask = [&](const wchar_t* name, const wchar_t* table) {
-                jet::putQuery(
-                    db, name, 0,
-                    {queryRow(attributes::table, {}, table), queryRow(attributes::column, L"*")});
+                std::vector<jet::QueryRow> rows(2);
+                rows[0].attribute = attributes::table;
+                rows[0].name1 = table;
+                rows[1].attribute = attributes::column;
+                rows[1].expression = L"*";
+                jet::putQuery(db, name, 0, rows);
             };
             ask(L"Few", L"Floors");
             ask(L"FewAgain", L"Few");
@@ -115,7 +109,7 @@ void run(std::wstring_view text) {
     static std::unique_ptr<Bed> bed;
     std::vector<ScriptEntry> script;
     try {
-        script = parseScript(text);
+        parseScript(text, script);
     } catch (const jet::Error&) {
         return;
     }

@@ -6,6 +6,7 @@
 #include "host/dao/database_session.h"
 #include "host/dao/describe.h"
 #include "host/dao/errors.h"
+#include "host/dao/sql_source.h"
 #include "host/jet/schema/schema.h"
 
 using sg::dao::guarded;
@@ -182,4 +183,14 @@ void CDaoDatabase::GetQueryDefInfo(const std::wstring& name, CDaoQueryDefInfo& i
 
 void CDaoDatabase::DeleteQueryDef(const std::wstring& name) {
     guarded([&] { jet::dropQuery(session_->database(), name); });
+}
+
+// --- SQL ---
+
+void CDaoDatabase::Execute(const std::wstring& sql, int32_t options) {
+    recordsAffected_ = 0;
+    guarded([&] {
+        const sg::sql::Statement statement = sg::dao::statementOf(session_->database(), sql);
+        recordsAffected_ = session_->execute(statement, {}, options);
+    });
 }

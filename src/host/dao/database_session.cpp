@@ -36,6 +36,18 @@ std::vector<jet::CatalogObject> sortedObjects(const jet::Database& database,
     return found;
 }
 
+// The table whose design a statement changes; "" for other statements.
+std::wstring changedTable(const sql::Statement& statement) {
+    if (const auto* drop = std::get_if<sql::Drop>(&statement.body)) {
+        return drop->table ? drop->table->name.text : drop->name.name.text;
+    }
+    if (const auto* alter = std::get_if<sql::AlterTable>(&statement.body)) {
+        return alter->table.name.text;
+    }
+    const auto* index = std::get_if<sql::CreateIndex>(&statement.body);
+    return index != nullptr ? index->table.name.text : std::wstring();
+}
+
 }  // namespace
 
 void DatabaseSession::open(const std::wstring& name, jet::OpenMode mode) {
@@ -63,6 +75,7 @@ void DatabaseSession::close() {
     tables_ = {};
     queries_ = {};
     relations_ = {};
+    sql_.reset();
     if (const auto closing = std::move(database_)) closing->close();
 }
 
@@ -100,6 +113,19 @@ jet::CatalogObject DatabaseSession::table(std::wstring_view name) const {
         if (isTable(object) && equalIgnoringCase(object.name, name)) return object;
     }
     throw jet::Error(jet::ItemNotFound);
+}
+
+sql::Session& DatabaseSession::sql() {
+    if (sql_ == nullptr) sql_ = std::make_unique<sql::Session>(database());
+    return *sql_;
+}
+
+int32_t DatabaseSession::execute(const sql::Statement& statement, const sql::Parameters& parameters,
+                                 int32_t options) {
+    if (const std::wstring table = changedTable(statement); !table.empty()) requireUnused(table);
+    const bool fails = (options & dbFailOnError) != 0;
+    return static_cast<int32_t>(sql().execute(
+        statement, parameters, fails ? sql::Refused::UndoesAll : sql::Refused::IsLeftOut));
 }
 
 void DatabaseSession::requireUnused(std::wstring_view table) const {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/jet/database/database.h"
+#include "host/sql/run/session.h"
 
 class CDaoRecordset;
 
@@ -38,6 +39,13 @@ class DatabaseSession {
     // The table or link of this name, ignoring case. Throws ItemNotFound.
     jet::CatalogObject table(std::wstring_view name) const;
 
+    // Runs SQL on the database; holds until it is closed.
+    sql::Session& sql();
+    // Runs a statement that changes rows or the design, as CDaoDatabase::Execute tells; answers how
+    // many records it changed.
+    int32_t execute(const sql::Statement& statement, const sql::Parameters& parameters,
+                    int32_t options);
+
     void add(CDaoRecordset* recordset) { recordsets_.insert(recordset); }
     void remove(CDaoRecordset* recordset) { recordsets_.erase(recordset); }
     // Throws 3211 when a recordset stands on this table.
@@ -54,6 +62,7 @@ class DatabaseSession {
     void adopt(std::unique_ptr<jet::Database> database);
 
     std::unique_ptr<jet::Database> database_;
+    std::unique_ptr<sql::Session> sql_;  // made on first use
     uint64_t opening_ = 0;
     Listed<jet::CatalogObject> tables_;
     Listed<jet::CatalogObject> queries_;

@@ -95,22 +95,9 @@ void describeRelation(const jet::Relation& relation, uint32_t level, CDaoRelatio
 
 void describeQuery(const jet::CatalogObject& object, const jet::Query& query, uint32_t level,
                    CDaoQueryDefInfo& info) {
-    struct KindType {
-        jet::QueryKind kind;
-        int16_t type;
-    };
-    static constexpr KindType types[] = {
-        {jet::QueryKind::Select, 0},          {jet::QueryKind::Crosstab, 16},
-        {jet::QueryKind::Delete, 32},         {jet::QueryKind::Update, 48},
-        {jet::QueryKind::Append, 64},         {jet::QueryKind::MakeTable, 80},
-        {jet::QueryKind::DataDefinition, 96}, {jet::QueryKind::PassThrough, 112},
-        {jet::QueryKind::Union, 128},
-    };
     info = {};
     info.m_strName = query.name;
-    for (const KindType& entry : types) {
-        if (entry.kind == query.kind()) info.m_nType = entry.type;
-    }
+    info.m_nType = static_cast<int16_t>(jet::catalogFlags(query.kind()));
     if (level < AFX_DAO_SECONDARY_INFO) return;
     info.m_dateCreated = object.created.days;
     info.m_dateLastUpdated = object.updated.days;
@@ -120,6 +107,7 @@ void describeQuery(const jet::CatalogObject& object, const jet::Query& query, ui
                              kind == jet::QueryKind::Union;
     if (level < AFX_DAO_ALL_INFO) return;
     info.m_strSQL = query.sql();
+    info.m_strConnect = query.connect();
 }
 
 std::vector<size_t> indexesInOrder(const jet::TableDefinition& definition) {

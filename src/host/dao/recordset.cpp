@@ -1,6 +1,6 @@
 #include "platform/dao/recordset.h"
 
-#include <optional>
+#include <memory>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -8,9 +8,12 @@
 #include "host/dao/database_session.h"
 #include "host/dao/describe.h"
 #include "host/dao/errors.h"
+#include "host/dao/open_query.h"
+#include "host/dao/sql_source.h"
 #include "host/dao/table_fields.h"
 #include "host/dao/variants.h"
 #include "host/jet/recordset/recordset.h"
+#include "platform/dao/query_def.h"
 #include "platform/variant/safe_array.h"
 
 using sg::dao::DatabaseSession;
@@ -45,6 +48,18 @@ jet::SeekOperator seekOperator(const wchar_t* comparison) {
     throw jet::Error(jet::InvalidArgument);
 }
 
+bool isLinked(const jet::Database& database, const std::wstring& name) {
+    return database.object(name, jet::ObjectType::LinkedTable) != nullptr ||
+           database.object(name, jet::ObjectType::LinkedOdbcTable) != nullptr;
+}
+
+void requireType(int32_t type) {
+    if (type != AFX_DAO_USE_DEFAULT_TYPE && type != dbOpenTable && type != dbOpenDynaset &&
+        type != dbOpenSnapshot) {
+        throw jet::Error(jet::InvalidArgument);
+    }
+}
+
 }  // namespace
 
 struct CDaoRecordset::State {
@@ -55,22 +70,33 @@ struct CDaoRecordset::State {
     std::wstring name;
     bool readOnly = false;
     std::unique_ptr<jet::Recordset> rows;
-    jet::TableRecordset* table = nullptr;  // rows, of a table
-    std::optional<dao::TableFields> fields;
+    jet::TableRecordset* table = nullptr;  // rows, where they are the table's own
+    std::unique_ptr<dao::FieldList> fields;
 
     jet::Value value;              // scratch
     std::vector<jet::Value> keys;  // scratch
 
+    void open();
     void openTable();
+    void openDynaset();
     void openSnapshot();
+    void openQuery(const sg::sql::Statement& statement, const sg::sql::Parameters& parameters);
+    void use(jet::Database& home, const std::wstring& there);
 
+    // For what only dbOpenTable has.
     jet::TableRecordset& requireTable() const {
-        if (table == nullptr) throw jet::Error(jet::OperationNotSupported);
+        if (type != dbOpenTable) throw jet::Error(jet::OperationNotSupported);
         return *table;
+    }
+    // For writing.
+    jet::TableRecordset& requireRecords() const {
+        if (table != nullptr) return *table;
+        throw jet::Error(type == dbOpenDynaset ? jet::ReadOnlyDatabase
+                                               : jet::OperationNotSupported);
     }
 
     // Those of a table as its design is now, of a snapshot as they were when it was read.
-    dao::TableFields& currentFields() {
+    dao::FieldList& currentFields() {
         if (table != nullptr) fields->follow(table->table());
         return *fields;
     }
@@ -85,20 +111,50 @@ struct CDaoRecordset::State {
     }
 };
 
+void CDaoRecordset::State::open() {
+    const jet::Database& database = session.database();
+    const bool isTable = database.object(name, jet::ObjectType::Table) != nullptr;
+    const bool isLink = isLinked(database, name);
+    if (type == AFX_DAO_USE_DEFAULT_TYPE) type = isTable ? dbOpenTable : dbOpenDynaset;
+    if (type == dbOpenTable) {
+        openTable();
+    } else if (!isTable && !isLink) {
+        openQuery(dao::statementOf(database, name), {});
+    } else if (type == dbOpenDynaset) {
+        openDynaset();
+    } else {
+        openSnapshot();
+    }
+}
+
 void CDaoRecordset::State::openTable() {
     jet::Database& database = session.database();
     if (database.object(name, jet::ObjectType::Table) == nullptr) {
-        const auto isLink = [&](jet::ObjectType type) { return database.object(name, type); };
-        if (isLink(jet::ObjectType::LinkedTable) || isLink(jet::ObjectType::LinkedOdbcTable)) {
-            throw jet::Error(jet::InvalidOperation);
-        }
+        if (isLinked(database, name)) throw jet::Error(jet::InvalidOperation);
         throw jet::Error(jet::ObjectNotFound, {name});
     }
-    auto opening = std::make_unique<jet::TableRecordset>(database, name, readOnly);
+    use(database, name);
+}
+
+void CDaoRecordset::State::openDynaset() {
+    std::wstring there = name;
+    jet::Database& home = session.database().home(there);
+    use(home, there);
+}
+
+void CDaoRecordset::State::use(jet::Database& home, const std::wstring& there) {
+    auto opening = std::make_unique<jet::TableRecordset>(home, there, readOnly);
     table = opening.get();
     rows = std::move(opening);
     readOnly = table->isReadOnly();
-    fields.emplace(database, table->table(), !readOnly);
+    fields = std::make_unique<dao::TableFields>(home, table->table(), !readOnly);
+}
+
+void CDaoRecordset::State::openQuery(const sg::sql::Statement& statement,
+                                     const sg::sql::Parameters& parameters) {
+    readOnly = true;
+    rows = session.sql().select(statement, parameters);
+    fields = std::make_unique<dao::ResultFields>(session.database(), rows->columns());
 }
 
 void CDaoRecordset::State::openSnapshot() {
@@ -107,7 +163,7 @@ void CDaoRecordset::State::openSnapshot() {
     const jet::Database::ReadScope scope(home);
     readOnly = true;
     rows = std::make_unique<jet::SnapshotRecordset>(home, there);
-    fields.emplace(home, home.table(there), false);
+    fields = std::make_unique<dao::TableFields>(home, home.table(there), false);
 }
 
 CDaoRecordset::CDaoRecordset(CDaoDatabase* database)
@@ -126,17 +182,29 @@ void CDaoRecordset::Open(int32_t type, const std::wstring& source, int32_t optio
     Close();
     if (session_ == nullptr || !session_->isOpen()) throwDao(jet::ObjectClosed);
     guarded([&] {
+        requireType(type);
         auto state = std::make_unique<State>(*session_);
         state->type = type;
         state->name = source;
         state->readOnly = (options & dbReadOnly) != 0;
-        if (type == dbOpenTable) {
-            state->openTable();
-        } else if (type == dbOpenSnapshot) {
-            state->openSnapshot();
-        } else {
-            throw jet::Error(jet::InvalidArgument);
-        }
+        state->open();
+        session_->add(this);
+        state_ = std::move(state);
+    });
+}
+
+void CDaoRecordset::Open(CDaoQueryDef* query, int32_t type, int32_t) {
+    Close();
+    if (session_ == nullptr || !session_->isOpen()) throwDao(jet::ObjectClosed);
+    if (query == nullptr) throwDao(jet::InvalidArgument);
+    dao::OpenQuery& opened = query->opened();
+    guarded([&] {
+        requireType(type);
+        if (type == dbOpenTable) throw jet::Error(jet::InvalidOperation);
+        auto state = std::make_unique<State>(*session_);
+        state->type = type == AFX_DAO_USE_DEFAULT_TYPE ? dbOpenDynaset : type;
+        state->name = opened.name().empty() ? opened.text() : opened.name();
+        state->openQuery(opened.statement(), opened.given());
         session_->add(this);
         state_ = std::move(state);
     });
@@ -300,7 +368,7 @@ void CDaoRecordset::GetFieldInfo(int index, CDaoFieldInfo& info, uint32_t level)
 void CDaoRecordset::GetFieldInfo(const std::wstring& name, CDaoFieldInfo& info, uint32_t level) {
     State& state = opened();
     guarded([&] {
-        dao::TableFields& fields = state.currentFields();
+        dao::FieldList& fields = state.currentFields();
         fields.describe(static_cast<int>(fields.positionOf(name)), level, info);
     });
 }
@@ -319,7 +387,7 @@ COleVariant CDaoRecordset::GetFieldValue(int index) {
 void CDaoRecordset::SetFieldValue(const std::wstring& name, const COleVariant& value) {
     State& state = opened();
     guarded([&] {
-        jet::TableRecordset& table = state.requireTable();
+        jet::TableRecordset& table = state.requireRecords();
         table.setValue(state.currentFields().positionOf(name), dao::fromVariant(value));
     });
 }
@@ -327,7 +395,7 @@ void CDaoRecordset::SetFieldValue(const std::wstring& name, const COleVariant& v
 void CDaoRecordset::SetFieldValue(int index, const COleVariant& value) {
     State& state = opened();
     guarded([&] {
-        state.requireTable().setValue(static_cast<size_t>(index), dao::fromVariant(value));
+        state.requireRecords().setValue(static_cast<size_t>(index), dao::fromVariant(value));
     });
 }
 
@@ -335,27 +403,27 @@ void CDaoRecordset::SetFieldValue(int index, const COleVariant& value) {
 
 void CDaoRecordset::AddNew() {
     State& state = opened();
-    guarded([&] { state.requireTable().addNew(); });
+    guarded([&] { state.requireRecords().addNew(); });
 }
 
 void CDaoRecordset::Edit() {
     State& state = opened();
-    guarded([&] { state.requireTable().edit(); });
+    guarded([&] { state.requireRecords().edit(); });
 }
 
 void CDaoRecordset::Update() {
     State& state = opened();
-    guarded([&] { state.requireTable().update(); });
+    guarded([&] { state.requireRecords().update(); });
 }
 
 void CDaoRecordset::CancelUpdate() {
     State& state = opened();
-    guarded([&] { state.requireTable().cancelUpdate(); });
+    guarded([&] { state.requireRecords().cancelUpdate(); });
 }
 
 void CDaoRecordset::Delete() {
     State& state = opened();
-    guarded([&] { state.requireTable().erase(); });
+    guarded([&] { state.requireRecords().erase(); });
 }
 
 int16_t CDaoRecordset::GetEditMode() const {
@@ -391,5 +459,5 @@ void CDaoRecordset::SetBookmark(const COleVariant& bookmark) {
 
 COleVariant CDaoRecordset::GetLastModifiedBookmark() {
     State& state = opened();
-    return guarded([&] { return bookmarkVariant(state.requireTable().lastModified()); });
+    return guarded([&] { return bookmarkVariant(state.requireRecords().lastModified()); });
 }

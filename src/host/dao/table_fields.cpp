@@ -1,5 +1,6 @@
 #include "host/dao/table_fields.h"
 
+#include <map>
 #include <utility>
 
 #include "base/text.h"
@@ -11,6 +12,8 @@ namespace sg::dao {
 namespace {
 
 constexpr int invalidType = 3259;
+constexpr int32_t decimalSize = 16;
+constexpr int32_t generalOrder = 0x409;
 
 struct TypePair {
     jet::ColumnType column;
@@ -37,10 +40,15 @@ int32_t sizeOf(const jet::Column& column, const jet::Format& format) {
         case jet::ColumnType::Ole:
             return 0;
         case jet::ColumnType::Numeric:
-            return 16;
+            return decimalSize;
         default:
             return column.length;
     }
+}
+
+int32_t sizeOf(const jet::RecordColumn& column) {
+    return column.type == jet::ColumnType::Numeric ? decimalSize
+                                                   : static_cast<int32_t>(column.size);
 }
 
 int32_t attributesOf(const jet::Column& column, bool canUpdate) {
@@ -116,28 +124,81 @@ void TableFields::adopt(const jet::Table& table) {
 void TableFields::readProperties() {
     const jet::Properties properties = database_->tableProperties(table_.name());
     for (CDaoFieldInfo& field : fields_) {
-        const std::wstring& name = field.m_strName;
-        field.m_bRequired = properties.flag(name, L"Required");
-        field.m_bAllowZeroLength = properties.flag(name, L"AllowZeroLength");
-        field.m_strValidationRule = properties.text(name, L"ValidationRule");
-        field.m_strValidationText = properties.text(name, L"ValidationText");
-        field.m_strDefaultValue = properties.text(name, L"DefaultValue");
+        addProperties(properties, field);
     }
-    hasProperties_ = true;
 }
 
-size_t TableFields::positionOf(std::wstring_view name) const {
+// --- results ---
+
+ResultFields::ResultFields(jet::Database& database, const std::vector<jet::RecordColumn>& columns)
+    : database_(&database) {
+    for (const jet::RecordColumn& column : columns) {
+        CDaoFieldInfo& field = fields_.emplace_back();
+        const bool isText =
+            column.type == jet::ColumnType::Text || column.type == jet::ColumnType::Memo;
+        const bool varies =
+            isText || column.type == jet::ColumnType::Binary || column.type == jet::ColumnType::Ole;
+        field.m_strName = column.name;
+        field.m_nType = fieldType(column.type);
+        field.m_lSize = sizeOf(column);
+        field.m_lAttributes = varies ? dbVariableField : dbFixedField;
+        field.m_nOrdinalPosition = static_cast<int16_t>(fields_.size() - 1);
+        field.m_lCollatingOrder = isText ? generalOrder : 0;
+        if (!column.sourceTable.empty()) addSource(column, field);
+    }
+}
+
+void ResultFields::addSource(const jet::RecordColumn& column, CDaoFieldInfo& field) {
+    field.m_strSourceTable = column.sourceTable;
+    field.m_strSourceField = column.sourceColumn;
+    std::wstring there = column.sourceTable;
+    const jet::Table table = database_->home(there).table(there);
+    const jet::TableDefinition& definition = table.definition();
+    if (const auto place = definition.columnByName(column.sourceColumn)) {
+        field.m_lAttributes = attributesOf(definition.columns[*place], false);
+    }
+}
+
+void ResultFields::readProperties() {
+    std::map<std::wstring, jet::Properties> properties;  // by table
+    for (CDaoFieldInfo& field : fields_) {
+        if (field.m_strSourceTable.empty()) continue;
+        std::wstring there = field.m_strSourceTable;
+        jet::Database& home = database_->home(there);
+        auto found = properties.find(field.m_strSourceTable);
+        if (found == properties.end()) {
+            found = properties.emplace(field.m_strSourceTable, home.tableProperties(there)).first;
+        }
+        addProperties(found->second, field);
+    }
+}
+
+// --- both ---
+
+void FieldList::addProperties(const jet::Properties& properties, CDaoFieldInfo& field) {
+    const std::wstring& name = field.m_strSourceField;
+    field.m_bRequired = properties.flag(name, L"Required");
+    field.m_bAllowZeroLength = properties.flag(name, L"AllowZeroLength");
+    field.m_strValidationRule = properties.text(name, L"ValidationRule");
+    field.m_strValidationText = properties.text(name, L"ValidationText");
+    field.m_strDefaultValue = properties.text(name, L"DefaultValue");
+}
+
+size_t FieldList::positionOf(std::wstring_view name) const {
     for (size_t i = 0; i < fields_.size(); ++i) {
         if (equalIgnoringCase(fields_[i].m_strName, name)) return i;
     }
     throw jet::Error(jet::ItemNotFound);
 }
 
-void TableFields::describe(int position, uint32_t level, CDaoFieldInfo& info) {
+void FieldList::describe(int position, uint32_t level, CDaoFieldInfo& info) {
     if (position < 0 || static_cast<size_t>(position) >= fields_.size()) {
         throw jet::Error(jet::ItemNotFound);
     }
-    if (level >= AFX_DAO_SECONDARY_INFO && !hasProperties_) readProperties();
+    if (level >= AFX_DAO_SECONDARY_INFO && !hasProperties_) {
+        readProperties();
+        hasProperties_ = true;
+    }
     tellLevel(fields_[static_cast<size_t>(position)], level, info);
 }
 

@@ -7,21 +7,18 @@
 #include <vector>
 
 #include "host/jet/database/database.h"
+#include "host/jet/recordset/recordset.h"
 #include "platform/dao/infos.h"
 
 namespace sg::dao {
 
-// The fields of a table in the order in which programs count them, as the information calls tell
-// them.
-class TableFields {
+// Fields in the order in which programs count them, as the information calls tell them.
+class FieldList {
   public:
-    // `canUpdate` adds dbUpdatableField, which only fields of recordsets have.
-    TableFields(const jet::Database& database, jet::Table table, bool canUpdate);
+    virtual ~FieldList() = default;
 
     // Takes the table as it is now: at once when nothing has changed.
-    void follow(const jet::Table& now) {
-        if (&now.definition() != &table_.definition()) adopt(now);
-    }
+    virtual void follow(const jet::Table&) {}
 
     size_t count() const { return fields_.size(); }
     // Ignoring case; throws ItemNotFound.
@@ -29,15 +26,46 @@ class TableFields {
     // Throws ItemNotFound.
     void describe(int position, uint32_t level, CDaoFieldInfo& info);
 
+  protected:
+    // Of the table's column m_strSourceField: what its properties say.
+    static void addProperties(const jet::Properties& properties, CDaoFieldInfo& field);
+
+    std::vector<CDaoFieldInfo> fields_;  // at all levels, but for the properties:
+    bool hasProperties_ = false;
+
+  private:
+    virtual void readProperties() = 0;
+};
+
+// Those of a table.
+class TableFields final : public FieldList {
+  public:
+    // `canUpdate` adds dbUpdatableField, which only fields of recordsets have.
+    TableFields(const jet::Database& database, jet::Table table, bool canUpdate);
+
+    void follow(const jet::Table& now) override {
+        if (&now.definition() != &table_.definition()) adopt(now);
+    }
+
   private:
     void adopt(const jet::Table& table);
-    void readProperties();
+    void readProperties() override;
 
     const jet::Database* database_;
     bool canUpdate_;
     jet::Table table_;
-    std::vector<CDaoFieldInfo> fields_;  // at all levels, but for the properties:
-    bool hasProperties_ = false;
+};
+
+// Those of a query's result, which are only read.
+class ResultFields final : public FieldList {
+  public:
+    ResultFields(jet::Database& database, const std::vector<jet::RecordColumn>& columns);
+
+  private:
+    void addSource(const jet::RecordColumn& column, CDaoFieldInfo& field);
+    void readProperties() override;
+
+    jet::Database* database_;
 };
 
 // The parts of `whole` that a level has.

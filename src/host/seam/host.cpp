@@ -22,12 +22,15 @@
 #include "host/seam/external_functions.h"
 #include "host/seam/lisp_functions.h"
 #include "host/seam/system_variable_values.h"
+#include "host/system/cryptography.h"
 #include "host/system/date_time.h"
 #include "host/system/folders.h"
 #include "host/system/mutexes.h"
 #include "host/system/paths.h"
 #include "host/system/registry.h"
+#include "host/system/registry_handles.h"
 #include "host/system/shell.h"
+#include "host/system/system_libraries.h"
 #include "platform/dao/engine.h"
 #include "platform/db/database.h"
 #include "platform/variant/date_text.h"
@@ -90,11 +93,14 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     registry_ = std::make_unique<RegistryStore>(
         options_.registryFile.empty() ? RegistryStore::defaultFile() : options_.registryFile,
         [this](const std::wstring& problem) { output_->reportError(problem); });
+    registryHandles_ = std::make_unique<RegistryHandles>(*registry_);
+    libraries_ = std::make_unique<SystemLibraries>();
     supportPath_ = std::make_unique<SupportPath>();
     for (const std::wstring& folder : options_.supportPath)
         supportPath_->add(folder);
     shell_ = std::make_unique<Shell>();
     mutexes_ = std::make_unique<NamedMutexes>();
+    cryptography_ = std::make_unique<Cryptography>();
     classes_ = std::make_unique<AcRxClassRegistry>();
     systemRegistry_ = std::make_unique<SystemRegistry>(classes_->dictionary());
     services_ = std::make_unique<ApplicationServices>(*this);

@@ -23,6 +23,7 @@ namespace lisp {
 class Interpreter;
 }
 class CommandLine;
+class Cryptography;
 class Document;
 class DocumentManager;
 class Editor;
@@ -32,9 +33,11 @@ class InputSource;
 class ModuleLoader;
 class NamedMutexes;
 class Output;
+class RegistryHandles;
 class RegistryStore;
 class Shell;
 class SupportPath;
+class SystemLibraries;
 class SystemRegistry;
 class SystemVariables;
 class TypedWords;
@@ -84,9 +87,12 @@ class SG_API Host {
     Editor& editor() { return *editor_; }
     Output& output() { return *output_; }
     RegistryStore& registry() { return *registry_; }
+    RegistryHandles& registryHandles() { return *registryHandles_; }
+    SystemLibraries& libraries() { return *libraries_; }
     SupportPath& supportPath() { return *supportPath_; }
     Shell& shell() { return *shell_; }
     NamedMutexes& mutexes() { return *mutexes_; }
+    Cryptography& cryptography() { return *cryptography_; }
     AcRxClassRegistry& classes() { return *classes_; }
     SystemRegistry& systemRegistry() { return *systemRegistry_; }
     AcDbHostApplicationServices& services() { return *services_; }
@@ -126,9 +132,12 @@ class SG_API Host {
     std::shared_ptr<TypedWords> typedWords_;
     std::shared_ptr<SystemVariables> applicationVariables_;
     std::unique_ptr<RegistryStore> registry_;
+    std::unique_ptr<RegistryHandles> registryHandles_;
+    std::unique_ptr<SystemLibraries> libraries_;
     std::unique_ptr<SupportPath> supportPath_;
     std::unique_ptr<Shell> shell_;
     std::unique_ptr<NamedMutexes> mutexes_;
+    std::unique_ptr<Cryptography> cryptography_;
     std::unique_ptr<AcRxClassRegistry> classes_;
     std::unique_ptr<SystemRegistry> systemRegistry_;
     std::unique_ptr<Editor> editor_;

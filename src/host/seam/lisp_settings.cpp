@@ -20,8 +20,9 @@ using lisp::Value;
 // ---- The registry ------------------------------------------------------------------------------
 
 // Text is a string, a number an integer, an expandable text (REG_EXPAND_SZ . text), several texts
-// (REG_MULTI_SZ text ...), bytes (REG_BINARY byte ...).
+// (REG_MULTI_SZ text ...), bytes (REG_BINARY byte ...). Bytes that do not make their type are nil.
 Value registryToLisp(Interpreter& in, const RegistryData& data) {
+    if (std::holds_alternative<RegistryRaw>(data)) return Value::nil();
     if (const auto* text = std::get_if<RegistryText>(&data)) {
         const Value value = in.string(text->text);
         return text->expandable ? in.cons(in.symbol(L"REG_EXPAND_SZ"), value) : value;

@@ -1,7 +1,10 @@
 #include "host/editor/input_source.h"
+#include "host/lisp/interpreter.h"
 #include "host/seam/host.h"
+#include "host/system/download.h"
 #include "host/system/mutexes.h"
 #include "host/system/shell.h"
+#include "platform/win/download.h"
 #include "platform/win/message_box.h"
 #include "platform/win/shell.h"
 #include "platform/win/system.h"
@@ -44,4 +47,16 @@ SgMutex* CreateMutexW(const void*, bool, const wchar_t* name) {
     const auto created = Host::the().mutexes().create(name);
     Host::the().lastError = created.error;
     return created.mutex;
+}
+
+bool DeleteUrlCacheEntryW(const wchar_t*) {
+    SetLastError(ERROR_FILE_NOT_FOUND);
+    return false;
+}
+
+int32_t URLDownloadToFileW(void*, const wchar_t* url, const wchar_t* file, uint32_t, void*) {
+    if (url == nullptr || file == nullptr) return INET_E_INVALID_URL;
+    sg::DownloadOptions options;
+    options.cancel = [] { return Host::the().interpreter().interruptPending(); };
+    return sg::download(url, file, options);
 }

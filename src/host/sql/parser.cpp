@@ -87,18 +87,18 @@ Statement SyntaxParser::wholeStatement() {
     return made;
 }
 
-std::vector<ScriptEntry> SyntaxParser::script() {
-    std::vector<ScriptEntry> all;
+void SyntaxParser::script(std::vector<ScriptEntry>& into) {
     while (true) {
         while (takeSymbol(L";")) {
         }
         if (atEnd()) {
-            return all;
+            return;
         }
         positionalParameters_ = 0;
         const bool explain = take(L"EXPLAIN");
-        all.push_back({explain, statement()});
+        ScriptEntry entry{explain, statement()};
         endOfStatement();
+        into.push_back(std::move(entry));
     }
 }
 
@@ -120,8 +120,8 @@ Statement parseStatement(std::wstring_view text) {
     return detail::SyntaxParser(text).wholeStatement();
 }
 
-std::vector<ScriptEntry> parseScript(std::wstring_view text) {
-    return detail::SyntaxParser(text).script();
+void parseScript(std::wstring_view text, std::vector<ScriptEntry>& into) {
+    detail::SyntaxParser(text).script(into);
 }
 
 ExpressionPtr parseExpression(std::wstring_view text) {

@@ -25,8 +25,9 @@ struct ScriptEntry {
     Statement statement;
 };
 
-// Any number of statements with ";" between them, also none. Ranges count from the script's start.
-SG_API std::vector<ScriptEntry> parseScript(std::wstring_view text);
+// Adds any number of statements with ";" between them, also none. Ranges count from the script's
+// start. When it throws, those before the one that is wrong have been added.
+SG_API void parseScript(std::wstring_view text, std::vector<ScriptEntry>& into);
 
 // An expression by itself: a criterion, a filter.
 SG_API ExpressionPtr parseExpression(std::wstring_view text);

@@ -1,5 +1,7 @@
 // Statements of the parser that define tables, indexes and queries.
 
+#include <iterator>
+
 #include "host/sql/syntax_parser.h"
 
 namespace sg::sql::detail {
@@ -268,15 +270,19 @@ CreateView SyntaxParser::createView() {
 // PROCEDURE name [(parameters)] AS statement, the parameters also without parentheses
 CreateProcedure SyntaxParser::createProcedure() {
     clause_ = ProcedureSyntax;
-    CreateProcedure made{name(ProcedureSyntax), {}, nullptr};
+    CreateProcedure made{name(ProcedureSyntax), nullptr};
+    std::vector<ParameterDeclaration> parameters;
     if (takeSymbol(L"(")) {
-        made.parameters = parameterDeclarations(ProcedureSyntax);
+        parameters = parameterDeclarations(ProcedureSyntax);
         expectSymbol(L")", ProcedureSyntax);
     } else if (!at(L"AS")) {
-        made.parameters = parameterDeclarations(ProcedureSyntax);
+        parameters = parameterDeclarations(ProcedureSyntax);
     }
     expect(L"AS", ProcedureSyntax);
     made.statement = std::make_unique<Statement>(statement());
+    std::vector<ParameterDeclaration>& all = made.statement->parameters;
+    all.insert(all.begin(), std::make_move_iterator(parameters.begin()),
+               std::make_move_iterator(parameters.end()));
     return made;
 }
 

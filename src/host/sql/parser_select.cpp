@@ -116,6 +116,7 @@ void SyntaxParser::orderUnion(Query& united, bool enclosed) {
     Query& last = *std::get<Union>(united.body).terms.back().query;
     if (!last.orderBy.empty()) {
         united.orderBy = std::exchange(last.orderBy, {});
+        last.range.length = static_cast<uint32_t>(beforeOrder_ - last.range.offset);
     }
 }
 
@@ -257,6 +258,7 @@ ExpressionPtr SyntaxParser::where() {
 
 std::vector<OrderItem> SyntaxParser::orderBy() {
     std::vector<OrderItem> all;
+    const size_t before = lastEnd_;
     if (!take(L"ORDER")) {
         return all;
     }
@@ -273,6 +275,7 @@ std::vector<OrderItem> SyntaxParser::orderBy() {
         item.range = since(begin);
         all.push_back(std::move(item));
     } while (takeSymbol(L","));
+    beforeOrder_ = before;
     return all;
 }
 

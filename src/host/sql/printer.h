@@ -93,6 +93,7 @@ class Printer {
     void node(const DropColumns& node);
     void node(const DropConstraint& node);
 
+    void body(const Statement& statement);  // without its parameters
     void parameters(const std::vector<ParameterDeclaration>& parameters);
     void type(const DataType& type);
     void definition(const ColumnDefinition& column);

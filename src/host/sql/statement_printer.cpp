@@ -11,6 +11,10 @@ void Printer::print(const Statement& statement) {
         parameters(statement.parameters);
         add(L"; ");
     }
+    body(statement);
+}
+
+void Printer::body(const Statement& statement) {
     std::visit([this](const auto& one) { node(one); }, statement.body);
     add(statement.ownerAccess ? L" WITH OWNERACCESS OPTION" : L"");
 }
@@ -246,13 +250,13 @@ void Printer::node(const CreateView& node) {
 void Printer::node(const CreateProcedure& node) {
     add(L"CREATE PROCEDURE ");
     name(node.procedure);
-    if (!node.parameters.empty()) {
+    if (!node.statement->parameters.empty()) {
         add(L" (");
-        parameters(node.parameters);
+        parameters(node.statement->parameters);
         add(L")");
     }
     add(L" AS ");
-    print(*node.statement);
+    body(*node.statement);
 }
 
 }  // namespace sg::sql::detail

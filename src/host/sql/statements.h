@@ -173,9 +173,9 @@ struct CreateView {
     QueryPtr query;
 };
 
+// Its parameters are the statement's, wherever they are declared.
 struct CreateProcedure {
     Name procedure;
-    std::vector<ParameterDeclaration> parameters;
     StatementPtr statement;
 };
 

@@ -24,7 +24,7 @@ class SyntaxParser {
     explicit SyntaxParser(std::wstring_view text);
 
     Statement wholeStatement();
-    std::vector<ScriptEntry> script();
+    void script(std::vector<ScriptEntry>& into);
     ExpressionPtr wholeExpression();
 
   private:
@@ -196,6 +196,7 @@ class SyntaxParser {
     bool behindOperand_ = false;  // the lexer's place
     bool behindPoint_ = false;
     size_t lastEnd_ = 0;                // of the token before the present one
+    size_t beforeOrder_ = 0;            // where what the last ORDER BY orders ends
     SyntaxError clause_ = NoStatement;  // what a token that nothing takes is blamed on
     std::optional<size_t> expressionStart_;
     size_t itemStart_ = SIZE_MAX;  // where a Star may stand

@@ -91,6 +91,14 @@ std::wstring_view nameOf(AggregateFunction function) {
     return aggregates[static_cast<size_t>(function)];
 }
 
+std::wstring parameterName(const ColumnName& name) {
+    std::wstring joined;
+    for (const Name& part : name.qualifiers) {
+        joined += part.text + L"!";
+    }
+    return joined + name.name.text;
+}
+
 const TypeWord* typeOf(std::wstring_view word) {
     const auto* found =
         std::find_if(std::begin(typeWords), std::end(typeWords),

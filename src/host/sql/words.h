@@ -17,6 +17,9 @@ using jet::quotedName;
 std::optional<AggregateFunction> aggregateOf(std::wstring_view word);
 std::wstring_view nameOf(AggregateFunction function);
 
+// A parameter's name: its parts with "!" between them.
+SG_API std::wstring parameterName(const ColumnName& name);
+
 // A type as its first word tells it, and what may follow.
 struct TypeWord {
     std::wstring_view word;

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "base/encoding.h"
+#include "base/replacement_file.h"
 #include "host/system/folders.h"
 #include "host/system/paths.h"
 
@@ -158,6 +159,11 @@ bool isFolder(std::wstring_view path) {
     return status(path, info) && S_ISDIR(info.st_mode);
 }
 
+bool isRegularFile(std::wstring_view path) {
+    struct stat info;
+    return status(path, info) && S_ISREG(info.st_mode);
+}
+
 std::optional<int64_t> fileSize(std::wstring_view path) {
     struct stat info;
     if (!status(path, info)) return std::nullopt;
@@ -183,27 +189,10 @@ std::optional<std::string> readFile(std::wstring_view path) {
 }
 
 FileResult writeFileAtomically(std::wstring_view path, std::string_view content) {
-    std::wstring target = resolvePath(path).path;
-    std::error_code error;  // a link stays a link: the file that it leads to is replaced
-    const fs::path followed = fs::canonical(toUtf8(target), error);
-    if (!error) target = fromUtf8(followed.native());
-    const std::wstring beside = target + L".new-" + std::to_wstring(::getpid());
-    struct stat info;
-    const mode_t mode = ::stat(toUtf8(target).c_str(), &info) == 0 ? info.st_mode & 0777 : 0666;
-    Descriptor file(beside, O_WRONLY | O_CREAT | O_TRUNC, mode);
-    if (!file.isOpen()) return failure(L"write", target);
-    const bool written = writeAll(file.get(), content) && ::fsync(file.get()) == 0 &&
-                         file.close() &&
-                         ::rename(toUtf8(beside).c_str(), toUtf8(target).c_str()) == 0;
-    if (!written) {
-        FileResult result = failure(L"write", target);
-        ::unlink(toUtf8(beside).c_str());
-        return result;
-    }
-    const std::wstring_view parent = parentFolder(target);
-    const Descriptor folder(parent.empty() ? L"." : std::wstring(parent), O_RDONLY | O_DIRECTORY);
-    if (folder.isOpen()) ::fsync(folder.get());  // the new name is on disk too
-    return {true, {}};
+    const std::wstring target = resolvePath(path).path;
+    ReplacementFile file(target);
+    if (file.write(content) && file.commit()) return {true, {}};
+    return failure(L"write", target, file.error());
 }
 
 TemporaryFiles::~TemporaryFiles() {

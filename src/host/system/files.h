@@ -37,6 +37,7 @@ SG_API FileResult makeFolder(std::wstring_view path);
 
 SG_API bool isFile(std::wstring_view path);
 SG_API bool isFolder(std::wstring_view path);
+SG_API bool isRegularFile(std::wstring_view path);  // neither a folder nor a device or the like
 SG_API std::optional<int64_t> fileSize(std::wstring_view path);        // bytes; 0 for a folder
 SG_API std::optional<std::timespec> fileTime(std::wstring_view path);  // of its last change
 

@@ -4,6 +4,7 @@
 
 #include "base/encoding.h"
 #include "base/text.h"
+#include "host/system/registry_bytes.h"
 
 namespace sg {
 namespace {
@@ -56,29 +57,46 @@ std::string quoted(std::wstring_view text) {
     return out + '"';
 }
 
-std::string formatted(const RegistryData& data) {
+std::string hexNumber(uint32_t number) {
     std::string out;
+    for (int shift = 28; shift >= 0; shift -= 4)
+        out += hexDigit(number >> shift);
+    return out;
+}
+
+std::string hexBytes(const std::vector<uint8_t>& bytes) {
+    std::string out;
+    for (const uint8_t byte : bytes) {
+        if (!out.empty()) out += ',';
+        out += {hexDigit(byte >> 4), hexDigit(byte)};
+    }
+    return out;
+}
+
+std::string quotedTexts(const std::vector<std::wstring>& texts) {
+    std::string out;
+    for (const std::wstring& text : texts) {
+        if (!out.empty()) out += ',';
+        out += quoted(text);
+    }
+    return out;
+}
+
+std::string formatted(const RegistryData& data) {
     if (const auto* const text = std::get_if<RegistryText>(&data)) {
         return (text->expandable ? "expand:" : "") + quoted(text->text);
     }
     if (const auto* const number = std::get_if<uint32_t>(&data)) {
-        out = "dword:";
-        for (int shift = 28; shift >= 0; shift -= 4)
-            out += hexDigit(*number >> shift);
-    } else if (const auto* const bytes = std::get_if<std::vector<uint8_t>>(&data)) {
-        out = "hex:";
-        for (const uint8_t byte : *bytes) {
-            if (out.back() != ':') out += ',';
-            out += {hexDigit(byte >> 4), hexDigit(byte)};
-        }
-    } else {
-        out = "multi:";
-        for (const std::wstring& text : std::get<std::vector<std::wstring>>(data)) {
-            if (out.back() != ':') out += ',';
-            out += quoted(text);
-        }
+        return "dword:" + hexNumber(*number);
     }
-    return out;
+    if (const auto* const bytes = std::get_if<std::vector<uint8_t>>(&data)) {
+        return "hex:" + hexBytes(*bytes);
+    }
+    if (const auto* const texts = std::get_if<std::vector<std::wstring>>(&data)) {
+        return "multi:" + quotedTexts(*texts);
+    }
+    const auto& raw = std::get<RegistryRaw>(data);
+    return "hex(" + hexNumber(raw.type) + "):" + hexBytes(raw.bytes);
 }
 
 // Reads the pieces of one line from its left. Every take... answers false, or nothing, when the
@@ -150,12 +168,21 @@ class Scanner {
             return takeHex(8, number) ? std::optional<RegistryData>(number) : std::nullopt;
         }
         if (take("hex:")) return takeBytes();
+        if (take("hex(")) return takeRaw();
         if (take("multi:")) return takeTexts();
         return std::nullopt;
     }
 
   private:
-    std::optional<RegistryData> takeBytes() {
+    // Bytes that make their type after all become the value that they make.
+    std::optional<RegistryData> takeRaw() {
+        uint32_t type = 0;
+        if (!takeHex(8, type) || !take("):")) return std::nullopt;
+        const auto bytes = takeBytes();
+        return bytes ? std::optional(registryDataOf(type, *bytes)) : std::nullopt;
+    }
+
+    std::optional<std::vector<uint8_t>> takeBytes() {
         std::vector<uint8_t> bytes;
         for (uint32_t byte = 0; !atEnd(); bytes.push_back(static_cast<uint8_t>(byte))) {
             if (!bytes.empty() && !take(",")) return std::nullopt;

@@ -19,9 +19,17 @@ struct RegistryText {
     friend bool operator==(const RegistryText&, const RegistryText&) = default;
 };
 
-// A value: text, a 32-bit number, bytes, or several texts.
-using RegistryData =
-    std::variant<RegistryText, uint32_t, std::vector<uint8_t>, std::vector<std::wstring>>;
+// The bytes of a value of a type that the other forms do not have, or that do not make its type: a
+// text of an odd number of bytes, a number of five.
+struct RegistryRaw {
+    uint32_t type = 0;  // by the system of origin's numbers
+    std::vector<uint8_t> bytes;
+    friend bool operator==(const RegistryRaw&, const RegistryRaw&) = default;
+};
+
+// A value: text, a 32-bit number, bytes, several texts, or what is none of these.
+using RegistryData = std::variant<RegistryText, uint32_t, std::vector<uint8_t>,
+                                  std::vector<std::wstring>, RegistryRaw>;
 
 struct RegistryValue {
     std::wstring name;

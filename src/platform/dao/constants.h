@@ -4,11 +4,29 @@
 
 // The numbers by which programs name types, options and attributes to the database engine.
 
-// Types of recordsets.
-enum : int32_t { dbOpenTable = 1, dbOpenDynaset = 2, dbOpenSnapshot = 4 };
+// Types of recordsets. The default is that of what is opened: a table, or a dynaset of all else.
+enum : int32_t {
+    AFX_DAO_USE_DEFAULT_TYPE = -1,
+    dbOpenTable = 1,
+    dbOpenDynaset = 2,
+    dbOpenSnapshot = 4,
+};
 
 // Options of opening and executing.
 enum : int32_t { dbReadOnly = 4, dbFailOnError = 0x80 };
+
+// Types of queries.
+enum : int16_t {
+    dbQSelect = 0,
+    dbQCrosstab = 16,
+    dbQDelete = 32,
+    dbQUpdate = 48,
+    dbQAppend = 64,
+    dbQMakeTable = 80,
+    dbQDDL = 96,
+    dbQSQLPassThrough = 112,
+    dbQSetOperation = 128,
+};
 
 // Types of fields.
 enum : int16_t {

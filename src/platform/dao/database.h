@@ -74,6 +74,17 @@ class SG_API CDaoDatabase {
                          uint32_t level = AFX_DAO_PRIMARY_INFO);
     void DeleteQueryDef(const std::wstring& name);
 
+    // Runs a statement that changes rows or the design, or the stored query of this name. It is one
+    // transaction. With dbFailOnError a row that is refused (3022, 3058, 3163, 3200, 3201, 3260,
+    // 3314, 3317, 3421...) undoes it whole and throws; without, such rows are left out, the others
+    // are written and nothing is thrown for them. Throws all else that is wrong in any case: the
+    // syntax, 3061 for a name that is nothing, 3065 for a select query, 3078 for a table that is
+    // not there, 3211 for a change of a table that a recordset is open on, 3027 in a database that
+    // is only read.
+    void Execute(const std::wstring& sql, int32_t options = dbFailOnError);
+    // By the last Execute of this object.
+    int32_t GetRecordsAffected() const { return recordsAffected_; }
+
     int32_t m_nStatus = 0;  // 0 or 1: the object can be used, open or not
     bool m_bOpen = false;
 
@@ -82,6 +93,7 @@ class SG_API CDaoDatabase {
 
   private:
     std::shared_ptr<sg::dao::DatabaseSession> session_;  // never null
+    int32_t recordsAffected_ = 0;
 };
 
 class SG_API CDaoWorkspace {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/dao/constants.h"
+#include "platform/variant/ole_variant.h"
 
 // What the engine tells of the parts of a database, and is told to make them. An information call
 // fills the members of its level and of those before it, and sets the others as a new object has
@@ -84,10 +85,18 @@ struct CDaoRelationInfo {
     int16_t m_nFields = 0;  // as many; only told
 };
 
+struct CDaoParameterInfo {
+    // primary
+    std::wstring m_strName;  // without brackets
+    int16_t m_nType = 0;     // dbBoolean ... dbDecimal; dbText where it takes any value
+    // secondary
+    COleVariant m_varValue;  // VT_EMPTY where none was set
+};
+
 struct CDaoQueryDefInfo {
     // primary
     std::wstring m_strName;
-    int16_t m_nType = 0;
+    int16_t m_nType = 0;  // dbQ...
     // secondary
     double m_dateCreated = 0;
     double m_dateLastUpdated = 0;

@@ -8,6 +8,8 @@
 #include "platform/dao/database.h"
 #include "platform/variant/ole_variant.h"
 
+class CDaoQueryDef;
+
 // Rows under a cursor. Before the first row (BOF) and behind the last (EOF) there is no current
 // record, in which case what needs one throws 3021.
 //
@@ -22,16 +24,24 @@ class SG_API CDaoRecordset {
     CDaoRecordset(const CDaoRecordset&) = delete;
     CDaoRecordset& operator=(const CDaoRecordset&) = delete;
 
-    // Opens the table `source` as dbOpenTable or dbOpenSnapshot, and stands on the first record.
-    // `options` may have dbReadOnly. A linked table opens as a snapshot only (3219 for
-    // dbOpenTable). Throws 3011 for dbOpenTable and 3078 for dbOpenSnapshot when there is no such
-    // table.
+    // Opens `source`, and stands on the first record: a table, a stored query, or the text of a
+    // SELECT, TRANSFORM or UNION query. `options` may have dbReadOnly.
+    //
+    // dbOpenTable is for tables of this file alone: 3219 for a linked one, 3011 for what is none.
+    // A snapshot holds the rows as they are now. A dynaset of a table, linked or not, is its
+    // records as dbOpenTable has them, but without indexes (3251); one of a query is only read, and
+    // has the rows as they are now (AddNew, Edit and Delete throw 3027, of a snapshot 3251).
+    //
+    // Throws 3078 when there is no such table or query, what is wrong in a text, 3061 for names in
+    // it that are nothing, and 3219 for a statement that gives no rows.
     virtual void Open(int32_t type, const std::wstring& source, int32_t options = 0);
+    // The rows of a query with the values of its parameters; as the other for its text.
+    virtual void Open(CDaoQueryDef* query, int32_t type = dbOpenDynaset, int32_t options = 0);
     virtual void Close();
     bool IsOpen() const;
-    // The source as it was given; "" unless it is open.
+    // The source as it was given, of a query its name or its text; "" unless it is open.
     std::wstring GetName() const;
-    // dbOpenTable or dbOpenSnapshot.
+    // dbOpenTable, dbOpenDynaset or dbOpenSnapshot.
     int16_t GetType() const;
     bool CanUpdate() const;
 
@@ -52,7 +62,7 @@ class SG_API CDaoRecordset {
     // from there comes back to the last or first record. Throws 3021 when it is there already.
     virtual void Move(int32_t rows);
 
-    // Of a table: exactly. Of a snapshot: all its rows.
+    // Of a table: exactly. Of others: all their rows.
     int32_t GetRecordCount() const;
 
     // To the first record (for "<" and "<=": the last) whose leading index fields compare so with
@@ -71,7 +81,9 @@ class SG_API CDaoRecordset {
                       uint32_t level = AFX_DAO_PRIMARY_INFO);
 
     int16_t GetFieldCount();
-    // Fields are counted in the order in which programs show them. These throw 3265.
+    // Fields are counted in the order in which programs show them. These throw 3265. A query's
+    // field that is a table's field as it stands tells which (m_strSourceTable, m_strSourceField)
+    // and what that one is like.
     void GetFieldInfo(int index, CDaoFieldInfo& info, uint32_t level = AFX_DAO_PRIMARY_INFO);
     void GetFieldInfo(const std::wstring& name, CDaoFieldInfo& info,
                       uint32_t level = AFX_DAO_PRIMARY_INFO);

@@ -215,7 +215,8 @@ TEST(SqlParser, Definitions) {
 
 TEST(SqlParser, Scripts) {
     const std::wstring text = L";SELECT ?; explain PARAMETERS x Long; SELECT ?, x;;DELETE FROM t;";
-    const std::vector<ScriptEntry> script = parseScript(text);
+    std::vector<ScriptEntry> script;
+    parseScript(text, script);
     ASSERT_EQ(script.size(), 3u);
     EXPECT_EQ(script[0].statement.range.of(text), L"SELECT ?");
     EXPECT_EQ(script[0].statement.positionalParameters, 1u);
@@ -224,8 +225,11 @@ TEST(SqlParser, Scripts) {
     EXPECT_EQ(script[1].statement.range.of(text), L"PARAMETERS x Long; SELECT ?, x");
     EXPECT_EQ(script[1].statement.positionalParameters, 1u);
     EXPECT_EQ(script[2].statement.range.of(text), L"DELETE FROM t");
-    EXPECT_TRUE(parseScript(L" ;; ").empty());
-    EXPECT_THROW(parseScript(L"SELECT 1; SELECT"), jet::Error);
+    std::vector<ScriptEntry> others;
+    parseScript(L" ;; ", others);
+    EXPECT_TRUE(others.empty());
+    EXPECT_THROW(parseScript(L"SELECT 1; SELECT", others), jet::Error);
+    EXPECT_EQ(others.size(), 1u);
 }
 
 TEST(SqlParser, RangesOfClauses) {

@@ -55,6 +55,8 @@ TEST_F(RegistryTest, EveryTypeSurvivesTheFile) {
         {L"none", std::vector<uint8_t>{}},
         {L"texts", std::vector<std::wstring>{L"a", L"", L"b,\"c\""}},
         {L"no texts", std::vector<std::wstring>{}},
+        {L"odd text", RegistryRaw{1, {'a', 0, 0, 0, 0}}},
+        {L"a type without a form", RegistryRaw{0xFFFFFFFF, {}}},
     };
     for (const auto& [name, data] : values) {
         ASSERT_EQ(open().write(kShared, name, data, true), RegistryError::none);

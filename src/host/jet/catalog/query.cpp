@@ -5,6 +5,29 @@
 #include "host/jet/catalog/query_sql.h"
 
 namespace sg::jet {
+namespace {
+
+struct KindNumber {
+    QueryKind kind;
+    uint32_t flags;
+};
+
+constexpr KindNumber kindNumbers[] = {
+    {QueryKind::Select, 0x00},         {QueryKind::Crosstab, 0x10},    {QueryKind::Delete, 0x20},
+    {QueryKind::Update, 0x30},         {QueryKind::Append, 0x40},      {QueryKind::MakeTable, 0x50},
+    {QueryKind::DataDefinition, 0x60}, {QueryKind::PassThrough, 0x70}, {QueryKind::Union, 0x80},
+};
+
+}  // namespace
+
+uint32_t catalogFlags(QueryKind kind) {
+    for (const KindNumber& each : kindNumbers) {
+        if (each.kind == kind) {
+            return each.flags;
+        }
+    }
+    return 0;
+}
 
 QueryKind Query::kind() const {
     for (const QueryRow& row : rows) {
@@ -14,29 +37,25 @@ QueryKind Query::kind() const {
                        : QueryKind::Unknown;
         }
     }
-    // The catalog has its own numbers for the same kinds.
-    switch (flags & 0xf0) {
-        case 0x00:
-            return QueryKind::Select;
-        case 0x10:
-            return QueryKind::Crosstab;
-        case 0x20:
-            return QueryKind::Delete;
-        case 0x30:
-            return QueryKind::Update;
-        case 0x40:
-            return QueryKind::Append;
-        case 0x50:
-            return QueryKind::MakeTable;
-        case 0x60:
-            return QueryKind::DataDefinition;
-        case 0x70:
-            return QueryKind::PassThrough;
-        case 0x80:
-            return QueryKind::Union;
-        default:
-            return QueryKind::Unknown;
+    const uint32_t number = flags & queryKindFlags;
+    for (const KindNumber& each : kindNumbers) {
+        if (each.flags == number) {
+            return each.kind;
+        }
     }
+    return QueryKind::Unknown;
+}
+
+std::wstring Query::connect() const {
+    if (kind() != QueryKind::PassThrough) {
+        return {};
+    }
+    for (const QueryRow& row : rows) {
+        if (row.attribute == queryAttributes::kind) {
+            return row.name1.value_or(L"");
+        }
+    }
+    return {};
 }
 
 std::wstring Query::sql() const {

@@ -12,11 +12,6 @@ namespace {
 
 namespace attr = queryAttributes;
 
-constexpr int valueFlag = 0x8000;  // of an appended column: a value instead of a selected column
-constexpr int pivotFlag = 1;       // of a crosstab's column: its values become columns
-constexpr int rowFlag = 2;         // of a crosstab's column: it stands at the left of a row
-constexpr int deepestJoins = 100;
-
 const std::wstring lineEnd = L"\r\n";
 
 bool any(const QueryRow&) {
@@ -33,21 +28,31 @@ std::wstring quoted(std::wstring_view name) {
     return isQuoted ? std::wstring(name) : quotedName(name);
 }
 
-// A name of parts with points between them.
-std::wstring quotedPath(std::wstring_view path) {
+// A name of parts with points, of a parameter exclamation marks, between them.
+std::wstring quotedPath(std::wstring_view path, wchar_t between = L'.') {
     if (path.find(L'[') != std::wstring_view::npos) {
         return std::wstring(path);
     }
     std::wstring text;
     while (true) {
-        const size_t point = path.find(L'.');
-        text += quoted(path.substr(0, point));
-        if (point == std::wstring_view::npos) {
+        const size_t end = path.find(between);
+        text += quoted(path.substr(0, end));
+        if (end == std::wstring_view::npos) {
             return text;
         }
-        text += L'.';
-        path.remove_prefix(point + 1);
+        text += between;
+        path.remove_prefix(end + 1);
     }
+}
+
+// Whether what stands in place of a table is a query and no file.
+bool isStatement(std::wstring_view text) {
+    text = trimmed(text);
+    const auto begins = [&](std::wstring_view word) {
+        return text.size() > word.size() && isBlank(text[word.size()]) &&
+               equalIgnoringCase(text.substr(0, word.size()), word);
+    };
+    return text.starts_with(L'(') || begins(L"SELECT") || begins(L"TABLE");
 }
 
 std::wstring withAlias(std::wstring text, const std::optional<std::wstring>& alias) {
@@ -59,7 +64,11 @@ std::wstring remoteDatabase(const std::optional<std::wstring>& path,
     if (!path && !connect) {
         return L"";
     }
-    std::wstring text = L" IN '" + path.value_or(L"") + L"'";
+    std::wstring text = L" IN '";
+    for (const wchar_t c : path.value_or(L"")) {
+        text.append(c == L'\'' ? 2 : 1, c);
+    }
+    text += L'\'';
     return connect ? text + L" [" + *connect + L"]" : text;
 }
 
@@ -161,8 +170,9 @@ std::wstring QueryWriter::parameters() const {
         if (type == nullptr) {
             fail(L"a parameter has the unknown type " + std::to_wstring(flagOf(row)));
         }
-        std::wstring text = quoted(row.name1.value_or(L"")) + L" " + type;
-        if (flagOf(row) == static_cast<int>(ColumnType::Text) && row.extra.value_or(0) > 0) {
+        std::wstring text = quotedPath(row.name1.value_or(L""), L'!') + L" " + type;
+        const auto holds = [&](ColumnType type) { return flagOf(row) == static_cast<int>(type); };
+        if ((holds(ColumnType::Text) || holds(ColumnType::Binary)) && row.extra.value_or(0) > 0) {
             text += L" (" + std::to_wstring(*row.extra) + L")";
         }
         return text;
@@ -186,8 +196,10 @@ std::wstring QueryWriter::selection() const {
 }
 
 std::wstring QueryWriter::columns(const std::function<bool(const QueryRow&)>& keep) const {
-    std::wstring all = list(attr::column, keep, [](const QueryRow& row) {
-        return withAlias(row.expression.value_or(L""), row.name1);
+    // A row without an expression names one more column that a star fills.
+    const auto isColumn = [&](const QueryRow& row) { return row.expression && keep(row); };
+    std::wstring all = list(attr::column, isColumn, [](const QueryRow& row) {
+        return withAlias(*row.expression, row.name1);
     });
     if (hasOption(queryOptions::star)) {
         all += all.empty() ? L"*" : L", *";
@@ -225,12 +237,15 @@ QueryWriter::Sources QueryWriter::tables() const {
         auto source = std::make_unique<Source>();
         const std::wstring name = row.name1.value_or(L"");
         source->name = row.name2.value_or(name);
-        // The expression is the other file, or a statement in parentheses.
-        source->text = row.expression ? L"[" + *row.expression + L"]" : L"";
-        if (row.expression && row.name1) {
-            source->text += L".";
+        // The expression is the other file, or a statement.
+        if (!row.expression) {
+            source->text = quotedPath(name);
+        } else if (!row.name1 && isStatement(*row.expression)) {
+            source->text = L"(" + cleaned(*row.expression) + L")";
+        } else {
+            source->text = L"[" + *row.expression + L"]" + (row.name1 ? L"." : L"") + quoted(name);
         }
-        source->text = withAlias(source->text + quotedPath(name), row.name2);
+        source->text = withAlias(source->text, row.name2);
         sources.push_back(std::move(source));
     }
     return sources;
@@ -250,40 +265,40 @@ QueryWriter::Source* QueryWriter::meetingJoin(Source* source, std::wstring_view 
     return nullptr;
 }
 
-std::unique_ptr<QueryWriter::Source> QueryWriter::takeSource(Sources& sources,
-                                                             const std::wstring& table) const {
+// The place of the source that holds the table; one that only joins name comes behind the others.
+size_t QueryWriter::placeOf(Sources& sources, const std::wstring& table) {
     const auto found = std::find_if(sources.begin(), sources.end(),
                                     [&](const auto& s) { return s->contains(table); });
     if (found != sources.end()) {
-        std::unique_ptr<Source> source = std::move(*found);
-        sources.erase(found);
-        return source;
+        return static_cast<size_t>(found - sources.begin());
     }
     auto source = std::make_unique<Source>();
     source->name = table;
     source->text = quotedPath(table);
-    return source;
+    sources.push_back(std::move(source));
+    return sources.size() - 1;
 }
 
 void QueryWriter::applyJoin(Sources& sources, const QueryRow& join) const {
     const std::wstring from = join.name1.value_or(L"");
     const std::wstring to = join.name2.value_or(L"");
-    std::unique_ptr<Source> left = takeSource(sources, from);
-    if (left->contains(to)) {
-        Source* meeting = meetingJoin(left.get(), from, to);
+    const size_t left = placeOf(sources, from);
+    const size_t right = placeOf(sources, to);
+    if (left == right) {
+        Source* meeting = meetingJoin(sources[left].get(), from, to);
         if (meeting == nullptr || meeting->joinKind != flagOf(join)) {
             fail(L"the joins of " + from + L" and " + to + L" contradict each other");
         }
         meeting->conditions.push_back(join.expression.value_or(L""));
-        sources.push_back(std::move(left));
         return;
     }
     auto joined = std::make_unique<Source>();
-    joined->left = std::move(left);
-    joined->right = takeSource(sources, to);
+    joined->left = std::move(sources[left]);
+    joined->right = std::move(sources[right]);
     joined->joinKind = flagOf(join);
     joined->conditions.push_back(join.expression.value_or(L""));
-    sources.push_back(std::move(joined));
+    sources[std::min(left, right)] = std::move(joined);
+    sources.erase(sources.begin() + static_cast<std::ptrdiff_t>(std::max(left, right)));
 }
 
 std::wstring QueryWriter::from() const {
@@ -291,7 +306,7 @@ std::wstring QueryWriter::from() const {
     int joins = 0;
     for (const QueryRow& row : query_.rows) {
         if (row.attribute == attr::join) {
-            if (++joins > deepestJoins) {
+            if (++joins > maxQueryJoins) {
                 fail(L"it has more joins than a query can have");
             }
             applyJoin(sources, row);
@@ -335,7 +350,7 @@ std::wstring QueryWriter::restriction(
 
 std::wstring QueryWriter::select(const std::wstring& into) const {
     const auto isColumn = [&](const QueryRow& row) {
-        return query_.kind() != QueryKind::Append || (flagOf(row) & valueFlag) == 0;
+        return query_.kind() != QueryKind::Append || (flagOf(row) & queryColumns::value) == 0;
     };
     std::wstring all = L"SELECT " + selection() + columns(isColumn) + into;
     if (const std::wstring sources = from(); !sources.empty()) {
@@ -365,7 +380,7 @@ std::wstring QueryWriter::append() const {
     all += names.empty() ? L"" : L" (" + names + L")";
     all += remoteDatabase(target->name2, target->expression) + lineEnd;
     const std::wstring values = list(
-        attr::column, [](const QueryRow& row) { return (flagOf(row) & valueFlag) != 0; },
+        attr::column, [](const QueryRow& row) { return (flagOf(row) & queryColumns::value) != 0; },
         [](const QueryRow& row) { return row.expression.value_or(L""); });
     return all + (values.empty() ? select(L"") : L"VALUES (" + values + L")");
 }
@@ -384,12 +399,12 @@ std::wstring QueryWriter::remove() const {
 }
 
 std::wstring QueryWriter::crosstab() const {
-    const auto isRow = [](const QueryRow& row) { return (flagOf(row) & rowFlag) != 0; };
+    const auto isRow = [](const QueryRow& row) { return (flagOf(row) & queryColumns::row) != 0; };
     const auto isPivot = [](const QueryRow& row) {
-        return (flagOf(row) & (pivotFlag | rowFlag)) == pivotFlag;
+        return (flagOf(row) & (queryColumns::pivot | queryColumns::row)) == queryColumns::pivot;
     };
     const auto isCell = [](const QueryRow& row) {
-        return (flagOf(row) & (pivotFlag | rowFlag)) == 0;
+        return (flagOf(row) & (queryColumns::pivot | queryColumns::row)) == 0;
     };
     std::wstring all;
     const std::wstring cell = list(attr::column, isCell, [](const QueryRow& row) {

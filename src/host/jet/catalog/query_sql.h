@@ -60,7 +60,7 @@ class QueryWriter {
 
     Sources tables() const;
     void applyJoin(Sources& sources, const QueryRow& join) const;
-    std::unique_ptr<Source> takeSource(Sources& sources, const std::wstring& table) const;
+    static size_t placeOf(Sources& sources, const std::wstring& table);
     static Source* meetingJoin(Source* source, std::wstring_view a, std::wstring_view b);
 
     const Query& query_;

@@ -140,13 +140,6 @@ std::optional<Interval> intervalOf(std::wstring_view text) {
     return std::nullopt;
 }
 
-std::wstring_view monthName(int month) {
-    static constexpr std::wstring_view names[] = {
-        L"January", L"February", L"March",     L"April",   L"May",      L"June",
-        L"July",    L"August",   L"September", L"October", L"November", L"December"};
-    return names[month - 1];
-}
-
 std::wstring_view weekdayName(int weekday) {
     static constexpr std::wstring_view names[] = {L"Sunday",   L"Monday", L"Tuesday", L"Wednesday",
                                                   L"Thursday", L"Friday", L"Saturday"};

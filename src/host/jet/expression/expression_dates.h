@@ -39,7 +39,6 @@ std::optional<Interval> intervalOf(std::wstring_view text);
 // What the process's clock tells: setExpressionClock().
 Date now();
 
-std::wstring_view monthName(int month);      // 1 to 12
 std::wstring_view weekdayName(int weekday);  // 1 is Sunday
 
 }  // namespace sg::jet::detail

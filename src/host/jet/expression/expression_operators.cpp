@@ -124,14 +124,16 @@ Decimal calculate(Operator op, const Decimal& a, const Decimal& b) {
 }
 
 // Of the operands of +, - and *: the higher of the two, but that a Long doesn't fit in a Single,
-// that times a Double a Currency is one, and that dates keep to adding and subtracting.
+// that times a Single or a Double a Currency is a Double, and that dates keep to adding and
+// subtracting.
 Rank resultRank(Operator op, Rank a, Rank b) {
     const Rank low = std::min(a, b);
     const Rank high = std::max(a, b);
     if (high == Rank::Single && low == Rank::Long) {
         return Rank::Double;
     }
-    if (op == Operator::Multiply && high == Rank::Currency && low == Rank::Double) {
+    const bool isReal = low == Rank::Single || low == Rank::Double;
+    if (op == Operator::Multiply && high == Rank::Currency && isReal) {
         return Rank::Double;
     }
     if (high == Rank::Date &&

@@ -79,6 +79,7 @@ constexpr Entry entries[] = {
     {3059, L"Operation canceled by user."},
     {3061, L"Too few parameters. Expected |."},
     {3062, L"Duplicate output alias '|'."},
+    {3063, L"Duplicate output destination '|'."},
     {3065, L"Cannot execute a select query."},
     {3070,
      L"The Microsoft Jet database engine does not recognize '|' as a valid field name or "
@@ -102,12 +103,14 @@ constexpr Entry entries[] = {
     {3099, L"Cannot have aggregate function in JOIN operation '|'."},
     {3102, L"Circular reference caused by '|'."},
     {3103, L"Circular reference caused by alias '|' in query definition's SELECT list."},
+    {3104, L"Cannot specify fixed column heading '|' in a crosstab query more than once."},
     {3112, L"Record(s) cannot be read; no read permission on '|'."},
     {3113, L"Cannot update '|'; field not updateable."},
     {3121, L"Cannot group on fields selected with '|'."},
     {3122,
      L"You tried to execute a query that does not include the specified expression '|' as part "
      L"of an aggregate function."},
+    {3123, L"Cannot use '*' in crosstab query."},
     {3125,
      L"'|' is not a valid name. Make sure that it does not include invalid characters or "
      L"punctuation and that it is not too long."},

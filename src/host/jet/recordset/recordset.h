@@ -23,6 +23,9 @@ struct RecordColumn {
     std::wstring name;
     ColumnType type = ColumnType::Text;
     uint32_t size = 0;  // bytes; of Text characters; 0 for long values
+    // Of a result's column that is a table's column as it stands: which one. Else "".
+    std::wstring sourceTable{};
+    std::wstring sourceColumn{};
 };
 
 enum class EditMode { None, Edit, AddNew };

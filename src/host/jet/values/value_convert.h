@@ -42,10 +42,14 @@ SG_API bool toDouble(const Value& value, double& number);
 SG_API std::wstring toInvariantText(const Value& value);
 
 // Reads a date, a time or both, with blanks between them (or "T") and around: "yyyy-mm-dd" and
-// "m/d/yyyy", each with "/" or "-", years of two digits from 1930 to 2029; "h:mm", "h:mm:ss",
+// "m/d/yyyy", each with "/" or "-", where a first number above 12 is the day; "January 31, 2017",
+// "31 Jan 2017" and the like, in English; years of two digits from 1930 to 2029; "h:mm", "h:mm:ss",
 // "h:mm:ss.fff", each also with AM or PM, and "h AM". False for any other text and for what is no
 // date.
 SG_API bool parseDate(std::wstring_view text, Date& date);
+
+// In English; 1 is January.
+SG_API std::wstring_view monthName(int month);
 
 // The reverse of partsOf(). False, with `date` as it was, for parts that name no day of the years
 // 100 to 9999 or no time of a day.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "base/text.h"
 #include "host/jet/values/text_codec.h"
@@ -112,8 +113,9 @@ class DateParser {
             return false;
         }
         DateParts parts{1899, 12, 30, 0, 0, 0};
-        const bool hasDate = rest_.find_first_of(L"/-") != std::wstring_view::npos;
-        if (hasDate && !takeDate(parts)) {
+        const bool hasName = namesMonth();
+        const bool hasDate = hasName || rest_.find_first_of(L"/-") != std::wstring_view::npos;
+        if (hasDate && !(hasName ? takeNamedDate(parts) : takeDate(parts))) {
             return false;
         }
         if (!rest_.empty() && (!takeBreak(hasDate) || !takeTime(parts))) {
@@ -155,7 +157,8 @@ class DateParser {
         return takeNumber(most, number, count);
     }
 
-    // Year first when that has four digits, else month, day, year.
+    // Year first when that has four digits, else month, day, year; where there is no such month,
+    // the day is first.
     bool takeDate(DateParts& parts) {
         int first = 0;
         size_t digits = 0;
@@ -172,8 +175,66 @@ class DateParser {
                    takeNumber(2, parts.day);
         }
         parts.month = first;
-        return digits <= 2 && take(mark) && takeNumber(2, parts.day) && take(mark) &&
+        if (digits > 2 || !take(mark) || !takeNumber(2, parts.day) || !take(mark) ||
+            !takeYear(parts.year)) {
+            return false;
+        }
+        if (parts.month > 12) {
+            std::swap(parts.month, parts.day);
+        }
+        return true;
+    }
+
+    // The word that begins the rest.
+    std::wstring_view word() const {
+        size_t size = 0;
+        while (size < rest_.size() && toUpper(rest_[size]) >= L'A' &&
+               toUpper(rest_[size]) <= L'Z') {
+            ++size;
+        }
+        return rest_.substr(0, size);
+    }
+
+    // Whether the first word is a month's name.
+    bool namesMonth() {
+        const std::wstring_view all = rest_;
+        while (!rest_.empty() && word().empty()) {
+            rest_.remove_prefix(1);
+        }
+        int month = 0;
+        const bool is = takeMonth(month);
+        rest_ = all;
+        return is;
+    }
+
+    // Its whole name, or the first three letters.
+    bool takeMonth(int& month) {
+        const std::wstring_view given = word();
+        for (month = 1; month <= 12; ++month) {
+            const std::wstring_view name = monthName(month);
+            if (equalIgnoringCase(given, name) || equalIgnoringCase(given, name.substr(0, 3))) {
+                rest_.remove_prefix(given.size());
+                return true;
+            }
+        }
+        return false;
+    }
+
+    // "January 31, 2017", "31 Jan 2017", "31-Jan-2017".
+    bool takeNamedDate(DateParts& parts) {
+        if (isAtDigit()) {
+            return takeNumber(2, parts.day) && takeMark() && takeMonth(parts.month) && takeMark() &&
+                   takeYear(parts.year);
+        }
+        return takeMonth(parts.month) && takeMark() && takeNumber(2, parts.day) && takeMark() &&
                takeYear(parts.year);
+    }
+
+    // What stands between the parts of such a date.
+    bool takeMark() {
+        const size_t size = std::min(rest_.find_first_not_of(L" ,-/"), rest_.size());
+        rest_.remove_prefix(size);
+        return size > 0;
     }
 
     bool takeYear(int& year) {
@@ -279,6 +340,13 @@ bool dateOfParts(const DateParts& parts, Date& date) {
     const double time = (parts.hour * 3600 + parts.minute * 60 + parts.second) / 86400.0;
     date.days = day < 0 ? day - time : day + time;
     return true;
+}
+
+std::wstring_view monthName(int month) {
+    static constexpr std::wstring_view names[] = {
+        L"January", L"February", L"March",     L"April",   L"May",      L"June",
+        L"July",    L"August",   L"September", L"October", L"November", L"December"};
+    return names[month - 1];
 }
 
 bool parseDate(std::wstring_view text, Date& date) {

@@ -21,9 +21,12 @@ namespace {
 
 enum ActionError : int {
     NotUpdateable = 3073,
+    LockedHere = 3188,
     NoTableToDelete = 3128,
     UnknownInsertColumn = 3127,
     CountOfValues = 3346,
+    ColumnTwice = 3063,
+    NoOutputTable = 3192,
     CannotDelete = 3086,
     NotUpdateableColumn = 3113,
 };
@@ -73,6 +76,12 @@ std::vector<ColumnName> insertColumns(const Insert& statement, const Scope& scop
     if (names.size() != program.columns.size()) {
         throw jet::Error(CountOfValues);
     }
+    std::set<std::wstring> given;
+    for (const ColumnName& column : names) {
+        if (!given.insert(upperCased(column.name.text)).second) {
+            throw jet::Error(ColumnTwice, {column.name.text});
+        }
+    }
     return names;
 }
 
@@ -106,7 +115,14 @@ Scope scopeOf(const Insert& statement, Translator& translator) {
     source->node = TableReference{statement.table, {}};
     from.sources.push_back(std::move(source));
     from.database = statement.database;
-    return translator.sources(from);
+    try {
+        return translator.sources(from);
+    } catch (const jet::Error& error) {
+        if (error.code() == jet::InputTableNotFound) {
+            throw jet::Error(NoOutputTable, error.names(), error.place());
+        }
+        throw;
+    }
 }
 
 // Runs `write`, which converts the values of `row` and leaves what it can't convert.
@@ -127,6 +143,46 @@ void written(const jet::TableWriter& writer, const std::vector<jet::Value>& row,
 
 jet::RowId rowIdOf(const jet::Value& value) {
     return jet::RowId::fromPacked(static_cast<uint32_t>(std::get<int64_t>(value)));
+}
+
+// Whether an error is about the row that is written, and not about all of the work.
+bool isOfRow(int code) {
+    static constexpr int codes[] = {jet::DuplicateKey,
+                                    jet::NullInIndex,
+                                    jet::RecordTooLarge,
+                                    jet::FieldTooSmall,
+                                    LockedHere,
+                                    jet::RecordChanged,
+                                    jet::RelatedRecordsExist,
+                                    jet::RelatedRecordRequired,
+                                    jet::LockedByUser,
+                                    jet::NullInRequiredField,
+                                    jet::ZeroLengthField,
+                                    jet::ValidationMessage,
+                                    jet::ValidationRule,
+                                    jet::CascadeNeedsRecord,
+                                    jet::CascadeNullKey,
+                                    jet::CascadeDuplicateKey,
+                                    jet::TwoCascadingUpdates,
+                                    jet::ConversionError};
+    return std::find(std::begin(codes), std::end(codes), code) != std::end(codes);
+}
+
+// Whether `write` has written its row: one that is refused may be left out.
+template <class Write>
+bool wrote(const Setting& setting, const jet::Database& database, Write write) {
+    const int depth = database.transactionDepth();
+    try {
+        write();
+        return true;
+    } catch (const jet::Error& error) {
+        const bool isLeftOut = setting.refused == Refused::IsLeftOut && isOfRow(error.code()) &&
+                               database.transactionDepth() == depth;
+        if (!isLeftOut) {
+            throw;
+        }
+        return false;
+    }
 }
 
 // One transaction on every database that is written. What fails before the first commit undoes all;
@@ -193,8 +249,10 @@ std::vector<std::pair<jet::RowId, size_t>> lastOfEach(const jet::PackedRows& row
     return last;
 }
 
-void updateTable(const Setting& setting, const Target& target, const jet::PackedRows& rows,
-                 size_t place, size_t targets) {
+// Answers the rows that were refused and left out.
+std::set<jet::RowId> updateTable(const Setting& setting, const Target& target,
+                                 const jet::PackedRows& rows, size_t place, size_t targets) {
+    std::set<jet::RowId> refused;
     jet::TableWriter& writer = target.table.database->writer(target.table.name);
     const std::vector<jet::Column>& columns = writer.definition().columns;
     std::vector<jet::Value> row;
@@ -211,19 +269,26 @@ void updateTable(const Setting& setting, const Target& target, const jet::Packed
         for (size_t i = 0; i < target.columns.size(); ++i) {
             rows.value(joined, targets + target.values[i], row[target.columns[i]]);
         }
-        written(writer, row, [&, id = id] { writer.update(id, row, changed); });
+        const auto write = [&, id = id] {
+            written(writer, row, [&] { writer.update(id, row, changed); });
+        };
+        if (!wrote(setting, *target.table.database, write)) {
+            refused.insert(id);
+        }
     }
+    return refused;
 }
 
-// How many of the joined rows have a row of one of the tables.
-int64_t countOfChanged(const jet::PackedRows& rows, size_t targets) {
+// How many of the joined rows have a row of one of the tables that was not refused.
+int64_t countOfChanged(const jet::PackedRows& rows,
+                       const std::vector<std::set<jet::RowId>>& refused) {
     int64_t count = 0;
     jet::Value id;
     for (size_t i = 0; i < rows.size(); ++i) {
         bool any = false;
-        for (size_t target = 0; target < targets && !any; ++target) {
+        for (size_t target = 0; target < refused.size() && !any; ++target) {
             rows.value(i, target, id);
-            any = !jet::isNull(id);
+            any = !jet::isNull(id) && !refused[target].contains(rowIdOf(id));
         }
         count += any ? 1 : 0;
     }
@@ -338,6 +403,7 @@ int64_t insert(const Setting& setting, const Insert& statement) {
     const jet::PackedRows rows = collected(setting, program);
     jet::TableWriter& writer = target.table.database->writer(target.table.name);
     std::vector<jet::Value> row;
+    int64_t count = 0;
     for (size_t i = 0; i < rows.size(); ++i) {
         setting.engine.passRow();
         row.clear();
@@ -345,10 +411,13 @@ int64_t insert(const Setting& setting, const Insert& statement) {
         for (size_t column = 0; column < target.places.size(); ++column) {
             rows.value(i, column, row[target.places[column]]);
         }
-        written(writer, row, [&] { writer.insert(row); });
+        count += wrote(setting, *target.table.database,
+                       [&] { written(writer, row, [&] { writer.insert(row); }); })
+                     ? 1
+                     : 0;
     }
     transactions.commit();
-    return static_cast<int64_t>(rows.size());
+    return count;
 }
 
 int64_t update(const Setting& setting, const Update& statement) {
@@ -367,11 +436,12 @@ int64_t update(const Setting& setting, const Update& statement) {
     }
     const Program program = translator.rows(scope, statement.where.get(), bases, values);
     const jet::PackedRows rows = collected(setting, program);
+    std::vector<std::set<jet::RowId>> refused;
     for (size_t i = 0; i < targets.size(); ++i) {
-        updateTable(setting, targets[i], rows, i, targets.size());
+        refused.push_back(updateTable(setting, targets[i], rows, i, targets.size()));
     }
     transactions.commit();
-    return countOfChanged(rows, targets.size());
+    return countOfChanged(rows, refused);
 }
 
 int64_t erase(const Setting& setting, const Delete& statement) {
@@ -391,19 +461,21 @@ int64_t erase(const Setting& setting, const Delete& statement) {
         }
     }
     jet::TableWriter& writer = target.database->writer(target.name);
+    int64_t count = 0;
     for (const jet::RowId row : ids) {
         setting.engine.passRow();
         try {
-            writer.erase(row);
+            count += wrote(setting, *target.database, [&] { writer.erase(row); }) ? 1 : 0;
         } catch (const jet::Error& error) {
             // A relation from the table to itself may have taken the row with another one.
             if (error.code() != jet::RecordDeleted) {
                 throw;
             }
+            ++count;
         }
     }
     transaction.commit();
-    return static_cast<int64_t>(ids.size());
+    return count;
 }
 
 int64_t makeTable(const Setting& setting, const Query& query, const IntoTable& into) {

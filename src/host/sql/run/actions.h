@@ -32,6 +32,7 @@ struct Setting {
     Engine& engine;
     const std::vector<ParameterDeclaration>& declared;
     const Parameters& parameters;
+    Refused refused = Refused::UndoesAll;
 };
 
 // Statements that change rows. Each collects what it writes before it writes anything, and answers

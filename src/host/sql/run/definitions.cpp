@@ -16,6 +16,7 @@ namespace {
 
 constexpr int noPrimaryKey = 3373;
 constexpr int noConstraint = 3371;
+constexpr int indexOfThatName = 3375;
 
 jet::Database& databaseOf(const Setting& setting, const TableName& table) {
     return Translator(setting.database, {}, setting.parameters, setting.engine)
@@ -269,7 +270,15 @@ void createIndex(const Setting& setting, const CreateIndex& statement) {
     for (const IndexColumn& column : statement.columns) {
         index.columns.push_back({column.name.text, !column.descending});
     }
-    jet::createIndex(databaseOf(setting, statement.table), statement.table.name.text, index);
+    const std::wstring& table = statement.table.name.text;
+    try {
+        jet::createIndex(databaseOf(setting, statement.table), table, index);
+    } catch (const jet::Error& error) {
+        if (error.code() == jet::IndexExists) {
+            throw jet::Error(indexOfThatName, {table, index.name});
+        }
+        throw;
+    }
 }
 
 void drop(const Setting& setting, const Drop& statement) {

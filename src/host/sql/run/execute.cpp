@@ -7,6 +7,8 @@
 #include "host/sql/run/session_state.h"
 #include "host/sql/run/sqlite_values.h"
 #include "host/sql/run/translator.h"
+#include "host/sql/stored/stored_query.h"
+#include "host/sql/words.h"
 
 namespace sg::sql {
 namespace {
@@ -34,8 +36,10 @@ Parameters argumentsOf(const Setting& setting, const Execute& call, const Statem
 
 }  // namespace
 
-int64_t Session::execute(const Statement& statement, const Parameters& parameters) {
-    const Setting setting{state_->database, state_->engine, statement.parameters, parameters};
+int64_t Session::execute(const Statement& statement, const Parameters& parameters,
+                         Refused refused) {
+    const Setting setting{state_->database, state_->engine, statement.parameters, parameters,
+                          refused};
     struct Visitor {
         Session& session;
         const Setting& setting;
@@ -59,14 +63,16 @@ int64_t Session::execute(const Statement& statement, const Parameters& parameter
             if (std::holds_alternative<Execute>(stored.body)) {
                 throw jet::Error(jet::OperationNotSupported);
             }
-            return session.execute(stored, argumentsOf(setting, node, stored));
+            return session.execute(stored, argumentsOf(setting, node, stored), setting.refused);
         }
         int64_t operator()(const CreateTable& node) { return createTable(setting, node), 0; }
         int64_t operator()(const AlterTable& node) { return alterTable(setting, node), 0; }
         int64_t operator()(const CreateIndex& node) { return createIndex(setting, node), 0; }
         int64_t operator()(const Drop& node) { return drop(setting, node), 0; }
-        int64_t operator()(const CreateView&) { throw jet::Error(jet::OperationNotSupported); }
-        int64_t operator()(const CreateProcedure&) { throw jet::Error(jet::OperationNotSupported); }
+        int64_t operator()(const CreateView& node) { return createView(setting.database, node), 0; }
+        int64_t operator()(const CreateProcedure& node) {
+            return createProcedure(setting.database, node), 0;
+        }
     };
     return std::visit(Visitor{*this, setting}, statement.body);
 }

@@ -26,13 +26,6 @@ class NoNames final : public jet::ExpressionNames {
     bool value(std::wstring_view, jet::Value&) const override { return false; }
 };
 
-jet::Value likeOf(const jet::Value& text, const jet::Value& pattern) {
-    if (jet::isNull(text) || jet::isNull(pattern)) {
-        return {};
-    }
-    return jet::isLike(jet::toInvariantText(text), jet::toInvariantText(pattern));
-}
-
 // More than two values are concatenated.
 jet::Value operatorOf(jet::detail::Operator op, const Values& values) {
     jet::Value value = jet::detail::applyOperator(op, values[0], values[1]);
@@ -40,24 +33,6 @@ jet::Value operatorOf(jet::detail::Operator op, const Values& values) {
         value = jet::detail::applyOperator(op, value, values[i]);
     }
     return value;
-}
-
-// A pattern with the wildcards % and _ as one with * and ?.
-std::wstring withDialectWildcards(std::wstring_view pattern) {
-    std::wstring made;
-    bool inList = false;
-    for (const wchar_t c : pattern) {
-        const bool isOther = c == L'*' || c == L'?' || c == L'#';
-        inList = c == L'[' || (inList && c != L']');
-        if (inList || !(isOther || c == L'%' || c == L'_')) {
-            made += c;
-        } else if (isOther) {
-            made.append({L'[', c, L']'});
-        } else {
-            made += c == L'%' ? L'*' : L'?';
-        }
-    }
-    return made;
 }
 
 // The bounds may come in either order.
@@ -87,11 +62,9 @@ jet::Value valueOf(const CallSite& site, Values& values) {
     switch (site.kind) {
         case CallSite::Kind::Operator:
             return operatorOf(site.op, values);
-        case CallSite::Kind::ALike:
-            if (!jet::isNull(values[1])) {
-                values[1] = withDialectWildcards(jet::toInvariantText(values[1]));
-            }
-            return likeOf(values[0], values[1]);
+        case CallSite::Kind::Pattern:
+            return jet::isNull(values[0]) ? jet::Value()
+                                          : withDialectWildcards(jet::toInvariantText(values[0]));
         case CallSite::Kind::Between:
             return betweenOf(values);
         case CallSite::Kind::Negate:

@@ -41,6 +41,23 @@ Pattern* patternOf(sqlite3_context* context, sqlite3_value* given) {
 
 }  // namespace
 
+std::wstring withDialectWildcards(std::wstring_view pattern) {
+    std::wstring made;
+    bool inList = false;
+    for (const wchar_t c : pattern) {
+        const bool isOther = c == L'*' || c == L'?' || c == L'#';
+        inList = c == L'[' || (inList && c != L']');
+        if (inList || !(isOther || c == L'%' || c == L'_')) {
+            made += c;
+        } else if (isOther) {
+            made.append({L'[', c, L']'});
+        } else {
+            made += c == L'%' ? L'*' : L'?';
+        }
+    }
+    return made;
+}
+
 void callLike(sqlite3_context* context, int, sqlite3_value** arguments) {
     if (sqlite3_value_type(arguments[0]) == SQLITE_NULL ||
         sqlite3_value_type(arguments[1]) == SQLITE_NULL) {

@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <string>
 #include <string_view>
 
 namespace sg::sql {
@@ -10,6 +11,9 @@ namespace sg::sql {
 // are told of it as a constraint.
 inline constexpr std::string_view likeName = "jet_like";
 inline constexpr unsigned char likeConstraint = SQLITE_INDEX_CONSTRAINT_FUNCTION;
+
+// A pattern with the wildcards % and _ as one with * and ?.
+std::wstring withDialectWildcards(std::wstring_view pattern);
 
 // Its user data is an Engine::Running.
 void callLike(sqlite3_context* context, int count, sqlite3_value** arguments);

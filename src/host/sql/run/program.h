@@ -22,7 +22,7 @@ namespace sg::sql {
 struct CallSite {
     enum class Kind : uint8_t {
         Operator,  // `op`, two arguments; Concatenate more
-        ALike,     // two
+        Pattern,   // of ALIKE, as one of LIKE; one
         Between,   // three
         Negate,
         Not,
@@ -44,9 +44,16 @@ struct TableUse {
     std::wstring name;  // in that database
 };
 
+// The column of a table of the session's own database that a column is, as it stands there.
+struct FieldOrigin {
+    std::wstring table;
+    std::wstring column;
+};
+
 struct OutputColumn {
     std::wstring name;
     Type type;
+    FieldOrigin field{};
 };
 
 // What the text names "t0", "t1"...

@@ -66,6 +66,7 @@ struct ScopeColumn {
     std::string sql;
     bool isStrict = false;
     std::optional<Origin> origin{};  // among Scope::bases
+    FieldOrigin field{};
 };
 
 // A table or query of a FROM clause.

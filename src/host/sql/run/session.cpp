@@ -11,18 +11,61 @@
 namespace sg::sql {
 namespace {
 
-jet::RecordColumn recordColumn(const OutputColumn& column) {
-    const Type type = column.type.column ? column.type : Type(ColumnType::Text);
-    return {column.name, *type.column, type.size};
+std::vector<jet::RecordColumn> recordColumns(const Program& program) {
+    std::vector<jet::RecordColumn> columns;
+    for (const OutputColumn& column : program.columns) {
+        const Type type = column.type.column ? column.type : Type(ColumnType::Text);
+        columns.push_back(
+            {column.name, *type.column, type.size, column.field.table, column.field.column});
+    }
+    return columns;
+}
+
+// Null for a statement that gives no rows.
+const Query* findQuery(const Statement& statement) {
+    const auto* query = std::get_if<QueryPtr>(&statement.body);
+    const auto* select = query == nullptr ? nullptr : std::get_if<Select>(&(*query)->body);
+    return query == nullptr || (select != nullptr && select->into) ? nullptr : query->get();
 }
 
 const Query& queryOf(const Statement& statement) {
-    const auto* query = std::get_if<QueryPtr>(&statement.body);
+    const Query* query = findQuery(statement);
     if (query == nullptr) {
         throw jet::Error(jet::InvalidOperation);
     }
-    return **query;
+    return *query;
 }
+
+// Translates whatever of a statement may name parameters.
+struct Describing {
+    Translator& translator;
+
+    void operator()(const QueryPtr& query) { translator.query(*query); }
+    void operator()(const Insert& node) {
+        if (node.query != nullptr) {
+            translator.query(*node.query);
+        } else {
+            translator.values(node.values);
+        }
+    }
+    void operator()(const Update& node) {
+        std::vector<const Expression*> values;
+        for (const Assignment& each : node.assignments) {
+            values.push_back(each.value.get());
+        }
+        rows(node.from, node.where, values);
+    }
+    void operator()(const Delete& node) { rows(node.from, node.where, {}); }
+    void operator()(const Execute& node) { translator.values(node.arguments); }
+    template <class Definition>
+    void operator()(const Definition&) {}
+
+    void rows(const From& from, const ExpressionPtr& where,
+              const std::vector<const Expression*>& values) {
+        Scope scope = translator.sources(from);
+        translator.rows(scope, where.get(), {}, values);
+    }
+};
 
 }  // namespace
 
@@ -43,11 +86,7 @@ std::unique_ptr<jet::SnapshotRecordset> Session::select(const Statement& stateme
                                                         const Parameters& parameters) {
     Translator translator(state_->database, statement.parameters, parameters, state_->engine);
     const Program program = translator.query(queryOf(statement));
-    std::vector<jet::RecordColumn> columns;
-    for (const OutputColumn& column : program.columns) {
-        columns.push_back(recordColumn(column));
-    }
-    auto rows = std::make_unique<jet::SnapshotRecordset>(std::move(columns));
+    auto rows = std::make_unique<jet::SnapshotRecordset>(recordColumns(program));
     std::vector<jet::Value> values(program.columns.size());
     state_->engine.run(program, [&](sqlite3_stmt* row) {
         for (size_t i = 0; i < values.size(); ++i) {
@@ -66,8 +105,24 @@ std::vector<std::wstring> Session::explain(const Statement& statement,
     return state_->engine.explain(translator.query(queryOf(statement)));
 }
 
-int64_t Session::execute(std::wstring_view text, const Parameters& parameters) {
-    return execute(parseStatement(text), parameters);
+Description Session::describe(const Statement& statement) {
+    const Parameters none;
+    Translator translator(state_->database, statement.parameters, none, state_->engine);
+    translator.describe();
+    Description made;
+    if (const Query* query = findQuery(statement)) {
+        made.columns = recordColumns(translator.query(*query));
+    } else {
+        std::visit(Describing{translator}, statement.body);
+    }
+    for (const Translator::MissingParameter& each : translator.missing()) {
+        made.parameters.push_back({each.name, each.type});
+    }
+    return made;
+}
+
+int64_t Session::execute(std::wstring_view text, const Parameters& parameters, Refused refused) {
+    return execute(parseStatement(text), parameters, refused);
 }
 
 }  // namespace sg::sql

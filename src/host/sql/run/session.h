@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,6 +25,25 @@ struct Parameter {
     jet::Value value;
 };
 using Parameters = std::vector<Parameter>;
+
+// What becomes of a statement when a row that it writes is refused: by a rule, a key, a relation or
+// a lock, or as a value does not fit its column.
+enum class Refused : uint8_t {
+    UndoesAll,
+    IsLeftOut,  // the other rows are written
+};
+
+// What is known of a statement before it runs.
+struct Description {
+    // In the order in which they are declared and, where they are not, used; those of "?" as "?1"
+    // and on. Without a type where none is declared.
+    struct Parameter {
+        std::wstring name;
+        std::optional<jet::ColumnType> type;
+    };
+    std::vector<Parameter> parameters;
+    std::vector<jet::RecordColumn> columns;  // none where it gives no rows
+};
 
 // What a statement may cost.
 struct Limits {
@@ -58,8 +78,14 @@ class SG_API Session {
     // Runs a statement that changes rows or the design, as one transaction: done wholly or, when
     // it throws, not at all. Answers how many records it changed. Throws as select() and as
     // TableWriter and schema.h do; 3065 for a query that only gives rows.
-    int64_t execute(std::wstring_view text, const Parameters& parameters = {});
-    int64_t execute(const Statement& statement, const Parameters& parameters = {});
+    int64_t execute(std::wstring_view text, const Parameters& parameters = {},
+                    Refused refused = Refused::UndoesAll);
+    int64_t execute(const Statement& statement, const Parameters& parameters = {},
+                    Refused refused = Refused::UndoesAll);
+
+    // Throws what select() does but for parameters. Columns of a crosstab whose headings are not
+    // told are those that its rows give now.
+    Description describe(const Statement& statement);
 
     // How a query is to be run, a line a step: SEARCH where an index is used to find rows, SCAN
     // where all are read. A TRANSIENT INDEX is made for the statement, in memory, where rows of a

@@ -140,8 +140,14 @@ Typed Translator::aggregate(const Aggregate& aggregate, Scope& scope) {
     }
     const std::string filter =
         scope.filter.empty() ? "" : std::string(" FILTER (WHERE ") + scope.filter + ")";
+    // In a crosstab's cell: whether a row is in it. Where none is, a count is Null too.
+    const std::string counted = std::string("count(*)") + filter;
+    const auto inCell = [&](const std::string& count) {
+        return scope.filter.empty() ? count
+                                    : std::string("iif(") + counted + " > 0, " + count + ", NULL)";
+    };
     if (aggregate.argument == nullptr) {
-        return {std::string("count(*)") + filter, ColumnType::Long, false, {}};
+        return {inCell(counted), ColumnType::Long, false, {}};
     }
     ++scope.ungrouped;
     Typed argument = emit(*aggregate.argument, scope);
@@ -151,8 +157,11 @@ Typed Translator::aggregate(const Aggregate& aggregate, Scope& scope) {
     };
     using enum AggregateFunction;
     switch (aggregate.function) {
-        case Count:
-            return made("count", argument, ColumnType::Long);
+        case Count: {
+            Typed count = made("count", argument, ColumnType::Long);
+            count.sql = inCell(count.sql);
+            return count;
+        }
         case Min:
             return made("min", argument, argument.type);
         case Max:

@@ -6,11 +6,13 @@
 #include "host/jet/database/database.h"
 #include "host/jet/expression/expression_operators.h"
 #include "host/jet/format/error.h"
+#include "host/jet/values/value_convert.h"
 #include "host/sql/run/like.h"
 #include "host/sql/run/sqlite_values.h"
 #include "host/sql/run/translator.h"
 #include "host/sql/syntax_errors.h"
 #include "host/sql/to_text.h"
+#include "host/sql/words.h"
 
 namespace sg::sql {
 namespace {
@@ -41,17 +43,9 @@ Type quotientType(const Type& a, const Type& b) {
 
 }  // namespace
 
-std::wstring parameterName(const ColumnName& name) {
-    std::wstring joined;
-    for (const Name& part : name.qualifiers) {
-        joined += part.text + L"!";
-    }
-    return joined + name.name.text;
-}
-
 Translator::Translator(jet::Database& database, const std::vector<ParameterDeclaration>& declared,
                        const Parameters& parameters, Engine& engine)
-    : database_(&database), parameters_(parameters), engine_(engine) {
+    : session_(&database), database_(&database), parameters_(parameters), engine_(engine) {
     declare(declared);
 }
 
@@ -69,10 +63,10 @@ Program Translator::query(const Query& query) {
 }
 
 Program Translator::finish(Translated translated) {
-    if (!missing_.empty()) {
+    if (!missing_.empty() && !describes_) {
         std::wstring names;
-        for (const std::wstring& name : missing_) {
-            names += (names.empty() ? L"" : L", ") + name;
+        for (const MissingParameter& each : missing_) {
+            names += (names.empty() ? L"" : L", ") + each.name;
         }
         throw jet::Error(jet::UnknownName, {std::to_wstring(missing_.size())}, {.detail = names});
     }
@@ -326,8 +320,12 @@ Typed Translator::parameter(const std::wstring& name) {
         made.type = type;
         return made;
     }
-    missing_.insert(upperCased(name));
-    return constant({});
+    miss(name);
+    Typed made = constant({});
+    if (declared != declared_.end() && declared->second.type) {
+        made.type = *declared->second.type;
+    }
+    return made;
 }
 
 Typed Translator::positionalParameter(uint32_t index) {
@@ -337,8 +335,19 @@ Typed Translator::positionalParameter(uint32_t index) {
             return constant(each.value);
         }
     }
-    missing_.insert(L"?" + std::to_wstring(index + 1));
+    miss(L"?" + std::to_wstring(index + 1));
     return constant({});
+}
+
+void Translator::miss(const std::wstring& name) {
+    const bool isKnown = std::any_of(
+        missing_.begin(), missing_.end(),
+        [&](const MissingParameter& each) { return equalIgnoringCase(each.name, name); });
+    if (!isKnown) {
+        const auto declared = declared_.find(upperCased(name));
+        missing_.push_back(
+            {name, declared == declared_.end() ? std::nullopt : declared->second.type});
+    }
 }
 
 // ---- Operators
@@ -367,16 +376,17 @@ Typed Translator::unary(const Unary& unary, Scope& scope) {
 }
 
 Typed Translator::like(const Like& like, Scope& scope) {
-    if (like.ansi) {
-        const Typed value = emit(*like.value, scope);
-        return site({CallSite::Kind::ALike, {}, nullptr, {}, ColumnType::Boolean},
-                    {value, emit(*like.pattern, scope)});
-    }
     const auto text = [&](const Typed& typed) {
         return value(isText(typed.type) ? typed : converted(typed, ColumnType::Text));
     };
     const std::string left = text(emit(*like.value, scope));
-    const std::string right = text(emit(*like.pattern, scope));
+    Typed pattern = emit(*like.pattern, scope);
+    if (like.ansi && pattern.constant && !jet::isNull(*pattern.constant)) {
+        pattern = constant(withDialectWildcards(jet::toInvariantText(*pattern.constant)));
+    } else if (like.ansi) {
+        pattern = site({CallSite::Kind::Pattern, {}, nullptr, {}, ColumnType::Memo}, {pattern});
+    }
+    const std::string right = text(pattern);
     return {std::string(likeName) + "(" + left + ", " + right + ")", ColumnType::Boolean, true, {}};
 }
 
@@ -441,7 +451,17 @@ Typed Translator::logical(BinaryOperator op, const Typed& a, const Typed& b) {
                 {a, b});
 }
 
-Typed Translator::arithmetic(BinaryOperator op, const Typed& a, const Typed& b) {
+// A small whole number that is written out is an Integer, beside which a Single stays one.
+static Typed asOperand(Typed typed) {
+    if (typed.constant && std::holds_alternative<int16_t>(*typed.constant)) {
+        typed.type = ColumnType::Integer;
+    }
+    return typed;
+}
+
+Typed Translator::arithmetic(BinaryOperator op, const Typed& left, const Typed& right) {
+    const Typed a = asOperand(left);
+    const Typed b = asOperand(right);
     const bool isSum = op == BinaryOperator::Add || op == BinaryOperator::Subtract;
     CallSite call{CallSite::Kind::Operator, op, nullptr, {}, {}};
     switch (op) {

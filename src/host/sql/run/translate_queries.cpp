@@ -18,6 +18,8 @@ namespace {
 constexpr size_t firstExpressionName = 1000;
 constexpr int duplicateAlias = 3062;
 constexpr int orderNotDistinct = 3093;
+constexpr int headingTwice = 3104;
+constexpr int starInCrosstab = 3123;
 constexpr int cannotGroupStar = 3121;
 constexpr int orderNotInUnion = 3351;
 
@@ -127,13 +129,17 @@ std::vector<Translator::Item> Translator::expand(const Select& select, Scope& sc
         Item made;
         made.typed = emit(*item.expression, scope);
         made.expression = item.expression.get();
+        if (const auto* plain = std::get_if<ColumnName>(&item.expression->node)) {
+            // A parameter is an expression like others.
+            const bool isAlias = std::any_of(
+                scope.aliases.begin(), scope.aliases.end(),
+                [&](const auto& each) { return equalIgnoringCase(each.first, plain->name.text); });
+            made.name = isAlias ? plain->name.text : std::wstring();
+            trace(made, scope);
+        }
         if (item.alias) {
             made.name = item.alias->text;
             made.isAlias = true;
-        }
-        if (const auto* plain = std::get_if<ColumnName>(&item.expression->node)) {
-            made.name = made.isAlias ? made.name : plain->name.text;
-            trace(made, scope);
         }
         items.push_back(std::move(made));
     }
@@ -149,6 +155,7 @@ void Translator::trace(Item& item, const Scope& scope) {
                 continue;
             }
             item.origin = each.origin;
+            item.field = each.field;
             item.source = &source;
             item.name = item.isAlias ? item.name : each.name;
         }
@@ -172,7 +179,8 @@ void Translator::addStar(const Star& star, Scope& scope, std::vector<Item>& item
                              &source,
                              each.origin,
                              nullptr,
-                             false});
+                             false,
+                             each.field});
         }
     }
     if (!found && !star.qualifiers.empty()) {
@@ -292,7 +300,7 @@ Translated Translator::assemble(const Select& select, const std::vector<Item>& i
                                 const std::vector<OrderKey>& order, Scope& scope) {
     Translated made;
     for (const Item& item : items) {
-        made.columns.push_back({item.name, item.typed.type});
+        made.columns.push_back({item.name, item.typed.type, item.field});
         made.traces.push_back({item.typed.isStrict, item.origin});
     }
     std::string clauses;
@@ -395,6 +403,7 @@ Translated Translator::unite(const Union& all, const std::vector<OrderItem>& ord
     for (const Translated& term : terms) {
         for (size_t i = 0; i < made.columns.size(); ++i) {
             made.columns[i].type = commonType(made.columns[i].type, term.columns[i].type);
+            made.columns[i].field = {};
         }
     }
     for (size_t t = 0; t < terms.size(); ++t) {
@@ -433,6 +442,11 @@ Translated Translator::unite(const Union& all, const std::vector<OrderItem>& ord
 Translated Translator::crosstab(const Crosstab& crosstab, const std::vector<OrderItem>& orderBy,
                                 Scope* outer) {
     const Select& select = crosstab.select;
+    for (const SelectItem& item : select.items) {
+        if (std::holds_alternative<Star>(item.expression->node)) {
+            throw jet::Error(starInCrosstab);
+        }
+    }
     Scope scope;
     scope.outer = outer;
     if (select.from) {
@@ -440,9 +454,14 @@ Translated Translator::crosstab(const Crosstab& crosstab, const std::vector<Orde
     }
     const Typed pivot = emit(*crosstab.pivot, scope);
     std::vector<jet::Value> headings;
+    std::set<std::wstring> given;
     for (const ExpressionPtr& heading : crosstab.headings) {
         const Typed typed = emit(*heading, scope);
         headings.push_back(typed.constant ? *typed.constant : jet::Value());
+        const std::wstring text = jet::toInvariantText(headings.back());
+        if (!given.insert(upperCased(text)).second) {
+            throw jet::Error(headingTwice, {text});
+        }
     }
     if (headings.empty()) {
         Program ask = program_;

@@ -9,6 +9,7 @@
 #include "host/sql/parser.h"
 #include "host/sql/run/translator.h"
 #include "host/sql/syntax_errors.h"
+#include "host/sql/words.h"
 
 namespace sg::sql {
 namespace {
@@ -171,7 +172,10 @@ std::string Translator::table(const TableName& table, const std::optional<Name>&
     for (size_t i = 0; i < places.size(); ++i) {
         made.columns.push_back({columns[i].name, Type(columns[i].type, columns[i].size),
                                 made.alias + ".c" + std::to_string(places[i]), true,
-                                Origin{scope.bases.size() - 1, places[i]}});
+                                Origin{scope.bases.size() - 1, places[i]},
+                                &database == session_
+                                    ? FieldOrigin{table.name.text, columns[i].name}
+                                    : FieldOrigin{}});
     }
     std::string sql =
         std::string("jet") + std::to_string(useTable(home, name)) + " AS " + made.alias;
@@ -189,6 +193,7 @@ std::string Translator::derived(Translated inner, std::wstring name, Scope& scop
     for (size_t i = 0; i < inner.columns.size(); ++i) {
         ScopeColumn column{inner.columns[i].name, inner.columns[i].type,
                            made.alias + ".c" + std::to_string(i)};
+        column.field = inner.columns[i].field;
         if (i < inner.traces.size()) {
             column.isStrict = inner.traces[i].isStrict;
             const std::optional<Origin>& origin = inner.traces[i].origin;

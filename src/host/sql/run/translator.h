@@ -16,9 +16,6 @@
 
 namespace sg::sql {
 
-// As Parameter::name has it.
-std::wstring parameterName(const ColumnName& name);
-
 // Makes SQLite's text of queries. One object translates one statement.
 //
 // Throws jet::Error with the engine's numbers: InputTableNotFound (3078), 3079 for a column that is
@@ -29,6 +26,15 @@ class Translator {
   public:
     Translator(jet::Database& database, const std::vector<ParameterDeclaration>& declared,
                const Parameters& parameters, Engine& engine);
+
+    // From now on parameters without a value are no error, but told by missing() in the order in
+    // which the statement declares or names them. What is translated is not for running.
+    void describe() { describes_ = true; }
+    struct MissingParameter {
+        std::wstring name;
+        std::optional<ColumnType> type;  // where it is declared
+    };
+    const std::vector<MissingParameter>& missing() const { return missing_; }
 
     // A whole query; its columns are the program's.
     Program query(const Query& query);
@@ -57,6 +63,7 @@ class Translator {
         std::optional<Origin> origin{};       // the same, among Scope::bases
         const Expression* expression = nullptr;
         bool isAlias = false;
+        FieldOrigin field{};
     };
     struct StoredName {
         const jet::Database* database = nullptr;
@@ -119,7 +126,7 @@ class Translator {
     std::string chained(const Typed& a, Shape shape, const char* sign, const std::string& b) const;
     Typed concatenation(const Typed& a, const Typed& b);
     Typed logical(BinaryOperator op, const Typed& a, const Typed& b);
-    Typed arithmetic(BinaryOperator op, const Typed& a, const Typed& b);
+    Typed arithmetic(BinaryOperator op, const Typed& left, const Typed& right);
     Typed call(const Call& call, Scope& scope);
     std::optional<Typed> choice(const Call& call, Scope& scope);
     Typed cases(const std::vector<std::pair<std::string, Typed>>& branches,
@@ -140,6 +147,7 @@ class Translator {
     // for is written out wherever they are used.
     void count();
     Typed constant(jet::Value value);
+    void miss(const std::wstring& name);
     Typed folded(const Typed& constant, const Type& beside);
     Typed site(CallSite site, const std::vector<Typed>& arguments, bool isVolatile = false);
     Typed converted(const Typed& typed, const Type& type);
@@ -150,14 +158,16 @@ class Translator {
     // A value that SQLite compares by its own means: of a text by the right collation.
     std::string compared(const Typed& typed) const;
 
-    jet::Database* database_;
+    const jet::Database* session_;
+    jet::Database* database_;  // whose names count
     const Parameters& parameters_;
     Engine& engine_;
     Program program_;
     std::map<std::wstring, DataType> declared_;  // by name in capitals
-    std::set<std::wstring> missing_;             // parameters without a value, in capitals
-    std::vector<const Expression*> aliases_;     // that are being looked up
-    const Query* whole_ = nullptr;               // what query() was given
+    std::vector<MissingParameter> missing_;      // parameters without a value
+    bool describes_ = false;
+    std::vector<const Expression*> aliases_;  // that are being looked up
+    const Query* whole_ = nullptr;            // what query() was given
     size_t sources_ = 0;
     std::vector<StoredName> asked_;  // stored queries that are being translated
     bool keepsRows_ = false;         // of queries in FROM: their rows are to be changed

@@ -233,7 +233,8 @@ Type arithmeticType(const Type& a, const Type& b, bool sum, bool subtract) {
     if (high == ColumnType::Single && low == ColumnType::Long) {
         return ColumnType::Double;
     }
-    if (!sum && high == ColumnType::Currency && low == ColumnType::Double) {
+    if (!sum && high == ColumnType::Currency &&
+        (low == ColumnType::Double || low == ColumnType::Single)) {
         return ColumnType::Double;
     }
     if (high == ColumnType::Date || high == ColumnType::DateTimeExtended) {

@@ -64,6 +64,15 @@ TEST(QuerySqlTest, StatementsOfEveryKind) {
         {{kind(QueryKind::Select), row(attr::remote, {}, L"dBASE IV;", L"d:\\"), table(L"A"),
           column(L"*")},
          L"SELECT *\r\nFROM A IN 'd:\\' [dBASE IV;];"},
+        {{kind(QueryKind::Select), row(attr::parameter, 0, {}, L"Forms!My form!Day"),
+          row(attr::remote, {}, {}, L"it's"), table(L"A"), column(L"*")},
+         L"PARAMETERS Forms![My form]!Day Value;\r\nSELECT *\r\nFROM A IN 'it''s';"},
+        {{kind(QueryKind::Select), row(attr::table, {}, L"SELECT [a b] FROM A", {}, L"x y"),
+          column(L"*")},
+         L"SELECT *\r\nFROM (SELECT [a b] FROM A) AS [x y];"},
+        {{row(attr::kind, 3, {}, L"T"), table(L"A"), row(attr::column, 0, L"*", {}, L"a"),
+          row(attr::column, 0, {}, {}, L"b")},
+         L"INSERT INTO T (a, b)\r\nSELECT *\r\nFROM A;"},
         {{kind(QueryKind::Select), row(attr::table, {}, L"c:\\far.mdb", L"A"), column(L"*")},
          L"SELECT *\r\nFROM [c:\\far.mdb].A;"},
         {{remoteTarget(QueryKind::MakeTable), table(L"A"), column(L"i")},
@@ -98,15 +107,15 @@ TEST(QuerySqlTest, JoinsNestAndShareTheirConditions) {
         std::wstring from;
     };
     const Case cases[] = {
-        {{join(L"A", L"B", 1, L"x")}, L"C, D, A INNER JOIN B ON x"},
+        {{join(L"A", L"B", 1, L"x")}, L"A INNER JOIN B ON x, C, D"},
         {{join(L"A", L"B", 2, L"x"), join(L"C", L"D", 3, L"y")},
          L"A LEFT JOIN B ON x, C RIGHT JOIN D ON y"},
         {{join(L"A", L"B", 1, L"x"), join(L"A", L"B", 1, L"y"), join(L"a", L"b", 1, L"z")},
-         L"C, D, A INNER JOIN B ON (z) AND (y) AND (x)"},
+         L"A INNER JOIN B ON (z) AND (y) AND (x), C, D"},
         {{join(L"A", L"B", 1, L"x"), join(L"C", L"D", 1, L"y"), join(L"D", L"A", 2, L"z"),
           join(L"A", L"B", 1, L"w")},
          L"(C INNER JOIN D ON y) LEFT JOIN (A INNER JOIN B ON (w) AND (x)) ON z"},
-        {{join(L"Other one", L"A", 1, L"x")}, L"B, C, D, [Other one] INNER JOIN A ON x"},
+        {{join(L"Other one", L"A", 1, L"x")}, L"[Other one] INNER JOIN A ON x, B, C, D"},
     };
     for (const Case& c : cases) {
         Query query{L"Q", 1, 0, {table(L"A"), table(L"B"), table(L"C"), table(L"D"), column(L"*")}};

@@ -347,6 +347,11 @@ TEST(JetConvertTest, DatesAreReadInTheirForms) {
         {L"14:30", L"1899-12-30 14:30:00"},
         {L"2:30:00.4 PM", L"1899-12-30 14:30:00"},
         {L"2/29/2000", L"2000-02-29 00:00:00"},
+        {L"13/1/2000", L"2000-01-13 00:00:00"},
+        {L"Jan 31, 2000", L"2000-01-31 00:00:00"},
+        {L"31 january 2000 2:30 PM", L"2000-01-31 14:30:00"},
+        {L"31-Jan-29", L"2029-01-31 00:00:00"},
+        {L"May 1 2000", L"2000-05-01 00:00:00"},
     };
     for (const auto& [given, expected] : cases) {
         Date date;
@@ -359,7 +364,8 @@ TEST(JetConvertTest, DatesAreReadInTheirForms) {
     for (const wchar_t* wrong : {L"",
                                  L" ",
                                  L"2/29/1900",
-                                 L"13/1/2000",
+                                 L"13/13/2000",
+                                 L"1/13/2000/1",
                                  L"1/32/2000",
                                  L"0/1/2000",
                                  L"1/31",
@@ -380,7 +386,12 @@ TEST(JetConvertTest, DatesAreReadInTheirForms) {
                                  L"20000131",
                                  L"1:30 AMx",
                                  L"-5",
-                                 L"Jan 31, 2000",
+                                 L"Janu 31, 2000",
+                                 L"Jan 32, 2000",
+                                 L"Jan31, 2000",
+                                 L"Jan 31",
+                                 L"Jan",
+                                 L"2000 Jan 31",
                                  L"31.1.2000",
                                  L"2000-01-31 14:30 2"}) {
         Date date{77};

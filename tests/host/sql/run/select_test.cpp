@@ -183,7 +183,7 @@ TEST_F(SelectTest, SubqueriesAndUnions) {
 TEST_F(SelectTest, Crosstabs) {
     check({
         {L"TRANSFORM Count(*) SELECT Heated FROM Rooms GROUP BY Heated PIVOT Level",
-         "True 0 1 2; False 1 1 0"},
+         "True Null 1 2; False 1 1 Null"},
         {L"TRANSFORM Sum(Area) SELECT Heated FROM Rooms GROUP BY Heated PIVOT Level IN (2, 7)",
          "True 10.5 Null; False Null Null"},
     });

@@ -126,6 +126,8 @@ class SessionTest : public testing::Test {
         }
     }
 
+    std::string file() const { return path_.string(); }
+
     std::unique_ptr<jet::Database> database_;
     std::unique_ptr<Session> session_;
 

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "base/export.h"
+
+// Libraries of the system, and what they offer by name.
+struct SgLibrary;
+using HMODULE = SgLibrary*;
+using FARPROC = void (*)();
+
+// The library of that name, in any case, when it is loaded; else null.
+SG_API HMODULE GetModuleHandleW(const wchar_t* name);
+
+// The function of exactly that name; null when the library has none, as for a null library.
+SG_API FARPROC GetProcAddress(HMODULE library, const char* name);

@@ -1,0 +1,22 @@
+#pragma once
+
+// The LISP functions for archives, downloads and signatures, as implementations for the call guard.
+namespace sg {
+
+// (CreateZip archive patterns): T when every pattern was appended, also when the archive could then
+// not be written; nil when one was not; no value when the archive cannot be begun.
+int createZip();
+
+// (ExtractZip archive folder): T when everything was unpacked.
+int extractZip();
+
+// (DownloadFile address file): no value, whatever happens.
+int downloadFile();
+
+// (signString text [private-key]): the pairs "sPublicKey", "sPrivateKey" and "sSign", or no value.
+int signString();
+
+// (verifyString text public-key signature): T when the signature is valid, otherwise nil.
+int verifyString();
+
+}  // namespace sg
