@@ -41,6 +41,29 @@ bool IndexCursor::descendToBound(ByteView target, bool beyond) {
     throwDamaged(L"an index is too deep", root_);
 }
 
+// The children of a node are taken to be of one size.
+double IndexCursor::shareBefore(ByteView key, bool beyond) const {
+    double share = 0;
+    double width = 1;
+    uint32_t next = root_;
+    for (size_t depth = 0; depth < maxIndexDepth; ++depth) {
+        const IndexPage page = IndexPage::read(*store_, next);
+        const size_t bound = page.search(key, beyond);
+        size_t before = 0;
+        size_t all = !page.isLeaf() && page.tail() != 0 ? 1 : 0;
+        for (size_t at = 0; at < page.end(); at = page.after(at)) {
+            before += at < bound ? 1 : 0;
+            ++all;
+        }
+        if (all == 0) return share;
+        width /= static_cast<double>(all);
+        share += width * static_cast<double>(before);
+        if (page.isLeaf()) return share;
+        next = bound < page.end() ? page.child(bound) : page.lastChild();
+    }
+    throwDamaged(L"an index is too deep", root_);
+}
+
 bool IndexCursor::descendToEnd() {
     valid_ = false;
     uint32_t page = root_;

@@ -42,6 +42,10 @@ class SG_API IndexCursor {
     // To the entry of this key and row; nowhere when there is none.
     bool find(ByteView key, RowId row);
 
+    // About which share of the entries, 0 to 1, come before `key`; with `beyond` those that begin
+    // with it too. It reads one page a level and leaves the cursor where it is.
+    double shareBefore(ByteView key, bool beyond) const;
+
     bool valid() const { return valid_; }
     // Of the current entry; there must be one. The view holds until the cursor moves.
     ByteView key() const { return entryKey(ByteView(entry_), true); }

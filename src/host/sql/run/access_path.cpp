@@ -7,7 +7,10 @@
 #include <new>
 #include <optional>
 
+#include "host/jet/format/error.h"
+#include "host/jet/index/index_tree.h"
 #include "host/jet/pages/definition_writer.h"
+#include "host/sql/run/key_range.h"
 #include "host/sql/run/like.h"
 
 namespace sg::sql {
@@ -216,10 +219,39 @@ class Planner {
         } else {
             finishUnique(index, made);
         }
+        if (!made.isUnique && !made.arguments.empty()) {
+            made.rows = rowsInRange(made).value_or(made.rows);
+        }
         made.rows = std::max(1.0, made.rows);
         made.cost = descent + made.rows * indexedRow;
         made.isOrdered = servesOrder(index, equalities, made);
         return made;
+    }
+
+    // As many as the index itself has between the bounds, where they are known already.
+    std::optional<double> rowsInRange(const Candidate& candidate) const {
+        std::vector<sqlite3_value*> values(candidate.arguments.size());
+        for (size_t i = 0; i < values.size(); ++i) {
+            const int argument = candidate.arguments[i];
+            if (sqlite3_vtab_in(info_, argument, -1) != 0 ||
+                sqlite3_vtab_rhs_value(info_, argument, &values[i]) != SQLITE_OK) {
+                return std::nullopt;
+            }
+        }
+        KeyRange range;
+        try {
+            RangeMaker().make(table_, candidate.path, values.data(), range);
+        } catch (const jet::Error&) {
+            return std::nullopt;  // it is met again, and told, when rows are read
+        }
+        if (range.isEmpty) {
+            return 0;
+        }
+        const uint32_t root = table_.table.definition().realIndexes[candidate.path.index].rootPage;
+        const jet::IndexCursor index(table_.table.store(), root);
+        const double high =
+            range.high.empty() ? 1 : index.shareBefore(jet::ByteView(range.high), true);
+        return all_ * (high - index.shareBefore(jet::ByteView(range.low), false));
     }
 
     void finishUnique(size_t index, Candidate& made) const {

@@ -107,102 +107,87 @@ double* realIn(jet::Value& value) {
     return std::get_if<double>(&value);
 }
 
-// What the arguments say: the values of the leading columns, and the bounds of the one behind them.
-struct Bounds {
-    std::vector<jet::Value> equal;
-    std::optional<jet::Value> low;
-    std::optional<jet::Value> high;
-    bool isPattern = false;  // both bounds are what texts begin with
-    bool isEmpty = false;
-
-    // False when the rest of the arguments is of no use.
-    bool add(ColumnType type, Bound bound, sqlite3_value* argument) {
-        jet::Value value;
-        const Fit fit = boundValue(type, argument, bound, value);
-        isEmpty = isEmpty || fit == Fit::None;
-        if (fit != Fit::Exact) {
-            return fit == Fit::Unbounded && bound != Bound::Equal;
-        }
-        isPattern = bound == Bound::Like;
-        const double* real = realIn(value);
-        if (bound == Bound::Equal && (real == nullptr || *real != 0)) {
-            equal.push_back(std::move(value));
-            return true;
-        }
-        if (bound != Bound::High) {
-            low = withSign(value, true);
-        }
-        if (bound != Bound::Low) {
-            high = withSign(value, false);
-        }
-        return bound != Bound::Equal;
+// To an index zeros have two signs.
+jet::Value withSign(jet::Value value, bool negative) {
+    double* real = realIn(value);
+    if (real != nullptr && *real == 0) {
+        *real = negative ? -0.0 : 0.0;
     }
+    return value;
+}
 
-  private:
-    // To an index zeros have two signs.
-    static jet::Value withSign(jet::Value value, bool negative) {
-        double* real = realIn(value);
-        if (real != nullptr && *real == 0) {
-            *real = negative ? -0.0 : 0.0;
-        }
-        return value;
-    }
-};
-
-// Makes the ends of a range.
-class EndMaker {
-  public:
-    EndMaker(const jet::KeyEncoder& encoder, const Bounds& bounds)
-        : encoder_(encoder), bounds_(bounds) {}
-
-    // Without a value: of the values before it alone, and where `notNull` asks for it of those
-    // whose next column isn't Null.
-    jet::KeyBytes end(const std::optional<jet::Value>& value, bool notNull) const {
-        std::vector<jet::Value> values = bounds_.equal;
-        if (value) {
-            values.push_back(*value);
-        }
-        jet::KeyBytes key;
-        encoder_.encode(values, key);
-        if (value && bounds_.isPattern) {
-            // The end bytes of a text.
-            key.resize(key.size() - (isAscending() ? 2 : 3));
-        } else if (!value && notNull) {
-            key.push_back(isAscending() ? jet::keyOfValue : jet::keyOfValueDescending);
-        }
-        return key;
-    }
-
-    bool isAscending() const {
-        const size_t next = bounds_.equal.size();
-        return next >= encoder_.columns().size() || encoder_.columns()[next].ascending;
-    }
-
-  private:
-    const jet::KeyEncoder& encoder_;
-    const Bounds& bounds_;
-};
+bool isAscending(const jet::KeyEncoder& encoder, size_t part) {
+    return part >= encoder.columns().size() || encoder.columns()[part].ascending;
+}
 
 }  // namespace
 
-KeyRange rangeOf(const JetTable& table, const AccessPath& path, sqlite3_value** arguments) {
+// False when the rest of the arguments is of no use.
+bool RangeMaker::add(ColumnType type, Bound bound, sqlite3_value* argument) {
+    jet::Value value;
+    const Fit fit = boundValue(type, argument, bound, value);
+    isEmpty_ = isEmpty_ || fit == Fit::None;
+    if (fit != Fit::Exact) {
+        return fit == Fit::Unbounded && bound != Bound::Equal;
+    }
+    isPattern_ = bound == Bound::Like;
+    const double* real = realIn(value);
+    if (bound == Bound::Equal && (real == nullptr || *real != 0)) {
+        equal_.push_back(std::move(value));
+        return true;
+    }
+    if (bound != Bound::High) {
+        low_ = withSign(value, true);
+    }
+    if (bound != Bound::Low) {
+        high_ = withSign(value, false);
+    }
+    return bound != Bound::Equal;
+}
+
+// Without a value it is of the values before it alone, and of those whose next column isn't Null.
+void RangeMaker::makeEnd(const jet::KeyEncoder& encoder, const std::optional<jet::Value>& value,
+                         jet::KeyBytes& key) {
+    const bool ascending = isAscending(encoder, equal_.size());
+    if (!value) {
+        encoder.encode(equal_, key);
+        key.push_back(ascending ? jet::keyOfValue : jet::keyOfValueDescending);
+        return;
+    }
+    equal_.push_back(*value);
+    encoder.encode(equal_, key);
+    equal_.pop_back();
+    if (isPattern_) {
+        // The end bytes of a text.
+        key.resize(key.size() - (ascending ? 2 : 3));
+    }
+}
+
+void RangeMaker::make(const JetTable& table, const AccessPath& path, sqlite3_value** arguments,
+                      KeyRange& range) {
     const jet::KeyEncoder& encoder = table.encoders[path.index];
-    Bounds bounds;
+    equal_.clear();
+    low_.reset();
+    high_.reset();
+    isPattern_ = isEmpty_ = false;
     for (size_t i = 0; i < path.bounds.size(); ++i) {
-        const ColumnType type = encoder.columns()[bounds.equal.size()].type;
-        if (!bounds.add(type, static_cast<Bound>(path.bounds[i]), arguments[i])) {
+        const ColumnType type = encoder.columns()[equal_.size()].type;
+        if (!add(type, static_cast<Bound>(path.bounds[i]), arguments[i])) {
             break;
         }
     }
-    if (bounds.isEmpty) {
-        return {{}, {}, true};
+    range.isEmpty = isEmpty_;
+    if (isEmpty_) {
+        return;
     }
-    const EndMaker maker(encoder, bounds);
-    const bool isBounded = bounds.low || bounds.high;
-    KeyRange range;
-    range.low = maker.end(maker.isAscending() ? bounds.low : bounds.high, isBounded);
-    range.high = maker.end(maker.isAscending() ? bounds.high : bounds.low, isBounded);
-    return range;
+    if (!low_ && !high_) {
+        encoder.encode(equal_, range.low);
+        range.high = range.low;
+        return;
+    }
+    const bool ascending = isAscending(encoder, equal_.size());
+    makeEnd(encoder, ascending ? low_ : high_, range.low);
+    makeEnd(encoder, ascending ? high_ : low_, range.high);
 }
 
 }  // namespace sg::sql

@@ -53,12 +53,12 @@ class JetCursor : public sqlite3_vtab_cursor {
   public:
     explicit JetCursor(const jet::Table& table) : sqlite3_vtab_cursor{}, rows_(table) {}
 
-    // `path` is the same for as long as its text stands at the same place.
+    // A path stays the same for as long as its text stands at the same place.
     void start(int number, const char* text, sqlite3_value** arguments);
     void next() {
-        if (index_) {
+        if (walksIndex_) {
             settle(path_.backwards ? index_->previous() : index_->next());
-        } else if (isListed_) {
+        } else if (walksList_) {
             nextListed();
         } else {
             ended_ = !rows_.next();
@@ -73,7 +73,7 @@ class JetCursor : public sqlite3_vtab_cursor {
   private:
     void start(sqlite3_value** arguments);
     void startScan() { ended_ = !rows_.first(); }
-    void startIndex(KeyRange range);
+    void startIndex();
     void startListed(sqlite3_value** arguments);
     void nextListed();
     void settle(bool found);
@@ -82,10 +82,12 @@ class JetCursor : public sqlite3_vtab_cursor {
     bool ended_ = true;
     AccessPath path_;
     int number_ = 0;
-    const char* text_ = nullptr;  // of path_
-    std::optional<jet::IndexCursor> index_;
+    const char* text_ = nullptr;             // of path_
+    std::optional<jet::IndexCursor> index_;  // of path_
+    bool walksIndex_ = false;
+    RangeMaker maker_;
     KeyRange range_;
-    bool isListed_ = false;
+    bool walksList_ = false;
     std::span<const uint32_t> list_;  // rows that are still to come
 };
 
@@ -94,20 +96,22 @@ void JetCursor::start(int number, const char* text, sqlite3_value** arguments) {
         path_ = AccessPath::of(number, text);
         number_ = number;
         text_ = text;
+        index_.reset();
     }
     start(arguments);
 }
 
 void JetCursor::start(sqlite3_value** arguments) {
-    index_.reset();
-    isListed_ = false;
+    walksIndex_ = false;
+    walksList_ = false;
     if (path_.kind == AccessPath::Kind::Transient) {
         startListed(arguments);
         return;
     }
     if (path_.kind == AccessPath::Kind::Index) {
         try {
-            startIndex(rangeOf(table(), path_, arguments));
+            maker_.make(table(), path_, arguments, range_);
+            startIndex();
             return;
         } catch (const jet::Error& error) {
             if (error.code() != jet::OperationNotSupported) {
@@ -119,14 +123,16 @@ void JetCursor::start(sqlite3_value** arguments) {
     startScan();
 }
 
-void JetCursor::startIndex(KeyRange range) {
+void JetCursor::startIndex() {
     ended_ = true;
-    if (range.isEmpty) {
+    if (range_.isEmpty) {
         return;
     }
-    range_ = std::move(range);
     const jet::Table& table = this->table().table;
-    index_.emplace(table.store(), table.definition().realIndexes[path_.index].rootPage);
+    if (!index_) {
+        index_.emplace(table.store(), table.definition().realIndexes[path_.index].rootPage);
+    }
+    walksIndex_ = true;
     if (!path_.backwards) {
         settle(index_->lowerBound(jet::ByteView(range_.low)));
     } else if (range_.high.empty()) {
@@ -174,7 +180,7 @@ void JetCursor::startListed(sqlite3_value** arguments) {
         hasNull = hasNull || !part;
     }
     list_ = hasNull ? std::span<const uint32_t>() : use.index->find(hash.value());
-    isListed_ = true;
+    walksList_ = true;
     nextListed();
 }
 

@@ -210,6 +210,7 @@ std::string Translator::derived(Translated inner, std::wstring name, Scope& scop
     if (!isOpen) {
         sql = std::string("q") + std::to_string(program_.common.size());
         program_.common.push_back(std::move(inner.sql));
+        program_.sources[sql] = {made.name, {}};
     }
     sql += std::string(" AS ") + made.alias;
     program_.sources[made.alias] = {made.name, made.table.value_or(TableUse())};

@@ -168,6 +168,32 @@ TEST_P(IndexTreeOf, SeeksAndBounds) {
     EXPECT_EQ(cursor.row().row, 1);  // the first of the equal ones
 }
 
+// A leaf is a quarter of the tree, whatever it holds.
+TEST_P(IndexTreeOf, TellsShares) {
+    struct Case {
+        const char* key;
+        double before, upTo;
+    };
+    const Case cases[] = {{"", 0, 1},
+                          {"aba", 0, 0.25 / 3},
+                          {"abb", 0.25 / 3, 0.5 / 3},
+                          {"abd", 0.5 / 3, 0.5},
+                          {"c", 0.75, 0.875},
+                          {"d", 0.875, 1},
+                          {"e", 1, 1}};
+    const IndexFile file = smallTree(GetParam());
+    const MemoryPageStore store = file.store();
+    const IndexCursor cursor(store, 1);
+    for (const Case& c : cases) {
+        EXPECT_NEAR(cursor.shareBefore(view(c.key), false), c.before, 1e-9) << c.key;
+        EXPECT_NEAR(cursor.shareBefore(view(c.key), true), c.upTo, 1e-9) << c.key;
+    }
+    IndexFile empty(GetParam(), 2);
+    empty.write(1, PageKind::IndexLeaf, {}, {});
+    const MemoryPageStore nothing = empty.store();
+    EXPECT_EQ(IndexCursor(nothing, 1).shareBefore(view("c"), true), 0);
+}
+
 TEST_P(IndexTreeOf, FindsOneEntryOfEqualKeys) {
     const IndexFile file = smallTree(GetParam());
     const MemoryPageStore store = file.store();
