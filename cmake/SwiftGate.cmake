@@ -23,11 +23,14 @@ function(sg_view folder)
   file(CREATE_LINK ${PROJECT_SOURCE_DIR}/src/${folder} ${root}/${folder} SYMBOLIC)
 endfunction()
 
-# sg_component(NAME folder SEES folder...): an object library of every source under src/<folder>,
-# which may include its own folder and the folders it SEES.
+# sg_component(NAME folder SEES folder... WITHOUT folder...): an object library of every source under
+# src/<folder>, but for the folders WITHOUT, which may include its own folder and the folders it SEES.
 function(sg_component name folder)
-  cmake_parse_arguments(ARG "" "" "SEES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "SEES;LINKS;WITHOUT" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${folder}/*.cpp)
+  foreach(other ${ARG_WITHOUT})
+    list(FILTER sources EXCLUDE REGEX "/src/${other}/")
+  endforeach()
   add_library(${name} OBJECT ${sources})
   target_link_libraries(${name} PUBLIC sg_settings fmt::fmt-header-only ${ARG_LINKS})
   foreach(seen ${folder} ${ARG_SEES})

@@ -7,9 +7,9 @@
 
 #include "base/encoding.h"
 #include "platform/win/files.h"
-#include "support/archive_reader.h"
-#include "support/archive_writer.h"
-#include "support/entry_names.h"
+#include "support/zip/archive_reader.h"
+#include "support/zip/archive_writer.h"
+#include "support/zip/entry_names.h"
 
 namespace sg {
 namespace {

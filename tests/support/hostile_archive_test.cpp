@@ -2,7 +2,7 @@
 #include <sys/stat.h>
 
 #include "support/archive_fixture.h"
-#include "support/zip_builder.h"
+#include "support/zip/zip_builder.h"
 
 namespace sg {
 namespace {

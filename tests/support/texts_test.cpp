@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "support/byte_list_text.h"
-#include "support/entry_names.h"
-#include "support/zip_times.h"
+#include "support/zip/entry_names.h"
+#include "support/zip/zip_times.h"
 
 namespace sg {
 namespace {

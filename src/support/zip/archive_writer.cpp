@@ -1,4 +1,4 @@
-#include "support/archive_writer.h"
+#include "support/zip/archive_writer.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,9 +9,9 @@
 
 #include "base/encoding.h"
 #include "base/text.h"
-#include "support/entry_names.h"
-#include "support/zip_target.h"
-#include "support/zip_times.h"
+#include "support/zip/entry_names.h"
+#include "support/zip/zip_target.h"
+#include "support/zip/zip_times.h"
 
 namespace sg {
 namespace {

@@ -1,4 +1,4 @@
-#include "support/zip_times.h"
+#include "support/zip/zip_times.h"
 
 #include <limits>
 

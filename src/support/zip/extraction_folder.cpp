@@ -1,4 +1,4 @@
-#include "support/extraction_folder.h"
+#include "support/zip/extraction_folder.h"
 
 #include <dirent.h>
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-#include "support/archive_reader.h"
+#include "support/zip/archive_reader.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -9,8 +9,8 @@
 #include <utility>
 
 #include "base/encoding.h"
-#include "support/entry_names.h"
-#include "support/zip_times.h"
+#include "support/zip/entry_names.h"
+#include "support/zip/zip_times.h"
 
 namespace sg {
 namespace {

@@ -1,4 +1,4 @@
-#include "support/entry_names.h"
+#include "support/zip/entry_names.h"
 
 #include <algorithm>
 

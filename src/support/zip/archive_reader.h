@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "support/extraction_folder.h"
-#include "support/zip_directory.h"
+#include "support/zip/extraction_folder.h"
+#include "support/zip/zip_directory.h"
 
 namespace sg {
 

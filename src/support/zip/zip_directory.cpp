@@ -1,4 +1,4 @@
-#include "support/zip_directory.h"
+#include "support/zip/zip_directory.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "support/zip_target.h"
+#include "support/zip/zip_target.h"
 
 #include <unistd.h>
 
