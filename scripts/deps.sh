@@ -4,7 +4,8 @@
 set -eu
 
 packages="g++ cmake ninja-build make pkg-config ccache git python3
-libfmt-dev libcli11-dev libedit-dev libgtest-dev libgmock-dev libbenchmark-dev libsqlite3-dev binutils"
+libfmt-dev libcli11-dev libedit-dev libgtest-dev libgmock-dev libbenchmark-dev libsqlite3-dev binutils
+libocct-foundation-dev libocct-modeling-data-dev libocct-modeling-algorithms-dev"
 
 missing=""
 for package in $packages; do
