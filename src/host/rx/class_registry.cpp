@@ -65,6 +65,7 @@ AcRxClass* AcRxClassRegistry::newClass(const wchar_t* name, const wchar_t* paren
     descriptor->proxyFlags_ = proxyFlags;
     descriptor->version_ = version;
     descriptor->construct_ = constructor;
+    if (!descriptor->dxfName_.empty()) byDxfName_.emplace(descriptor->dxfName_, descriptor.get());
     dictionary_.atPut(name, descriptor.get());
     return (classes_[name] = std::move(descriptor)).get();
 }
@@ -77,6 +78,7 @@ void AcRxClassRegistry::deleteClass(AcRxClass* descriptor) {
         if (each->parent_ == descriptor) each->parent_ = nullptr;
         each->extensions_.erase(descriptor);
     }
+    std::erase_if(byDxfName_, [&](const auto& entry) { return entry.second == descriptor; });
     dictionary_.remove(descriptor->name());
     auto owned = std::move(found->second);
     classes_.erase(found);
@@ -99,9 +101,6 @@ AcRxClass* AcRxClassRegistry::find(std::wstring_view name) const {
 }
 
 AcRxClass* AcRxClassRegistry::findByDxfName(std::wstring_view name) const {
-    if (name.empty()) return nullptr;
-    for (const auto& [className, each] : classes_) {
-        if (name == each->dxfName_) return each.get();
-    }
-    return nullptr;
+    const auto found = byDxfName_.lower_bound(name);
+    return found != byDxfName_.end() && found->first == name ? found->second : nullptr;
 }

@@ -37,13 +37,15 @@ class AcRxClassRegistry {
     // parents form a circle, stays without.
     void buildHierarchy();
 
-    AcRxClass* find(std::wstring_view name) const;           // null when there is none
-    AcRxClass* findByDxfName(std::wstring_view name) const;  // the same; "" finds nothing
-    AcRxDictionary& dictionary() { return dictionary_; }     // the descriptors by name
+    AcRxClass* find(std::wstring_view name) const;  // null when there is none
+    // The same, of several with the name the first registered; "" finds nothing.
+    AcRxClass* findByDxfName(std::wstring_view name) const;
+    AcRxDictionary& dictionary() { return dictionary_; }  // the descriptors by name
 
   private:
     static void retire(std::unique_ptr<AcRxClass> descriptor);
 
     std::map<std::wstring, std::unique_ptr<AcRxClass>, std::less<>> classes_;
-    sg::Dictionary dictionary_;  // mirrors classes_
+    std::multimap<std::wstring, AcRxClass*, std::less<>> byDxfName_;  // those that have one
+    sg::Dictionary dictionary_;                                       // mirrors classes_
 };

@@ -16,7 +16,6 @@
 #include "host/lisp/functions/program_state.h"
 #include "host/lisp/interpreter.h"
 #include "host/model/core/database_table.h"
-#include "host/model/core/drawing_readers.h"
 #include "host/model/core/register_classes.h"
 #include "host/rx/class_registry.h"
 #include "host/rx/dictionary.h"
@@ -110,7 +109,6 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     systemRegistry_ = std::make_unique<SystemRegistry>(classes_->dictionary());
     services_ = std::make_unique<ApplicationServices>(*this);
     databases_ = std::make_unique<model::DatabaseTable>();
-    drawingReaders_ = std::make_unique<model::DrawingReaders>();
     moduleState_ = std::make_unique<AFX_MODULE_STATE>();
     registerEditorClasses();
     model::registerDatabaseClasses();

@@ -24,8 +24,7 @@ class Interpreter;
 }
 namespace model {
 class DatabaseTable;
-class DrawingReaders;
-}  // namespace model
+}
 class CommandLine;
 class Document;
 class DocumentManager;
@@ -95,7 +94,6 @@ class SG_API Host {
     SystemRegistry& systemRegistry() { return *systemRegistry_; }
     AcDbHostApplicationServices& services() { return *services_; }
     model::DatabaseTable& databases() { return *databases_; }
-    model::DrawingReaders& drawingReaders() { return *drawingReaders_; }
     AFX_MODULE_STATE& moduleState() { return *moduleState_; }
 
     // Who answers prompts and boxes: the words left on a command line, then the sources that a
@@ -138,7 +136,6 @@ class SG_API Host {
     std::unique_ptr<AcRxClassRegistry> classes_;
     std::unique_ptr<SystemRegistry> systemRegistry_;
     std::unique_ptr<model::DatabaseTable> databases_;
-    std::unique_ptr<model::DrawingReaders> drawingReaders_;
     std::unique_ptr<Editor> editor_;
     std::unique_ptr<AcDbHostApplicationServices> services_;
     std::unique_ptr<AFX_MODULE_STATE> moduleState_;

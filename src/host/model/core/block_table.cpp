@@ -6,10 +6,9 @@
 #include "host/model/core/database_state.h"
 #include "host/model/core/memory_filers.h"
 #include "host/model/core/object_access.h"
-#include "host/rx/class_registry.h"
-#include "host/seam/host.h"
 #include "platform/db/database.h"
 #include "platform/db/sortents.h"
+#include "platform/rx/rxdictionary.h"
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbBlockTable, AcDbSymbolTable, 0, 0, L"TABLE", nullptr)
 ACRX_DXF_DEFINE_MEMBERS(AcDbBlockTableRecord, AcDbSymbolTableRecord, 0, 0, L"BLOCK_RECORD", nullptr)
@@ -21,6 +20,15 @@ using sg::model::DatabaseState;
 using sg::model::DatabaseTable;
 using sg::model::ObjectAccess;
 using sg::model::peek;
+
+namespace {
+
+// Classes that stand above the core are known by their names; null while one is not registered.
+const AcRxClass* registeredClass(const wchar_t* name) {
+    return static_cast<const AcRxClass*>(acrxClassDictionary()->at(name));
+}
+
+}  // namespace
 
 AcDbBlockTable::AcDbBlockTable() = default;
 AcDbBlockTable::~AcDbBlockTable() = default;
@@ -186,10 +194,9 @@ Acad::ErrorStatus AcDbBlockTableRecord::setLayoutId(AcDbObjectId layout) {
     return Acad::eOk;
 }
 
-// An attribute definition is known by the class's name: the class itself stands above the core.
 bool AcDbBlockTableRecord::hasAttributeDefinitions() const {
     assertReadEnabled();
-    const AcRxClass* const wanted = sg::Host::the().classes().find(L"AcDbAttributeDefinition");
+    const AcRxClass* const wanted = registeredClass(L"AcDbAttributeDefinition");
     for (const AcDbObjectId id : contents_->entities) {
         const AcDbObject* const entity = DatabaseTable::objectOf(id);
         if (entity != nullptr && !entity->isErased() && entity->isKindOf(wanted)) return true;
@@ -273,7 +280,7 @@ Acad::ErrorStatus AcDbBlockTableRecord::getBlockReferenceIds(AcDbObjectIdArray& 
     assertReadEnabled();
     DatabaseState* const state = DatabaseState::of(*this);
     if (state == nullptr) return Acad::eNotInDatabase;
-    const AcRxClass* const wanted = sg::Host::the().classes().find(L"AcDbBlockReference");
+    const AcRxClass* const wanted = registeredClass(L"AcDbBlockReference");
     if (wanted == nullptr) return Acad::eOk;
     state->forEach([&](const AcDbObject& object) {
         const bool isThere = !object.isErased() && !object.ownerId().isErased();

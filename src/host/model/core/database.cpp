@@ -1,11 +1,10 @@
 #include "platform/db/database.h"
 
 #include "host/model/core/database_state.h"
-#include "host/model/core/drawing_readers.h"
+#include "host/model/core/database_table.h"
 #include "host/model/core/object_access.h"
 #include "host/model/tables/default_drawing.h"
 #include "host/model/tables/header_variables.h"
-#include "host/seam/host.h"
 #include "host/system/files.h"
 #include "host/system/paths.h"
 
@@ -225,7 +224,7 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const wchar_t* path, int, bool,
     using sg::model::DrawingReaders;
     const std::string_view start(content->data(),
                                  std::min(content->size(), DrawingReaders::kStartBytes));
-    const DrawingReaders::Read read = sg::Host::the().drawingReaders().find(start);
+    const DrawingReaders::Read read = sg::model::DatabaseTable::the()->readers().find(start);
     const Acad::ErrorStatus status =
         read == nullptr ? Acad::eUnknownFileType : read(*this, found.path);
     if (status == Acad::eOk) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/export.h"
+#include "host/model/core/drawing_readers.h"
 #include "host/model/core/id_records.h"
 #include "platform/db/object_id.h"
 
@@ -46,6 +47,7 @@ class SG_API DatabaseTable {
         return at < states_.size() ? states_[at] : nullptr;
     }
     std::vector<DatabaseState*> all() const;
+    DrawingReaders& readers() { return readers_; }
 
     // What an id stands for; null when its database is not open.
     static DatabaseState* databaseOf(AcDbObjectId id) {
@@ -62,6 +64,7 @@ class SG_API DatabaseTable {
 
     uint64_t first_;
     std::vector<DatabaseState*> states_;  // null: closed
+    DrawingReaders readers_;
 };
 
 }  // namespace sg::model

@@ -2,8 +2,7 @@
 
 #include "host/model/core/database_state.h"
 #include "host/model/core/object_access.h"
-#include "host/rx/class_registry.h"
-#include "host/seam/host.h"
+#include "platform/rx/rxdictionary.h"
 
 namespace sg::model {
 namespace {
@@ -191,7 +190,8 @@ bool revive(DatabaseState& state, AcDbObjectId id) {
     AcDbObject* const object = DatabaseTable::objectOf(id);
     const ProxyData* const data = object == nullptr ? nullptr : proxyData(*object);
     if (data == nullptr) return true;
-    const AcRxClass* const descriptor = Host::the().classes().find(data->className);
+    const auto* const descriptor =
+        static_cast<const AcRxClass*>(acrxClassDictionary()->at(data->className.c_str()));
     if (descriptor == nullptr || ObjectAccess::isOpen(*object)) return false;
     const auto* const entity = AcDbProxyEntity::cast(object);
     const FiledObject filed = entity != nullptr ? fileOriginal<AcDbProxyEntity, AcDbEntity>(*entity)

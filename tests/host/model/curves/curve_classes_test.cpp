@@ -41,15 +41,16 @@ class CurveClassesTest : public CurveTest {
         EXPECT_EQ(curve.getEndPoint(points[1]), Acad::eOk);
         return points;
     }
-    static AcDbPolyline square() {
-        AcDbPolyline polyline;
-        for (const AcGePoint2d& point :
-             {AcGePoint2d(0, 0), AcGePoint2d(4, 0), AcGePoint2d(4, 4), AcGePoint2d(0, 4)}) {
-            polyline.addVertexAt(polyline.numVerts(), point);
+    // A closed square of 4 by 4 from the origin.
+    struct Square : AcDbPolyline {
+        Square() {
+            for (const AcGePoint2d& point :
+                 {AcGePoint2d(0, 0), AcGePoint2d(4, 0), AcGePoint2d(4, 4), AcGePoint2d(0, 4)}) {
+                addVertexAt(numVerts(), point);
+            }
+            setClosed(true);
         }
-        polyline.setClosed(true);
-        return polyline;
-    }
+    };
 };
 
 constexpr double kHalf = 0.41421356237309503;  // the bulge of a quarter turn
@@ -69,7 +70,7 @@ TEST_F(CurveClassesTest, ParametersAreThoseOfTheInterface) {
     EXPECT_NEAR(turned.totalAngle(), kPi, 1e-14);
     EXPECT_DOUBLE_EQ(AcDbArc({0, 0, 0}, 2, 1, 1).totalAngle(), 2 * kPi);
     EXPECT_DOUBLE_EQ(endParam(AcDbCircle({0, 0, 0}, AcGeVector3d::kZAxis, 2)), 2 * kPi);
-    AcDbPolyline polyline = square();
+    Square polyline;
     EXPECT_EQ(endParam(polyline), 4);
     polyline.setClosed(false);
     EXPECT_EQ(endParam(polyline), 3);
@@ -113,7 +114,7 @@ TEST_F(CurveClassesTest, AreaClosesTheEnds) {
     EXPECT_EQ(AcDbEllipse({0, 0, 0}, AcGeVector3d::kZAxis, {3, 0, 0}, 0.5).getArea(area),
               Acad::eOk);
     EXPECT_NEAR(area, 4.5 * kPi, 1e-12);
-    AcDbPolyline polyline = square();
+    Square polyline;
     EXPECT_EQ(polyline.getArea(area), Acad::eOk);
     EXPECT_NEAR(area, 16, 1e-12);
     polyline.setBulgeAt(0, 1);  // a half circle outside
@@ -181,7 +182,7 @@ TEST_F(CurveClassesTest, PolylinesAreOffsetWithMitresAndWithoutLoops) {
     // Outside with corners, inside, and inside until nothing is left.
     for (const Case& c : {Case{1, 36, 1}, Case{-1, 4, 1}, Case{-2.5, 0, 0}}) {
         AcDbVoidPtrArray made;
-        square().getOffsetCurves(c.distance, made);
+        Square().getOffsetCurves(c.distance, made);
         EXPECT_EQ(made.length(), c.count) << c.distance;
         for (void* const curve : made) {
             const CurvePtr offset(static_cast<AcDbCurve*>(curve));
@@ -244,7 +245,7 @@ TEST_F(CurveClassesTest, ExtendingMovesAnEnd) {
     EXPECT_EQ(arc.extend(kPi), Acad::eOk);
     EXPECT_EQ(text(ends(arc)), "2,0,0 -2,0,0");
     EXPECT_EQ(arc.extend(7), Acad::eInvalidInput);
-    AcDbPolyline polyline = square();
+    Square polyline;
     EXPECT_EQ(polyline.extend(5), Acad::eInvalidInput);
     polyline.setClosed(false);
     EXPECT_EQ(polyline.extend(4), Acad::eOk);
@@ -273,7 +274,7 @@ TEST_F(CurveClassesTest, MirroredArcsTurnRoundAndKeepTheirNormal) {
     EXPECT_EQ(arc.transformBy(mirror), Acad::eOk);
     EXPECT_EQ(arc.normal().z, 1);
     EXPECT_EQ(text(ends(arc)), "-3,1,0 -4,0,0");
-    AcDbPolyline polyline = square();
+    Square polyline;
     polyline.setBulgeAt(0, 0.5);
     EXPECT_EQ(polyline.transformBy(mirror), Acad::eOk);
     double bulge = 0;
@@ -304,7 +305,7 @@ TEST_F(CurveClassesTest, StretchedCirclesAreEllipses) {
     ASSERT_NE(ellipse, nullptr);
     EXPECT_NEAR(ellipse->majorAxis().length(), 6, 1e-12);
     EXPECT_NEAR(ellipse->radiusRatio(), 1.0 / 3, 1e-12);
-    AcDbPolyline polyline = square();
+    Square polyline;
     EXPECT_EQ(polyline.transformBy(stretch), Acad::eCannotScaleNonUniformly);
     AcDbLine line({1, 0, 0}, {2, 1, 0});
     EXPECT_EQ(line.transformBy(stretch), Acad::eOk);
@@ -386,7 +387,7 @@ TEST_F(CurveClassesTest, ObjectSnaps) {
     const AcDbArc arc({0, 0, 0}, 2, 0, kPi);
     const AcDbCircle circle({0, 0, 0}, AcGeVector3d::kZAxis, 3);
     const AcDbPoint point({1, 2, 3});
-    AcDbPolyline polyline = square();
+    Square polyline;
     struct Case {
         const AcDbEntity* entity;
         AcDb::OsnapMode mode;
@@ -433,12 +434,12 @@ TEST_F(CurveClassesTest, GripsStandInTheirOrderAndMove) {
     EXPECT_EQ(text(grips(arc)), "2,0,0 -2,0,0 0,2,0 0,0,0");
     moveGrip(arc, 2, {0, -1, 0});
     EXPECT_EQ(text(grips(arc)), "2,0,0 -2,0,0 0,1,0 0,-1.5,0");
-    AcDbPolyline polyline = square();
+    Square polyline;
     polyline.setBulgeAt(1, kHalf);
     EXPECT_EQ(text(grips(polyline)), "0,0,0 4,0,0 4,4,0 0,4,0 2,0,0 4.8284,2,0 2,4,0 0,2,0");
     moveGrip(polyline, 4, {0, -1, 0});
     EXPECT_EQ(text(stretches(polyline)), "0,-1,0 4,-1,0 4,4,0 0,4,0");
-    AcDbPolyline bent = square();
+    Square bent;
     bent.setBulgeAt(1, kHalf);
     moveGrip(bent, 5, {6 - 4.82842712474619, 0, 0});
     double bulge = 0;
@@ -463,7 +464,7 @@ TEST_F(CurveClassesTest, StretchedArcsKeepTheirHeight) {
 }
 
 TEST_F(CurveClassesTest, PolylinesExplodeToLinesAndArcs) {
-    AcDbPolyline polyline = square();
+    Square polyline;
     polyline.setClosed(false);
     polyline.setBulgeAt(0, 1);
     polyline.setBulgeAt(1, -1);
