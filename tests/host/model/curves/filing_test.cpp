@@ -208,7 +208,7 @@ TEST_F(CurveFilingTest, WhatMakesNoCurveIsRefused) {
     model::MemoryWriter writer(bytes, AcDb::kCopyFiler, nullptr);
     polyline.dwgOutFields(&writer);
     for (size_t size = 0; size < bytes.size(); ++size) {
-        model::MemoryReader reader(std::span(bytes).first(size), AcDb::kCopyFiler, nullptr);
+        model::MemoryReader reader({bytes.data(), size}, AcDb::kCopyFiler, nullptr);
         EXPECT_NE(polyline.dwgInFields(&reader), Acad::eOk) << size;
     }
 }
