@@ -181,6 +181,7 @@ class SG_API AcDb2dPolyline : public sg::model::VertexCurve {
     AcDb2dPolyline* likeThis(const sg::model::BulgePath& path) const;
     // The vertices without those that fitting made.
     std::vector<sg::model::VertexSlot> takeOriginals();
+    std::vector<AcGePoint2d> positions() const;  // of all vertices, in the plane
 
     double startWidth_ = 0;
     double endWidth_ = 0;

@@ -55,16 +55,17 @@ class SG_API VertexCurve : public AcDbCurve {
     Acad::ErrorStatus insertVertexEntity(AcDbObjectId& id, AcDbObjectId after, AcDbEntity* vertex);
     size_t slotCount() const { return slots_.size(); }
 
-    // Calls `visit` with each vertex that is not erased, open for read or for write.
+    // Calls `visit` with each vertex that is not erased, to read it whether it is open or not, or
+    // open for write.
     template <class Vertex, class Visit>
     void forEachVertex(const Visit& visit) const {
-        visitVertices(AcDb::kForRead, [&](AcDbEntity& vertex) {
-            if (const auto* own = Vertex::cast(&vertex)) visit(*own);
-        });
+        for (const VertexSlot& slot : slots_) {
+            if (const auto* own = Vertex::cast(peekVertex(slot))) visit(*own);
+        }
     }
     template <class Vertex, class Visit>
     void changeVertices(const Visit& visit) {
-        visitVertices(AcDb::kForWrite, [&](AcDbEntity& vertex) {
+        visitForWrite([&](AcDbEntity& vertex) {
             if (auto* own = Vertex::cast(&vertex)) visit(*own);
         });
     }
@@ -73,8 +74,10 @@ class SG_API VertexCurve : public AcDbCurve {
     std::vector<VertexSlot> takeSlots();
     void setSlots(std::vector<VertexSlot> slots);
     static void eraseSlot(const VertexSlot& slot);
-    // The slot's vertex, open; null for an erased one. Close it with closeVertex().
-    static AcDbEntity* openVertex(const VertexSlot& slot, AcDb::OpenMode mode);
+    // The slot's vertex without opening it; null for an erased one.
+    static const AcDbEntity* peekVertex(const VertexSlot& slot);
+    // The slot's vertex, open for write; null when it cannot be. Close it with closeVertex().
+    static AcDbEntity* openVertex(const VertexSlot& slot);
     static void closeVertex(const VertexSlot& slot, AcDbEntity* vertex);
 
     Acad::ErrorStatus subErase(bool erasing) override;
@@ -84,9 +87,9 @@ class SG_API VertexCurve : public AcDbCurve {
     class Iterator;
 
     template <class Visit>
-    void visitVertices(AcDb::OpenMode mode, const Visit& visit) const {
+    void visitForWrite(const Visit& visit) {
         for (const VertexSlot& slot : slots_) {
-            AcDbEntity* const vertex = openVertex(slot, mode);
+            AcDbEntity* const vertex = openVertex(slot);
             if (vertex == nullptr) continue;
             visit(*vertex);
             closeVertex(slot, vertex);
@@ -95,11 +98,12 @@ class SG_API VertexCurve : public AcDbCurve {
     // What was done to this is done to the vertices too.
     template <class Change>
     Acad::ErrorStatus carriedOn(Acad::ErrorStatus status, bool doSubents, const Change& change) {
-        if (status == Acad::eOk && doSubents) visitVertices(AcDb::kForWrite, change);
+        if (status == Acad::eOk && doSubents) visitForWrite(change);
         return status;
     }
     // Gives the database what this still owns.
     void moveIntoDatabase();
+    void addSequenceEnd();
     Acad::ErrorStatus place(size_t at, AcDbObjectId& id, AcDbEntity* vertex);
 
     std::vector<VertexSlot> slots_;

@@ -82,25 +82,12 @@ struct ArcPair {
     }
 };
 
-std::vector<AcGePoint2d> positionsOf(const std::vector<VertexSlot>& slots,
-                                     AcDbEntity* (*open)(const VertexSlot&, AcDb::OpenMode),
-                                     void (*close)(const VertexSlot&, AcDbEntity*)) {
-    std::vector<AcGePoint2d> points;
-    for (const VertexSlot& slot : slots) {
-        AcDbEntity* const entity = open(slot, AcDb::kForRead);
-        const AcGePoint3d point = AcDb2dVertex::cast(entity)->position();
-        points.emplace_back(point.x, point.y);
-        close(slot, entity);
-    }
-    return points;
-}
-
 }  // namespace
 
 std::vector<VertexSlot> AcDb2dPolyline::takeOriginals() {
     std::vector<VertexSlot> kept;
     for (VertexSlot& slot : takeSlots()) {
-        AcDbEntity* const entity = VertexCurve::openVertex(slot, AcDb::kForWrite);
+        AcDbEntity* const entity = VertexCurve::openVertex(slot);
         AcDb2dVertex* const vertex = AcDb2dVertex::cast(entity);
         if (vertex == nullptr) continue;
         const AcDb::Vertex2dType type = vertex->vertexType();
@@ -114,13 +101,21 @@ std::vector<VertexSlot> AcDb2dPolyline::takeOriginals() {
         }
         // The second arc of a pair has the width that its segment had at the end.
         if (type == AcDb::k2dCurveFitVertex && !kept.empty()) {
-            AcDbEntity* const before = VertexCurve::openVertex(kept.back(), AcDb::kForWrite);
+            AcDbEntity* const before = VertexCurve::openVertex(kept.back());
             AcDb2dVertex::cast(before)->setEndWidth(endWidth);
             closeVertex(kept.back(), before);
         }
         eraseSlot(slot);
     }
     return kept;
+}
+
+std::vector<AcGePoint2d> AcDb2dPolyline::positions() const {
+    std::vector<AcGePoint2d> points;
+    forEachVertex<AcDb2dVertex>([&](const AcDb2dVertex& vertex) {
+        points.emplace_back(vertex.position().x, vertex.position().y);
+    });
+    return points;
 }
 
 Acad::ErrorStatus AcDb2dPolyline::straighten() {
@@ -134,28 +129,21 @@ Acad::ErrorStatus AcDb2dPolyline::straighten() {
 Acad::ErrorStatus AcDb2dPolyline::curveFit() {
     assertWriteEnabled();
     straighten();
+    const std::vector<AcGePoint2d> points = positions();
+    if (points.size() < 2) return Acad::eDegenerateGeometry;
     std::vector<VertexSlot> originals = takeSlots();
-    const std::vector<AcGePoint2d> points =
-        positionsOf(originals, &VertexCurve::openVertex, &VertexCurve::closeVertex);
-    if (points.size() < 2) {
-        setSlots(std::move(originals));
-        return Acad::eDegenerateGeometry;
-    }
     Tangents tangents(points, closed_);
     std::vector<AcGeVector2d>& directions = tangents.directions();
     const size_t spans = closed_ ? points.size() : points.size() - 1;
     std::vector<VertexSlot> fitted;
     for (size_t i = 0; i < originals.size(); ++i) {
-        AcDbEntity* const entity = VertexCurve::openVertex(originals[i], AcDb::kForRead);
-        const AcDb2dVertex& vertex = *AcDb2dVertex::cast(entity);
-        if (vertex.isTangentUsed()) {
-            directions[i] = {std::cos(vertex.tangent()), std::sin(vertex.tangent())};
-        }
-        closeVertex(originals[i], entity);
+        const AcDb2dVertex& vertex = *AcDb2dVertex::cast(peekVertex(originals[i]));
+        if (!vertex.isTangentUsed()) continue;
+        directions[i] = {std::cos(vertex.tangent()), std::sin(vertex.tangent())};
     }
     for (size_t i = 0; i < originals.size(); ++i) {
         const size_t next = (i + 1) % points.size();
-        AcDbEntity* const entity = VertexCurve::openVertex(originals[i], AcDb::kForWrite);
+        AcDbEntity* const entity = VertexCurve::openVertex(originals[i]);
         AcDb2dVertex& vertex = *AcDb2dVertex::cast(entity);
         vertex.setTangent(directions[i].angle());
         VertexSlot extra;
@@ -209,13 +197,9 @@ Acad::ErrorStatus AcDb2dPolyline::splineFit(AcDb::Poly2dType splineType, int16_t
         return Acad::eInvalidInput;
     }
     straighten();
+    const std::vector<AcGePoint2d> frame = positions();
+    if (frame.size() < 2) return Acad::eDegenerateGeometry;
     std::vector<VertexSlot> slots = takeSlots();
-    const std::vector<AcGePoint2d> frame =
-        positionsOf(slots, &VertexCurve::openVertex, &VertexCurve::closeVertex);
-    if (frame.size() < 2) {
-        setSlots(std::move(slots));
-        return Acad::eDegenerateGeometry;
-    }
     const int degree = splineType == AcDb::k2dQuadSplinePoly ? 2 : 3;
     const int segments = splineSegments == 0 ? splineSettings(database()).segments : splineSegments;
     std::vector<BulgeVertex> curve;
@@ -233,7 +217,7 @@ Acad::ErrorStatus AcDb2dPolyline::splineFit(AcDb::Poly2dType splineType, int16_t
     }
     if (segments < 0) bendSegments(curve, closed_);
     for (const VertexSlot& slot : slots) {
-        AcDbEntity* const entity = VertexCurve::openVertex(slot, AcDb::kForWrite);
+        AcDbEntity* const entity = VertexCurve::openVertex(slot);
         AcDb2dVertex::cast(entity)->setVertexType(AcDb::k2dSplineCtlVertex);
         closeVertex(slot, entity);
     }

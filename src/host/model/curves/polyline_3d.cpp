@@ -102,7 +102,7 @@ Acad::ErrorStatus AcDb3dPolyline::straighten() {
     assertWriteEnabled();
     std::vector<VertexSlot> kept;
     for (VertexSlot& slot : takeSlots()) {
-        AcDbEntity* const entity = openVertex(slot, AcDb::kForWrite);
+        AcDbEntity* const entity = VertexCurve::openVertex(slot);
         Vertex* const vertex = Vertex::cast(entity);
         if (vertex == nullptr) continue;
         const bool fitted = vertex->vertexType() == AcDb::k3dFitVertex;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/model/core/object_access.h"
 #include "host/model/curves/sequence_end.h"
 #include "host/model/tables/filing.h"
 #include "platform/db/database.h"
@@ -44,10 +45,16 @@ std::unique_ptr<AcDbObjectIterator> VertexCurve::vertexIterator() const {
     return std::make_unique<Iterator>(slots_);
 }
 
-AcDbEntity* VertexCurve::openVertex(const VertexSlot& slot, AcDb::OpenMode mode) {
+const AcDbEntity* VertexCurve::peekVertex(const VertexSlot& slot) {
+    if (slot.loose != nullptr) return slot.loose.get();
+    const AcDbEntity* const vertex = peek<AcDbEntity>(slot.id);
+    return vertex == nullptr || vertex->isErased() ? nullptr : vertex;
+}
+
+AcDbEntity* VertexCurve::openVertex(const VertexSlot& slot) {
     if (slot.loose != nullptr) return slot.loose.get();
     AcDbEntity* vertex = nullptr;
-    acdbOpenObject(vertex, slot.id, mode);
+    acdbOpenObject(vertex, slot.id, AcDb::kForWrite);
     return vertex;
 }
 
@@ -101,22 +108,33 @@ Acad::ErrorStatus VertexCurve::insertVertexEntity(AcDbObjectId& id, AcDbObjectId
     return Acad::eKeyNotFound;
 }
 
+namespace {
+
+// Takes the entity over when the database takes it.
+bool give(AcDbDatabase& database, std::unique_ptr<AcDbEntity>& entity, AcDbObjectId owner,
+          AcDbObjectId& id) {
+    if (database.addAcDbObject(id, entity.get()) != Acad::eOk) return false;
+    entity->setOwnerId(owner);
+    entity.release()->close();
+    return true;
+}
+
+}  // namespace
+
 void VertexCurve::moveIntoDatabase() {
     AcDbDatabase* const owner = database();
     if (owner == nullptr) return;
-    const auto give = [&](AcDbEntity* entity, AcDbObjectId& id) {
-        if (owner->addAcDbObject(id, entity) != Acad::eOk) return false;
-        entity->setOwnerId(objectId());
-        entity->close();
-        return true;
-    };
     for (VertexSlot& slot : slots_) {
-        if (slot.loose != nullptr && give(slot.loose.get(), slot.id)) slot.loose.release();
+        if (slot.loose != nullptr) give(*owner, slot.loose, objectId(), slot.id);
     }
-    if (!sequenceEnd_.isNull()) return;
-    auto end = std::make_unique<AcDbSequenceEnd>();
+}
+
+void VertexCurve::addSequenceEnd() {
+    AcDbDatabase* const owner = database();
+    if (owner == nullptr || !sequenceEnd_.isNull()) return;
+    std::unique_ptr<AcDbEntity> end = std::make_unique<AcDbSequenceEnd>();
     end->setPropertiesFrom(this);
-    if (give(end.get(), sequenceEnd_)) end.release();
+    give(*owner, end, objectId(), sequenceEnd_);
 }
 
 Acad::ErrorStatus VertexCurve::setOwnerId(AcDbObjectId owner) {
@@ -125,9 +143,13 @@ Acad::ErrorStatus VertexCurve::setOwnerId(AcDbObjectId owner) {
     return status;
 }
 
-// An object that came into the database without being told of an owner.
+// The sequence ends when the new polyline is closed, so that its handle follows those of the
+// vertices that were appended since it came into the database.
 Acad::ErrorStatus VertexCurve::subClose() {
-    if (isNewObject()) moveIntoDatabase();
+    if (isNewObject()) {
+        moveIntoDatabase();
+        addSequenceEnd();
+    }
     return AcDbCurve::subClose();
 }
 
@@ -203,9 +225,12 @@ Acad::ErrorStatus VertexCurve::dwgOutFields(AcDbDwgFiler* filer) const {
         return filer->filerStatus();
     }
     uint32_t count = 0;
-    visitVertices(AcDb::kForRead, [&](AcDbEntity&) { ++count; });
+    forEachVertex<AcDbEntity>([&](const AcDbEntity&) { ++count; });
     filer->writeUInt32(count);
-    visitVertices(AcDb::kForRead, [&](AcDbEntity& vertex) { vertex.dwgOutFields(filer); });
+    forEachVertex<AcDbEntity>([&](const AcDbEntity& vertex) {
+        const Unguarded guard(vertex);
+        vertex.dwgOutFields(filer);
+    });
     return filer->filerStatus();
 }
 

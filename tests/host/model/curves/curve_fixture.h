@@ -13,7 +13,6 @@
 #include "host/model/curves/ellipse.h"
 #include "host/model/curves/polyline_3d.h"
 #include "host/model/curves/ray.h"
-#include "host/model/curves/register_classes.h"
 #include "host/model/curves/spline.h"
 #include "host/model/curves/xline.h"
 #include "host/seam/host_fixture.h"
@@ -31,11 +30,7 @@ constexpr double kPi = std::numbers::pi;
 // A test on curves outside any database.
 class CurveTest : public HostTest {
   protected:
-    CurveTest() {
-        make();
-        model::registerCurveClasses();
-        acrxBuildClassHierarchy();
-    }
+    CurveTest() { make(); }
 };
 
 // Curves of every class, the same ones in every run.

@@ -1,5 +1,6 @@
+#include "host/model/core/memory_filers.h"
 #include "host/model/curves/curve_fixture.h"
-#include "host/model/curves/memory_filers.h"
+#include "host/model/curves/group_filer.h"
 #include "host/model/curves/point.h"
 
 namespace sg::test {
@@ -34,11 +35,13 @@ TEST_F(CurveFilingTest, MemoryKeepsEverything) {
         for (int round = 0; round < 30; ++round) {
             SCOPED_TRACE(RandomCurves::name(kind));
             const CurvePtr curve = random.make(kind);
-            MemoryDwgFiler filer;
-            ASSERT_EQ(curve->dwgOutFields(&filer), Acad::eOk);
+            std::vector<uint8_t> bytes;
+            model::MemoryWriter writer(bytes, AcDb::kCopyFiler, nullptr);
+            ASSERT_EQ(curve->dwgOutFields(&writer), Acad::eOk);
             const auto copy = emptyLike(*curve);
-            ASSERT_EQ(copy->dwgInFields(&filer), Acad::eOk);
-            EXPECT_TRUE(filer.empty());
+            model::MemoryReader reader(bytes, AcDb::kCopyFiler, nullptr);
+            ASSERT_EQ(copy->dwgInFields(&reader), Acad::eOk);
+            EXPECT_TRUE(reader.rest().empty());
             expectSameCurve(*curve, *AcDbCurve::cast(copy.get()));
         }
     }
@@ -201,9 +204,13 @@ TEST_F(CurveFilingTest, WhatMakesNoCurveIsRefused) {
     // A stream that ends too soon.
     AcDbPolyline polyline;
     polyline.addVertexAt(0, {1, 2});
-    MemoryDwgFiler memory;
-    memory.writeBool(true);
-    EXPECT_NE(polyline.dwgInFields(&memory), Acad::eOk);
+    std::vector<uint8_t> bytes;
+    model::MemoryWriter writer(bytes, AcDb::kCopyFiler, nullptr);
+    polyline.dwgOutFields(&writer);
+    for (size_t size = 0; size < bytes.size(); ++size) {
+        model::MemoryReader reader({bytes.data(), size}, AcDb::kCopyFiler, nullptr);
+        EXPECT_NE(polyline.dwgInFields(&reader), Acad::eOk) << size;
+    }
 }
 
 TEST_F(CurveFilingTest, VertexFlagsTellTheKinds) {

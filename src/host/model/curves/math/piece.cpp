@@ -117,10 +117,10 @@ double Piece::length(double from, double to) const {
     for (const double next : samples()) {
         if (next <= at) continue;
         if (next >= to) break;
-        sum += integrate(speed, at, next);
+        sum += integratePositive(speed, at, next);
         at = next;
     }
-    return sum + integrate(speed, at, to);
+    return sum + integratePositive(speed, at, to);
 }
 
 double Piece::paramAtLength(double from, double distance) const {
@@ -313,18 +313,18 @@ AcGeVector3d Piece::sweptArea(const AcGePoint3d& base, double from, double to) c
         const AcGeVector3d chord = at(to) - at(from);
         return ((origin - base).crossProduct(chord) + axis() * (to - from)) / 2;
     }
+    const auto sweep = [&](double t) {
+        const Nurbs::Values here = values(t);
+        return (here.point - base).crossProduct(here.first);
+    };
     AcGeVector3d sum;
     double at = from;
     for (const double stop : samples()) {
         const double next = std::clamp(stop, from, to);
         if (next <= at) continue;
+        const double size = gaussSum([&](double t) { return sweep(t).length(); }, at, next);
         for (unsigned int i = 0; i < 3; ++i) {
-            sum[i] += integrate(
-                [&](double t) {
-                    const Nurbs::Values here = values(t);
-                    return (here.point - base).crossProduct(here.first)[i];
-                },
-                at, next);
+            sum[i] += integrate([&](double t) { return sweep(t)[i]; }, at, next, size);
         }
         at = next;
     }

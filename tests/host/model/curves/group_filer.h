@@ -1,8 +1,6 @@
 #pragma once
 
 #include <any>
-#include <cstring>
-#include <deque>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -11,85 +9,8 @@
 
 namespace sg::test {
 
-// Keeps what is written and gives it back in order; a read of another type than was written fails.
-class MemoryDwgFiler : public AcDbDwgFiler {
-  public:
-    explicit MemoryDwgFiler(AcDb::FilerType type = AcDb::kCopyFiler) : type_(type) {}
-
-    AcDb::FilerType filerType() const override { return type_; }
-    Acad::ErrorStatus filerStatus() const override { return status_; }
-    void setFilerStatus(Acad::ErrorStatus status) override { status_ = status; }
-    void resetFilerStatus() override { status_ = Acad::eOk; }
-    AcDbDatabase* database() const override { return nullptr; }
-    bool empty() const { return values_.empty(); }
-
-#define SG_FILER_PAIR(NAME, TYPE, BY_VALUE)                  \
-    Acad::ErrorStatus read##NAME(TYPE* value) override {     \
-        return read(value);                                  \
-    }                                                        \
-    Acad::ErrorStatus write##NAME(BY_VALUE value) override { \
-        return write<TYPE>(value);                           \
-    }
-    SG_FILER_PAIR(HardOwnershipId, AcDbHardOwnershipId, const AcDbHardOwnershipId&)
-    SG_FILER_PAIR(SoftOwnershipId, AcDbSoftOwnershipId, const AcDbSoftOwnershipId&)
-    SG_FILER_PAIR(HardPointerId, AcDbHardPointerId, const AcDbHardPointerId&)
-    SG_FILER_PAIR(SoftPointerId, AcDbSoftPointerId, const AcDbSoftPointerId&)
-    SG_FILER_PAIR(Int8, int8_t, int8_t)
-    SG_FILER_PAIR(Int16, int16_t, int16_t)
-    SG_FILER_PAIR(Int32, int32_t, int32_t)
-    SG_FILER_PAIR(Int64, int64_t, int64_t)
-    SG_FILER_PAIR(UInt8, uint8_t, uint8_t)
-    SG_FILER_PAIR(UInt16, uint16_t, uint16_t)
-    SG_FILER_PAIR(UInt32, uint32_t, uint32_t)
-    SG_FILER_PAIR(Bool, bool, bool)
-    SG_FILER_PAIR(Double, double, double)
-    SG_FILER_PAIR(Point2d, AcGePoint2d, const AcGePoint2d&)
-    SG_FILER_PAIR(Point3d, AcGePoint3d, const AcGePoint3d&)
-    SG_FILER_PAIR(Vector2d, AcGeVector2d, const AcGeVector2d&)
-    SG_FILER_PAIR(Vector3d, AcGeVector3d, const AcGeVector3d&)
-    SG_FILER_PAIR(Scale3d, AcGeScale3d, const AcGeScale3d&)
-    SG_FILER_PAIR(AcDbHandle, ::AcDbHandle, const ::AcDbHandle&)
-#undef SG_FILER_PAIR
-    Acad::ErrorStatus readString(std::wstring& value) override {
-        return read(&value);
-    }
-    Acad::ErrorStatus writeString(const std::wstring& value) override {
-        return write(value);
-    }
-    Acad::ErrorStatus readBytes(void* bytes, size_t count) override {
-        std::string text;
-        read(&text);
-        if (text.size() != count) return status_ = Acad::eEndOfFile;
-        std::memcpy(bytes, text.data(), count);
-        return status_;
-    }
-    Acad::ErrorStatus writeBytes(const void* bytes, size_t count) override {
-        return write(std::string(static_cast<const char*>(bytes), count));
-    }
-
-  private:
-    template <class Value>
-    Acad::ErrorStatus write(const Value& value) {
-        values_.emplace_back(value);
-        return status_;
-    }
-    template <class Value>
-    Acad::ErrorStatus read(Value* value) {
-        if (status_ != Acad::eOk) return status_;
-        if (values_.empty()) return status_ = Acad::eEndOfFile;
-        const Value* const there = std::any_cast<Value>(&values_.front());
-        if (there == nullptr) return status_ = Acad::eBadDwgFile;
-        *value = *there;
-        values_.pop_front();
-        return status_;
-    }
-
-    AcDb::FilerType type_;
-    Acad::ErrorStatus status_ = Acad::eOk;
-    std::deque<std::any> values_;
-};
-
-// A list of groups that is written, and read again from its start.
+// A list of groups in the form of a drawing file, or of entget, that is written, and read again
+// from its start.
 class GroupFiler : public AcDbDxfFiler {
   public:
     struct Group {
