@@ -188,7 +188,7 @@ TEST_P(IndexTreeOf, TellsShares) {
         EXPECT_NEAR(cursor.shareBefore(view(c.key), false), c.before, 1e-9) << c.key;
         EXPECT_NEAR(cursor.shareBefore(view(c.key), true), c.upTo, 1e-9) << c.key;
     }
-    IndexFile empty(GetParam(), 2);
+    IndexFile empty(GetParam(), 3);
     empty.write(1, PageKind::IndexLeaf, {}, {});
     const MemoryPageStore nothing = empty.store();
     EXPECT_EQ(IndexCursor(nothing, 1).shareBefore(view("c"), true), 0);
