@@ -125,12 +125,18 @@ class Offsetter {
         std::vector<Piece> pieces;
         for (const Stretch& stretch : raw_)
             pieces.push_back(stretch.piece());
-        std::vector<Piece> caps;
+        // What bounds the neighbourhood of the original besides: its other side, which a path that
+        // crosses itself comes to, and round its ends.
+        Offsetter opposite(path_, -distance_);
+        opposite.buildRaw();
+        std::vector<Piece> others;
+        for (const Stretch& stretch : opposite.raw_)
+            others.push_back(stretch.piece());
         if (!path_.closed) {
             const double radius = std::abs(distance_);
             for (const AcGePoint3d& end :
                  {original_.spans.front().piece.start(), original_.spans.back().piece.end()}) {
-                caps.push_back(
+                others.push_back(
                     Piece::conic(end, {radius, 0, 0}, {0, radius, 0}, 0, 2 * std::numbers::pi));
             }
         }
@@ -139,8 +145,8 @@ class Offsetter {
             for (size_t j = 0; j < pieces.size(); ++j) {
                 if (j != i) appendCuts(pieces[i], pieces[j], cuts);
             }
-            for (const Piece& cap : caps)
-                appendCuts(pieces[i], cap, cuts);
+            for (const Piece& other : others)
+                appendCuts(pieces[i], other, cuts);
             std::sort(cuts.begin(), cuts.end());
             keepClear(i, pieces[i], cuts);
         }
@@ -159,8 +165,19 @@ class Offsetter {
             if (!clear(0.5) || !clear(0.25) || !clear(0.75)) continue;
             const double whole = piece.last - piece.first;
             const double bulge = std::tan(std::atan(raw_[index].bulge) * ((to - from) / whole));
-            kept_.push_back({flat(piece.at(from)), flat(piece.at(to)), bulge});
+            keep({flat(piece.at(from)), flat(piece.at(to)), bulge});
         }
+    }
+
+    // Raw stretches may run over each other.
+    void keep(const Stretch& stretch) {
+        const double near = 100 * tolerance_;
+        const bool known = std::any_of(kept_.begin(), kept_.end(), [&](const Stretch& there) {
+            return there.from.distanceTo(stretch.from) <= near &&
+                   there.to.distanceTo(stretch.to) <= near &&
+                   std::abs(there.bulge - stretch.bulge) <= 1e-6;
+        });
+        if (!known) kept_.push_back(stretch);
     }
 
     // The kept stretches stand in the order of the original; one that is not followed by its

@@ -319,7 +319,8 @@ TEST_F(CurveClassesTest, StretchedCirclesAreEllipses) {
             matrix.entry[i / 4][i % 4] = random.real(-2, 2);
         }
         if (std::abs(matrix.det()) < 0.1) continue;
-        const AcGePoint3d point = matrix * pointAt(*curve, (startParam(*curve) + 1));
+        const double middle = (startParam(*curve) + endParam(*curve)) / 2;
+        const AcGePoint3d point = matrix * pointAt(*curve, middle);
         if (curve->transformBy(matrix) != Acad::eOk) continue;
         AcGePoint3d closest;
         curve->getClosestPointTo(point, closest);

@@ -11,9 +11,14 @@ class CurveFilingTest : public CurveTest {
     static std::unique_ptr<AcDbEntity> emptyLike(const AcDbEntity& entity) {
         return std::unique_ptr<AcDbEntity>(AcDbEntity::cast(entity.isA()->create()));
     }
+    // The groups of the curve's own classes; a layer has no name outside a database.
     static GroupFiler groupsOf(const AcDbEntity& entity, AcDb::FilerType type) {
         GroupFiler filer(type);
         EXPECT_EQ(entity.dxfOutFields(&filer), Acad::eOk);
+        GroupFiler base(type);
+        entity.AcDbEntity::dxfOutFields(&base);
+        filer.groups.erase(filer.groups.begin(),
+                           filer.groups.begin() + static_cast<std::ptrdiff_t>(base.groups.size()));
         return filer;
     }
     static void expectSameCurve(const AcDbCurve& a, const AcDbCurve& b) {
@@ -108,11 +113,9 @@ TEST_F(CurveFilingTest, GroupsStandInTheirOrder) {
         {&vertex3d, "100 10 70", "100 10 40 41 42 70 50 71 72 73 74"},
     };
     for (const Case& c : cases) {
+        // Behind the marker of the class.
         const auto ownCodes = [&](AcDb::FilerType type) {
-            const std::string codes = groupsOf(*c.entity, type).codes();
-            GroupFiler base(type);
-            c.entity->AcDbEntity::dxfOutFields(&base);
-            return codes.substr(base.codes().size() + (base.codes().empty() ? 4 : 5));
+            return groupsOf(*c.entity, type).codes().substr(4);
         };
         EXPECT_EQ(ownCodes(AcDb::kFileFiler), c.inFile);
         EXPECT_EQ(ownCodes(AcDb::kBagFiler), c.inBag);

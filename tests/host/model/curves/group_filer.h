@@ -70,8 +70,11 @@ class GroupFiler : public AcDbDxfFiler {
         return Acad::eOk;
     }
     bool atSubclassData(const wchar_t* name) override {
+        if (!marked_) {
+            at_ = 0;  // each class takes its own of the groups
+            return !groups.empty();
+        }
         if (at_ >= groups.size()) return false;
-        if (!marked_) return true;
         const auto* marker = std::any_cast<std::wstring>(&groups[at_].value);
         if (groups[at_].code != 100 || marker == nullptr || *marker != name) return false;
         ++at_;

@@ -34,18 +34,12 @@ double refineIntegral(const Function& f, double from, double to, double whole, d
            refineIntegral(f, middle, to, right, tolerance, depth - 1);
 }
 
-// The integral of a smooth function, its error about 1e-13 of the size: the integral of its
-// absolute value, or another one that it is to be measured by.
+// The integral of a smooth function, its error about 1e-13 of `size`. That is to be well above the
+// rounding of the function's values times the width, which no halving gets under.
 template <class Function>
 double integrate(const Function& f, double from, double to, double size) {
     if (from == to) return 0;
     return refineIntegral(f, from, to, gaussSum(f, from, to), 1e-13 * size, 20);
-}
-
-// The same of a function that is nowhere below 0.
-template <class Function>
-double integratePositive(const Function& f, double from, double to) {
-    return integrate(f, from, to, gaussSum(f, from, to));
 }
 
 }  // namespace sg::model

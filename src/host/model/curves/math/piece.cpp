@@ -39,6 +39,7 @@ bool isSimple(const AcGeVector3d& before, const AcGeVector3d& after) {
     const double product = before.dotProduct(after);
     const double faster = std::max(before.lengthSqrd(), after.lengthSqrd());
     const double slower = std::min(before.lengthSqrd(), after.lengthSqrd());
+    if (faster == 0) return true;  // stands still
     return slower * 4 >= faster && product > 0 && 2 * product * product >= faster * slower;
 }
 
@@ -107,20 +108,35 @@ AcGePoint3d Piece::at(double t) const {
     return origin + (u * std::cos(t) + v * std::sin(t));
 }
 
+namespace {
+
+// About how long a conic or a spline is, at most.
+double roughLength(const Piece& piece) {
+    if (piece.kind == Piece::Kind::Conic) return piece.u.length() + piece.v.length();
+    double sum = 0;
+    const std::vector<AcGePoint3d>& controls = piece.spline->controls;
+    for (size_t i = 1; i < controls.size(); ++i)
+        sum += controls[i].distanceTo(controls[i - 1]);
+    return sum;
+}
+
+}  // namespace
+
 double Piece::length(double from, double to) const {
     if (kind == Kind::Line) return u.length() * (to - from);
     if (isCircular()) return u.length() * (to - from);
     if (to < from) return -length(to, from);
     const auto speed = [this](double t) { return values(t).first.length(); };
+    const double size = roughLength(*this) / 100;
     double sum = 0;
     double at = from;
     for (const double next : samples()) {
         if (next <= at) continue;
         if (next >= to) break;
-        sum += integratePositive(speed, at, next);
+        sum += integrate(speed, at, next, size);
         at = next;
     }
-    return sum + integratePositive(speed, at, to);
+    return sum + integrate(speed, at, to, size);
 }
 
 double Piece::paramAtLength(double from, double distance) const {
@@ -322,9 +338,13 @@ AcGeVector3d Piece::sweptArea(const AcGePoint3d& base, double from, double to) c
     for (const double stop : samples()) {
         const double next = std::clamp(stop, from, to);
         if (next <= at) continue;
-        const double size = gaussSum([&](double t) { return sweep(t).length(); }, at, next);
+        const auto size = [&](double t) {
+            const Nurbs::Values here = values(t);
+            return here.point.distanceTo(base) * here.first.length();
+        };
+        const double whole = gaussSum(size, at, next);
         for (unsigned int i = 0; i < 3; ++i) {
-            sum[i] += integrate([&](double t) { return sweep(t)[i]; }, at, next, size);
+            sum[i] += integrate([&](double t) { return sweep(t)[i]; }, at, next, whole);
         }
         at = next;
     }
