@@ -159,7 +159,7 @@ void RangeMaker::makeEnd(const jet::KeyEncoder& encoder, const std::optional<jet
     equal_.pop_back();
     if (isPattern_) {
         // The end bytes of a text.
-        key.resize(key.size() - (ascending ? 2 : 3));
+        key.erase(key.end() - (ascending ? 2 : 3), key.end());
     }
 }
 
