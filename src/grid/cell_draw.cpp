@@ -72,9 +72,7 @@ void CGridCellBase::DrawBackground(CellCanvas& canvas, bool erase) const {
     const bool isMarked = IsFocused() || IsDropHighlighted();
     if (IsSelected()) {
         canvas.textColour = palette.color(QPalette::HighlightedText);
-        if (!isMarked || erase) {
-            canvas.painter.fillRect(filled, palette.color(QPalette::Highlight));
-        }
+        canvas.painter.fillRect(filled, palette.color(QPalette::Highlight));
     } else {
         canvas.textColour = toQColor(GetTextClr());
         if (erase) canvas.painter.fillRect(filled, toQColor(GetBackClr()));

@@ -373,6 +373,7 @@ class SG_API CGridCtrl : public QAbstractScrollArea {
     // grid_keys.cpp
     void HandleKey(QKeyEvent& event);
     bool DoKeyCommand(const QKeyEvent& event);
+    bool FoldByKey(const QKeyEvent& event);
     void MoveByKey(const QKeyEvent& event);
     CCellID KeyTarget(int key, Qt::KeyboardModifiers modifiers);
     CCellID TabTarget(bool back) const;

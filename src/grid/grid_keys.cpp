@@ -5,6 +5,7 @@
 
 #include "grid/grid_ctrl.h"
 #include "grid/title_tip.h"
+#include "grid/tree_column.h"
 
 // The keyboard.
 namespace sg::grid {
@@ -58,7 +59,7 @@ void CGridCtrl::HandleKey(QKeyEvent& event) {
     }
     if (!IsValid(focusCell_)) return;
     const bool isControl = (event.modifiers() & Qt::ControlModifier) != 0;
-    if (DoKeyCommand(event)) {
+    if (DoKeyCommand(event) || FoldByKey(event)) {
         event.accept();
     } else if (isMovingKey(event.key()) && !(isTabKey(event.key()) && isControl)) {
         event.accept();
@@ -92,6 +93,14 @@ bool CGridCtrl::DoKeyCommand(const QKeyEvent& event) {
         return false;
     }
     return true;
+}
+
+// With Alt, left folds the row of the focus and right unfolds it.
+bool CGridCtrl::FoldByKey(const QKeyEvent& event) {
+    if ((event.modifiers() & Qt::AltModifier) == 0) return false;
+    if (event.key() == Qt::Key_Left) return tree_->Collapse(focusCell_.row);
+    if (event.key() == Qt::Key_Right) return tree_->Expand(focusCell_.row);
+    return false;
 }
 
 void CGridCtrl::MoveByKey(const QKeyEvent& event) {
