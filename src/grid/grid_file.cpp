@@ -4,8 +4,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <sstream>
+#include <memory>
+#include <string>
 #include <string_view>
 
 #include "base/encoding.h"
@@ -21,6 +21,17 @@ constexpr size_t kWriteAt = 1 << 16;
 
 std::wstring withReason(const std::wstring& message, int error) {
     return message + L": " + fromUtf8(std::strerror(error));
+}
+
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+bool readAll(std::FILE& file, std::string& bytes) {
+    char buffer[1 << 16];
+    while (const size_t count = std::fread(buffer, 1, sizeof(buffer), &file))
+        bytes.append(buffer, count);
+    return std::ferror(&file) == 0;
 }
 
 // The next line without its end; false at the end of the text.
@@ -56,20 +67,17 @@ void CGridCtrl::ReportError(const std::wstring& message) {
 
 bool CGridCtrl::Load(const std::wstring& path, wchar_t separator) {
     if (isVirtual_) return false;
-    errno = 0;
-    std::ifstream file(toUtf8(path), std::ios::binary);
+    const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(toUtf8(path).c_str(), "rb"));
     if (!file) {
         ReportError(withReason(L"cannot open " + path, errno));
         return false;
     }
-    std::ostringstream bytes;
-    bytes << file.rdbuf();
-    // An empty file gives no bytes, which the stream takes for a failure.
-    if (file.bad() || (bytes.fail() && file.peek() != std::ifstream::traits_type::eof())) {
+    std::string bytes;
+    if (!readAll(*file, bytes)) {
         ReportError(L"Unable to load grid data");
         return false;
     }
-    const std::wstring content = decodeTextFile(bytes.str());
+    const std::wstring content = decodeTextFile(bytes);
 
     const int fixedRows = fixedRows_, fixedColumns = fixedColumns_;
     DeleteAllItems();

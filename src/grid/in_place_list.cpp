@@ -58,9 +58,9 @@ CInPlaceList::CInPlaceList(CGridCellBase& cell, CCellID id,
     RestoreText();
     view()->installEventFilter(this);
     view()->window()->installEventFilter(this);
-    // A choice in the list is the end of the edit.
+    // A choice in the list is the end of the edit; one by a typed character is not.
     connect(this, &QComboBox::activated, this, [this] {
-        if (HasEnded()) return;
+        if (HasEnded() || !isListChoice_) return;
         if (Grid() != nullptr) Grid()->setFocus(Qt::OtherFocusReason);
         End();
     });
@@ -102,7 +102,13 @@ bool CInPlaceList::event(QEvent* event) {
     return QComboBox::event(event);
 }
 
+void CInPlaceList::hidePopup() {
+    isListChoice_ = IsOpen();
+    QComboBox::hidePopup();
+}
+
 void CInPlaceList::keyPressEvent(QKeyEvent* event) {
+    isListChoice_ = false;
     const int key = event->key();
     const bool isControl = (event->modifiers() & Qt::ControlModifier) != 0;
     const bool isAlt = (event->modifiers() & Qt::AltModifier) != 0;

@@ -21,6 +21,8 @@ class SG_API CInPlaceList final : public QComboBox, public InPlaceEditor {
                               uint32_t character, const std::vector<std::wstring>& options,
                               int style, bool isOpen);
 
+    void hidePopup() override;
+
   protected:
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -39,7 +41,8 @@ class SG_API CInPlaceList final : public QComboBox, public InPlaceEditor {
     QString Shown() const;
     void TakeListKey(QKeyEvent& event);
 
-    QString shown_;  // at the start
+    QString shown_;              // at the start
+    bool isListChoice_ = false;  // what is chosen next is chosen in the list, which has just closed
 };
 
 // The same list serves plain and button cells.
