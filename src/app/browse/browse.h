@@ -9,10 +9,10 @@
 namespace sg::app {
 
 struct BrowseRequest {
-    std::vector<std::wstring> tables;  // to choose from
-    std::wstring table;                // shown first; empty: there is none
+    std::vector<std::wstring> tables{};  // to choose from
+    std::wstring table{};                // shown first; empty: there is none
     // Files to write instead of waiting for a user; empty ones are not written.
-    std::wstring picture, text, pdf;
+    std::wstring picture{}, text{}, pdf{};
 };
 
 enum class BrowseResult {
