@@ -1,12 +1,15 @@
 #include <gmock/gmock.h>
 
 #include "database/database_fixture.h"
+#include "source_folder.h"
 
 namespace sg::test {
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 using ConnectTest = DatabaseTest;
 
@@ -235,6 +238,34 @@ TEST_F(RepairTest, ARepairMayUseDatabasesItself) {
         "(sg_connect (strcat folder \"good.mdb\"))");
     EXPECT_EQ(connectTo("bad.mdb"), "T");
     EXPECT_EQ(run("(sg_mdb)"), "\"" + toUtf8(path("bad.mdb")) + "\"");
+}
+
+// The program that is shipped on the support path.
+TEST_F(RepairTest, ADamagedFileIsCompactedAndKeptBesideTheNewOne) {
+    stop();
+    options.supportPath = {fromUtf8((testSources().parent_path() / "support").string())};
+    start();
+    setFolder();
+    constexpr size_t kPageSize = 4096, kDamagedPage = 2;  // the catalog's definition
+    for (const char* kept : {"plan.mdb.bak", "plan.mdb.bak2"}) {
+        SCOPED_TRACE(kept);
+        std::filesystem::remove(folder_ / "plan.mdb");
+        makeFile("plan.mdb", {L"A", L"B"});
+        std::string bytes = read("plan.mdb");
+        bytes.replace(kDamagedPage * kPageSize, 4, "junk");
+        write("plan.mdb", bytes);
+        EXPECT_THAT(connectTo("plan.mdb"), HasSubstr(" has been compacted. "));
+        EXPECT_EQ(read(kept), bytes);
+        EXPECT_EQ(run("(sg_readonly)"), "nil");
+        run("(sg_table \"Rooms\")");
+        EXPECT_EQ(nameAfter("(sg_bottom)"), "\"B\"");
+        run("(sg_close_db)");
+    }
+    EXPECT_THAT(connectTo("bad.mdb"),
+                AllOf(HasSubstr("T | "), HasSubstr(" could not be compacted: ")));
+    EXPECT_EQ(read("bad.mdb"), "no database");
+    EXPECT_FALSE(exists("bad.mdb.bak"));
+    EXPECT_THAT(errors(), Not(HasSubstr("error")));
 }
 
 // Each failed open has the connection of the call inside it to report, down to where the stack
