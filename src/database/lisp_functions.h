@@ -9,4 +9,19 @@ int xdGet();
 int xdGetList();
 int xdGetAll();
 
+// Files and folders.
+int fileCopy();
+int fileCopyIfChanged();
+int fileMove();
+int fileDelete();
+int fileDirectory();
+int makeDirectory();
+int removeDirectory();
+
+// Sounds, message boxes and random numbers.
+int beep();
+int messageBeep();
+int messageBox();
+int randomNumber();
+
 }  // namespace sg

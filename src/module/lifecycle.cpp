@@ -1,7 +1,6 @@
 #include "module/lifecycle.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <ctime>
 #include <memory>
 #include <span>
@@ -19,6 +18,7 @@
 #include "platform/rx/rxclass.h"
 #include "platform/rx/rxdictionary.h"
 #include "platform/win/exceptions.h"
+#include "platform/win/random.h"
 #include "platform/win/system.h"
 
 namespace sg {
@@ -42,7 +42,7 @@ void createMutex() {
 }
 
 void seedRandomGenerator() {
-    std::srand(static_cast<uint32_t>(std::time(nullptr)));
+    sgSeedRandom(static_cast<uint32_t>(std::time(nullptr)));
 }
 
 // False when the engine cannot be started.

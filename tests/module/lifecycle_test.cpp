@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <cstdlib>
-
 #include "host/seam/external_functions.h"
 #include "host/system/mutexes.h"
 #include "module/function_tables.h"
@@ -99,12 +97,10 @@ constexpr const char* kEndSteps[] = {"reactor removed, engine stopped 1537",
                                      "companion end, engine stopped 1537, mutex"};
 
 TEST_F(LifecycleTest, InitialisationInItsOrder) {
-    std::srand(1);
-    const int unseeded = std::rand();
     startWithRecordingEditor();
     EXPECT_EQ(log[0], "companion init, engine stopped 0");
     EXPECT_THAT(log, ElementsAre(kInitSteps[0], kInitSteps[1]));
-    EXPECT_NE(std::rand(), unseeded);
+    EXPECT_NE(host().randomState, 1u) << "the generator is seeded";
     EXPECT_EQ(host().mutexes().create(L"QuillonSwiftGate").error, ERROR_ALREADY_EXISTS);
     const Module& module = *host().modules().find(kModule);
     EXPECT_FALSE(module.isLocked());

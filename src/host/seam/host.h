@@ -121,7 +121,8 @@ class SG_API Host {
     // The system variables as the current document sees them.
     SystemVariables& systemVariables();
 
-    uint32_t lastError = 0;  // of GetLastError
+    uint32_t lastError = 0;    // of GetLastError
+    uint32_t randomState = 1;  // of sgRandom
     bool textScreen = false;
 
   private:

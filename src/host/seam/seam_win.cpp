@@ -1,3 +1,4 @@
+#include "host/editor/command_line_output.h"
 #include "host/editor/input_source.h"
 #include "host/lisp/interpreter.h"
 #include "host/seam/host.h"
@@ -6,7 +7,9 @@
 #include "host/system/shell.h"
 #include "platform/win/download.h"
 #include "platform/win/message_box.h"
+#include "platform/win/random.h"
 #include "platform/win/shell.h"
+#include "platform/win/sound.h"
 #include "platform/win/system.h"
 #include "platform/win/window.h"
 
@@ -27,6 +30,23 @@ HWND adsw_acadMainWnd() {
 int MessageBoxW(HWND, const wchar_t* text, const wchar_t* title, unsigned flags) {
     return Host::the().input().messageBox(
         {title != nullptr ? title : L"Error", text != nullptr ? text : L"", flags});
+}
+
+// A terminal has one sound for all kinds.
+bool MessageBeep(unsigned) {
+    Host::the().output().bell();
+    return true;
+}
+
+void sgSeedRandom(uint32_t seed) {
+    Host::the().randomState = seed;
+}
+
+// The upper bits of a linear congruential generator modulo 2^32; the lower ones repeat too soon.
+int32_t sgRandom() {
+    uint32_t& state = Host::the().randomState;
+    state = state * 214013u + 2531011u;
+    return static_cast<int32_t>(state >> 16 & 0x7fffu);
 }
 
 intptr_t ShellExecuteW(HWND, const wchar_t* operation, const wchar_t* file,
