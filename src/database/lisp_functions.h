@@ -1,7 +1,40 @@
 #pragma once
 
-// The sg_ functions as the call guard runs them; docs/functions/sg.md tells what they do.
+// The sg_ functions as the call guard runs them; docs/functions tells what they do.
 namespace sg {
+
+// Connections.
+int connectDatabase();
+int closeDatabase();
+int createDatabase();
+int databaseName();
+int databaseReadOnly();
+int tableExists();
+int closeTable();
+int closeAllTables();
+
+// The table cursor.
+int selectTable();
+int topRecord();
+int bottomRecord();
+int skipRecords();
+int seekRecord();
+int currentRecord();
+int recordCount();
+int currentTable();
+int currentIndex();
+
+// Writing records.
+int appendRecord();
+int appendRecordWithIndex();
+int replaceRecord();
+int deleteRecord();
+
+// Maintenance and errors.
+int lastError();
+int resetLastError();
+int compactDatabaseFile();
+int databaseVersion();
 
 // The product's extended data on entities.
 int xdPutList();

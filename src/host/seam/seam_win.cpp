@@ -1,9 +1,13 @@
+#include <algorithm>
+
 #include "host/editor/command_line_output.h"
 #include "host/editor/input_source.h"
 #include "host/lisp/interpreter.h"
 #include "host/seam/host.h"
 #include "host/system/download.h"
+#include "host/system/folders.h"
 #include "host/system/mutexes.h"
+#include "host/system/random.h"
 #include "host/system/shell.h"
 #include "platform/win/download.h"
 #include "platform/win/message_box.h"
@@ -67,6 +71,32 @@ SgMutex* CreateMutexW(const void*, bool, const wchar_t* name) {
     const auto created = Host::the().mutexes().create(name);
     Host::the().lastError = created.error;
     return created.mutex;
+}
+
+void Sleep(uint32_t milliseconds) {
+    Host::the().sleep(milliseconds);
+}
+
+bool GetComputerNameW(wchar_t* name, uint32_t* size) {
+    constexpr size_t kLongestName = 15;
+    const std::wstring machine =
+        sg::environmentVariable(L"COMPUTERNAME").value_or(L"").substr(0, kLongestName);
+    const auto length = static_cast<uint32_t>(machine.size());
+    if (name == nullptr || size == nullptr || *size <= length) {
+        if (size != nullptr) *size = length + 1;
+        SetLastError(ERROR_BUFFER_OVERFLOW);
+        return false;
+    }
+    std::copy_n(machine.c_str(), length + 1, name);
+    *size = length;
+    return true;
+}
+
+int sgRandom() {
+    return Host::the().random().next();
+}
+void sgSeedRandom(uint32_t seed) {
+    Host::the().random().seed(seed);
 }
 
 bool DeleteUrlCacheEntryW(const wchar_t*) {
