@@ -30,6 +30,33 @@ int appendRecordWithIndex();
 int replaceRecord();
 int deleteRecord();
 
+// SQL.
+int sqlSelect();
+int sqlSelectOrNil();
+int sqlSelectOrError();
+int sqlCommand();
+int runStoredQuery();
+int setStoredQuery();
+
+// The design of tables.
+int createTable();
+int modifyTable();
+int deleteTable();
+int renameTable();
+int listTables();
+int linkTable();
+int tableStructure();
+int fieldRequired();
+int fieldAttributes();
+int listIndexes();
+int createIndex();
+int indexUnique();
+int indexFields();
+int relationExists();
+int relationDelete();
+int relationCount();
+int relationInfo();
+
 // Maintenance and errors.
 int lastError();
 int resetLastError();

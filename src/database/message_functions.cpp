@@ -7,8 +7,8 @@
 #include "database/lisp_functions.h"
 #include "platform/lisp/external_functions.h"
 #include "platform/win/message_box.h"
-#include "platform/win/random.h"
 #include "platform/win/sound.h"
+#include "platform/win/system.h"
 #include "platform/win/window.h"
 
 namespace sg {

@@ -18,7 +18,6 @@
 #include "platform/rx/rxclass.h"
 #include "platform/rx/rxdictionary.h"
 #include "platform/win/exceptions.h"
-#include "platform/win/random.h"
 #include "platform/win/system.h"
 
 namespace sg {

@@ -4,6 +4,7 @@
 
 #include "host/seam/external_functions.h"
 #include "host/system/mutexes.h"
+#include "host/system/random.h"
 #include "module/function_tables.h"
 #include "module/module_fixture.h"
 #include "platform/dao/engine.h"
@@ -100,7 +101,9 @@ TEST_F(LifecycleTest, InitialisationInItsOrder) {
     startWithRecordingEditor();
     EXPECT_EQ(log[0], "companion init, engine stopped 0");
     EXPECT_THAT(log, ElementsAre(kInitSteps[0], kInitSteps[1]));
-    EXPECT_NE(host().randomState, 1u) << "the generator is seeded";
+    RandomGenerator unseeded;
+    EXPECT_NE(std::pair(host().random().next(), host().random().next()),
+              std::pair(unseeded.next(), unseeded.next()));
     EXPECT_EQ(host().mutexes().create(L"QuillonSwiftGate").error, ERROR_ALREADY_EXISTS);
     const Module& module = *host().modules().find(kModule);
     EXPECT_FALSE(module.isLocked());

@@ -123,8 +123,7 @@ class SG_API Host {
     // The system variables as the current document sees them.
     SystemVariables& systemVariables();
 
-    uint32_t lastError = 0;    // of GetLastError
-    uint32_t randomState = 1;  // of sgRandom
+    uint32_t lastError = 0;  // of GetLastError
     bool textScreen = false;
     std::function<void(uint32_t milliseconds)> sleep;  // what Sleep does
 

@@ -11,7 +11,6 @@
 #include "host/system/shell.h"
 #include "platform/win/download.h"
 #include "platform/win/message_box.h"
-#include "platform/win/random.h"
 #include "platform/win/shell.h"
 #include "platform/win/sound.h"
 #include "platform/win/system.h"
@@ -40,17 +39,6 @@ int MessageBoxW(HWND, const wchar_t* text, const wchar_t* title, unsigned flags)
 bool MessageBeep(unsigned) {
     Host::the().output().bell();
     return true;
-}
-
-void sgSeedRandom(uint32_t seed) {
-    Host::the().randomState = seed;
-}
-
-// The upper bits of a linear congruential generator modulo 2^32; the lower ones repeat too soon.
-int32_t sgRandom() {
-    uint32_t& state = Host::the().randomState;
-    state = state * 214013u + 2531011u;
-    return static_cast<int32_t>(state >> 16 & 0x7fffu);
 }
 
 intptr_t ShellExecuteW(HWND, const wchar_t* operation, const wchar_t* file,
