@@ -30,6 +30,33 @@ int appendRecordWithIndex();
 int replaceRecord();
 int deleteRecord();
 
+// SQL.
+int sqlSelect();
+int sqlSelectOrNil();
+int sqlSelectOrError();
+int sqlCommand();
+int runStoredQuery();
+int setStoredQuery();
+
+// The design of tables.
+int createTable();
+int modifyTable();
+int deleteTable();
+int renameTable();
+int listTables();
+int linkTable();
+int tableStructure();
+int fieldRequired();
+int fieldAttributes();
+int listIndexes();
+int createIndex();
+int indexUnique();
+int indexFields();
+int relationExists();
+int relationDelete();
+int relationCount();
+int relationInfo();
+
 // Maintenance and errors.
 int lastError();
 int resetLastError();
@@ -41,5 +68,20 @@ int xdPutList();
 int xdGet();
 int xdGetList();
 int xdGetAll();
+
+// Files and folders.
+int fileCopy();
+int fileCopyIfChanged();
+int fileMove();
+int fileDelete();
+int fileDirectory();
+int makeDirectory();
+int removeDirectory();
+
+// Sounds, message boxes and random numbers.
+int beep();
+int messageBeep();
+int messageBox();
+int randomNumber();
 
 }  // namespace sg

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "host/editor/command_line_output.h"
 #include "host/editor/input_source.h"
 #include "host/lisp/interpreter.h"
 #include "host/seam/host.h"
@@ -11,6 +12,7 @@
 #include "platform/win/download.h"
 #include "platform/win/message_box.h"
 #include "platform/win/shell.h"
+#include "platform/win/sound.h"
 #include "platform/win/system.h"
 #include "platform/win/window.h"
 
@@ -31,6 +33,12 @@ HWND adsw_acadMainWnd() {
 int MessageBoxW(HWND, const wchar_t* text, const wchar_t* title, unsigned flags) {
     return Host::the().input().messageBox(
         {title != nullptr ? title : L"Error", text != nullptr ? text : L"", flags});
+}
+
+// A terminal has one sound for all kinds.
+bool MessageBeep(unsigned) {
+    Host::the().output().bell();
+    return true;
 }
 
 intptr_t ShellExecuteW(HWND, const wchar_t* operation, const wchar_t* file,

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "base/export.h"
+#include "platform/win/hresult.h"
 
 // VARIANT: one value together with its type, as the database engine takes and gives it.
 
@@ -73,9 +74,7 @@ SG_API void SysFreeString(BSTR text);
 // Characters without the final zero; 0 for null.
 SG_API size_t SysStringLen(const wchar_t* text);
 
-// What VariantClear and VariantCopy answer.
-using HRESULT = int32_t;
-inline constexpr HRESULT S_OK = 0;
+// What VariantClear and VariantCopy answer besides S_OK.
 inline constexpr HRESULT E_OUTOFMEMORY = static_cast<HRESULT>(0x8007000E);
 
 // Makes `variant` VT_EMPTY without looking at what it held.
