@@ -36,6 +36,11 @@ bool isString(const resbuf* node) {
     return node != nullptr && node->restype == RTSTR;
 }
 
+// One of the two is a string. A list is neither.
+bool hasNames(const resbuf& first) {
+    return isString(&first) || (first.restype != RTLB && isString(first.rbnext));
+}
+
 COleVariant coordinate(const resbuf& point, int axis) {
     return COleVariant::fromDouble(point.resval.rpoint[axis]);
 }
@@ -81,7 +86,7 @@ int selectTable() {
     const ArgumentList arguments;
     const resbuf* const first = arguments.first();
     if (first == nullptr) return kLispTooFew;
-    if (!isString(first) && !isString(first->rbnext)) return kLispWrongType;
+    if (!hasNames(*first)) return kLispWrongType;
     const resbuf* position = first;
     std::wstring table, index;
     nextString(position, table);

@@ -222,7 +222,7 @@ TEST_F(LifecycleTest, LoadedUnloadedAndLoadedAgain) {
     EXPECT_EQ(editor_.reactors.size(), 1u);
     EXPECT_EQ(functions().size(), 173u);
     EXPECT_THAT(entries(), ElementsAre("Drawing1.dwg"));
-    EXPECT_EQ(eval("(vl-catch-all-error-p (vl-catch-all-apply 'sg_count nil))"), "T");
+    EXPECT_EQ(eval("(vl-catch-all-error-p (vl-catch-all-apply 'sg_connect nil))"), "T");
 }
 
 TEST_F(LifecycleTest, OneHostAfterTheOther) {
