@@ -35,9 +35,9 @@ std::vector<COleVariant> allRecords(CDaoRecordset& rows, const std::vector<COleV
     std::vector<COleVariant> items;
     items.reserve(static_cast<size_t>(rows.GetRecordCount()) * (1 + 2 * names.size()));
     for (; !rows.IsEOF(); rows.MoveNext()) {
-        items.push_back(newRecord);
+        items.push_back(COleVariant::sharing(newRecord));
         for (size_t field = 0; field < names.size(); ++field) {
-            items.push_back(names[field]);
+            items.push_back(COleVariant::sharing(names[field]));
             items.push_back(rows.GetFieldValue(static_cast<int>(field)));
         }
     }

@@ -71,6 +71,9 @@ struct VARIANT {
 SG_API BSTR SysAllocString(const wchar_t* text);
 SG_API BSTR SysAllocStringLen(const wchar_t* text, size_t length);
 SG_API void SysFreeString(BSTR text);
+// The same string for one more holder, each of whom frees it and none of whom writes over it. For
+// texts that come again and again, as the names of a query's fields do. This host's own.
+SG_API BSTR sgShareBstr(BSTR text);
 // Characters without the final zero; 0 for null.
 SG_API size_t SysStringLen(const wchar_t* text);
 
