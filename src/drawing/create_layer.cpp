@@ -47,6 +47,7 @@ void setLineWeight(AcDbLayerTableRecord& layer, const LayerRecord& row) {
     std::wstring weight;
     if (!row.sLineweight.get(weight) || weight.empty()) return;
     const long hundredths = std::wcstol(weight.c_str(), nullptr, 10);
+    if (hundredths < AcDb::kLnWtByLwDefault || hundredths > AcDb::kLnWt211) return;
     layer.setLineWeight(static_cast<AcDb::LineWeight>(hundredths));
 }
 
