@@ -213,7 +213,7 @@ TEST_F(SqlTest, RowsByHowManyColumnsThereAre) {
 }
 
 TEST_F(SqlTest, ABadQueryIsRunAgainOnAReopenedFile) {
-    run("(sg_table \"Rooms\" \"Name\")");
+    run("(sg_resetLastError) (sg_table \"Rooms\" \"Name\")");
     EXPECT_EQ(run("(sg_sql-error \"selec Name from Rooms\")"), "\"*ERROR*\"");
     EXPECT_EQ(run("(sg_lastError)"), "\"\"");
     EXPECT_EQ(run("(sg_current_table)"), "\"\"") << "the tables are closed";
