@@ -31,6 +31,7 @@ int setAnnotative();
 int setAnnotativeBlock();
 
 // Layers, colours and viewports.
+int createLayer();
 int setTrueColor();
 int setPlotStyle();
 int freezeInViewport();

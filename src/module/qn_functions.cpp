@@ -68,7 +68,7 @@ constexpr FunctionRow kRows[] = {
     missingQnRow<L"qn_qn-submitBug">(),
     missingQnRow<L"EditUserOptions">(),
     missingQnRow<L"qn_qn-safeContinue">(),
-    missingQnRow<L"qn_qn-createLayer">(),
+    {L"qn_qn-createLayer", qnHandler<createLayer>},
     missingQnRow<L"GetComputerName">(),
     missingQnRow<L"XFolderDialog">(),
     missingQnRow<L"PathIsNetworkPath">(),
