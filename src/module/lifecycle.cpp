@@ -8,6 +8,7 @@
 
 #include "database/db_info.h"
 #include "database/driver_offer.h"
+#include "leader/qn_leader.h"
 #include "module/editor_reactor.h"
 #include "module/function_tables.h"
 #include "module/missing.h"
@@ -131,6 +132,7 @@ AcRx::AppRetCode initializeModule(void* packet) {
     }
     addReactor();
     declareUnlockedAndDocumentAware(packet);
+    QNLeader::rxInit();
     acrxBuildClassHierarchy();
     return AcRx::kRetOK;
 }
@@ -152,6 +154,7 @@ void unloadDrawing() {
 }
 
 void terminateModule() {
+    deleteAcRxClass(QNLeader::desc());
     stopDatabaseEngine();
     removeReactor();
     unloadCompanion();

@@ -201,7 +201,7 @@ class Help(ProgramTest):
         code, output, _ = self.run_program("help", "--missing")
         names = output.splitlines()
         self.assertEqual((code, len(names), names[0], names[58], names[59], names[-1]),
-                         (0, 138, "sg_append", "sg_relationInfo", "qn_qn-setGroupSelectable",
+                         (0, 132, "sg_append", "sg_relationInfo", "qn_qn-setGroupSelectable",
                           "qn_qn-setAcadWindowText"))
         self.assertEqual(self.run_program("help", "--missing", "--no-module"), (0, "", ""))
 
