@@ -1,5 +1,6 @@
 #include "host/model/entities/register_classes.h"
 
+#include "host/model/entities/hatch.h"
 #include "host/model/entities/solid.h"
 #include "platform/db/annotative.h"
 #include "platform/db/attribute.h"
@@ -21,7 +22,8 @@ void registerAll() {
 
 void registerEntityClasses() {
     registerAll<AcDbText, AcDbAttributeDefinition, AcDbAttribute, AcDbMText, AcDbBlockReference,
-                AcDbMInsertBlock, AcDbFace, AcDbSolid, AcDbTrace, AcDbViewport, AcDbLeader>();
+                AcDbMInsertBlock, AcDbFace, AcDbSolid, AcDbTrace, AcDbViewport, AcDbLeader,
+                AcDbHatch>();
     AcDbAnnotativeObjectPE::rxInit();
 }
 
