@@ -1,5 +1,6 @@
 #include "host/model/entities/register_classes.h"
 
+#include "host/model/entities/dimension/kinds.h"
 #include "host/model/entities/hatch.h"
 #include "host/model/entities/solid.h"
 #include "platform/db/annotative.h"
@@ -24,6 +25,9 @@ void registerEntityClasses() {
     registerAll<AcDbText, AcDbAttributeDefinition, AcDbAttribute, AcDbMText, AcDbBlockReference,
                 AcDbMInsertBlock, AcDbFace, AcDbSolid, AcDbTrace, AcDbViewport, AcDbLeader,
                 AcDbHatch>();
+    registerAll<AcDbDimension, AcDbAlignedDimension, AcDbRotatedDimension,
+                AcDb2LineAngularDimension, AcDb3PointAngularDimension, AcDbArcDimension,
+                AcDbRadialDimension, AcDbDiametricDimension, AcDbOrdinateDimension>();
     AcDbAnnotativeObjectPE::rxInit();
 }
 
