@@ -55,6 +55,9 @@ class SG_API FieldReader {
 SG_API Acad::ErrorStatus writeColor(AcDbDwgFiler* filer, const AcCmColor& color);
 SG_API Acad::ErrorStatus readColor(AcDbDwgFiler* filer, AcCmColor& color);
 
+// A colour from a group that holds 0xRRGGBB.
+SG_API void setTrueColor(AcCmColor& color, int32_t rgb);
+
 // Erases an object, or brings it back; one that is null, or that is so already, is left alone.
 SG_API void eraseObject(AcDbObjectId id, bool erasing = true);
 
