@@ -174,6 +174,7 @@ void Host::createDocuments() {
     events.opened = [this](Document& document) {
         lisp::Namespace* const before = interpreter_->enterNamespace(&document.variables());
         interpreter_->runTopLevel([&] {
+            loadDocumentPrograms();
             lisp::loadProgramsForNewNamespace(*interpreter_);
             return lisp::Value::nil();
         });
@@ -186,6 +187,15 @@ void Host::createDocuments() {
     };
     documents_ =
         std::make_unique<DocumentManager>(*interpreter_, applicationVariables_, std::move(events));
+}
+
+void Host::loadDocumentPrograms() {
+    for (const std::wstring& name : options_.documentPrograms) {
+        const std::wstring path = supportPath_->find(name);
+        if (path.empty() || !lisp::loadProgram(*interpreter_, path)) {
+            output_->reportError(L"not on the support path: " + name);
+        }
+    }
 }
 
 void Host::createModuleLoader() {

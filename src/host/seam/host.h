@@ -46,8 +46,9 @@ class SystemVariables;
 class TypedWords;
 
 struct HostOptions {
-    std::vector<std::wstring> supportPath;  // folders, ahead of those that are always searched
-    std::wstring moduleFolder;              // where modules are found besides the support path
+    std::vector<std::wstring> supportPath;       // folders, ahead of those that are always searched
+    std::vector<std::wstring> documentPrograms;  // what each document loads from there
+    std::wstring moduleFolder;                   // where modules are found besides the support path
     // File names of modules that start() loads, and modules that are linked into the process.
     std::vector<std::wstring> modules;
     std::vector<std::pair<std::wstring, AcRxEntryPoint>> staticModules;
@@ -128,6 +129,7 @@ class SG_API Host {
     void createInterpreter();
     void createModuleLoader();
     void createDocuments();
+    void loadDocumentPrograms();
     void provideSystemVariables();
 
     HostOptions options_;
