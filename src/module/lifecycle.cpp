@@ -1,7 +1,6 @@
 #include "module/lifecycle.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <ctime>
 #include <memory>
 #include <span>
@@ -43,7 +42,7 @@ void createMutex() {
 }
 
 void seedRandomGenerator() {
-    std::srand(static_cast<uint32_t>(std::time(nullptr)));
+    sgSeedRandom(static_cast<uint32_t>(std::time(nullptr)));
 }
 
 // False when the engine cannot be started.
