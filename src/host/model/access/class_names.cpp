@@ -13,12 +13,13 @@
 #include "host/model/tables/view_tables.h"
 #include "host/rx/class_registry.h"
 #include "host/seam/host.h"
+#include "platform/db/block_reference.h"
 #include "platform/db/polyline_2d.h"
 
 namespace sg::model {
 namespace {
 
-enum : int { kType = 0, kFlags = 70, kMarker = 100 };
+enum : int { kType = 0, kFlags = 70, kColumns = 70, kRows = 71, kMarker = 100 };
 constexpr int k3dPolyline = 8;
 constexpr int kMesh = 16;
 constexpr int k3dVertex = 32;
@@ -45,6 +46,17 @@ const AcRxClass* vertexClass(int flags) {
     return (flags & k3dVertex) != 0 ? AcDb3dPolylineVertex::desc() : AcDb2dVertex::desc();
 }
 
+int numberAt(const resbuf* groups, int code) {
+    const resbuf* const group = findGroup(groups, code);
+    return group == nullptr ? 0 : group->resval.rint;
+}
+
+const AcRxClass* referenceClass(const resbuf* groups) {
+    const bool isArray = hasMarker(groups, L"AcDbMInsertBlock") || numberAt(groups, kColumns) > 1 ||
+                         numberAt(groups, kRows) > 1;
+    return isArray ? AcDbMInsertBlock::desc() : AcDbBlockReference::desc();
+}
+
 struct Table {
     const wchar_t* name;
     AcDbObjectId (AcDbDatabase::*id)() const;
@@ -67,8 +79,8 @@ const AcRxClass* classOfGroups(const resbuf* groups) {
     const resbuf* const type = findGroup(groups, kType);
     if (type == nullptr || type->resval.rstring == nullptr) return nullptr;
     const std::wstring name = foldName(type->resval.rstring);
-    const resbuf* const flags = findGroup(groups, kFlags);
-    const int bits = flags == nullptr ? 0 : flags->resval.rint;
+    const int bits = numberAt(groups, kFlags);
+    if (name == L"INSERT") return referenceClass(groups);
     if (name == L"POLYLINE") {
         return hasMarker(groups, L"AcDb3dPolyline") ? AcDb3dPolyline::desc() : polylineClass(bits);
     }
