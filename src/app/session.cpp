@@ -23,14 +23,12 @@ namespace sg::app {
 namespace {
 
 constexpr const wchar_t* kModule = L"SwiftGate2017.arx";
-constexpr const wchar_t* kDocumentProgram = L"swiftgatedoc.lsp";
 
 HostOptions hostOptions(const Arguments& arguments) {
     HostOptions options;
     options.supportPath = arguments.folders;
     options.supportPath.push_back(
         absolutePath(executableFolder() + L"/../share/swiftgate/support"));
-    options.documentPrograms = {kDocumentProgram};
     options.moduleFolder = absolutePath(executableFolder() + L"/../modules");
     if (!arguments.noModule) options.modules = {kModule};
     options.failEngine = arguments.failEngine;

@@ -36,6 +36,7 @@ class InputSource;
 class ModuleLoader;
 class NamedMutexes;
 class Output;
+class RandomGenerator;
 class RegistryHandles;
 class RegistryStore;
 class Shell;
@@ -46,9 +47,8 @@ class SystemVariables;
 class TypedWords;
 
 struct HostOptions {
-    std::vector<std::wstring> supportPath;       // folders, ahead of those that are always searched
-    std::vector<std::wstring> documentPrograms;  // what each document loads from there
-    std::wstring moduleFolder;                   // where modules are found besides the support path
+    std::vector<std::wstring> supportPath;  // folders, ahead of those that are always searched
+    std::wstring moduleFolder;              // where modules are found besides the support path
     // File names of modules that start() loads, and modules that are linked into the process.
     std::vector<std::wstring> modules;
     std::vector<std::pair<std::wstring, AcRxEntryPoint>> staticModules;
@@ -96,6 +96,7 @@ class SG_API Host {
     SupportPath& supportPath() { return *supportPath_; }
     Shell& shell() { return *shell_; }
     NamedMutexes& mutexes() { return *mutexes_; }
+    RandomGenerator& random() { return *random_; }
     Cryptography& cryptography() { return *cryptography_; }
     AcRxClassRegistry& classes() { return *classes_; }
     SystemRegistry& systemRegistry() { return *systemRegistry_; }
@@ -124,12 +125,12 @@ class SG_API Host {
 
     uint32_t lastError = 0;  // of GetLastError
     bool textScreen = false;
+    std::function<void(uint32_t milliseconds)> sleep;  // what Sleep does
 
   private:
     void createInterpreter();
     void createModuleLoader();
     void createDocuments();
-    void loadDocumentPrograms();
     void provideSystemVariables();
 
     HostOptions options_;
@@ -143,6 +144,7 @@ class SG_API Host {
     std::unique_ptr<SupportPath> supportPath_;
     std::unique_ptr<Shell> shell_;
     std::unique_ptr<NamedMutexes> mutexes_;
+    std::unique_ptr<RandomGenerator> random_;
     std::unique_ptr<Cryptography> cryptography_;
     std::unique_ptr<AcRxClassRegistry> classes_;
     std::unique_ptr<SystemRegistry> systemRegistry_;

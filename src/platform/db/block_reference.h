@@ -90,10 +90,10 @@ class SG_API AcDbBlockReference : public AcDbEntity {
     AcGeMatrix3d placement() const;
     Acad::ErrorStatus place(const AcGeMatrix3d& placement);
     Acad::ErrorStatus needSequenceEnd();
-    // Calls `visit` with a copy of each entity of the block, as it shows; it owns the copy. Ends
-    // with the first status other than eOk.
-    template <class Visit>
-    Acad::ErrorStatus forEachShown(const Visit& visit) const;
+    std::vector<AcGeMatrix3d> shownAt() const;  // from the block to the world, of each copy
+    // Asks a copy of each entity of the block, as it shows, until one answers other than eOk.
+    template <class Ask>
+    Acad::ErrorStatus askShown(const Ask& ask) const;
 
     AcDbHardPointerId block_;
     AcGePoint3d position_;

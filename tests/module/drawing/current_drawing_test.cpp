@@ -31,7 +31,6 @@ class CurrentDrawingTest : public test::ModuleTest {
     CurrentDrawingTest() {
         options.supportPath = {path(""),
                                fromUtf8((test::testSources() / "../share/support").string())};
-        options.documentPrograms = {L"swiftgatedoc.lsp"};
         start();
         host().setInput({std::make_shared<test::Buttons>(log, std::vector<int>(10, IDOK))});
         printed();

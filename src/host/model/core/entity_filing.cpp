@@ -116,8 +116,7 @@ void readColorIndex(AcDbEntity& entity, int32_t index) {
 
 void readTrueColor(AcDbEntity& entity, int32_t rgb) {
     AcCmColor color;
-    color.setRGB(static_cast<uint8_t>(rgb >> 16), static_cast<uint8_t>(rgb >> 8),
-                 static_cast<uint8_t>(rgb));
+    sg::model::setTrueColor(color, rgb);
     entity.setColor(color);
 }
 

@@ -234,10 +234,7 @@ void ListReader::liftLists() {
 
 Acad::ErrorStatus ListReader::readItem(resbuf* group) {
     if (filerStatus() != Acad::eOk) return filerStatus();
-    if (at_ == groups_.size()) {
-        setFilerStatus(Acad::eEndOfFile);
-        return Acad::eEndOfFile;
-    }
+    if (at_ == groups_.size()) return Acad::eEndOfFile;
     *group = *groups_[at_++];
     group->rbnext = nullptr;
     return Acad::eOk;
@@ -249,7 +246,6 @@ Acad::ErrorStatus ListReader::pushBackItem() {
 }
 
 bool ListReader::atSubclassData(const wchar_t* name) {
-    if (filerStatus() == Acad::eEndOfFile) resetFilerStatus();
     if (filerStatus() != Acad::eOk) return false;
     if (!hasMarkers_) {
         // Each class takes its own of the groups.

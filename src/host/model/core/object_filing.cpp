@@ -217,7 +217,6 @@ Acad::ErrorStatus AcDbObject::dxfIn(AcDbDxfFiler* filer) {
         }
     }
     if (!otherLists.empty()) ObjectAccess::needExtras(*this).unknownGroups = otherLists;
-    if (filer->filerStatus() == Acad::eEndOfFile) filer->resetFilerStatus();
     if (const Acad::ErrorStatus status = dxfInFields(filer); status != Acad::eOk) return status;
     resbuf* const data = filer->takeExtendedData();
     if (data == nullptr) return filer->filerStatus();

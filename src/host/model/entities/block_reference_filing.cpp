@@ -73,7 +73,7 @@ void AcDbBlockReference::dxfOutArray(AcDbDxfFiler* filer) const {
 Acad::ErrorStatus AcDbBlockReference::dxfInFields(AcDbDxfFiler* filer) {
     const Acad::ErrorStatus status = AcDbEntity::dxfInFields(filer);
     if (status != Acad::eOk) return status;
-    // Programs make arrays with the marker of a plain reference too.
+    // Programs write arrays with the marker of a single reference too.
     if (!filer->atSubclassData(marker()) && !filer->atSubclassData(L"AcDbBlockReference")) {
         return Acad::eBadDxfSequence;
     }
