@@ -1,4 +1,4 @@
-"""LISP programs on drawings: the examples of the manual."""
+"""LISP programs on drawings: the examples of the manual answer as they say."""
 
 import unittest
 
@@ -6,8 +6,10 @@ from program import ProgramTest
 
 
 class Manual(ProgramTest):
-    def test_the_examples_answer_as_they_say(self):
+    def test_functions_on_drawings(self):
         self.assertGreater(self.check_examples("drawing.md"), 29)
+
+    def test_functions_on_entities(self):
         self.assertGreater(self.check_examples("entities.md"), 20)
 
 
