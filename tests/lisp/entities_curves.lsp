@@ -90,6 +90,8 @@
 (show '(change circle 370 1234))
 (show '(change circle 8 "no|such*layer"))
 (show '(own circle))
+(show '(entmod (list (cons -1 circle) '(40 . -2.0))))
+(show '(entmod (list (cons -1 circle) '(62 . 300))))
 (show '(entmod '((0 . "CIRCLE") (40 . 2.0))))
 (show '(eq (entupd circle) circle))
 

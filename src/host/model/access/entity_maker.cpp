@@ -157,7 +157,8 @@ EntityMaker::Result EntityMaker::make(const resbuf* groups, bool objects) {
 
 bool EntityMaker::fill(AcDbObject& object, const resbuf* groups) {
     ListReader reader(groups, &database_);
-    if (!hasRequiredGroups(groups) || !hasValidValues(groups, database_)) return false;
+    if (!hasRequiredGroups(object, groups)) return false;
+    if (!hasValidValues(object, groups, database_)) return false;
     if (AcDbEntity::cast(&object) == nullptr) return read(object, reader);
     NeededLayer layer(database_, groups);
     if (!read(object, reader)) return false;

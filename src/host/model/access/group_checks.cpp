@@ -4,8 +4,6 @@
 #include <array>
 #include <string_view>
 
-#include "base/text.h"
-#include "host/model/access/class_names.h"
 #include "host/model/access/entity_maker.h"
 #include "host/model/core/symbol_records.h"
 #include "platform/db/entity.h"
@@ -13,7 +11,6 @@
 namespace sg::model {
 namespace {
 
-constexpr int kType = 0;
 constexpr int kLinetype = 6;
 constexpr int kSize = 40;
 constexpr int kColor = 62;
@@ -48,12 +45,11 @@ constexpr std::array kKinds = {
     Kind{L"3DFACE", L"AcDbFace", false, {10, 11, 12, kUnused}},
 };
 
-const Kind* kindOf(const resbuf* groups) {
-    const resbuf* const type = findGroup(groups, kType);
-    if (type == nullptr || type->resval.rstring == nullptr) return nullptr;
-    const auto found = std::find_if(kKinds.begin(), kKinds.end(), [&](const Kind& kind) {
-        return equalIgnoringCase(kind.name, type->resval.rstring);
-    });
+// Null for a kind that is not known here.
+const Kind* kindOf(const AcDbObject& object) {
+    const wchar_t* const name = object.isA()->dxfName();
+    const auto found = std::find_if(kKinds.begin(), kKinds.end(),
+                                    [&](const Kind& kind) { return kind.name == name; });
     return found == kKinds.end() ? nullptr : &*found;
 }
 
@@ -70,8 +66,8 @@ bool isMarkedAs(const resbuf* groups, std::wstring_view marker) {
 
 }  // namespace
 
-bool hasRequiredGroups(const resbuf* groups) {
-    const Kind* const kind = kindOf(groups);
+bool hasRequiredGroups(const AcDbObject& object, const resbuf* groups) {
+    const Kind* const kind = kindOf(object);
     if (kind == nullptr) return true;
     return isMarkedAs(groups, kind->marker) &&
            std::all_of(kind->required.begin(), kind->required.end(), [&](int code) {
@@ -97,22 +93,25 @@ bool hasKnownLinetype(const resbuf* groups, const AcDbDatabase& database) {
            !findRecord(database.linetypeTableId(), name->resval.rstring).isNull();
 }
 
-}  // namespace
-
-bool hasValidValues(const resbuf* groups, const AcDbDatabase& database) {
-    const AcRxClass* const type = classOfGroups(groups);
-    if (type != nullptr && type->isDerivedFrom(AcDbLayerTableRecord::desc())) {
-        return hasKnownLinetype(groups, database) && hasKnownLineWeight(groups);
-    }
-    if (type == nullptr || !type->isDerivedFrom(AcDbEntity::desc())) return true;
-    const resbuf* const color = findGroup(groups, kColor);
-    if (color != nullptr && (color->resval.rint < 0 || color->resval.rint > kLastColor)) {
-        return false;
-    }
-    if (!hasKnownLineWeight(groups)) return false;
-    const Kind* const kind = kindOf(groups);
+bool hasValidSize(const AcDbObject& object, const resbuf* groups) {
+    const Kind* const kind = kindOf(object);
     const resbuf* const size = findGroup(groups, kSize);
     return kind == nullptr || !kind->hasSize || size == nullptr || size->resval.rreal > 0;
+}
+
+bool hasValidColor(const resbuf* groups) {
+    const resbuf* const color = findGroup(groups, kColor);
+    return color == nullptr || (color->resval.rint >= 0 && color->resval.rint <= kLastColor);
+}
+
+}  // namespace
+
+bool hasValidValues(const AcDbObject& object, const resbuf* groups, const AcDbDatabase& database) {
+    if (AcDbLayerTableRecord::cast(&object) != nullptr) {
+        return hasKnownLinetype(groups, database) && hasKnownLineWeight(groups);
+    }
+    if (AcDbEntity::cast(&object) == nullptr) return true;
+    return hasValidColor(groups) && hasKnownLineWeight(groups) && hasValidSize(object, groups);
 }
 
 }  // namespace sg::model

@@ -71,7 +71,7 @@ void ownExtensionDictionary(const AcDbObject& object) {
 }  // namespace
 
 bool changeObject(AcDbObject& object, const resbuf* groups) {
-    if (isOfAnotherKind(object, groups) || !hasValidValues(groups, *object.database())) {
+    if (isOfAnotherKind(object, groups) || !hasValidValues(object, groups, *object.database())) {
         return false;
     }
     bool changed = false;
