@@ -7,6 +7,7 @@
 
 #include "database/db_info.h"
 #include "database/driver_offer.h"
+#include "leader/qn_leader.h"
 #include "module/editor_reactor.h"
 #include "module/function_tables.h"
 #include "module/missing.h"
@@ -130,6 +131,7 @@ AcRx::AppRetCode initializeModule(void* packet) {
     }
     addReactor();
     declareUnlockedAndDocumentAware(packet);
+    QNLeader::rxInit();
     acrxBuildClassHierarchy();
     return AcRx::kRetOK;
 }
@@ -151,6 +153,7 @@ void unloadDrawing() {
 }
 
 void terminateModule() {
+    deleteAcRxClass(QNLeader::desc());
     stopDatabaseEngine();
     removeReactor();
     unloadCompanion();

@@ -68,9 +68,4 @@ bool registerApplication(AcDbDatabase& database, const wchar_t* name) {
     return registered;
 }
 
-void setTrueColor(AcCmColor& color, int32_t rgb) {
-    color.setRGB(static_cast<uint8_t>(rgb >> 16), static_cast<uint8_t>(rgb >> 8),
-                 static_cast<uint8_t>(rgb));
-}
-
 }  // namespace sg::model

@@ -5,7 +5,6 @@
 
 #include "base/export.h"
 #include "host/model/tables/header_variables.h"
-#include "platform/db/color.h"
 #include "platform/db/filers.h"
 #include "platform/db/object_id.h"
 
@@ -25,8 +24,5 @@ SG_API void writeNameOf(AcDbDxfFiler* filer, int code, AcDbObjectId record,
 // Sees to it that the application may keep extended data in the database; false for a name that no
 // record can have.
 SG_API bool registerApplication(AcDbDatabase& database, const wchar_t* name);
-
-// A colour from group 420.
-SG_API void setTrueColor(AcCmColor& color, int32_t rgb);
 
 }  // namespace sg::model
