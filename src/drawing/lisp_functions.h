@@ -31,7 +31,6 @@ int setAnnotative();
 int setAnnotativeBlock();
 
 // Layers, colours and viewports.
-int createLayer();
 int setTrueColor();
 int setPlotStyle();
 int freezeInViewport();

@@ -3,6 +3,7 @@
 #include "module/function_tables.h"
 #include "module/handlers.h"
 #include "module/missing.h"
+#include "standards/lisp_functions.h"
 #include "support/lisp_functions.h"
 
 namespace sg {

@@ -8,11 +8,11 @@
 #include "database/db_info.h"
 #include "drawing/call_arguments.h"
 #include "drawing/current_drawing.h"
-#include "drawing/lisp_functions.h"
 #include "platform/ap/documents.h"
 #include "platform/db/database.h"
 #include "platform/db/layer_table.h"
 #include "platform/db/linetype_table.h"
+#include "standards/lisp_functions.h"
 #include "standards/records.h"
 
 namespace sg {
