@@ -136,6 +136,18 @@ Acad::ErrorStatus AcDbSortentsTable::swapOrder(AcDbObjectId left, AcDbObjectId r
     });
 }
 
+Acad::ErrorStatus AcDbSortentsTable::setRelativeDrawOrder(const AcDbObjectIdArray& entities) {
+    return reorder(entities, [&](Order& order) {
+        const std::unordered_set<AcDbObjectId> set(entities.begin(), entities.end());
+        if (set.size() != static_cast<size_t>(entities.length())) return false;
+        int next = 0;
+        for (AcDbObjectId& id : order) {
+            if (set.contains(id)) id = entities[next++];
+        }
+        return true;
+    });
+}
+
 bool AcDbSortentsTable::firstEntityIsDrawnBeforeSecond(AcDbObjectId first,
                                                        AcDbObjectId second) const {
     AcDbObjectIdArray order;

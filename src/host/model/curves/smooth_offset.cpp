@@ -1,0 +1,316 @@
+#include "host/model/curves/smooth_offset.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <memory>
+#include <numbers>
+#include <optional>
+#include <vector>
+
+#include "host/model/curves/curve_access.h"
+#include "host/model/curves/spline.h"
+
+// The offset is followed in short cubic arcs, round the corners too. Where it crosses itself the
+// arcs are cut, what comes nearer to the original than the distance is dropped, and what is left
+// is chained again.
+
+namespace sg::model {
+
+namespace {
+
+struct Cubic {
+    std::array<AcGePoint3d, 4> controls;
+
+    AcGePoint3d at(double t) const {
+        const double s = 1 - t;
+        const auto& c = controls;
+        return AcGePoint3d() + c[0].asVector() * (s * s * s) + c[1].asVector() * (3 * s * s * t) +
+               c[2].asVector() * (3 * s * t * t) + c[3].asVector() * (t * t * t);
+    }
+    AcGeVector3d derivative(double t) const {
+        const double s = 1 - t;
+        const auto& c = controls;
+        return (c[1] - c[0]) * (3 * s * s) + (c[2] - c[1]) * (6 * s * t) +
+               (c[3] - c[2]) * (3 * t * t);
+    }
+    const AcGePoint3d& start() const { return controls[0]; }
+    const AcGePoint3d& end() const { return controls[3]; }
+    // With these end points and derivatives over a parameter that runs by `width`.
+    static Cubic hermite(const AcGePoint3d& from, const AcGeVector3d& leaving,
+                         const AcGePoint3d& to, const AcGeVector3d& arriving, double width) {
+        return {{from, from + leaving * (width / 3), to - arriving * (width / 3), to}};
+    }
+    Cubic part(double from, double to) const {
+        return hermite(at(from), derivative(from), at(to), derivative(to), to - from);
+    }
+    AcDbExtents box() const {
+        AcDbExtents result;
+        for (const AcGePoint3d& control : controls)
+            result.addPoint(control);
+        return result;
+    }
+};
+
+bool overlap(const AcDbExtents& a, const AcDbExtents& b) {
+    return a.minPoint().x <= b.maxPoint().x && b.minPoint().x <= a.maxPoint().x &&
+           a.minPoint().y <= b.maxPoint().y && b.minPoint().y <= a.maxPoint().y;
+}
+
+double crossOf(const AcGeVector3d& a, const AcGeVector3d& b) {
+    return a.x * b.y - a.y * b.x;
+}
+
+// Where two short arcs cross: where their chords do, sharpened by Newton's method.
+std::optional<std::pair<double, double>> crossing(const Cubic& a, const Cubic& b) {
+    double onA = 0.5;
+    double onB = 0.5;
+    for (int step = 0; step < 12; ++step) {
+        const bool first = step == 0;
+        const AcGeVector3d alongA = first ? a.end() - a.start() : a.derivative(onA);
+        const AcGeVector3d alongB = first ? b.end() - b.start() : b.derivative(onB);
+        const AcGeVector3d off = first ? b.start() - a.start() : b.at(onB) - a.at(onA);
+        const double cross = crossOf(alongA, alongB);
+        if (cross == 0) return std::nullopt;
+        const double stepA = crossOf(off, alongB) / cross;
+        const double stepB = crossOf(off, alongA) / cross;
+        onA = first ? stepA : onA + stepA;
+        onB = first ? stepB : onB + stepB;
+        if (!(std::abs(onA - 0.5) < 1.5 && std::abs(onB - 0.5) < 1.5)) return std::nullopt;
+    }
+    const double slack = 1e-9;
+    if (onA < -slack || onA > 1 + slack || onB < -slack || onB > 1 + slack) return std::nullopt;
+    return std::pair(std::clamp(onA, 0.0, 1.0), std::clamp(onB, 0.0, 1.0));
+}
+
+class SmoothOffset {
+  public:
+    // The shape lies in a plane of constant z.
+    SmoothOffset(const CurveShape& shape, double distance)
+        : shape_(shape), distance_(distance), tolerance_(shape.tolerance()) {}
+
+    // The chains of arcs that are left.
+    std::vector<std::vector<Cubic>> run() {
+        for (const Piece& piece : smoothPieces())
+            follow(piece);
+        if (shape_.closed && !arcs_.empty()) turnTo(arcs_.front().start(), firstDirection_);
+        cut();
+        return chains();
+    }
+
+  private:
+    static constexpr int kMostHalvings = 14;
+
+    struct Place {
+        AcGePoint3d point;
+        AcGeVector3d derivative;
+        AcGeVector3d tangent;
+    };
+
+    std::vector<Piece> smoothPieces() const {
+        std::vector<Piece> pieces;
+        for (const Span& span : shape_.spans) {
+            if (span.piece.kind != Piece::Kind::Spline) {
+                pieces.push_back(span.piece);
+                continue;
+            }
+            const std::vector<double> breaks = span.piece.spline->breaks();
+            for (size_t i = 1; i < breaks.size(); ++i) {
+                pieces.push_back(Piece::nurbs(span.piece.spline->part(breaks[i - 1], breaks[i])));
+            }
+        }
+        return pieces;
+    }
+
+    // The point to the right of the curve's; where the curve stands still, its direction is that
+    // of its neighbourhood.
+    Place aside(const Piece& piece, double t) const {
+        Nurbs::Values values = piece.values(t);
+        double speed = values.first.length();
+        if (speed <= 1e-9 * tolerance_) {
+            const double inside = t + (piece.first + piece.last - 2 * t) * 1e-6;
+            const AcGePoint3d point = values.point;
+            values = piece.values(inside);
+            values.point = point;
+            speed = values.first.length();
+        }
+        const AcGeVector3d tangent = values.first / speed;
+        const AcGeVector3d right(tangent.y, -tangent.x, 0);
+        const double turning = crossOf(values.first, values.second) / (speed * speed * speed);
+        return {values.point + right * distance_, values.first * (1 + distance_ * turning),
+                tangent};
+    }
+
+    void follow(const Piece& piece) {
+        const std::vector<double> stops = piece.samples();
+        Place before = aside(piece, stops.front());
+        if (arcs_.empty()) {
+            firstDirection_ = before.tangent;
+        } else {
+            turnTo(before.point, before.tangent);
+        }
+        for (size_t i = 1; i < stops.size(); ++i) {
+            const Place next = aside(piece, stops[i]);
+            append(piece, stops[i - 1], before, stops[i], next, kMostHalvings);
+            before = next;
+        }
+        lastDirection_ = before.tangent;
+    }
+
+    void append(const Piece& piece, double from, const Place& start, double to, const Place& end,
+                int halvings) {
+        const Cubic arc =
+            Cubic::hermite(start.point, start.derivative, end.point, end.derivative, to - from);
+        const auto fits = [&](double share) {
+            const Place exact = aside(piece, from + (to - from) * share);
+            return exact.point.distanceTo(arc.at(share)) <= tolerance_ / 4;
+        };
+        if (halvings == 0 || (fits(0.5) && fits(0.25) && fits(0.75))) {
+            arcs_.push_back(arc);
+            return;
+        }
+        const double middle = (from + to) / 2;
+        const Place between = aside(piece, middle);
+        append(piece, from, start, middle, between, halvings - 1);
+        append(piece, middle, between, to, end, halvings - 1);
+    }
+
+    // Round a corner of the original, to a point that belongs to this direction.
+    void turnTo(const AcGePoint3d& point, const AcGeVector3d& direction) {
+        constexpr double kShortest = std::numbers::pi / 12;
+        if (arcs_.back().end().distanceTo(point) <= tolerance_ / 100) return;
+        const double turn =
+            std::atan2(crossOf(lastDirection_, direction), lastDirection_.dotProduct(direction));
+        const AcGeVector3d right(lastDirection_.y, -lastDirection_.x, 0);
+        const AcGePoint3d corner = arcs_.back().end() - right * distance_;
+        const auto count = static_cast<int>(std::ceil(std::abs(turn) / kShortest));
+        AcGeVector3d spoke = right * distance_;
+        for (int i = 0; i < count; ++i) {
+            AcGeVector3d next = spoke;
+            next.rotateBy(turn / count, AcGeVector3d::kZAxis);
+            const AcGeVector3d leaving = AcGeVector3d(-spoke.y, spoke.x, 0);
+            const AcGeVector3d arriving = AcGeVector3d(-next.y, next.x, 0);
+            // A third of the way along the tangents reaches the arc at this length.
+            const double width = 4 * std::tan(turn / count / 4);
+            arcs_.push_back(
+                Cubic::hermite(corner + spoke, leaving, corner + next, arriving, width));
+            spoke = next;
+        }
+    }
+
+    void cut() {
+        std::vector<AcDbExtents> boxes;
+        for (const Cubic& arc : arcs_)
+            boxes.push_back(arc.box());
+        std::vector<std::vector<double>> cuts(arcs_.size(), {0, 1});
+        for (size_t i = 0; i < arcs_.size(); ++i) {
+            for (size_t j = i + 2; j < arcs_.size(); ++j) {
+                if (!overlap(boxes[i], boxes[j])) continue;
+                if (const auto found = crossing(arcs_[i], arcs_[j])) {
+                    cuts[i].push_back(found->first);
+                    cuts[j].push_back(found->second);
+                }
+            }
+        }
+        for (size_t i = 0; i < arcs_.size(); ++i) {
+            std::sort(cuts[i].begin(), cuts[i].end());
+            for (size_t k = 1; k < cuts[i].size(); ++k)
+                keepClear(arcs_[i].part(cuts[i][k - 1], cuts[i][k]));
+        }
+    }
+
+    void keepClear(const Cubic& arc) {
+        if (arc.start().distanceTo(arc.end()) <= tolerance_ / 100) return;
+        const AcGePoint3d middle = arc.at(0.5);
+        const double away = shape_.closest(middle).point.distanceTo(middle);
+        if (away >= std::abs(distance_) - 2 * tolerance_) kept_.push_back(arc);
+    }
+
+    size_t startingAt(const AcGePoint3d& point, const std::vector<bool>& taken, size_t from) const {
+        for (size_t k = 0; k < kept_.size(); ++k) {
+            const size_t at = (from + k) % kept_.size();
+            if (!taken[at] && kept_[at].start().distanceTo(point) <= tolerance_) return at;
+        }
+        return kept_.size();
+    }
+
+    // A chain begins where no arc leads to, or anywhere on a closed one.
+    std::vector<std::vector<Cubic>> chains() const {
+        std::vector<std::vector<Cubic>> result;
+        std::vector<bool> taken(kept_.size(), false);
+        for (size_t first = 0; first < kept_.size(); ++first) {
+            if (taken[first]) continue;
+            std::vector<Cubic> chain;
+            for (size_t at = first; at < kept_.size();) {
+                taken[at] = true;
+                chain.push_back(kept_[at]);
+                at = startingAt(kept_[at].end(), taken, at + 1);
+            }
+            const bool continues = !result.empty() && result.front().front().start().distanceTo(
+                                                          chain.back().end()) <= tolerance_;
+            if (continues) {
+                result.front().insert(result.front().begin(), chain.begin(), chain.end());
+            } else {
+                result.push_back(std::move(chain));
+            }
+        }
+        return result;
+    }
+
+    const CurveShape& shape_;
+    double distance_;
+    double tolerance_;
+    AcGeVector3d firstDirection_, lastDirection_;
+    std::vector<Cubic> arcs_, kept_;
+};
+
+// Over the lengths of the chords, so that the parameter runs about evenly.
+Nurbs joined(const std::vector<Cubic>& chain) {
+    Nurbs curve;
+    double at = 0;
+    curve.knots.assign(4, at);
+    curve.controls.push_back(chain.front().start());
+    for (size_t i = 0; i < chain.size(); ++i) {
+        at += std::max(chain[i].start().distanceTo(chain[i].end()), 1e-12);
+        curve.knots.insert(curve.knots.end(), i + 1 == chain.size() ? 4 : 3, at);
+        curve.controls.insert(curve.controls.end(), chain[i].controls.begin() + 1,
+                              chain[i].controls.end());
+    }
+    return curve;
+}
+
+}  // namespace
+
+Acad::ErrorStatus offsetSmoothly(const AcDbCurve& curve, double distance,
+                                 AcDbVoidPtrArray& curves) {
+    curve.assertReadEnabled();
+    CurveShape shape;
+    if (!CurveAccess::shapeOf(curve, shape)) return Acad::eDegenerateGeometry;
+    if (shape.planarity == AcDb::kNonPlanar) return Acad::eNonPlanarEntity;
+    if (!std::isfinite(distance) || shape.length() == 0) return Acad::eInvalidInput;
+    const AcGeMatrix3d toPlane = AcGeMatrix3d::worldToPlane(shape.normal);
+    const AcGeMatrix3d toWorld = AcGeMatrix3d::planeToWorld(shape.normal);
+    CurveShape flat = shape;
+    for (Span& span : flat.spans)
+        span.piece = span.piece.transformed(toPlane);
+    const auto chains = SmoothOffset(flat, distance).run();
+    for (const std::vector<Cubic>& chain : chains) {
+        const Nurbs made = joined(chain).transformed(toWorld);
+        const bool closed =
+            made.controls.front().distanceTo(made.controls.back()) <= shape.tolerance();
+        AcGePoint3dArray controls;
+        AcGeDoubleArray knots;
+        for (const AcGePoint3d& control : made.controls)
+            controls.append(control);
+        if (closed) controls.last() = controls.first();
+        for (const double knot : made.knots)
+            knots.append(knot);
+        auto* const spline =
+            new AcDbSpline(made.degree, false, closed, false, controls, knots, AcGeDoubleArray());
+        spline->setPropertiesFrom(&curve);
+        curves.append(spline);
+    }
+    return chains.empty() ? Acad::eInvalidInput : Acad::eOk;
+}
+
+}  // namespace sg::model
