@@ -91,10 +91,8 @@ class SmoothOffset {
 
     // The chains of arcs that are left.
     std::vector<std::vector<Cubic>> run() {
-        for (const Piece& piece : smoothPieces())
-            follow(piece);
-        if (shape_.closed && !arcs_.empty()) turnTo(arcs_.front().start(), firstDirection_);
-        cut();
+        followAll();
+        cut(boundsBeside());
         return chains();
     }
 
@@ -106,6 +104,25 @@ class SmoothOffset {
         AcGeVector3d derivative;
         AcGeVector3d tangent;
     };
+
+    void followAll() {
+        for (const Piece& piece : smoothPieces())
+            follow(piece);
+        if (shape_.closed && !arcs_.empty()) turnTo(arcs_.front().start(), firstDirection_);
+    }
+
+    // What bounds the neighbourhood of the original besides: its other side, which a curve that
+    // crosses itself comes to, and circles round its ends.
+    std::vector<Cubic> boundsBeside() const {
+        SmoothOffset other(shape_, -distance_);
+        other.followAll();
+        if (shape_.closed) return other.arcs_;
+        for (const AcGePoint3d& end :
+             {shape_.spans.front().piece.start(), shape_.spans.back().piece.end()}) {
+            other.appendTurn(end, {std::abs(distance_), 0, 0}, 2 * std::numbers::pi);
+        }
+        return other.arcs_;
+    }
 
     std::vector<Piece> smoothPieces() const {
         std::vector<Piece> pieces;
@@ -177,14 +194,17 @@ class SmoothOffset {
 
     // Round a corner of the original, to a point that belongs to this direction.
     void turnTo(const AcGePoint3d& point, const AcGeVector3d& direction) {
-        constexpr double kShortest = std::numbers::pi / 12;
         if (arcs_.back().end().distanceTo(point) <= tolerance_ / 100) return;
         const double turn =
             std::atan2(crossOf(lastDirection_, direction), lastDirection_.dotProduct(direction));
         const AcGeVector3d right(lastDirection_.y, -lastDirection_.x, 0);
-        const AcGePoint3d corner = arcs_.back().end() - right * distance_;
+        appendTurn(arcs_.back().end() - right * distance_, right * distance_, turn);
+    }
+
+    // An arc of a circle, from the spoke on.
+    void appendTurn(const AcGePoint3d& center, AcGeVector3d spoke, double turn) {
+        constexpr double kShortest = std::numbers::pi / 12;
         const auto count = static_cast<int>(std::ceil(std::abs(turn) / kShortest));
-        AcGeVector3d spoke = right * distance_;
         for (int i = 0; i < count; ++i) {
             AcGeVector3d next = spoke;
             next.rotateBy(turn / count, AcGeVector3d::kZAxis);
@@ -193,15 +213,17 @@ class SmoothOffset {
             // A third of the way along the tangents reaches the arc at this length.
             const double width = 4 * std::tan(turn / count / 4);
             arcs_.push_back(
-                Cubic::hermite(corner + spoke, leaving, corner + next, arriving, width));
+                Cubic::hermite(center + spoke, leaving, center + next, arriving, width));
             spoke = next;
         }
     }
 
-    void cut() {
-        std::vector<AcDbExtents> boxes;
+    void cut(const std::vector<Cubic>& bounds) {
+        std::vector<AcDbExtents> boxes, boundBoxes;
         for (const Cubic& arc : arcs_)
             boxes.push_back(arc.box());
+        for (const Cubic& bound : bounds)
+            boundBoxes.push_back(bound.box());
         std::vector<std::vector<double>> cuts(arcs_.size(), {0, 1});
         for (size_t i = 0; i < arcs_.size(); ++i) {
             for (size_t j = i + 2; j < arcs_.size(); ++j) {
@@ -209,6 +231,12 @@ class SmoothOffset {
                 if (const auto found = crossing(arcs_[i], arcs_[j])) {
                     cuts[i].push_back(found->first);
                     cuts[j].push_back(found->second);
+                }
+            }
+            for (size_t j = 0; j < bounds.size(); ++j) {
+                if (!overlap(boxes[i], boundBoxes[j])) continue;
+                if (const auto found = crossing(arcs_[i], bounds[j])) {
+                    cuts[i].push_back(found->first);
                 }
             }
         }
@@ -221,9 +249,12 @@ class SmoothOffset {
 
     void keepClear(const Cubic& arc) {
         if (arc.start().distanceTo(arc.end()) <= tolerance_ / 100) return;
-        const AcGePoint3d middle = arc.at(0.5);
-        const double away = shape_.closest(middle).point.distanceTo(middle);
-        if (away >= std::abs(distance_) - 2 * tolerance_) kept_.push_back(arc);
+        const auto isClear = [&](double share) {
+            const AcGePoint3d point = arc.at(share);
+            const double away = shape_.closest(point).point.distanceTo(point);
+            return away >= std::abs(distance_) - 2 * tolerance_;
+        };
+        if (isClear(0.5) && isClear(0.2) && isClear(0.8)) kept_.push_back(arc);
     }
 
     size_t startingAt(const AcGePoint3d& point, const std::vector<bool>& taken, size_t from) const {

@@ -66,16 +66,19 @@ TEST_F(SmoothOffsetTest, WaistsPartTheInside) {
     for (const double knot : {0., 0., 0., 1., 2., 3., 4., 5., 6., 7., 7., 7.})
         knots.append(knot);
     const AcDbSpline spline(2, false, true, false, controls, knots, AcGeDoubleArray());
-    AcGePoint3d across;
-    spline.getClosestPointTo({0, -1, 0}, across);
-    const double waist = std::abs(across.y);
-    const std::vector<CurvePtr> whole = offsets(spline, -waist / 2);
-    EXPECT_EQ(whole.size(), 1u);
-    const std::vector<CurvePtr> parted = offsets(spline, -waist * 1.5);
+    // The curve goes through (0, 1), with a corner, and through (0, -3).
+    const double narrow = 1.5;
+    const double wide = 2.5;
+    EXPECT_EQ(offsets(spline, -narrow).size(), 1u);
+    const std::vector<CurvePtr> parted = offsets(spline, -wide);
+    for (const CurvePtr& each : parted) {
+        AcGePoint3d s, e; each->getStartPoint(s); each->getEndPoint(e);
+        printf("DBG %g: %.9g,%.9g - %.9g,%.9g\n", lengthOf(*each), s.x, s.y, e.x, e.y);
+    }
     ASSERT_EQ(parted.size(), 2u);
     for (const CurvePtr& each : parted) {
         EXPECT_TRUE(each->isClosed());
-        expectDistance(spline, *each, waist * 1.5, 1e-3);
+        expectDistance(spline, *each, wide, 1e-3);
     }
 }
 
@@ -110,8 +113,8 @@ TEST_F(SmoothOffsetTest, RandomCurvesKeepTheirDistance) {
     }
     EXPECT_GT(made, 50);
     AcGePoint3dArray points;
-    for (const AcGePoint3d& point : {AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 1),
-                                     AcGePoint3d(1, 1, 2), AcGePoint3d(0, 1, 5)})
+    for (const AcGePoint3d& point :
+         {AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 1), AcGePoint3d(1, 1, 2), AcGePoint3d(0, 1, 5)})
         points.append(point);
     const AcDbSpline spatial(points);
     AcDbVoidPtrArray none;
