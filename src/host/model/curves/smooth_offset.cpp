@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 #include <memory>
 #include <numbers>
 #include <optional>
 #include <vector>
 
 #include "host/model/curves/curve_access.h"
+#include "host/model/curves/math/roots.h"
 #include "host/model/curves/spline.h"
 
 // The offset is followed in short cubic arcs, round the corners too. Where it crosses itself the
@@ -61,26 +63,45 @@ double crossOf(const AcGeVector3d& a, const AcGeVector3d& b) {
     return a.x * b.y - a.y * b.x;
 }
 
-// Where two short arcs cross: where their chords do, sharpened by Newton's method.
-std::optional<std::pair<double, double>> crossing(const Cubic& a, const Cubic& b) {
-    double onA = 0.5;
-    double onB = 0.5;
+// Newton's method from a place near the crossing; nothing when it leads away from the arcs.
+std::optional<std::pair<double, double>> sharpened(const Cubic& a, const Cubic& b, double onA,
+                                                   double onB) {
     for (int step = 0; step < 12; ++step) {
-        const bool first = step == 0;
-        const AcGeVector3d alongA = first ? a.end() - a.start() : a.derivative(onA);
-        const AcGeVector3d alongB = first ? b.end() - b.start() : b.derivative(onB);
-        const AcGeVector3d off = first ? b.start() - a.start() : b.at(onB) - a.at(onA);
+        const AcGeVector3d alongA = a.derivative(onA);
+        const AcGeVector3d alongB = b.derivative(onB);
+        const AcGeVector3d off = b.at(onB) - a.at(onA);
         const double cross = crossOf(alongA, alongB);
-        if (cross == 0) return std::nullopt;
-        const double stepA = crossOf(off, alongB) / cross;
-        const double stepB = crossOf(off, alongA) / cross;
-        onA = first ? stepA : onA + stepA;
-        onB = first ? stepB : onB + stepB;
+        if (cross == 0) break;
+        onA += crossOf(off, alongB) / cross;
+        onB += crossOf(off, alongA) / cross;
         if (!(std::abs(onA - 0.5) < 1.5 && std::abs(onB - 0.5) < 1.5)) return std::nullopt;
     }
     const double slack = 1e-9;
     if (onA < -slack || onA > 1 + slack || onB < -slack || onB > 1 + slack) return std::nullopt;
     return std::pair(std::clamp(onA, 0.0, 1.0), std::clamp(onB, 0.0, 1.0));
+}
+
+struct Stretch {
+    double from = 0;
+    double to = 1;
+    double middle() const { return (from + to) / 2; }
+};
+
+// Where two short arcs cross: they are halved while their boxes overlap, because near a point where
+// they turn back no first guess is good enough for Newton's method.
+std::optional<std::pair<double, double>> crossing(const Cubic& a, const Cubic& b, Stretch onA = {},
+                                                  Stretch onB = {}, int halvings = 8) {
+    if (!overlap(a.part(onA.from, onA.to).box(), b.part(onB.from, onB.to).box())) {
+        return std::nullopt;
+    }
+    if (halvings == 0) return sharpened(a, b, onA.middle(), onB.middle());
+    for (const Stretch& halfA : {Stretch{onA.from, onA.middle()}, Stretch{onA.middle(), onA.to}}) {
+        for (const Stretch& halfB :
+             {Stretch{onB.from, onB.middle()}, Stretch{onB.middle(), onB.to}}) {
+            if (const auto found = crossing(a, b, halfA, halfB, halvings - 1)) return found;
+        }
+    }
+    return std::nullopt;
 }
 
 class SmoothOffset {
@@ -158,8 +179,35 @@ class SmoothOffset {
                 tangent};
     }
 
+    // Where the offset stands still to turn back: at the curve's centre of curvature.
+    void appendCusps(const Piece& piece, double from, double to, std::vector<double>& stops) const {
+        constexpr int kParts = 8;
+        const auto pace = [&](double t) {
+            const Nurbs::Values values = piece.values(t);
+            const double speed = values.first.length();
+            const double cross = crossOf(values.first, values.second);
+            return speed * speed * speed + distance_ * cross;
+        };
+        double low = from;
+        double atLow = pace(low);
+        for (int part = 1; part <= kParts; ++part) {
+            const double high = from + (to - from) * part / kParts;
+            const double atHigh = pace(high);
+            if ((atLow < 0) != (atHigh < 0)) {
+                const double cusp = bisect(pace, low, high, atLow);
+                if (cusp > from && cusp < to) stops.push_back(cusp);
+            }
+            low = high;
+            atLow = atHigh;
+        }
+    }
+
     void follow(const Piece& piece) {
-        const std::vector<double> stops = piece.samples();
+        std::vector<double> stops;
+        for (const double sample : piece.samples()) {
+            if (!stops.empty()) appendCusps(piece, stops.back(), sample, stops);
+            stops.push_back(sample);
+        }
         Place before = aside(piece, stops.front());
         if (arcs_.empty()) {
             firstDirection_ = before.tangent;
@@ -180,7 +228,7 @@ class SmoothOffset {
             Cubic::hermite(start.point, start.derivative, end.point, end.derivative, to - from);
         const auto fits = [&](double share) {
             const Place exact = aside(piece, from + (to - from) * share);
-            return exact.point.distanceTo(arc.at(share)) <= tolerance_ / 4;
+            return exact.point.distanceTo(arc.at(share)) <= tolerance_ / 20;
         };
         if (halvings == 0 || (fits(0.5) && fits(0.25) && fits(0.75))) {
             arcs_.push_back(arc);
@@ -252,17 +300,28 @@ class SmoothOffset {
         const auto isClear = [&](double share) {
             const AcGePoint3d point = arc.at(share);
             const double away = shape_.closest(point).point.distanceTo(point);
-            return away >= std::abs(distance_) - 2 * tolerance_;
+            return away >= std::abs(distance_) - tolerance_ / 2;
         };
         if (isClear(0.5) && isClear(0.2) && isClear(0.8)) kept_.push_back(arc);
     }
 
+    // Of several the one furthest on: the others lie in folds that are no deeper than the
+    // tolerance.
     size_t startingAt(const AcGePoint3d& point, const std::vector<bool>& taken, size_t from) const {
-        for (size_t k = 0; k < kept_.size(); ++k) {
+        for (size_t k = kept_.size(); k-- > 0;) {
             const size_t at = (from + k) % kept_.size();
             if (!taken[at] && kept_[at].start().distanceTo(point) <= tolerance_) return at;
         }
         return kept_.size();
+    }
+
+    // Folds leave bits behind, of which none goes round a closed curve.
+    bool isBit(const std::vector<Cubic>& chain) const {
+        double length = 0;
+        for (const Cubic& arc : chain)
+            length += arc.start().distanceTo(arc.end());
+        if (length < 1e3 * tolerance_) return true;
+        return shape_.closed && chain.front().start().distanceTo(chain.back().end()) > tolerance_;
     }
 
     // A chain begins where no arc leads to, or anywhere on a closed one.
@@ -285,6 +344,7 @@ class SmoothOffset {
                 result.push_back(std::move(chain));
             }
         }
+        std::erase_if(result, [&](const auto& chain) { return isBit(chain); });
         return result;
     }
 

@@ -71,10 +71,6 @@ TEST_F(SmoothOffsetTest, WaistsPartTheInside) {
     const double wide = 2.5;
     EXPECT_EQ(offsets(spline, -narrow).size(), 1u);
     const std::vector<CurvePtr> parted = offsets(spline, -wide);
-    for (const CurvePtr& each : parted) {
-        AcGePoint3d s, e; each->getStartPoint(s); each->getEndPoint(e);
-        printf("DBG %g: %.9g,%.9g - %.9g,%.9g\n", lengthOf(*each), s.x, s.y, e.x, e.y);
-    }
     ASSERT_EQ(parted.size(), 2u);
     for (const CurvePtr& each : parted) {
         EXPECT_TRUE(each->isClosed());
