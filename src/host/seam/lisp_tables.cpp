@@ -95,8 +95,11 @@ Value shown(Interpreter& in, AcDbObjectId id) {
     return list;
 }
 
-// Spaces are no blocks that programs see here.
+// Spaces are no blocks that programs see here, and the linetypes of the layer and the block are
+// none that they could load.
 bool isSkipped(AcDbObjectId id) {
+    const AcDbDatabase& database = *id.database();
+    if (id == database.byLayerLinetype() || id == database.byBlockLinetype()) return true;
     const auto* const block = model::peek<AcDbBlockTableRecord>(id);
     return block != nullptr && block->isLayout();
 }

@@ -37,6 +37,7 @@ class SG_API AcDbBlockReference : public AcDbEntity {
     Acad::ErrorStatus appendAttribute(AcDbAttribute* attribute);
     std::unique_ptr<AcDbObjectIterator> attributeIterator() const;
     const std::vector<AcDbHardOwnershipId>& attributeIds() const { return attributes_; }
+    AcDbObjectId sequenceEndId() const { return sequenceEnd_; }  // null without attributes
 
     // The block's entities, moved to where they show, appended to the owner of this reference.
     Acad::ErrorStatus explodeToOwnerSpace() const;

@@ -78,5 +78,33 @@ TEST(BuildRecordList, MarkersStartRecords) {
           });
 }
 
+// Names that the array shares are shared by the list; where a record has others, they are its own.
+TEST(BuildRecordList, SharedNames) {
+    const size_t live = acutLiveNodeCount();
+    {
+        const COleVariant a = text(L"a"), s = text(L"s_b");
+        const auto name = [](const COleVariant& shared) { return COleVariant::sharing(shared); };
+        COleSafeArray array;
+        array.CreateFromVariants({newRecord(), name(a),     text(L"1 "), name(s),    text(L"2 "),
+                                  newRecord(), name(a),     text(L"3 "), name(s),    text(L"4 "),
+                                  newRecord(), name(s),     text(L"5 "), text(L"a"), text(L"6 "),
+                                  name(a),     text(L"7 "), newRecord(), name(a),    number(8)});
+        const List list(buildRecordList(array));
+        EXPECT_EQ(describe(list.get()),
+                  "( ( ( \"a\" . \"1\" ) ( \"s_b\" . \"2 \" ) ) ( ( \"a\" . \"3\" ) ( \"s_b\" . "
+                  "\"4 \" ) ) ( ( \"s_b\" . \"5 \" ) ( \"a\" . \"6\" ) ( \"a\" . \"7\" ) ) ( ( "
+                  "\"a\" . 8 ) ) )");
+        std::vector<const wchar_t*> keys;
+        for (const resbuf* node = list.get(); node != nullptr; node = node->rbnext) {
+            if (node->rbnext != nullptr && node->rbnext->restype == RTDOTE)
+                keys.push_back(node->resval.rstring);
+        }
+        ASSERT_EQ(keys.size(), 8u);
+        EXPECT_EQ(keys[0], keys[2]);
+        EXPECT_EQ(keys[1], keys[3]);
+    }
+    EXPECT_EQ(acutLiveNodeCount(), live);
+}
+
 }  // namespace
 }  // namespace sg

@@ -153,6 +153,11 @@ bool isGroupOf(const resbuf& group, const wchar_t* name) {
 constexpr const wchar_t* kReactorList = L"{ACAD_REACTORS";
 constexpr const wchar_t* kDictionaryList = L"{ACAD_XDICTIONARY";
 
+bool hasLists(const Extras* extras) {
+    return extras != nullptr && (!extras->extensionDictionary.isNull() ||
+                                 !extras->reactors.isEmpty() || !extras->unknownGroups.empty());
+}
+
 void writeAttached(AcDbDxfFiler& filer, const Extras* extras) {
     if (extras == nullptr) return;
     if (!extras->extensionDictionary.isNull()) {
@@ -166,17 +171,20 @@ void writeAttached(AcDbDxfFiler& filer, const Extras* extras) {
 
 }  // namespace
 
-// A drawing file has the owner behind the handle and the lists, entget ahead of them.
+// A drawing file has the owner behind the handle and the lists; entget has it there only when there
+// are lists, else ahead of the handle.
 Acad::ErrorStatus AcDbObject::dxfOut(AcDbDxfFiler* filer) const {
     assertReadEnabled();
     const bool isBag = filer->filerType() == AcDb::kBagFiler;
-    const std::wstring dxfName = isA()->dxfName();
+    std::wstring dxfName = isA()->dxfName();
+    if (isBag && isKindOf(AcDbSymbolTable::desc())) dxfName = L"TABLE";
     if (isBag && !id_.isNull()) filer->writeObjectId(-1, id_);
     filer->writeString(0, dxfName);
-    if (isBag && !owner_.isNull()) filer->writeObjectId(330, owner_);
+    const bool ownerFirst = isBag && !hasLists(extras_.get());
+    if (ownerFirst && !owner_.isNull()) filer->writeObjectId(330, owner_);
     if (!id_.isNull()) filer->writeAcDbHandle(dxfName == L"DIMSTYLE" ? 105 : 5, id_.handle());
     writeAttached(*filer, extras_.get());
-    if (!isBag) filer->writeObjectId(330, owner_);
+    if (!ownerFirst && !(isBag && owner_.isNull())) filer->writeObjectId(330, owner_);
     const Acad::ErrorStatus status = dxfOutFields(filer);
     if (status != Acad::eOk) return status;
     if (extras_) extras_->extendedData.dxfOut(*filer);
@@ -209,7 +217,6 @@ Acad::ErrorStatus AcDbObject::dxfIn(AcDbDxfFiler* filer) {
         }
     }
     if (!otherLists.empty()) ObjectAccess::needExtras(*this).unknownGroups = otherLists;
-    if (filer->filerStatus() == Acad::eEndOfFile) filer->resetFilerStatus();
     if (const Acad::ErrorStatus status = dxfInFields(filer); status != Acad::eOk) return status;
     resbuf* const data = filer->takeExtendedData();
     if (data == nullptr) return filer->filerStatus();

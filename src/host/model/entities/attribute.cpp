@@ -9,6 +9,13 @@ using sg::model::FieldReader;
 ACRX_DXF_DEFINE_MEMBERS(AcDbAttributeDefinition, AcDbText, 0, 0, L"ATTDEF", nullptr)
 ACRX_DXF_DEFINE_MEMBERS(AcDbAttribute, AcDbText, 0, 0, L"ATTRIB", nullptr)
 
+namespace {
+
+// Of what the class files; its group comes again, behind the others, with another meaning.
+constexpr int16_t kVersion = 0;
+
+}  // namespace
+
 // ---- What both have -----------------------------------------------------------------------------
 
 namespace sg::model {
@@ -146,6 +153,7 @@ Acad::ErrorStatus AcDbAttributeDefinition::dwgInFields(AcDbDwgFiler* filer) {
 Acad::ErrorStatus AcDbAttributeDefinition::dxfOutFields(AcDbDxfFiler* filer) const {
     dxfOutText(filer);
     filer->writeString(100, L"AcDbAttributeDefinition");
+    filer->writeInt16(280, kVersion);
     filer->writeString(3, prompt_);
     fields_.dxfOut(filer, verticalMode());
     return filer->filerStatus();
@@ -235,6 +243,7 @@ Acad::ErrorStatus AcDbAttribute::dwgInFields(AcDbDwgFiler* filer) {
 Acad::ErrorStatus AcDbAttribute::dxfOutFields(AcDbDxfFiler* filer) const {
     dxfOutText(filer);
     filer->writeString(100, L"AcDbAttribute");
+    filer->writeInt16(280, kVersion);
     fields_.dxfOut(filer, verticalMode());
     return filer->filerStatus();
 }

@@ -27,11 +27,7 @@ class SG_API FieldReader {
     FieldReader(AcDbDxfFiler* filer, const resbuf& group) : filer_(filer), group_(group) {}
 
     bool next() {
-        if (filer_->readItem(&group_) != Acad::eOk) {
-            // The end of an object is no failure.
-            if (filer_->filerStatus() == Acad::eEndOfFile) filer_->resetFilerStatus();
-            return false;
-        }
+        if (filer_->readItem(&group_) != Acad::eOk) return false;
         if (group_.restype != 100) return true;
         filer_->pushBackItem();
         return false;

@@ -76,6 +76,5 @@ Acad::ErrorStatus AcDbXrecord::dxfInFields(AcDbDxfFiler* filer) {
         }
         first = false;
     }
-    if (filer->filerStatus() == Acad::eEndOfFile) filer->resetFilerStatus();
     return filer->filerStatus();
 }
