@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string>
 
+#include "host/model/tables/pointers.h"
 #include "platform/db/handle.h"
 
 namespace sg::model {
@@ -131,7 +132,8 @@ Acad::ErrorStatus writeValue(AcDbDwgFiler& filer, Walk& walk) {
         case Kind::int32:
             return filer.writeInt32(walk.take<int32_t>());
         case Kind::name:
-            return filer.writeSoftPointerId(AcDbObjectId(walk.take<uint64_t>()));
+            return writePointer(&filer, pointerKind(walk.code),
+                                AcDbObjectId(walk.take<uint64_t>()));
         case Kind::none:
             break;
     }
@@ -165,10 +167,9 @@ Acad::ErrorStatus readValue(AcDbDwgFiler& filer, Kind kind, resbuf& node) {
         case Kind::int32:
             return filer.readInt32(&node.resval.rlong);
         case Kind::name: {
-            AcDbSoftPointerId id;
-            const Acad::ErrorStatus status = filer.readSoftPointerId(&id);
+            const AcDbObjectId id = readPointer(&filer, pointerKind(node.restype));
             acdbGetAdsName(node.resval.rlname, id);
-            return status;
+            return filer.filerStatus();
         }
         case Kind::none:
             break;

@@ -13,7 +13,8 @@ namespace sg::model {
 // Reads group values of any kind out of a packed row of bytes, and packs them.
 //
 // A group is its code as 16 bits and its value: a text is its length in 32 bits and its units, a
-// handle and an entity name are 64 bits, the others as they stand in a resbuf.
+// handle and an entity name are 64 bits, the others as they stand in a resbuf. Entity names are
+// filed as the pointers that their codes stand for.
 class GroupData {
   public:
     bool empty() const { return bytes_.empty(); }

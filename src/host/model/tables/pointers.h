@@ -10,12 +10,8 @@ namespace sg::model {
 SG_API Acad::ErrorStatus writePointer(AcDbDwgFiler* filer, PointerKind kind, AcDbObjectId id);
 SG_API AcDbObjectId readPointer(AcDbDwgFiler* filer, PointerKind kind);
 
-// A list of groups through a DWG filer; ids as their codes say.
-SG_API Acad::ErrorStatus writeGroups(AcDbDwgFiler* filer, const resbuf* groups);
-// The caller releases the list.
-SG_API Acad::ErrorStatus readGroups(AcDbDwgFiler* filer, resbuf*& groups);
-
-// A copy of a list of groups; the caller releases it.
-SG_API resbuf* copyGroups(const resbuf* groups);
+// How what a group with this code refers to is filed; entity names outside the ranges of pointers
+// are soft ones.
+SG_API PointerKind pointerKind(int code);
 
 }  // namespace sg::model
