@@ -26,6 +26,10 @@ SG_API void writeNameOf(AcDbDxfFiler* filer, int code, AcDbObjectId record,
 // record can have.
 SG_API bool registerApplication(AcDbDatabase& database, const wchar_t* name);
 
+// Adds a layer, a linetype or a text style of this name with the properties of a new one. False
+// for a name that no record can have, and for other tables.
+SG_API bool addRecord(AcDbDatabase& database, NamedIn table, const std::wstring& name);
+
 // A colour from group 420.
 SG_API void setTrueColor(AcCmColor& color, int32_t rgb);
 
