@@ -12,14 +12,15 @@ struct ProductClass {
     const wchar_t* className;
     const wchar_t* applicationName;
     int32_t flags;
+    bool isFixed = false;  // from release 2004 on files do without a record of it
 };
 constexpr const wchar_t* kObjects = L"ObjectDBX Classes";
 constexpr ProductClass kProductClasses[] = {
     {L"ACDBDICTIONARYWDFLT", L"AcDbDictionaryWithDefault", kObjects, 0},
     {L"DICTIONARYVAR", L"AcDbDictionaryVar", kObjects, 0},
-    {L"ACDBPLACEHOLDER", L"AcDbPlaceHolder", kObjects, 0},
-    {L"LAYOUT", L"AcDbLayout", kObjects, 0},
-    {L"PLOTSETTINGS", L"AcDbPlotSettings", kObjects, 0},
+    {L"ACDBPLACEHOLDER", L"AcDbPlaceHolder", kObjects, 0, true},
+    {L"LAYOUT", L"AcDbLayout", kObjects, 0, true},
+    {L"PLOTSETTINGS", L"AcDbPlotSettings", kObjects, 0, true},
     {L"SORTENTSTABLE", L"AcDbSortentsTable", kObjects, 0},
     {L"IMAGE", L"AcDbRasterImage", L"ISM", 2175},
     {L"IMAGEDEF", L"AcDbRasterImageDef", L"ISM", 0},
@@ -53,7 +54,7 @@ std::map<std::wstring, ClassRecords::Use> ClassRecords::usedClasses() const {
     }
     for (const ProductClass& known : kProductClasses) {
         const auto use = uses.find(known.dxfName);
-        if (use == uses.end()) continue;
+        if (use == uses.end() || (known.isFixed && release_.number >= AcDb::kDHL_1018)) continue;
         use->second.className = known.className;
         use->second.applicationName = known.applicationName;
         use->second.flags = known.flags;

@@ -124,6 +124,7 @@ std::vector<std::wstring> DrawingReader::read() {
     findDictionaries();
     model::completeTables(reading_.database);
     model::completeDictionaries(reading_.database);
+    leaveNames();
     keepSections();
     reading_.handles.settle(reading_.seed);
     loader_.checkForms();
@@ -146,7 +147,17 @@ void DrawingReader::readClasses() {
             if (group.code == 2) record.className = reading_.text(group);
             if (group.code == 3) record.applicationName = reading_.text(group);
             if (group.code == 90) record.flags = static_cast<int32_t>(group.whole);
-            appendGroup(record.groups, group, reading_.codec, reading_.handles, scanned.position);
+            appendGroup(record.groups, group, reading_.codec, reading_.handles);
+        }
+    }
+}
+
+// A variable that names what is not there keeps the name as long as nobody sets it.
+void DrawingReader::leaveNames() {
+    for (model::FileOrigin::Variable& variable : reading_.origin->variables) {
+        const auto* const id = std::get_if<AcDbObjectId>(&variable.value);
+        if (variable.isKnown && id != nullptr && id->isNull()) {
+            variable.value = reading_.state.header().at(variable.place);
         }
     }
 }
@@ -311,7 +322,7 @@ void DrawingReader::keepSections() {
             if (group.is(0, "ENDSEC") || group.is(0, "EOF")) break;
             if (group.isMalformed) continue;
             appendGroup(reading_.origin->sections[i].groups, group, reading_.codec,
-                        reading_.handles, reading_.reader.positionOf(group));
+                        reading_.handles);
         }
     }
 }
@@ -319,7 +330,7 @@ void DrawingReader::keepSections() {
 void DrawingReader::reportDangling() {
     for (const Handles::Awaited& awaited : reading_.handles.awaited()) {
         if (awaited.id.isResident()) continue;
-        reading_.report.warn(awaited.place, L"handle " + awaited.id.handle().text() +
+        reading_.report.warn(reading_.reader.positionOf(awaited.group), L"handle " + awaited.id.handle().text() +
                                                 L" is that of no object in the file");
     }
 }

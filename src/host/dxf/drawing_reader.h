@@ -27,6 +27,7 @@ class DrawingReader {
     void findSectionsInBinary();
     const Section* section(std::string_view name) const;
     void readClasses();
+    void leaveNames();
     void readBlocks();
     void beginBlock(ScannedObject& scanned);
     void endBlock(ScannedObject& scanned);

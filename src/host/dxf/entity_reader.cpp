@@ -70,13 +70,14 @@ void EntityReader::take(ScannedObject& scanned, AcDbObjectId block) {
     }
     end(scanned.position);
     const bool isWhole = hasParts(scanned);
-    const bool isOnPaper = isSet(scanned.find(kIsOnPaper));
     if (block.isNull()) block = spaceOf(scanned);
     AcDbObject* const object = loader_.load(scanned, ObjectLoader::Role::entity, block);
     if (object == nullptr) return;
     const auto* const record = model::peek<AcDbBlockTableRecord>(block);
     ObjectAccess::contents(*record).append(object->objectId());
     if (isWhole) whole_ = static_cast<AcDbEntity*>(object);
+    // Entities on paper say of which layout they are, which is read later.
+    const bool isOnPaper = record->isLayout() && block != reading_.state.roots.modelSpace;
     if (isWhole || isOnPaper) {
         loader_.checkLater(object->objectId(), scanned.position);
     } else {

@@ -64,7 +64,7 @@ void writeTo(Sink& sink, const AcDbObject& object, AcDb::AcDbDwgVersion release)
 
 // The groups that the class does not write, each run of them behind its section's marker.
 void keepUnknown(model::GroupData& unknown, std::span<const Group> groups, const CodeSink& known,
-                 const TextCodec& codec, Handles& handles, size_t place) {
+                 const TextCodec& codec, Handles& handles) {
     std::string section;
     bool isMarked = false;
     for (const Group& group : groups) {
@@ -76,7 +76,7 @@ void keepUnknown(model::GroupData& unknown, std::span<const Group> groups, const
         if (section.empty() || group.code == kMarker || known.has(section, group.code)) continue;
         if (!isMarked) unknown.appendText(kMarker, section);
         isMarked = true;
-        appendGroup(unknown, group, codec, handles, place);
+        appendGroup(unknown, group, codec, handles);
     }
 }
 
@@ -136,16 +136,16 @@ uint64_t fingerprintOf(const AcDbObject& object, AcDb::AcDbDwgVersion release) {
 
 std::unique_ptr<model::FileForm> formToKeep(const AcDbObject& object, std::span<const Group> groups,
                                             const TextCodec& codec, Handles& handles,
-                                            AcDb::AcDbDwgVersion release, size_t place) {
+                                            AcDb::AcDbDwgVersion release) {
     ComparingSink comparing(groups, codec);
     writeTo(comparing, object, release);
     if (comparing.isSame()) return nullptr;
     auto form = std::make_unique<model::FileForm>();
     for (const Group& group : groups)
-        appendGroup(form->groups, group, codec, handles, place);
+        appendGroup(form->groups, group, codec, handles);
     CodeSink known;
     writeTo(known, object, release);
-    keepUnknown(form->unknown, groups, known, codec, handles, place);
+    keepUnknown(form->unknown, groups, known, codec, handles);
     form->fingerprint = fingerprintOf(object, release);
     form->release = static_cast<int16_t>(release);
     return form;

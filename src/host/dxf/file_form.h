@@ -99,6 +99,6 @@ uint64_t fingerprintOf(const AcDbObject& object, AcDb::AcDbDwgVersion release);
 // writes the same. The object has been read from them and is in the drawing with its owner.
 std::unique_ptr<model::FileForm> formToKeep(const AcDbObject& object, std::span<const Group> groups,
                                             const TextCodec& codec, Handles& handles,
-                                            AcDb::AcDbDwgVersion release, size_t place);
+                                            AcDb::AcDbDwgVersion release);
 
 }  // namespace sg::dxf

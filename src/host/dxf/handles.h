@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "host/dxf/group.h"
 #include "host/model/core/database_state.h"
 #include "host/model/core/database_table.h"
 
@@ -22,13 +23,14 @@ class Handles {
     // New objects get the handles behind those of the file, or from `seed` on where that is more.
     void settle(uint64_t seed);
 
-    // The null id for the null handle. `place` is where the file refers to it.
-    AcDbObjectId refer(uint64_t handle, size_t place) {
+    // The id of what a group refers to; the null id for the null handle.
+    AcDbObjectId refer(const Group& group) {
+        const uint64_t handle = group.handle;
         if (handle == 0 || handle > kGreatest) return {};
         AcDbObjectId id = state_.findHandle(handle);
         if (!id.isNull()) return id;
         id = state_.makeRecord(handle);
-        awaited_.push_back({id, place});
+        awaited_.push_back({id, group});
         return id;
     }
     static uint64_t of(AcDbObjectId id) {
@@ -38,7 +40,7 @@ class Handles {
 
     struct Awaited {
         AcDbObjectId id;
-        size_t place;  // of the first reference
+        Group group;  // with the first reference
     };
     // Those that were referred to before they were read, or never were read.
     const std::vector<Awaited>& awaited() const { return awaited_; }

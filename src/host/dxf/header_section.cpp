@@ -48,7 +48,7 @@ int32_t wholeOf(const Group& group) {
 
 AcDbObjectId objectOf(Reading& reading, const VariableRow& row, const Group& group) {
     if (group.kind == ValueKind::object || group.kind == ValueKind::handle) {
-        return reading.handles.refer(group.handle, reading.reader.positionOf(group));
+        return reading.handles.refer(group);
     }
     return model::recordNamed(&reading.database, row.table, reading.text(group));
 }
@@ -120,8 +120,7 @@ void readHeader(Reading& reading, size_t position) {
         model::FileOrigin::Variable variable;
         variable.name = name;
         for (const Group& group : groups) {
-            appendGroup(variable.groups, group, reading.codec, reading.handles,
-                        reading.reader.positionOf(group));
+            appendGroup(variable.groups, group, reading.codec, reading.handles);
         }
         const auto place = name.empty() ? std::nullopt
                                         : model::HeaderVariables::find(fromUtf8(name.substr(1)));

@@ -27,7 +27,7 @@ bool equals(std::string_view narrow, const wchar_t* wide) {
 }  // namespace
 
 void appendGroup(model::GroupData& data, const Group& group, const TextCodec& codec,
-                 Handles& handles, size_t place) {
+                 Handles& handles) {
     switch (group.kind) {
         case ValueKind::text:
         case ValueKind::unknown:
@@ -43,7 +43,7 @@ void appendGroup(model::GroupData& data, const Group& group, const TextCodec& co
             data.appendHandle(group.code, group.handle);
             break;
         case ValueKind::object:
-            data.appendObject(group.code, handles.refer(group.handle, place));
+            data.appendObject(group.code, handles.refer(group));
             break;
         default:
             data.appendWhole(group.code, group.whole);
@@ -52,14 +52,13 @@ void appendGroup(model::GroupData& data, const Group& group, const TextCodec& co
 }
 
 ObjectFiler::ObjectFiler(std::span<const Group> groups, const TextCodec& codec, Handles& handles,
-                         AcDbDatabase* database, AcDb::AcDbDwgVersion release, size_t place)
+                         AcDbDatabase* database, AcDb::AcDbDwgVersion release)
     : all_(groups),
       classData_(groups),
       codec_(codec),
       handles_(handles),
       database_(database),
-      release_(release),
-      place_(place) {
+      release_(release) {
     bool isEmbedded = false;
     for (size_t i = 0; i < groups.size(); ++i) {
         const int code = groups[i].code;
@@ -123,7 +122,7 @@ size_t ObjectFiler::setValue(resbuf& node, size_t at, std::span<const Group> gro
             node.resval.rlong = static_cast<int32_t>(group.whole);
             break;
         case RTENAME: {
-            const uint64_t id = handles_.refer(group.handle, place_).asOldId();
+            const uint64_t id = handles_.refer(group).asOldId();
             node.resval.rlname[0] = static_cast<int32_t>(static_cast<uint32_t>(id));
             node.resval.rlname[1] = static_cast<int32_t>(static_cast<uint32_t>(id >> 32));
             break;
@@ -219,7 +218,7 @@ void ObjectFiler::readRest(model::GroupData& groups) {
             }
             if (inList || isCommon(group.code)) continue;
         }
-        appendGroup(groups, group, codec_, handles_, place_);
+        appendGroup(groups, group, codec_, handles_);
     }
     at_ = classData_.size();
 }

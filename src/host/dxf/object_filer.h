@@ -13,7 +13,7 @@ namespace sg::dxf {
 
 // Appends a group as it stands in the file.
 void appendGroup(model::GroupData& data, const Group& group, const TextCodec& codec,
-                 Handles& handles, size_t place);
+                 Handles& handles);
 
 // Reads an object from its groups, which begin behind the group 0 and outlive the filer. Files of
 // release 12 have no subclass markers: then each class goes over all groups. What stands behind an
@@ -21,7 +21,7 @@ void appendGroup(model::GroupData& data, const Group& group, const TextCodec& co
 class ObjectFiler final : public AcDbDxfFiler, public model::FileGroupsAccess {
   public:
     ObjectFiler(std::span<const Group> groups, const TextCodec& codec, Handles& handles,
-                AcDbDatabase* database, AcDb::AcDbDwgVersion release, size_t place);
+                AcDbDatabase* database, AcDb::AcDbDwgVersion release);
 
     AcDb::FilerType filerType() const override { return AcDb::kFileFiler; }
     Acad::ErrorStatus filerStatus() const override { return status_; }
@@ -79,7 +79,6 @@ class ObjectFiler final : public AcDbDxfFiler, public model::FileGroupsAccess {
     Handles& handles_;
     AcDbDatabase* database_;
     AcDb::AcDbDwgVersion release_;
-    size_t place_;
     size_t at_ = 0;      // in the class data
     size_t before_ = 0;  // where the last group began
     bool hasMarkers_ = false;

@@ -136,7 +136,7 @@ std::wstring ObjectLoader::nameOf(const ScannedObject& scanned) const {
 
 AcDbObjectId ObjectLoader::ownerOf(const ScannedObject& scanned) {
     const Group* const owner = scanned.findIdentity(330);
-    return owner == nullptr ? AcDbObjectId() : reading_.handles.refer(owner->handle, scanned.position);
+    return owner == nullptr ? AcDbObjectId() : reading_.handles.refer(*owner);
 }
 
 // An entity that has lost a number would come out with another shape and is left out; of other
@@ -159,7 +159,7 @@ bool ObjectLoader::dropMalformed(ScannedObject& scanned, Role role) {
 
 bool ObjectLoader::fill(AcDbObject& object, const ScannedObject& scanned, std::wstring& error) {
     ObjectFiler filer(std::span(scanned.groups).subspan(1), reading_.codec, reading_.handles,
-                      &reading_.database, reading_.release, scanned.position);
+                      &reading_.database, reading_.release);
     const Acad::ErrorStatus status = object.dxfIn(&filer);
     if (status == Acad::eOk) return true;
     error = filer.errorMessage();
@@ -248,8 +248,7 @@ AcDbObject* ObjectLoader::loadAs(ScannedObject& scanned, std::unique_ptr<AcDbObj
 
 void ObjectLoader::keepForm(AcDbObject& object, const ScannedObject& scanned) {
     std::unique_ptr<model::FileForm> form =
-        formToKeep(object, scanned.groups, reading_.codec, reading_.handles, reading_.release,
-                   scanned.position);
+        formToKeep(object, scanned.groups, reading_.codec, reading_.handles, reading_.release);
     if (form != nullptr) ObjectAccess::needExtras(object).fileForm = std::move(form);
 }
 

@@ -127,7 +127,7 @@ void TableSection::keep(const Found& found) {
     while (reading_.scanner.next(scanned) && !scanned.is("ENDSEC")) {
         for (const Group& group : scanned.groups) {
             if (group.isMalformed) continue;
-            appendGroup(table->groups, group, reading_.codec, reading_.handles, scanned.position);
+            appendGroup(table->groups, group, reading_.codec, reading_.handles);
         }
         if (scanned.is("ENDTAB")) break;
     }

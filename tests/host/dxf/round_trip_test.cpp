@@ -65,7 +65,10 @@ std::string shown(const Groups& groups, size_t at) {
 std::vector<std::string> differences(const std::string& before, const std::string& after,
                                      bool isUtf8) {
     const Groups a(before), b(after);
-    const dxf::TextCodec codec("ANSI_1252", isUtf8);
+    const auto page = std::find_if(a.list.begin(), a.list.end(), [](const Group& group) {
+        return group.is(9, "$DWGCODEPAGE");
+    });
+    const dxf::TextCodec codec(page == a.list.end() ? "ANSI_1252" : page[1].text, isUtf8);
     std::vector<std::string> found;
     size_t i = 0, j = 0;
     while ((i < a.list.size() || j < b.list.size()) && found.size() < 20) {

@@ -92,6 +92,16 @@ class Builder {
         return record(table, name, std::make_unique<Record>());
     }
 
+    // The first record of the table, "Standard" where it has none.
+    template <class Record>
+    AcDbObjectId anyRecord(AcDbObjectId table, std::unique_ptr<Record> standard) {
+        AcDbSymbolTable* opened = nullptr;
+        require(acdbOpenObject(opened, table));
+        const AcDbObjectId first = opened->newIterator()->getRecordId();
+        opened->close();
+        return first.isNull() ? record(table, L"Standard", std::move(standard)) : first;
+    }
+
     void makeRecords() {
         record<AcDbRegAppTableRecord>(roots_.regAppTable, kApplication);
         roots_.byBlockLinetype = record<AcDbLinetypeTableRecord>(roots_.linetypeTable, L"ByBlock");
@@ -105,10 +115,10 @@ class Builder {
         roots_.layerZero = record(roots_.layerTable, L"0", std::move(layer));
         auto style = std::make_unique<AcDbTextStyleTableRecord>();
         style->setFileName(L"txt");
-        textStyle_ = record(roots_.textStyleTable, L"Standard", std::move(style));
+        textStyle_ = anyRecord(roots_.textStyleTable, std::move(style));
         auto dimStyle = std::make_unique<AcDbDimStyleTableRecord>();
         dimStyle->setValue(*findDimVariable(L"DIMTXSTY"), textStyle_);
-        dimStyle_ = record(roots_.dimStyleTable, L"Standard", std::move(dimStyle));
+        dimStyle_ = anyRecord(roots_.dimStyleTable, std::move(dimStyle));
         record<AcDbViewportTableRecord>(roots_.viewportTable, L"*Active");
         roots_.modelSpace = record<AcDbBlockTableRecord>(roots_.blockTable, ACDB_MODEL_SPACE);
         roots_.paperSpace = record<AcDbBlockTableRecord>(roots_.blockTable, ACDB_PAPER_SPACE);
