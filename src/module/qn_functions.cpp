@@ -1,4 +1,5 @@
 #include "drawing/lisp_functions.h"
+#include "leader/lisp_functions.h"
 #include "module/function_tables.h"
 #include "module/handlers.h"
 #include "module/missing.h"
@@ -33,7 +34,7 @@ constexpr FunctionRow kRows[] = {
     missingQnRow<L"qn_qn-multiRotateJig">(),
     missingQnRow<L"qn_qn-multiMoveJig">(),
     missingQnRow<L"qn_qn-entsel">(),
-    missingQnRow<L"AcDbLeader::create">(),
+    {L"AcDbLeader::create", qnHandler<hostLeaderCreate>},
     missingQnRow<L"qn_qn-showHelp">(),
     missingQnRow<L"qn_qn-SHGetFolderPath">(),
     missingQnRow<L"qn_qn-SHOpenFolderAndSelect">(),
@@ -54,11 +55,11 @@ constexpr FunctionRow kRows[] = {
     missingQnRow<L"ssgetX-circle">(),
     missingQnRow<L"ssgetX-polyline">(),
     missingQnRow<L"ssgetX-all">(),
-    missingQnRow<L"qn_qn-leader-insert">(),
-    missingQnRow<L"qn_qn-leader-setPoints">(),
-    missingQnRow<L"qn_qn-leader-setBlock">(),
-    missingQnRow<L"qn_qn-leader-setOffset">(),
-    missingQnRow<L"qn_qn-leader-explode">(),
+    {L"qn_qn-leader-insert", qnHandler<leaderInsert>},
+    {L"qn_qn-leader-setPoints", qnHandler<leaderSetPoints>},
+    {L"qn_qn-leader-setBlock", qnHandler<leaderSetBlock>},
+    {L"qn_qn-leader-setOffset", qnHandler<leaderSetOffset>},
+    {L"qn_qn-leader-explode", qnHandler<leaderExplode>},
     missingQnRow<L"qn_qn-rand">(),
     missingQnRow<L"qn_atof">(),
     {L"AcDbMtext::lastLineWidth", qnHandler<mtextLastLineWidth>},

@@ -200,14 +200,14 @@ class Help(ProgramTest):
     def test_missing_lists_every_row_in_table_order(self):
         code, output, _ = self.run_program("help", "--missing")
         names = output.splitlines()
-        self.assertEqual((code, len(names), names[0], names[58], names[59], names[-1]),
-                         (0, 138, "sg_append", "sg_relationInfo", "qn_qn-setGroupSelectable",
-                          "qn_qn-setAcadWindowText"))
+        self.assertEqual((code, len(names), names[0], names[-1]),
+                         (0, 73, "qn_qn-setGroupSelectable", "qn_qn-setAcadWindowText"))
         self.assertEqual(self.run_program("help", "--missing", "--no-module"), (0, "", ""))
 
     def test_a_function_is_explained(self):
         for name, said in [("car", "car\n\n"), ("caddr", "cdr\n\n"), ("CAR", "car\n\n"), ("host-send", "host-send\n\n"),
-                           ("SG_APPEND", "sg_append: not part of this build\n"),
+                           ("SG_APPEND", "sg_append\n\n"),
+                           ("QN_QN-LINEJIG", "qn_qn-lineJig: not part of this build\n"),
                            ("acdbcurve::getlength", "length of a curve")]:
             with self.subTest(name):
                 code, output, errors = self.run_program("help", name)

@@ -4,6 +4,7 @@
 #include "host/dxf/object_filer.h"
 #include "host/dxf/releases.h"
 #include "host/model/core/group_writer.h"
+#include "host/model/tables/filing.h"
 #include "host/model/tables/references.h"
 
 namespace sg::dxf {

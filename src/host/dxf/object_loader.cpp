@@ -120,7 +120,7 @@ void ObjectLoader::needName(const Group& group, NamedIn table, const ScannedObje
         return;
     }
     if (name.empty() || !model::recordNamed(&reading_.database, table, name).isNull()) return;
-    if (!model::addRecord(reading_.database, table, name)) return;
+    if (model::addRecord(reading_.database, table, name).isNull()) return;
     reading_.report.warn(scanned.position,
                          L"\"" + name + L"\" is in no table of the file and is added");
 }

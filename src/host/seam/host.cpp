@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <stdexcept>
+#include <thread>
 
 #include "base/encoding.h"
 #include "host/editor/command_line_output.h"
@@ -30,6 +31,7 @@
 #include "host/system/folders.h"
 #include "host/system/mutexes.h"
 #include "host/system/paths.h"
+#include "host/system/random.h"
 #include "host/system/registry.h"
 #include "host/system/registry_handles.h"
 #include "host/system/shell.h"
@@ -111,6 +113,10 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
         supportPath_->add(folder);
     shell_ = std::make_unique<Shell>();
     mutexes_ = std::make_unique<NamedMutexes>();
+    random_ = std::make_unique<RandomGenerator>();
+    sleep = [](uint32_t milliseconds) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    };
     cryptography_ = std::make_unique<Cryptography>();
     classes_ = std::make_unique<AcRxClassRegistry>();
     systemRegistry_ = std::make_unique<SystemRegistry>(classes_->dictionary());

@@ -36,6 +36,7 @@ class InputSource;
 class ModuleLoader;
 class NamedMutexes;
 class Output;
+class RandomGenerator;
 class RegistryHandles;
 class RegistryStore;
 class Shell;
@@ -95,6 +96,7 @@ class SG_API Host {
     SupportPath& supportPath() { return *supportPath_; }
     Shell& shell() { return *shell_; }
     NamedMutexes& mutexes() { return *mutexes_; }
+    RandomGenerator& random() { return *random_; }
     Cryptography& cryptography() { return *cryptography_; }
     AcRxClassRegistry& classes() { return *classes_; }
     SystemRegistry& systemRegistry() { return *systemRegistry_; }
@@ -123,6 +125,7 @@ class SG_API Host {
 
     uint32_t lastError = 0;  // of GetLastError
     bool textScreen = false;
+    std::function<void(uint32_t milliseconds)> sleep;  // what Sleep does
 
   private:
     void createInterpreter();
@@ -141,6 +144,7 @@ class SG_API Host {
     std::unique_ptr<SupportPath> supportPath_;
     std::unique_ptr<Shell> shell_;
     std::unique_ptr<NamedMutexes> mutexes_;
+    std::unique_ptr<RandomGenerator> random_;
     std::unique_ptr<Cryptography> cryptography_;
     std::unique_ptr<AcRxClassRegistry> classes_;
     std::unique_ptr<SystemRegistry> systemRegistry_;

@@ -4,6 +4,7 @@
 
 #include "base/text.h"
 #include "host/model/access/class_names.h"
+#include "host/model/access/group_checks.h"
 #include "host/model/core/list_filers.h"
 #include "host/model/curves/polyline_3d.h"
 #include "host/model/curves/sequence_end.h"
@@ -79,11 +80,15 @@ const resbuf* findGroup(const resbuf* groups, int code) {
     return groups;
 }
 
-void needLayer(AcDbDatabase& database, const resbuf* groups) {
+NeededLayer::NeededLayer(AcDbDatabase& database, const resbuf* groups) {
     const std::wstring name(textAt(groups, kLayer));
     if (!name.empty() && recordNamed(&database, NamedIn::layers, name).isNull()) {
-        addRecord(database, NamedIn::layers, name);
+        made_ = addRecord(database, NamedIn::layers, name);
     }
+}
+
+NeededLayer::~NeededLayer() {
+    if (!made_.isNull()) eraseObject(made_);
 }
 
 EntityMaker::~EntityMaker() = default;
@@ -126,9 +131,13 @@ EntityMaker::Result EntityMaker::make(const resbuf* groups, bool objects) {
 }
 
 bool EntityMaker::fill(AcDbObject& object, const resbuf* groups) {
-    needLayer(database_, groups);
     ListReader reader(groups, &database_);
-    return object.dxfIn(&reader) == Acad::eOk;
+    if (AcDbEntity::cast(&object) == nullptr) return object.dxfIn(&reader) == Acad::eOk;
+    if (!hasRequiredGroups(groups) || !hasValidValues(groups)) return false;
+    NeededLayer layer(database_, groups);
+    if (object.dxfIn(&reader) != Acad::eOk) return false;
+    layer.keep();
+    return true;
 }
 
 bool EntityMaker::append(AcDbEntity* entity, AcDbObjectId space, AcDbObjectId& id) {

@@ -203,10 +203,7 @@ ListReader::ListReader(const resbuf* list, AcDbDatabase* database, AcDb::FilerTy
 
 Acad::ErrorStatus ListReader::readItem(resbuf* group) {
     if (filerStatus() != Acad::eOk) return filerStatus();
-    if (at_ == groups_.size()) {
-        setFilerStatus(Acad::eEndOfFile);
-        return Acad::eEndOfFile;
-    }
+    if (at_ == groups_.size()) return Acad::eEndOfFile;
     *group = *groups_[at_++];
     group->rbnext = nullptr;
     return Acad::eOk;
@@ -218,7 +215,6 @@ Acad::ErrorStatus ListReader::pushBackItem() {
 }
 
 bool ListReader::atSubclassData(const wchar_t* name) {
-    if (filerStatus() == Acad::eEndOfFile) resetFilerStatus();
     if (filerStatus() != Acad::eOk) return false;
     if (!hasMarkers_) {
         // Each class takes its own of the groups.

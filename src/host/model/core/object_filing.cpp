@@ -178,6 +178,11 @@ bool isGroupOf(const resbuf& group, const wchar_t* name) {
 constexpr const wchar_t* kReactorList = L"{ACAD_REACTORS";
 constexpr const wchar_t* kDictionaryList = L"{ACAD_XDICTIONARY";
 
+bool hasLists(const Extras* extras) {
+    return extras != nullptr && (!extras->extensionDictionary.isNull() ||
+                                 !extras->reactors.isEmpty() || !extras->unknownLists.empty());
+}
+
 void writeAttached(AcDbDxfFiler& filer, const Extras* extras) {
     if (extras == nullptr) return;
     if (!extras->extensionDictionary.isNull()) {
@@ -189,10 +194,6 @@ void writeAttached(AcDbDxfFiler& filer, const Extras* extras) {
     extras->unknownLists.dxfOut(filer);
 }
 
-}  // namespace
-
-namespace {
-
 // Dimension styles have 5 for one of their variables.
 int handleCode(const wchar_t* dxfName) {
     return std::wcscmp(dxfName, L"DIMSTYLE") == 0 ? 105 : 5;
@@ -200,17 +201,19 @@ int handleCode(const wchar_t* dxfName) {
 
 }  // namespace
 
-// A drawing file has the owner behind the handle and the lists, entget ahead of them.
+// A drawing file has the owner behind the handle and the lists; entget has it there only when there
+// are lists, else ahead of the handle.
 Acad::ErrorStatus AcDbObject::dxfOut(AcDbDxfFiler* filer) const {
     assertReadEnabled();
     const bool isBag = filer->filerType() == AcDb::kBagFiler;
     const wchar_t* const dxfName = sg::model::dxfNameOf(*this);
     if (isBag && !id_.isNull()) filer->writeObjectId(-1, id_);
     filer->writeString(0, dxfName);
-    if (isBag && !owner_.isNull()) filer->writeObjectId(330, owner_);
+    const bool ownerFirst = isBag && !hasLists(extras_.get());
+    if (ownerFirst && !owner_.isNull()) filer->writeObjectId(330, owner_);
     if (!id_.isNull()) filer->writeAcDbHandle(handleCode(dxfName), id_.handle());
     writeAttached(*filer, extras_.get());
-    if (!isBag) filer->writeObjectId(330, owner_);
+    if (!ownerFirst && !(isBag && owner_.isNull())) filer->writeObjectId(330, owner_);
     const Acad::ErrorStatus status = dxfOutFields(filer);
     if (status != Acad::eOk) return status;
     if (extras_) extras_->extendedData.dxfOut(*filer);
@@ -243,7 +246,6 @@ Acad::ErrorStatus AcDbObject::dxfIn(AcDbDxfFiler* filer) {
         }
     }
     if (!otherLists.empty()) ObjectAccess::needExtras(*this).unknownLists = otherLists;
-    if (filer->filerStatus() == Acad::eEndOfFile) filer->resetFilerStatus();
     if (const Acad::ErrorStatus status = dxfInFields(filer); status != Acad::eOk) return status;
     resbuf* const data = filer->takeExtendedData();
     if (data == nullptr) return filer->filerStatus();

@@ -13,6 +13,9 @@ namespace {
 
 enum Flag : int16_t { kInvisible = 1, kConstant = 2, kVerifiable = 4, kPreset = 8 };
 
+// Of what the class files; its group comes again, behind the others, with another meaning.
+constexpr int16_t kVersion = 0;
+
 int16_t withFlag(int16_t flags, int16_t flag, bool on) {
     return static_cast<int16_t>(on ? flags | flag : flags & ~flag);
 }
@@ -107,6 +110,7 @@ Acad::ErrorStatus AcDbAttributeDefinition::dwgInFields(AcDbDwgFiler* filer) {
 Acad::ErrorStatus AcDbAttributeDefinition::dxfOutFields(AcDbDxfFiler* filer) const {
     dxfOutText(filer);
     filer->writeString(100, L"AcDbAttributeDefinition");
+    filer->writeInt16(280, kVersion);
     filer->writeString(3, prompt_);
     filer->writeString(2, tag_);
     filer->writeInt16(70, flags_);
@@ -229,6 +233,7 @@ Acad::ErrorStatus AcDbAttribute::dwgInFields(AcDbDwgFiler* filer) {
 Acad::ErrorStatus AcDbAttribute::dxfOutFields(AcDbDxfFiler* filer) const {
     dxfOutText(filer);
     filer->writeString(100, L"AcDbAttribute");
+    filer->writeInt16(280, kVersion);
     filer->writeString(2, tag_);
     filer->writeInt16(70, flags_);
     filer->writeInt16(73, static_cast<int16_t>(fieldLength_));

@@ -181,7 +181,15 @@ Acad::ErrorStatus AcDbDictionary::remove(const wchar_t* name) {
     if (const Acad::ErrorStatus status = getAt(name, id); status != Acad::eOk) return status;
     assertWriteEnabled();
     entries_->remove(name);
-    if (hard_) sg::model::eraseObject(id);
+    if (hard_) {
+        sg::model::eraseObject(id);
+        return Acad::eOk;
+    }
+    AcDbObject* object = nullptr;
+    if (acdbOpenAcDbObject(object, id, AcDb::kForWrite) == Acad::eOk) {
+        object->removePersistentReactor(objectId());
+        object->close();
+    }
     return Acad::eOk;
 }
 
@@ -266,7 +274,7 @@ Acad::ErrorStatus AcDbDictionary::dwgInFields(AcDbDwgFiler* filer) {
 Acad::ErrorStatus AcDbDictionary::dxfOutFields(AcDbDxfFiler* filer) const {
     AcDbObject::dxfOutFields(filer);
     filer->writeString(100, L"AcDbDictionary");
-    if (hard_) filer->writeBool(280, true);
+    if (hard_ || filer->filerType() == AcDb::kBagFiler) filer->writeBool(280, hard_);
     filer->writeInt16(281, static_cast<int16_t>(mergeStyle_));
     for (size_t at = entries_->nextFrom(0); at < entries_->list.size();
          at = entries_->nextFrom(at + 1)) {
@@ -284,6 +292,9 @@ Acad::ErrorStatus AcDbDictionary::dxfInFields(AcDbDxfFiler* filer) {
     std::wstring name;
     FieldReader fields(filer);
     while (fields.next()) {
+        // Programs put objects into a dictionary one by one.
+        const bool isEntry = fields.code() == 3 || fields.code() == 350 || fields.code() == 360;
+        if (isEntry && filer->filerType() == AcDb::kBagFiler) continue;
         switch (fields.code()) {
             case 280:
                 hard_ = fields.integer() != 0;

@@ -68,7 +68,7 @@ bool registerApplication(AcDbDatabase& database, const wchar_t* name) {
     return registered;
 }
 
-bool addRecord(AcDbDatabase& database, NamedIn table, const std::wstring& name) {
+AcDbObjectId addRecord(AcDbDatabase& database, NamedIn table, const std::wstring& name) {
     std::unique_ptr<AcDbSymbolTableRecord> record;
     if (table == NamedIn::layers) {
         auto layer = std::make_unique<AcDbLayerTableRecord>();
@@ -81,22 +81,17 @@ bool addRecord(AcDbDatabase& database, NamedIn table, const std::wstring& name) 
         style->setFileName(L"txt");
         record = std::move(style);
     } else {
-        return false;
+        return {};
     }
     AcDbSymbolTable* opened = nullptr;
+    AcDbObjectId id;
     if (record->setName(name.c_str()) != Acad::eOk ||
         acdbOpenObject(opened, tableOf(database, table), AcDb::kForWrite) != Acad::eOk) {
-        return false;
+        return {};
     }
-    const bool added = opened->add(record.get()) == Acad::eOk;
-    if (added) record.release()->close();
+    if (opened->add(id, record.get()) == Acad::eOk) record.release()->close();
     opened->close();
-    return added;
-}
-
-void setTrueColor(AcCmColor& color, int32_t rgb) {
-    color.setRGB(static_cast<uint8_t>(rgb >> 16), static_cast<uint8_t>(rgb >> 8),
-                 static_cast<uint8_t>(rgb));
+    return id;
 }
 
 }  // namespace sg::model

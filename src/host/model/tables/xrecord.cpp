@@ -91,7 +91,6 @@ Acad::ErrorStatus AcDbXrecord::dxfInFields(AcDbDxfFiler* filer) {
         }
         first = false;
     }
-    if (filer->filerStatus() == Acad::eEndOfFile) filer->resetFilerStatus();
     take(groups);
     return filer->filerStatus();
 }
