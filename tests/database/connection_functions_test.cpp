@@ -243,7 +243,7 @@ TEST_F(RepairTest, ARepairMayUseDatabasesItself) {
 // The program that is shipped on the support path.
 TEST_F(RepairTest, ADamagedFileIsCompactedAndKeptBesideTheNewOne) {
     stop();
-    options.supportPath = {fromUtf8((testSources().parent_path() / "support").string())};
+    options.supportPath = {fromUtf8((testSources().parent_path() / "share" / "support").string())};
     start();
     setFolder();
     constexpr size_t kPageSize = 4096, kDamagedPage = 2;  // the catalog's definition

@@ -105,6 +105,10 @@ Acad::ErrorStatus AcDbArc::extend(double parameter) {
     return Acad::eInvalidInput;
 }
 
+void AcDbArc::getEcs(AcGeMatrix3d& matrix) const {
+    matrix = AcGeMatrix3d::planeToWorld(normal_);
+}
+
 Acad::ErrorStatus AcDbArc::subTransformBy(const AcGeMatrix3d& transform) {
     assertWriteEnabled();
     const PlanarTransform change(normal_, transform);

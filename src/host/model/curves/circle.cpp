@@ -71,6 +71,10 @@ Acad::ErrorStatus AcDbCircle::getOffsetCurves(double distance, AcDbVoidPtrArray&
     return Acad::eOk;
 }
 
+void AcDbCircle::getEcs(AcGeMatrix3d& matrix) const {
+    matrix = AcGeMatrix3d::planeToWorld(normal_);
+}
+
 Acad::ErrorStatus AcDbCircle::subTransformBy(const AcGeMatrix3d& transform) {
     assertWriteEnabled();
     const PlanarTransform change(normal_, transform);
