@@ -18,6 +18,7 @@ namespace {
 struct Narrow {
     std::string program, saveAs, drawing, script, locale, memoryLimit, function;
     std::vector<std::string> expressions, folders, parameters;
+    std::string drawingFile, converted, release;
     std::string databaseFile, table, output, folder, sql, input, backup;
 };
 
@@ -80,6 +81,37 @@ void addDrawingOptions(CLI::App& command, Narrow& narrow) {
         ->type_name("IN");
     command.add_option("--input", narrow.script, "A script that answers prompts and boxes")
         ->type_name("SCRIPT");
+}
+
+void addDrawingFile(CLI::App& command, Narrow& narrow) {
+    command.add_option("FILE", narrow.drawingFile, "The drawing: a .dxf file")
+        ->type_name("")
+        ->required();
+}
+
+CLI::App* addConvert(CLI::App& app, Narrow& narrow, Arguments& arguments) {
+    CLI::App* const command = app.add_subcommand("convert", "Write a drawing as another file");
+    addDrawingFile(*command, narrow);
+    command->add_option("OUT", narrow.converted, "The file to write: a .dxf file")
+        ->type_name("")
+        ->required();
+    command
+        ->add_option("--release", narrow.release,
+                     "The release of OUT: 2000, 2007, 2013 or 2018 [that of FILE, or the next one "
+                     "of these]")
+        ->type_name("RELEASE")
+        ->check(CLI::IsMember({"2000", "2007", "2013", "2018"}));
+    command->add_flag("--binary", arguments.drawingFile.isBinary, "Write a binary file");
+    command->add_flag("--flatten", arguments.drawingFile.isFlat,
+                      "Write custom entities as plain ones, for programs that do not know them");
+    return command;
+}
+
+CLI::App* addInfo(CLI::App& app, Narrow& narrow) {
+    CLI::App* const command = app.add_subcommand(
+        "info", "Print what a drawing holds: release, extents, layers, entities");
+    addDrawingFile(*command, narrow);
+    return command;
 }
 
 CLI::App* addDatabaseCommand(CLI::App& db, Narrow& narrow, DatabaseArguments& arguments,
@@ -220,6 +252,10 @@ void widen(const Narrow& narrow, Arguments& arguments) {
     arguments.script = fromUtf8(narrow.script);
     arguments.locale = fromUtf8(narrow.locale);
     arguments.function = fromUtf8(narrow.function);
+    arguments.drawingFile.file = fromUtf8(narrow.drawingFile);
+    arguments.drawingFile.output = fromUtf8(narrow.converted);
+    arguments.drawingFile.release = fromUtf8(narrow.release);
+    if (arguments.drawingFile.isFlat) arguments.drawing = arguments.drawingFile.file;
     arguments.database.file = fromUtf8(narrow.databaseFile);
     arguments.database.table = fromUtf8(narrow.table);
     arguments.database.output = fromUtf8(narrow.output);
@@ -283,6 +319,8 @@ ParsedArguments parseArguments(int count, char** words) {
     addDrawingOptions(*repl, narrow);
     addHostOptions(*repl, narrow, arguments);
 
+    CLI::App* const convert = addConvert(app, narrow, arguments);
+    CLI::App* const info = addInfo(app, narrow);
     CLI::App* const db = addDatabaseCommands(app, narrow, arguments.database);
 
     CLI::App* const help = app.add_subcommand("help", "Explain a function, or list them all");
@@ -298,7 +336,7 @@ ParsedArguments parseArguments(int count, char** words) {
     try {
         app.parse(static_cast<int>(separator - words), words);
         if (app.get_subcommands().empty()) {
-            throw CLI::RequiredError("A command: run, repl, db or help");
+            throw CLI::RequiredError("A command: run, repl, convert, info, db or help");
         }
         if (run->parsed() && narrow.program.empty() && narrow.expressions.empty()) {
             throw CLI::RequiredError("A PROGRAM or an --eval expression");
@@ -315,10 +353,12 @@ ParsedArguments parseArguments(int count, char** words) {
         return {std::nullopt, app.exit(error) == 0 ? kDone : kWrongUsage};
     }
 
-    arguments.command = run->parsed()    ? Arguments::Command::Run
-                        : repl->parsed() ? Arguments::Command::Repl
-                        : db->parsed()   ? Arguments::Command::Db
-                                         : Arguments::Command::Help;
+    arguments.command = run->parsed()       ? Arguments::Command::Run
+                        : repl->parsed()    ? Arguments::Command::Repl
+                        : convert->parsed() ? Arguments::Command::Convert
+                        : info->parsed()    ? Arguments::Command::Info
+                        : db->parsed()      ? Arguments::Command::Db
+                                            : Arguments::Command::Help;
     widen(narrow, arguments);
     for (char** word = separator; word != end && ++word != end;) {
         arguments.programArguments.push_back(fromUtf8(*word));

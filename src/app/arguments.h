@@ -33,9 +33,18 @@ struct DatabaseArguments {
     std::wstring backup;  // empty: as compact sees fit
 };
 
+// The words behind convert and info.
+struct DrawingArguments {
+    std::wstring file;
+    std::wstring output;   // of convert
+    std::wstring release;  // of convert; empty: that of the file
+    bool isBinary = false;
+    bool isFlat = false;  // without custom entities
+};
+
 // The command line of the process, taken apart.
 struct Arguments {
-    enum class Command { Run, Repl, Help, Db };
+    enum class Command { Run, Repl, Help, Convert, Info, Db };
     Command command = Command::Run;
 
     std::wstring program;                   // of run; "-" is standard input, empty is none
@@ -54,6 +63,7 @@ struct Arguments {
     std::wstring function;  // of help; empty: the overview
     bool missing = false;
 
+    DrawingArguments drawingFile;
     DatabaseArguments database;
 };
 

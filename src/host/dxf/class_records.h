@@ -28,7 +28,8 @@ class ClassRecords {
         int32_t count = 0;
     };
     std::map<std::wstring, Use> usedClasses() const;
-    void writeKept(GroupOutput& output, const model::FileOrigin::ClassRecord& record, int32_t count);
+    void writeKept(GroupOutput& output, const model::FileOrigin::ClassRecord& record,
+                   int32_t count);
     void writeNew(GroupOutput& output, const std::wstring& dxfName, const Use& use);
 
     model::DatabaseState& state_;

@@ -198,8 +198,7 @@ void DrawingReader::beginBlock(ScannedObject& scanned) {
         return;
     }
     const size_t position = scanned.position;
-    AcDbObject* const begin =
-        loader_.loadAs(scanned, std::make_unique<AcDbBlockBegin>(), block_);
+    AcDbObject* const begin = loader_.loadAs(scanned, std::make_unique<AcDbBlockBegin>(), block_);
     if (begin == nullptr) return;
     ObjectAccess::contents(*block).begin = begin->objectId();
     loader_.checkLater(begin->objectId(), position);
@@ -330,8 +329,9 @@ void DrawingReader::keepSections() {
 void DrawingReader::reportDangling() {
     for (const Handles::Awaited& awaited : reading_.handles.awaited()) {
         if (awaited.id.isResident()) continue;
-        reading_.report.warn(reading_.reader.positionOf(awaited.group), L"handle " + awaited.id.handle().text() +
-                                                L" is that of no object in the file");
+        reading_.report.warn(
+            reading_.reader.positionOf(awaited.group),
+            L"handle " + awaited.id.handle().text() + L" is that of no object in the file");
     }
 }
 

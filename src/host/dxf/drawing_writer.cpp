@@ -26,7 +26,7 @@ constexpr std::array<std::string_view, 6> kSections = {"HEADER", "CLASSES",  "TA
 
 struct Table {
     std::string_view name;
-    AcDbObjectId model::DatabaseRoots::* root;
+    AcDbObjectId model::DatabaseRoots::*root;
 };
 constexpr Table kTables[] = {
     {"VPORT", &model::DatabaseRoots::viewportTable},

@@ -37,14 +37,14 @@ AcDbObjectId EntityReader::spaceOf(const ScannedObject& scanned) {
 bool EntityReader::takePart(ScannedObject& scanned) {
     const bool isEnd = scanned.is("SEQEND");
     const size_t position = scanned.position;
-    AcDbObject* const part =
-        loader_.load(scanned, ObjectLoader::Role::entity, whole_->objectId());
+    AcDbObject* const part = loader_.load(scanned, ObjectLoader::Role::entity, whole_->objectId());
     if (part != nullptr) {
         if (ObjectAccess::adoptPart(*whole_, part->objectId())) {
             loader_.checkLater(part->objectId(), position);
         } else {
-            reading_.report.warn(position, fromUtf8(scanned.name()) +
-                                               L" does not belong to what it follows and is left out");
+            reading_.report.warn(
+                position,
+                fromUtf8(scanned.name()) + L" does not belong to what it follows and is left out");
             model::eraseObject(part->objectId());
         }
     }
@@ -64,8 +64,8 @@ void EntityReader::take(ScannedObject& scanned, AcDbObjectId block) {
             takePart(scanned);
             return;
         }
-        reading_.report.warn(scanned.position, fromUtf8(scanned.name()) +
-                                                   L" without what it belongs to is left out");
+        reading_.report.warn(scanned.position,
+                             fromUtf8(scanned.name()) + L" without what it belongs to is left out");
         return;
     }
     end(scanned.position);

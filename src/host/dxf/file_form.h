@@ -42,8 +42,8 @@ class ComparingSink {
 
   private:
     bool expect(int code, ValueKind kind) {
-        same_ = same_ && at_ < groups_.size() && groups_[at_].code == code &&
-                groups_[at_].kind == kind;
+        same_ =
+            same_ && at_ < groups_.size() && groups_[at_].code == code && groups_[at_].kind == kind;
         return same_;
     }
 

@@ -16,8 +16,8 @@ namespace sg::dxf {
 // True for what begins like one.
 SG_API bool isDrawing(std::string_view start);
 
-// Fills an empty database with what a file's content holds; `file` names it in messages. Answers the
-// warnings, a line a place. Throws Error for what is no drawing, and what it cannot go on from.
+// Fills an empty database with what a file's content holds; `file` names it in messages. Answers
+// the warnings, a line a place. Throws Error for what is no drawing, and what it cannot go on from.
 SG_API std::vector<std::wstring> read(AcDbDatabase& database, std::string_view content,
                                       const std::wstring& file);
 

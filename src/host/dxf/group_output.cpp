@@ -80,9 +80,8 @@ void GroupOutput::putString(std::string_view bytes) {
 
 void GroupOutput::text(int code, std::wstring_view text) {
     putCode(code);
-    const bool isPlain = std::all_of(text.begin(), text.end(), [](wchar_t c) {
-        return c >= 0x20 && c < 0x80 && c != L'^';
-    });
+    const bool isPlain = std::all_of(text.begin(), text.end(),
+                                     [](wchar_t c) { return c >= 0x20 && c < 0x80 && c != L'^'; });
     if (!isPlain) {
         std::string bytes;
         codec_.encode(text, bytes);

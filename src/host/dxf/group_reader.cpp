@@ -231,8 +231,8 @@ bool GroupReader::readBinaryValue(Group& group) {
             return true;
         }
         default: {
-            const auto* const stop = static_cast<const char*>(
-                std::memchr(at_, '\0', static_cast<size_t>(end_ - at_)));
+            const auto* const stop =
+                static_cast<const char*>(std::memchr(at_, '\0', static_cast<size_t>(end_ - at_)));
             if (stop == nullptr) break;
             group.text = {at_, static_cast<size_t>(stop - at_)};
             at_ = stop + 1;
@@ -267,9 +267,12 @@ bool GroupReader::recover() {
         const char* const value = at_;
         const std::string_view name = trimmed(takeLine());
         const bool isName =
-            name.size() >= 2 && std::all_of(name.begin(), name.end(), [](char c) {
-                return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-            }) && std::any_of(name.begin(), name.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
+            name.size() >= 2 &&
+            std::all_of(name.begin(), name.end(),
+                        [](char c) {
+                            return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+                        }) &&
+            std::any_of(name.begin(), name.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
         if (isName) {
             at_ = line;
             return true;

@@ -97,8 +97,8 @@ class HeaderOutput {
     void writeOthers() {
         for (const FileOrigin::Variable& variable : origin_.variables) {
             const bool isCustom = variable.name.starts_with("$CUSTOMPROPERTY");
-            const bool isKept = isCustom ? release_.number >= AcDb::kDHL_1018
-                                         : origin_.release < release_.number;
+            const bool isKept =
+                isCustom ? release_.number >= AcDb::kDHL_1018 : origin_.release < release_.number;
             const bool isFixed = variable.name == "$ACADVER" || variable.name == "$DWGCODEPAGE" ||
                                  variable.name == "$HANDSEED" || variable.name == "$ACADMAINTVER";
             if (!variable.isKnown && isKept && !isFixed) writeGroups(variable);

@@ -87,8 +87,9 @@ void takeVersion(Reading& reading, size_t position, std::string_view version) {
     if (release == nullptr) {
         const bool isOld = version < "AC1009";
         release = &releaseOf(isOld ? AcDb::kDHL_1009 : AcDb::kDHL_CURRENT);
-        reading.report.warn(position, L"\"" + fromUtf8(version) + L"\" is no known release; it is " +
-                                          L"read as release " + fromUtf8(release->name));
+        reading.report.warn(position, L"\"" + fromUtf8(version) +
+                                          L"\" is no known release; it is " + L"read as release " +
+                                          fromUtf8(release->name));
     }
     reading.release = release->number;
     reading.origin->release = static_cast<int16_t>(release->number);
@@ -99,14 +100,15 @@ void takeVersion(Reading& reading, size_t position, std::string_view version) {
 
 void readVersion(Reading& reading, size_t position) {
     std::string codePage = "ANSI_1252";
-    forEachVariable(reading, position, [&](std::string_view name, const std::vector<Group>& groups) {
-        if (groups.empty()) return;
-        if (name == "$ACADVER") takeVersion(reading, position, groups.front().text);
-        if (name == "$DWGCODEPAGE") codePage = groups.front().text;
-        if (name == kSeed && groups.front().kind == ValueKind::handle) {
-            reading.seed = groups.front().handle;
-        }
-    });
+    forEachVariable(reading, position,
+                    [&](std::string_view name, const std::vector<Group>& groups) {
+                        if (groups.empty()) return;
+                        if (name == "$ACADVER") takeVersion(reading, position, groups.front().text);
+                        if (name == "$DWGCODEPAGE") codePage = groups.front().text;
+                        if (name == kSeed && groups.front().kind == ValueKind::handle) {
+                            reading.seed = groups.front().handle;
+                        }
+                    });
     if (!TextCodec::isKnown(codePage)) {
         reading.report.warn(position, L"\"" + fromUtf8(codePage) +
                                           L"\" is no known code page; texts are read in ANSI_1252");
@@ -117,22 +119,24 @@ void readVersion(Reading& reading, size_t position) {
 
 void readHeader(Reading& reading, size_t position) {
     model::HeaderVariables& header = reading.state.changeHeader();
-    forEachVariable(reading, position, [&](std::string_view name, const std::vector<Group>& groups) {
-        model::FileOrigin::Variable variable;
-        variable.name = name;
-        for (const Group& group : groups) {
-            appendGroup(variable.groups, group, reading.codec, reading.handles);
-        }
-        const auto place = name.empty() ? std::nullopt
-                                        : model::HeaderVariables::find(fromUtf8(name.substr(1)));
-        if (place && !groups.empty()) {
-            variable.value = valueOf(reading, model::headerRows()[*place], groups);
-            variable.place = *place;
-            variable.isKnown = true;
-            header.set(*place, variable.value);
-        }
-        reading.origin->variables.push_back(std::move(variable));
-    });
+    forEachVariable(
+        reading, position, [&](std::string_view name, const std::vector<Group>& groups) {
+            model::FileOrigin::Variable variable;
+            variable.name = name;
+            for (const Group& group : groups) {
+                appendGroup(variable.groups, group, reading.codec, reading.handles);
+            }
+            const auto place = name.empty()
+                                   ? std::nullopt
+                                   : model::HeaderVariables::find(fromUtf8(name.substr(1)));
+            if (place && !groups.empty()) {
+                variable.value = valueOf(reading, model::headerRows()[*place], groups);
+                variable.place = *place;
+                variable.isKnown = true;
+                header.set(*place, variable.value);
+            }
+            reading.origin->variables.push_back(std::move(variable));
+        });
 }
 
 }  // namespace sg::dxf

@@ -140,7 +140,7 @@ size_t ObjectFiler::setValue(resbuf& node, size_t at, std::span<const Group> gro
 
 Acad::ErrorStatus ObjectFiler::readItem(resbuf* group) {
     if (status_ != Acad::eOk) return status_;
-    if (at_ == classData_.size()) return status_ = Acad::eEndOfFile;
+    if (at_ == classData_.size()) return Acad::eEndOfFile;
     before_ = at_;
     at_ = setValue(*group, at_, classData_);
     return Acad::eOk;
@@ -152,7 +152,6 @@ Acad::ErrorStatus ObjectFiler::pushBackItem() {
 }
 
 bool ObjectFiler::atSubclassData(const wchar_t* name) {
-    if (status_ == Acad::eEndOfFile) status_ = Acad::eOk;
     if (status_ != Acad::eOk) return false;
     if (!hasMarkers_) {
         at_ = 0;
@@ -207,7 +206,6 @@ bool isCommon(int code) {
 }  // namespace
 
 void ObjectFiler::readRest(model::GroupData& groups) {
-    if (status_ == Acad::eEndOfFile) status_ = Acad::eOk;
     const size_t from = hasMarkers_ ? at_ : 0;
     bool inList = false;
     for (const Group& group : all_.subspan(from)) {

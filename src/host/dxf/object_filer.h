@@ -35,9 +35,7 @@ class ObjectFiler final : public AcDbDxfFiler, public model::FileGroupsAccess {
     bool atSubclassData(const wchar_t* name) override;
     bool atEndOfObject() override { return at_ == classData_.size(); }
     resbuf* takeExtendedData() override;
-    AcDbObjectId objectId(const ads_name name) const override {
-        return model::idOfName(name);
-    }
+    AcDbObjectId objectId(const ads_name name) const override { return model::idOfName(name); }
     Acad::ErrorStatus setError(Acad::ErrorStatus status, const std::wstring& text) override {
         message_ = text;
         return status_ = status;

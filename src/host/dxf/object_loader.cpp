@@ -151,7 +151,8 @@ bool ObjectLoader::dropMalformed(ScannedObject& scanned, Role role) {
                         (isHandle ? L" is not a handle: \"" : L" is not a number: \"") +
                         reading_.text(*bad) + L"\"; ";
     const bool isLost = role == Role::entity && !isHandle;
-    reading_.report.warn(at, text + (isLost ? L"the entity is left out" : L"the group is left out"));
+    reading_.report.warn(at,
+                         text + (isLost ? L"the entity is left out" : L"the group is left out"));
     if (isLost) return false;
     std::erase_if(scanned.groups, isBad);
     return true;
@@ -202,8 +203,7 @@ std::unique_ptr<AcDbObject> ObjectLoader::make(ScannedObject& scanned, Role role
         made.release();
         return std::unique_ptr<AcDbObject>(object);
     }
-    reading_.report.warn(scanned.position,
-                         nameOf(scanned) + L" is kept as it is: " + error);
+    reading_.report.warn(scanned.position, nameOf(scanned) + L" is kept as it is: " + error);
     return makeProxy(scanned, role);
 }
 

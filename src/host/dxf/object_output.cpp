@@ -24,8 +24,10 @@ struct CodeSince {
 
 // What older releases do not have of every entity, and of layers.
 constexpr CodeSince kCodes[] = {
-    {"AcDbEntity", 420, 449, AcDb::kDHL_1018}, {"AcDbEntity", 347, 348, AcDb::kDHL_1021},
-    {"AcDbEntity", 284, 284, AcDb::kDHL_1021}, {"AcDbEntity", 160, 160, AcDb::kDHL_1024},
+    {"AcDbEntity", 420, 449, AcDb::kDHL_1018},
+    {"AcDbEntity", 347, 348, AcDb::kDHL_1021},
+    {"AcDbEntity", 284, 284, AcDb::kDHL_1021},
+    {"AcDbEntity", 160, 160, AcDb::kDHL_1024},
     {"AcDbLayerTableRecord", 420, 449, AcDb::kDHL_1018},
     {"AcDbLayerTableRecord", 347, 348, AcDb::kDHL_1021},
 };

@@ -11,8 +11,10 @@ constexpr auto kRelease13 = static_cast<AcDb::AcDbDwgVersion>(19);
 constexpr auto kRelease14 = static_cast<AcDb::AcDbDwgVersion>(21);
 
 constexpr std::array kReleases = {
-    Release{AcDb::kDHL_1009, "12", "AC1009", false}, Release{kRelease13, "13", "AC1012", false},
-    Release{kRelease14, "14", "AC1014", false},      Release{AcDb::kDHL_1015, "2000", "AC1015", true},
+    Release{AcDb::kDHL_1009, "12", "AC1009", false},
+    Release{kRelease13, "13", "AC1012", false},
+    Release{kRelease14, "14", "AC1014", false},
+    Release{AcDb::kDHL_1015, "2000", "AC1015", true},
     Release{AcDb::kDHL_1018, "2004", "AC1018", false},
     Release{AcDb::kDHL_1021, "2007", "AC1021", true},
     Release{AcDb::kDHL_1024, "2010", "AC1024", false},

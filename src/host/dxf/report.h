@@ -8,11 +8,12 @@
 
 namespace sg::dxf {
 
-// What is said of a file while it is read: a line a place, "plan.dxf:1204: ...". In binary files the
-// number is that of a byte.
+// What is said of a file while it is read: a line a place, "plan.dxf:1204: ...". In binary files
+// the number is that of a byte.
 class Report {
   public:
-    Report(std::wstring file, const GroupReader& reader) : file_(std::move(file)), reader_(reader) {}
+    Report(std::wstring file, const GroupReader& reader)
+        : file_(std::move(file)), reader_(reader) {}
 
     void warn(size_t position, const std::wstring& text) {
         warnings_.push_back(at(position) + text);

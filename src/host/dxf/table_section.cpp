@@ -18,7 +18,7 @@ using model::ObjectAccess;
 
 struct KnownTable {
     std::string_view name;
-    AcDbObjectId DatabaseRoots::* root;
+    AcDbObjectId DatabaseRoots::*root;
     std::unique_ptr<AcDbObject> (*make)();
 };
 

@@ -24,11 +24,10 @@ struct PageName {
     std::string_view drawing, library;
 };
 constexpr PageName kNames[] = {
-    {"ANSI_932", "CP932"},   {"ANSI_936", "GBK"},      {"ANSI_949", "CP949"},
-    {"ANSI_950", "BIG5"},    {"ANSI_1361", "JOHAB"},   {"DOS932", "CP932"},
-    {"JOHAB", "JOHAB"},      {"GB2312", "GB2312"},     {"BIG5", "BIG5"},
-    {"KSC5601", "CP949"},    {"MACINTOSH", "MACINTOSH"}, {"ASCII", "CP1252"},
-    {"UTF-8", "UTF-8"},      {"UTF8", "UTF-8"},
+    {"ANSI_932", "CP932"},  {"ANSI_936", "GBK"},  {"ANSI_949", "CP949"},      {"ANSI_950", "BIG5"},
+    {"ANSI_1361", "JOHAB"}, {"DOS932", "CP932"},  {"JOHAB", "JOHAB"},         {"GB2312", "GB2312"},
+    {"BIG5", "BIG5"},       {"KSC5601", "CP949"}, {"MACINTOSH", "MACINTOSH"}, {"ASCII", "CP1252"},
+    {"UTF-8", "UTF-8"},     {"UTF8", "UTF-8"},
 };
 
 // The C library's name for a code page of drawings; empty for an unknown one.
@@ -38,10 +37,9 @@ std::string libraryName(std::string_view page) {
         if (known.drawing == name) return std::string(known.library);
     }
     const auto digits = [&](size_t from) {
-        return name.size() > from && std::all_of(name.begin() + static_cast<ptrdiff_t>(from),
-                                                 name.end(), [](char c) {
-                                                     return c >= '0' && c <= '9';
-                                                 });
+        return name.size() > from &&
+               std::all_of(name.begin() + static_cast<ptrdiff_t>(from), name.end(),
+                           [](char c) { return c >= '0' && c <= '9'; });
     };
     if (name.starts_with("ANSI_") && digits(5)) return "CP" + name.substr(5);
     if (name.starts_with("DOS") && digits(3)) return "CP" + name.substr(3);
@@ -155,8 +153,8 @@ bool isLowSurrogate(wchar_t c) {
 // Appends a character that an escape stood for; two halves of one come together.
 void appendEscaped(std::wstring& text, wchar_t character) {
     if (isLowSurrogate(character) && !text.empty() && isHighSurrogate(text.back())) {
-        text.back() = static_cast<wchar_t>(0x10000 + ((text.back() - 0xD800) << 10) +
-                                           (character - 0xDC00));
+        text.back() =
+            static_cast<wchar_t>(0x10000 + ((text.back() - 0xD800) << 10) + (character - 0xDC00));
     } else {
         text += character;
     }

@@ -37,8 +37,7 @@ class DxfTest : public HostTest {
     static std::string written(const AcDbDatabase& database, const char* release = nullptr,
                                bool isBinary = false) {
         std::string content;
-        const dxf::Release* const asked =
-            release == nullptr ? nullptr : dxf::releaseNamed(release);
+        const dxf::Release* const asked = release == nullptr ? nullptr : dxf::releaseNamed(release);
         EXPECT_TRUE(dxf::write(database, {asked, isBinary}, [&](std::string_view bytes) {
             content += bytes;
             return true;

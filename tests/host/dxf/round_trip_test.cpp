@@ -65,9 +65,8 @@ std::string shown(const Groups& groups, size_t at) {
 std::vector<std::string> differences(const std::string& before, const std::string& after,
                                      bool isUtf8) {
     const Groups a(before), b(after);
-    const auto page = std::find_if(a.list.begin(), a.list.end(), [](const Group& group) {
-        return group.is(9, "$DWGCODEPAGE");
-    });
+    const auto page = std::find_if(a.list.begin(), a.list.end(),
+                                   [](const Group& group) { return group.is(9, "$DWGCODEPAGE"); });
     const dxf::TextCodec codec(page == a.list.end() ? "ANSI_1252" : page[1].text, isUtf8);
     std::vector<std::string> found;
     size_t i = 0, j = 0;
@@ -109,7 +108,8 @@ TEST_F(RoundTripTest, InItsOwnReleaseAFileComesOutAsItWas) {
         for (const std::wstring& warning : warnings)
             std::printf("%s %s\n", file.filename().c_str(), toUtf8(warning).c_str());
         const std::string after = written(database);
-        if (const char* out = std::getenv("DXF_OUT")) std::ofstream(std::filesystem::path(out)/file.filename(), std::ios::binary) << after;
+        if (const char* out = std::getenv("DXF_OUT"))
+            std::ofstream(std::filesystem::path(out) / file.filename(), std::ios::binary) << after;
         const bool isUtf8 = dxf::ownRelease(database).number >= AcDb::kDHL_1021;
         for (const std::string& difference : differences(before, after, isUtf8))
             ADD_FAILURE() << file.filename() << " " << difference;

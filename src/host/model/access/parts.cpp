@@ -12,8 +12,7 @@ namespace {
 
 bool isVertexOf(const AcDbEntity& whole, const AcDbEntity& part) {
     if (AcDb2dPolyline::cast(&whole) != nullptr) return AcDb2dVertex::cast(&part) != nullptr;
-    return AcDb3dPolyline::cast(&whole) != nullptr &&
-           AcDb3dPolylineVertex::cast(&part) != nullptr;
+    return AcDb3dPolyline::cast(&whole) != nullptr && AcDb3dPolylineVertex::cast(&part) != nullptr;
 }
 
 }  // namespace

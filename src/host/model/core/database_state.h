@@ -77,7 +77,7 @@ class SG_API DatabaseState {
     DatabaseRoots roots;
     std::wstring filename;
     std::unique_ptr<FileOrigin> origin;  // null for a drawing that no file has brought
-    std::vector<AcDbObjectId> proxies;  // ids that proxies have, or had
+    std::vector<AcDbObjectId> proxies;   // ids that proxies have, or had
 
   private:
     Acad::ErrorStatus take(AcDbObject& object, uint64_t handle);

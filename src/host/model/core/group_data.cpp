@@ -120,8 +120,8 @@ bool GroupData::append(const resbuf& group) {
             return true;
         }
         case RTREAL:
-            appendReal(code, isAngleGroup(code) ? toFileDegrees(group.resval.rreal)
-                                                : group.resval.rreal);
+            appendReal(code,
+                       isAngleGroup(code) ? toFileDegrees(group.resval.rreal) : group.resval.rreal);
             return true;
         case RT3DPOINT:
             putHead(code, Kind::point);
@@ -195,7 +195,8 @@ resbuf* GroupData::toList() const {
         *tail = acutNewRb(group.code);
         if (*tail == nullptr) break;
         setValue(**tail, group);
-        const bool starts = group.kind == Kind::real && acdbGroupCodeToType(group.code) == RT3DPOINT;
+        const bool starts =
+            group.kind == Kind::real && acdbGroupCodeToType(group.code) == RT3DPOINT;
         point = starts ? *tail : nullptr;
         tail = &(*tail)->rbnext;
     }

@@ -33,9 +33,7 @@ class SG_API GroupData {
     void appendReal(int code, double value) { appendValue(code, Kind::real, value); }
     void appendWhole(int code, int64_t value) { appendValue(code, Kind::whole, value); }
     void appendHandle(int code, uint64_t value) { appendValue(code, Kind::handle, value); }
-    void appendObject(int code, AcDbObjectId id) {
-        appendValue(code, Kind::object, id.asOldId());
-    }
+    void appendObject(int code, AcDbObjectId id) { appendValue(code, Kind::object, id.asOldId()); }
     void append(const GroupData& more) {
         bytes_.insert(bytes_.end(), more.bytes_.begin(), more.bytes_.end());
     }

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "host/model/core/group_data.h"
 #include "host/model/core/database_table.h"
+#include "host/model/core/group_data.h"
 #include "platform/db/filers.h"
 #include "platform/db/handle.h"
 
@@ -128,8 +128,8 @@ Acad::ErrorStatus GroupWriter<Sink>::writeItem(const resbuf& group) {
             const wchar_t* const text =
                 group.resval.rstring != nullptr ? group.resval.rstring : L"";
             const bool isBinary = (code >= 310 && code <= 319) || code == 1004;
-            const bool isHandle = code == 5 || code == 105 || code == 1005 ||
-                                  (code >= 320 && code <= 329);
+            const bool isHandle =
+                code == 5 || code == 105 || code == 1005 || (code >= 320 && code <= 329);
             if (isBinary) {
                 sink_.binary(code, fromHexDigits(text));
             } else if (isHandle) {

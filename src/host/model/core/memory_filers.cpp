@@ -155,7 +155,8 @@ AcDbHandle TranslatingReader::translated(AcDbHandle handle) const {
     return pair == nullptr ? handle : pair->value.handle();
 }
 
-// ---- References -----------------------------------------------------------------------------------
+// ---- References
+// -----------------------------------------------------------------------------------
 
 void writeReference(AcDbDwgFiler& filer, Reference kind, AcDbObjectId id) {
     switch (kind) {

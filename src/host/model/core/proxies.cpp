@@ -221,8 +221,8 @@ bool revive(DatabaseState& state, AcDbObjectId id) {
     if (descriptor == nullptr || ObjectAccess::isOpen(*object)) return false;
     const auto* const entity = AcDbProxyEntity::cast(object);
     const bool isFiled = !data->bytes.empty() || data->groups.empty();
-    std::unique_ptr<AcDbObject> original =
-        isFiled ? makeObject(*descriptor, fileOriginal(*object)) : makeFromGroups(*descriptor, *object);
+    std::unique_ptr<AcDbObject> original = isFiled ? makeObject(*descriptor, fileOriginal(*object))
+                                                   : makeFromGroups(*descriptor, *object);
     if (original == nullptr || proxyData(*original) != nullptr) return false;
     AcDbEntity* const revived = AcDbEntity::cast(original.get());
     if (entity != nullptr && revived != nullptr &&

@@ -39,7 +39,6 @@ void readGroups(AcDbDxfFiler& filer, ProxyData& data) {
     resbuf group{};
     while (filer.readItem(&group) == Acad::eOk)
         data.groups.append(group);
-    if (filer.filerStatus() == Acad::eEndOfFile) filer.resetFilerStatus();
 }
 
 }  // namespace
