@@ -10,6 +10,7 @@
 #include "host/model/curves/point.h"
 #include "host/model/entities/hatch.h"
 #include "host/model/entities/shown_block.h"
+#include "host/model/tables/header_variables.h"
 #include "host/render/entity_geometry.h"
 #include "host/render/kept_graphics.h"
 #include "platform/db/attribute.h"
@@ -52,8 +53,7 @@ PatternRun patternRunOf(const AcDbEntity& entity, Kind kind) {
         case Kind::polyline:
             return patternRun(static_cast<const AcDbPolyline&>(entity).hasPlinegen());
         case Kind::polyline2d:
-            return patternRun(
-                static_cast<const AcDb2dPolyline&>(entity).isLinetypeGenerationOn());
+            return patternRun(static_cast<const AcDb2dPolyline&>(entity).isLinetypeGenerationOn());
         case Kind::text:
         case Kind::attribute:
         case Kind::hatch:
@@ -189,10 +189,9 @@ void EntityDraw::Geometry::measureBox(const AcDbEntity& entity) {
     const AcGeMatrix3d matrix = getModelToWorldTransform();
     std::vector<AcGePoint3d> corners;
     for (int corner = 0; corner < 8; ++corner) {
-        corners.push_back(matrix *
-                          AcGePoint3d((corner & 1 ? box.maxPoint() : box.minPoint()).x,
-                                      (corner & 2 ? box.maxPoint() : box.minPoint()).y,
-                                      (corner & 4 ? box.maxPoint() : box.minPoint()).z));
+        corners.push_back(matrix * AcGePoint3d((corner & 1 ? box.maxPoint() : box.minPoint()).x,
+                                               (corner & 2 ? box.maxPoint() : box.minPoint()).y,
+                                               (corner & 4 ? box.maxPoint() : box.minPoint()).z));
     }
     canvas_.line(traits().look(), corners, false, PatternRun::none);
 }

@@ -10,11 +10,11 @@
 namespace sg::render {
 namespace {
 
-constexpr double kDeviation = 0.1;           // of chords, in pixels
-constexpr double kMeasuringDeviation = 1e-3; // of a circle's radius
+constexpr double kDeviation = 0.1;            // of chords, in pixels
+constexpr double kMeasuringDeviation = 1e-3;  // of a circle's radius
 constexpr double kMostChords = 20000;
-constexpr double kSmallestText = 1.5;        // pixels; the letters of a smaller one are a stroke
-constexpr double kLeastRise = 0.25;          // pixels; less thickness does not show
+constexpr double kSmallestText = 1.5;  // pixels; the letters of a smaller one are a stroke
+constexpr double kLeastRise = 0.25;    // pixels; less thickness does not show
 
 std::vector<AcGePoint3d> raised(std::span<const AcGePoint3d> points, const AcGeVector3d& rise) {
     std::vector<AcGePoint3d> upper;
@@ -132,8 +132,8 @@ std::vector<AcGePoint3d> EntityDraw::Geometry::arcPoints(const AcGePoint3d& cent
     const double share = std::clamp(
         unit > 0 && largest > 0 ? kDeviation * unit / largest : kMeasuringDeviation, 1e-9, 0.5);
     const double step = 2 * std::acos(1 - share);
-    const auto chords = static_cast<size_t>(
-        std::clamp(std::ceil(std::abs(sweep) / step), 1.0, kMostChords));
+    const auto chords =
+        static_cast<size_t>(std::clamp(std::ceil(std::abs(sweep) / step), 1.0, kMostChords));
     std::vector<AcGePoint3d> points;
     points.reserve(chords + 1);
     const AcGePoint3d middle = matrix * center;
@@ -201,8 +201,7 @@ void EntityDraw::Geometry::areaWithThickness(std::span<const AcGePoint3d> points
     fillOrOutline(points, counts);
     const double thickness = traits().thickness();
     if (thickness == 0) return;
-    const AcGeVector3d rise =
-        normal * (thickness * getModelToWorldTransform().scale());
+    const AcGeVector3d rise = normal * (thickness * getModelToWorldTransform().scale());
     if (canvas_.shownLength(rise) < (canvas_.isMeasuring() ? 0 : kLeastRise)) return;
     const std::vector<AcGePoint3d> upper = raised(points, rise);
     fillOrOutline(upper, counts);
@@ -268,10 +267,11 @@ void EntityDraw::Geometry::measureText(const AcGeMatrix3d& toWorld, const std::w
     if (box.isEmpty()) return;
     const double x = style.backward ? -1 : 1;
     const double y = style.upsideDown ? -1 : 1;
-    const std::array<AcGePoint3d, 4> corners = {toWorld * AcGePoint3d(box.left * x, box.bottom * y, 0),
-                                                toWorld * AcGePoint3d(box.right * x, box.bottom * y, 0),
-                                                toWorld * AcGePoint3d(box.right * x, box.top * y, 0),
-                                                toWorld * AcGePoint3d(box.left * x, box.top * y, 0)};
+    const std::array<AcGePoint3d, 4> corners = {
+        toWorld * AcGePoint3d(box.left * x, box.bottom * y, 0),
+        toWorld * AcGePoint3d(box.right * x, box.bottom * y, 0),
+        toWorld * AcGePoint3d(box.right * x, box.top * y, 0),
+        toWorld * AcGePoint3d(box.left * x, box.top * y, 0)};
     canvas_.line(traits().look(), corners, false, PatternRun::none);
 }
 

@@ -44,9 +44,7 @@ class EntityDraw::Traits final : public AcGiSubEntityTraits {
     void setLineType(AcDbObjectId linetype) override {
         change(state_.properties.linetype, linetype);
     }
-    void setLineTypeScale(double scale) override {
-        change(state_.properties.linetypeScale, scale);
-    }
+    void setLineTypeScale(double scale) override { change(state_.properties.linetypeScale, scale); }
     void setLineWeight(int weight) override { change(state_.properties.lineWeight, weight); }
     void setFillType(AcGiFillType type) override { state_.fill = type; }
     void setSelectionMarker(int64_t) override {}

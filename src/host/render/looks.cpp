@@ -6,6 +6,7 @@
 #include "host/lisp/text/wildcard.h"
 #include "host/model/core/database_state.h"
 #include "host/model/core/object_access.h"
+#include "host/model/tables/header_variables.h"
 
 namespace sg::render {
 namespace {
@@ -122,8 +123,8 @@ PlainProperties Looks::plain(const Properties& own, const PlainProperties* outer
     plain.linetype = own.linetype.isNull() || own.linetype == byLayer_ ? layer.linetype
                      : own.linetype == byBlock_ ? (hasOuter ? outer->linetype : AcDbObjectId())
                                                 : own.linetype;
-    plain.lineWeight = own.lineWeight >= 0         ? own.lineWeight
-                       : own.lineWeight == kByLayer ? layer.lineWeight
+    plain.lineWeight = own.lineWeight >= 0                      ? own.lineWeight
+                       : own.lineWeight == kByLayer             ? layer.lineWeight
                        : own.lineWeight == kByBlock && hasOuter ? outer->lineWeight
                                                                 : kDefaultWeight;
     plain.alpha = own.transparency == 0                      ? layer.alpha
@@ -135,8 +136,7 @@ PlainProperties Looks::plain(const Properties& own, const PlainProperties* outer
 
 Look Looks::look(const PlainProperties& plain, double linetypeScale) {
     Look look;
-    const bool isForeground =
-        plain.color.isByACI() && plain.color.colorIndex() == kForeground;
+    const bool isForeground = plain.color.isByACI() && plain.color.colorIndex() == kForeground;
     look.color = isForeground ? foreground_ : plain.color.rgb();
     look.alpha = plain.alpha;
     look.lineWeight = plain.lineWeight;

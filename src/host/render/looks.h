@@ -39,7 +39,7 @@ struct PlainProperties {
 struct Look {
     uint32_t color = 0;  // 0xRRGGBB
     uint8_t alpha = 255;
-    int lineWeight = 25;                   // hundredths of a millimetre
+    int lineWeight = 25;                       // hundredths of a millimetre
     std::shared_ptr<const Linetype> linetype;  // null: continuous
     double linetypeScale = 1;
     AcDbObjectId layer;

@@ -17,9 +17,9 @@ struct PicturePoint {
 // How a stretch of a picture is painted.
 struct Pen {
     enum class Kind : uint8_t {
-        line,      // chains are drawn, with round ends and corners
-        evenOdd,   // chains bound areas together; a point in an even number of them is outside
-        nonZero,   // chains bound areas together; those that turn the other way round are holes
+        line,     // chains are drawn, with round ends and corners
+        evenOdd,  // chains bound areas together; a point in an even number of them is outside
+        nonZero,  // chains bound areas together; those that turn the other way round are holes
     };
 
     Kind kind = Kind::line;

@@ -9,12 +9,12 @@
 namespace sg::render {
 namespace {
 
-constexpr double kThinnest = 1;          // of lines, in pixels
-constexpr double kSmallest = 0.4;        // what is smaller is a dot
-constexpr double kNearest = 0.15;        // points of a chain that are nearer count as one
-constexpr double kDensestPattern = 3;    // pixels; a shorter pattern shows as an unbroken line
-constexpr double kMargin = 4;            // around the box, for what lines cover beside them
-constexpr double kFarthest = 20000;      // pixels off the box; areas that reach further are cut
+constexpr double kThinnest = 1;        // of lines, in pixels
+constexpr double kSmallest = 0.4;      // what is smaller is a dot
+constexpr double kNearest = 0.15;      // points of a chain that are nearer count as one
+constexpr double kDensestPattern = 3;  // pixels; a shorter pattern shows as an unbroken line
+constexpr double kMargin = 4;          // around the box, for what lines cover beside them
+constexpr double kFarthest = 20000;    // pixels off the box; areas that reach further are cut
 
 PicturePoint point(const AcGePoint2d& p) {
     return {static_cast<float>(p.x), static_cast<float>(p.y)};
@@ -98,8 +98,8 @@ void PictureCanvas::addChain(const Pen& pen, std::span<const AcGePoint2d> points
     chain_.push_back(point(points.front()));
     AcGePoint2d last = points.front();
     for (size_t i = 1; i < points.size(); ++i) {
-        const bool isNear = std::abs(points[i].x - last.x) < kNearest &&
-                            std::abs(points[i].y - last.y) < kNearest;
+        const bool isNear =
+            std::abs(points[i].x - last.x) < kNearest && std::abs(points[i].y - last.y) < kNearest;
         if (isNear && i + 1 < points.size()) continue;
         if (isNear && chain_.size() > 1) chain_.pop_back();
         if (isNear && chain_.size() == 1 && points.size() == 2) break;
@@ -145,8 +145,7 @@ void PictureCanvas::drawUnbroken(const Pen& pen) {
 }
 
 void PictureCanvas::drawBroken(const Look& look, const Pen& pen,
-                               std::span<const AcGePoint3d> points, bool isClosed,
-                               PatternRun run) {
+                               std::span<const AcGePoint3d> points, bool isClosed, PatternRun run) {
     lengths_.clear();
     for (size_t i = 0; i + 1 < points.size(); ++i) {
         lengths_.push_back(view_.pixelsPerPatternUnit > 0
@@ -236,17 +235,15 @@ void PictureCanvas::area(const Look& look, std::span<const AcGePoint3d> points,
     if (!project(points)) return;
     const PixelBox reach = boxOf(pixels_);
     if (!overlaps(reach, view_.box)) return;
-    const Pen& pen =
-        penOf(look, rule == Rule::evenOdd ? Pen::Kind::evenOdd : Pen::Kind::nonZero);
+    const Pen& pen = penOf(look, rule == Rule::evenOdd ? Pen::Kind::evenOdd : Pen::Kind::nonZero);
     if (reach.right - reach.left < kSmallest && reach.bottom - reach.top < kSmallest) {
         addChain(penOf(look, Pen::Kind::line), {pixels_.data(), 1});
         return;
     }
-    const bool isFar = !overlaps(view_.box.grown(kFarthest), reach) ||
-                       reach.left < view_.box.left - kFarthest ||
-                       reach.right > view_.box.right + kFarthest ||
-                       reach.top < view_.box.top - kFarthest ||
-                       reach.bottom > view_.box.bottom + kFarthest;
+    const bool isFar =
+        !overlaps(view_.box.grown(kFarthest), reach) || reach.left < view_.box.left - kFarthest ||
+        reach.right > view_.box.right + kFarthest || reach.top < view_.box.top - kFarthest ||
+        reach.bottom > view_.box.bottom + kFarthest;
     builder_.beginArea(pen);
     std::span<const AcGePoint2d> rest = pixels_;
     for (const uint32_t count : counts) {

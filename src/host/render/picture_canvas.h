@@ -62,8 +62,8 @@ class PictureCanvas final : public Canvas {
     const PictureView view_;
     std::unordered_map<AcDbObjectId, uint32_t> layers_;
     Pen pen_;
-    std::vector<AcGePoint2d> pixels_;    // of the shape that is being drawn
-    std::vector<double> lengths_;        // of its segments, in units of linetypes
+    std::vector<AcGePoint2d> pixels_;  // of the shape that is being drawn
+    std::vector<double> lengths_;      // of its segments, in units of linetypes
     std::vector<PicturePoint> chain_;
 };
 

@@ -3,10 +3,8 @@
 namespace sg::render {
 
 AcGeMatrix3d worldToView(const AcGeVector3d& towardsEye, const AcGePoint3d& target, double twist) {
-    const AcGeVector3d eye =
-        towardsEye.isZeroLength() ? AcGeVector3d::kZAxis : towardsEye.normal();
-    return AcGeMatrix3d::rotation(twist, AcGeVector3d::kZAxis) *
-           AcGeMatrix3d::worldToPlane(eye) *
+    const AcGeVector3d eye = towardsEye.isZeroLength() ? AcGeVector3d::kZAxis : towardsEye.normal();
+    return AcGeMatrix3d::rotation(twist, AcGeVector3d::kZAxis) * AcGeMatrix3d::worldToPlane(eye) *
            AcGeMatrix3d::translation(AcGePoint3d::kOrigin - target);
 }
 

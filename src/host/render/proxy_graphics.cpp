@@ -291,8 +291,8 @@ class Player {
         // The normal looks at the points from where they run counter-clockwise.
         const AcGeVector3d start = first - circle->center;
         const AcGeVector3d end = third - circle->center;
-        double sweep = std::atan2(start.crossProduct(end).dotProduct(circle->normal),
-                                  start.dotProduct(end));
+        double sweep =
+            std::atan2(start.crossProduct(end).dotProduct(circle->normal), start.dotProduct(end));
         if (sweep <= 0) sweep += 2 * std::numbers::pi;
         geometry_.circularArc(circle->center, circle->radius, circle->normal, start, sweep);
         return true;

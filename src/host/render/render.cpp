@@ -7,6 +7,7 @@
 #include "host/lisp/text/wildcard.h"
 #include "host/model/core/database_state.h"
 #include "host/model/core/object_access.h"
+#include "host/model/tables/header_variables.h"
 #include "host/model/tables/layout.h"
 #include "host/render/measuring_canvas.h"
 #include "host/render/picture_canvas.h"
@@ -141,9 +142,9 @@ class SheetRenderer {
         if (const auto paper = paperOf(layout_)) {
             millimetres = paper->millimetresPerUnit;
             const ViewBox& sheet = paper->box;
-            const bool isBeside = !drawn.isEmpty() &&
-                                  (drawn.high.x < sheet.low.x || drawn.low.x > sheet.high.x ||
-                                   drawn.high.y < sheet.low.y || drawn.low.y > sheet.high.y);
+            const bool isBeside =
+                !drawn.isEmpty() && (drawn.high.x < sheet.low.x || drawn.low.x > sheet.high.x ||
+                                     drawn.high.y < sheet.low.y || drawn.low.y > sheet.high.y);
             if (!isBeside) box = sheet;
         }
         if (box.isEmpty() || !(box.width() > 0) || !(box.height() > 0)) {
@@ -183,10 +184,9 @@ class SheetRenderer {
         looks_.freezeAlso({frozen.begin(), frozen.end()});
         const double scale = scale_ * window.customScale();
         PictureView view;
-        view.projection =
-            Projection(worldToView(window.viewDirection(), window.viewTarget(),
-                                   window.twistAngle()),
-                       scale, window.viewCenter(), onPaper_.at(window.centerPoint()));
+        view.projection = Projection(
+            worldToView(window.viewDirection(), window.viewTarget(), window.twistAngle()), scale,
+            window.viewCenter(), onPaper_.at(window.centerPoint()));
         const PixelBox reach = boxOf(outline);
         const PixelBox all = pictureBox();
         view.box = {std::max(reach.left, all.left), std::max(reach.top, all.top),
@@ -195,8 +195,8 @@ class SheetRenderer {
         for (const AcGePoint2d& p : outline)
             clip.push_back({static_cast<float>(p.x), static_cast<float>(p.y)});
         view.clip = builder_.clip(std::move(clip));
-        const bool onPaper = model::DatabaseState::of(database_).header().get<int32_t>(
-                                 L"PSLTSCALE") != 0;
+        const bool onPaper =
+            model::DatabaseState::of(database_).header().get<int32_t>(L"PSLTSCALE") != 0;
         if (onPaper) view.pixelsPerPatternUnit = scale_;
         DisplaySettings settings = settings_;
         settings.viewHeight = window.viewHeight();

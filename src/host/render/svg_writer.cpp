@@ -130,7 +130,8 @@ class SvgWriter {
         while (walk.nextArea(chains)) {
             if (chains.empty()) continue;
             text_ += fmt::format("<path fill=\"#{:06x}\"", pen.color);
-            if (pen.alpha != 255) text_ += fmt::format(" fill-opacity=\"{:.3f}\"", pen.alpha / 255.0);
+            if (pen.alpha != 255)
+                text_ += fmt::format(" fill-opacity=\"{:.3f}\"", pen.alpha / 255.0);
             if (pen.kind == Pen::Kind::evenOdd) text_ += " fill-rule=\"evenodd\"";
             text_ += " d=\"";
             for (const PictureWalk::Chain& chain : chains)
