@@ -8,6 +8,13 @@ if(SWIFTGATE_SANITIZE)
                          -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
   target_link_options(sg_settings INTERFACE -fsanitize=address,undefined)
 endif()
+# What the sources of tests have besides. Under the sanitizers it is the product's code that is looked
+# at: a test's own is compiled quickly, without the checks that cost the compiler most.
+add_library(sg_test_settings INTERFACE)
+if(SWIFTGATE_SANITIZE)
+  target_compile_options(sg_test_settings INTERFACE -O0 -fno-sanitize=undefined)
+endif()
+
 if(SWIFTGATE_FUZZ)
   target_compile_options(sg_settings INTERFACE -fsanitize=fuzzer-no-link,address,undefined
                          -fno-sanitize-recover=undefined)

@@ -27,6 +27,8 @@ constexpr const wchar_t* kModule = L"SwiftGate2017.arx";
 HostOptions hostOptions(const Arguments& arguments) {
     HostOptions options;
     options.supportPath = arguments.folders;
+    options.supportPath.push_back(
+        absolutePath(executableFolder() + L"/../share/swiftgate/support"));
     options.moduleFolder = absolutePath(executableFolder() + L"/../modules");
     if (!arguments.noModule) options.modules = {kModule};
     options.failEngine = arguments.failEngine;

@@ -66,6 +66,12 @@ void putTypedPair(resbuf*& tail, std::wstring_view key, int valueType) {
     link(tail, RTLE);
 }
 
+void putShared(resbuf*& tail, const resbuf& text) {
+    resbuf* node = link(tail, RTSTR);
+    node->resval.rstring = sgShareNodeString(text.resval.rstring);
+    if (node->resval.rstring == nullptr) throw std::bad_alloc();
+}
+
 void putVariant(resbuf*& tail, const VARIANT& value, bool trim) {
     tail->rbnext = variantToResbuf(value, trim);
     tail = tail->rbnext;
@@ -184,6 +190,14 @@ void appendPair(resbuf*& tail, std::wstring_view key, const AcDbObject* value) {
 void appendPair(resbuf*& tail, std::wstring_view key, const VARIANT& value) {
     openPair(tail, key);
     putVariant(tail, value, trimsValueOf(key));
+    link(tail, RTLE);
+}
+
+void appendPair(resbuf*& tail, const resbuf& key, const VARIANT& value) {
+    link(tail, RTLB);
+    putShared(tail, key);
+    link(tail, RTDOTE);
+    putVariant(tail, value, trimsValueOf(key.resval.rstring));
     link(tail, RTLE);
 }
 

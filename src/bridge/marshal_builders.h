@@ -60,6 +60,8 @@ void appendPair(resbuf*& tail, std::wstring_view key, AcDbObjectId value);
 void appendPair(resbuf*& tail, std::wstring_view key, const AcDbObject* value);
 // As variantToResbuf; the key decides about trimming (see trimsValueOf).
 void appendPair(resbuf*& tail, std::wstring_view key, const VARIANT& value);
+// The same with the key of a node that has it already, whose text both then share.
+void appendPair(resbuf*& tail, const resbuf& key, const VARIANT& value);
 // Named for their value: as an overload, a bool would also be taken for a number, and a literal
 // text for a bool.
 template <std::same_as<bool> Bool>

@@ -2,6 +2,7 @@
 
 #include <span>
 #include <utility>
+#include <vector>
 
 #include "bridge/marshal_builders.h"
 #include "bridge/marshal_variants.h"
@@ -30,6 +31,33 @@ class ListInProgress {
     resbuf* tail = nullptr;
 };
 
+// The keys of a result's records. Where the array shares the name of a field among the records, so
+// does the list.
+class FieldKeys {
+  public:
+    void beginRecord() { field_ = 0; }
+
+    void appendPair(resbuf*& tail, const VARIANT& name, const VARIANT& value) {
+        if (field_ == known_.size()) known_.emplace_back();
+        Known& known = known_[field_++];
+        if (name.vt == VT_BSTR && name.bstrVal != nullptr && name.bstrVal == known.name) {
+            sg::appendPair(tail, *known.key, value);
+            return;
+        }
+        resbuf* const before = tail;
+        sg::appendPair(tail, variantText(name), value);
+        known = {name.vt == VT_BSTR ? name.bstrVal : nullptr, before->rbnext->rbnext};
+    }
+
+  private:
+    struct Known {
+        const wchar_t* name = nullptr;
+        const resbuf* key = nullptr;  // the node behind the pair's RTLB
+    };
+    std::vector<Known> known_;  // by place in the record
+    size_t field_ = 0;
+};
+
 void returnAndRelease(resbuf* list) {
     acedRetList(list);
     acutRelRb(list);
@@ -56,6 +84,7 @@ resbuf* buildValueList(const COleSafeArray& array) {
 resbuf* buildRecordList(const COleSafeArray& array) {
     ListInProgress list;
     const std::span<const COleVariant> items = array.Variants();
+    FieldKeys keys;
     bool recordOpen = false;
     for (size_t i = 0; i < items.size(); ++i) {
         const COleVariant& item = items[i];
@@ -63,10 +92,11 @@ resbuf* buildRecordList(const COleSafeArray& array) {
             if (recordOpen) appendListEnd(list.tail);
             appendListBegin(list.tail);
             recordOpen = true;
+            keys.beginRecord();
         } else if (!recordOpen) {
             appendVariant(list.tail, item);
         } else if (i + 1 < items.size()) {
-            appendPair(list.tail, variantText(item), items[++i]);
+            keys.appendPair(list.tail, item, items[++i]);
         }
     }
     if (recordOpen) appendListEnd(list.tail);

@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "base/text.h"
 #include "platform/ap/documents.h"
 
 namespace sg {
@@ -54,6 +55,35 @@ void forgetInvalidConnections() {
         if (entry->pConnection == nullptr || entry->pConnection->IsValid()) continue;
         entry->pConnection = nullptr;
         entry->strDatabase.clear();
+    }
+}
+
+std::wstring comparableName(const std::wstring& name) {
+    std::wstring comparable = upperCased(name);
+    std::replace(comparable.begin(), comparable.end(), L'/', L'\\');
+    return comparable;
+}
+
+// The document's connections stay open and free for adoption.
+void giveUpEntries(const wchar_t* document) {
+    for (const auto& entry : dbInfoList()) {
+        if (entry->strDocument == document) entry->strDocument.clear();
+        if (entry->pConnection == currentConnection()) clearCurrentDatabase();
+    }
+}
+
+// Two drawings never hold one entry: only the document's own and free ones are looked at.
+void adoptConnection(const wchar_t* document, const std::wstring& name) {
+    DbInfoList& list = dbInfoList();
+    for (auto& entry : list) {
+        if (!entry->strDocument.empty() && entry->strDocument != document) continue;
+        if (!isSameDatabase(entry->pConnection, name)) continue;
+        entry->strDocument = document;
+        DB_INFO& head = *list.front();
+        if (head.strDocument == document) head.strDocument.clear();
+        std::swap(entry, list.front());
+        setCurrentDatabaseFrom(*list.front());
+        return;
     }
 }
 
@@ -143,6 +173,41 @@ void closeCurrentDatabase() {
     currentConnection()->Close();
     state().name.clear();
     if (!dbInfoList().empty()) dbInfoList().front()->strDatabase.clear();
+}
+
+bool isSameDatabase(const CDBConnection* connection, const std::wstring& name) {
+    if (connection == nullptr || !connection->IsValid() || !connection->IsOpen()) return false;
+    return comparableName(connection->GetDatabaseName()).find(comparableName(name)) !=
+           std::wstring::npos;
+}
+
+void bindConnectionToDocument(const std::wstring& name) {
+    DbInfoList& list = dbInfoList();
+    if (list.empty()) {
+        clearCurrentDatabase();
+        return;
+    }
+    if (const DB_INFO& head = *list.front(); isSameDatabase(head.pConnection, name)) {
+        if (head.pConnection != currentConnection()) setCurrentDatabaseFrom(head);
+        return;
+    }
+    giveUpEntries(currentDocumentName());
+    adoptConnection(currentDocumentName(), name);
+}
+
+void removeUnusedEntries() {
+    dbInfoList().remove_if([](const auto& entry) {
+        return entry->strDocument.empty() && entry->pConnection == nullptr;
+    });
+}
+
+void addConnectionEntry(const std::wstring& name, bool readOnly) {
+    auto entry = std::make_unique<DB_INFO>();
+    entry->pConnection = currentConnection();
+    entry->strDocument = currentDocumentName();
+    entry->strDatabase = name;
+    entry->bReadOnly = readOnly;
+    dbInfoList().push_front(std::move(entry));
 }
 
 void closeAllConnections() {

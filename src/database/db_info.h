@@ -55,6 +55,22 @@ void reopenCurrentDatabase();
 // stays the current one. No effect without a connection.
 void closeCurrentDatabase();
 
+// Whether the connection is open on the file that `name` stands for: case and the kind of separator
+// do not matter, and a part of the file's full path is enough. False for null.
+bool isSameDatabase(const CDBConnection* connection, const std::wstring& name);
+
+// Looks for a connection of the current document to the file, makes its entry the head of the list
+// and the connection the current one. A connection that no document owns is taken over. Where there
+// is none the document gives up its entries and nothing is current; connections that it had stay
+// open.
+void bindConnectionToDocument(const std::wstring& name);
+
+// Removes the entries that have neither a document nor a connection.
+void removeUnusedEntries();
+
+// Adds an entry for the current document with the current connection at the head of the list.
+void addConnectionEntry(const std::wstring& name, bool readOnly);
+
 // Empties the list. The entries' connections are closed; the objects are left, since one of them
 // may be the current connection.
 void closeAllConnections();

@@ -69,8 +69,13 @@ bool appendPairs(const resbuf*& position, Nodes& nodes) {
     return true;
 }
 
+// What kind of value a node holds, whether its type is that or a group code.
+int16_t kindOf(const resbuf& node) {
+    return node.restype < RTNONE ? acdbGroupCodeToType(node.restype) : node.restype;
+}
+
 bool isString(const resbuf& node) {
-    return node.restype == RTSTR || acdbGroupCodeToType(node.restype) == RTSTR;
+    return kindOf(node) == RTSTR;
 }
 
 // The product's block of an entity, without its first node; null when there is none. The walk over
@@ -108,7 +113,9 @@ class Block {
 
 // A value as LISP gets it: a text, or the same value in a node of its own kind.
 int retValue(const resbuf& value) {
-    return isString(value) ? acedRetStr(value.resval.rstring) : acedRetVal(&value);
+    if (isString(value)) return acedRetStr(value.resval.rstring);
+    const resbuf fresh{nullptr, kindOf(value), value.resval};
+    return acedRetVal(&fresh);
 }
 
 void appendValue(resbuf*& tail, const wchar_t* key, const resbuf& value) {
@@ -116,9 +123,7 @@ void appendValue(resbuf*& tail, const wchar_t* key, const resbuf& value) {
         appendPair(tail, key, std::wstring_view(value.resval.rstring));
         return;
     }
-    const int16_t kind =
-        value.restype < RTNONE ? acdbGroupCodeToType(value.restype) : value.restype;
-    switch (kind) {
+    switch (kindOf(value)) {
         case RTREAL:
             appendPair(tail, key, value.resval.rreal);
             break;

@@ -10,28 +10,37 @@
 namespace sg {
 namespace {
 
-// Opens the curve that stands next and has `answer` set the result; nil unless it does.
+// Opens the curve and has `answer` set the result; nil unless it does.
 template <class Answer>
-int onCurve(CallArguments& arguments, const Answer& answer) {
-    AcDbObjectId id;
-    if (!nextObjectId(arguments.next, id)) return kLispWrongType;
+int onCurve(AcDbObjectId id, const Answer& answer) {
+    acedRetNil();
     const Opened<AcDbCurve> curve(id, AcDb::kForRead);
     if (!curve) return kLispBadData;
-    return answer(*curve);
+    answer(*curve);
+    return kLispOk;
+}
+
+// With a further argument, which is read before the curve is opened.
+template <class Value, class Answer>
+int onCurve(CallArguments& arguments, bool (*read)(const resbuf*&, Value&), const Answer& answer) {
+    AcDbObjectId id;
+    Value value{};
+    if (!nextObjectId(arguments.next, id) || !read(arguments.next, value)) return kLispWrongType;
+    return onCurve(id, [&](const AcDbCurve& curve) { answer(curve, value); });
 }
 
 }  // namespace
 
 int curveGetLength() {
     CallArguments arguments;
-    return onCurve(arguments, [](const AcDbCurve& curve) {
+    AcDbObjectId id;
+    if (!nextObjectId(arguments.next, id)) return kLispWrongType;
+    return onCurve(id, [](const AcDbCurve& curve) {
         double end = 0;
         double length = 0;
-        acedRetNil();
         if (curve.getEndParam(end) == Acad::eOk && curve.getDistAtParam(end, length) == Acad::eOk) {
             acedRetReal(length);
         }
-        return kLispOk;
     });
 }
 
@@ -41,40 +50,31 @@ int curveGetPointAtDist() {
         acedRetNil();
         return kLispTooFew;
     }
-    return onCurve(arguments, [&](const AcDbCurve& curve) {
-        double distance = 0;
-        if (!nextNumber(arguments.next, distance)) return kLispWrongType;
+    return onCurve<double>(arguments, nextNumber, [](const AcDbCurve& curve, double distance) {
         AcGePoint3d point;
-        acedRetNil();
         if (curve.getPointAtDist(distance, point) == Acad::eOk) retPoint(point);
-        return kLispOk;
     });
 }
 
 int curveGetClosestPointTo() {
     CallArguments arguments;
-    return onCurve(arguments, [&](const AcDbCurve& curve) {
-        AcGePoint3d given;
-        if (!nextPoint3d(arguments.next, given)) return kLispWrongType;
-        AcGePoint3d closest;
-        acedRetNil();
-        if (curve.getClosestPointTo(given, AcGeVector3d::kZAxis, closest, false) == Acad::eOk) {
-            retPoint(closest);
-        }
-        return kLispOk;
-    });
+    return onCurve<AcGePoint3d>(
+        arguments, nextPoint3d, [](const AcDbCurve& curve, const AcGePoint3d& given) {
+            AcGePoint3d closest;
+            if (curve.getClosestPointTo(given, AcGeVector3d::kZAxis, closest, false) == Acad::eOk) {
+                retPoint(closest);
+            }
+        });
 }
 
 int curveGetDistAtPoint() {
     CallArguments arguments;
-    return onCurve(arguments, [&](const AcDbCurve& curve) {
-        AcGePoint3d point;
-        if (!nextPoint3d(arguments.next, point)) return kLispWrongType;
-        double distance = 0;
-        acedRetNil();
-        if (curve.getDistAtPoint(point, distance) == Acad::eOk) acedRetReal(distance);
-        return kLispOk;
-    });
+    return onCurve<AcGePoint3d>(arguments, nextPoint3d,
+                                [](const AcDbCurve& curve, const AcGePoint3d& point) {
+                                    double distance = 0;
+                                    if (curve.getDistAtPoint(point, distance) == Acad::eOk)
+                                        acedRetReal(distance);
+                                });
 }
 
 int polylineSetCurveType() {

@@ -43,17 +43,18 @@ class LineCutter {
         --at_;
     }
 
-    // Up to a blank; true when the line is done with it.
+    // Up to a blank; true when the line is done with it. The paragraph's first character goes with
+    // the rest, a blank too.
     bool moveWord() {
-        while (at_ >= 0 && paragraph_[static_cast<size_t>(at_)] != L' ') {
+        while (at_ >= 1 && paragraph_[static_cast<size_t>(at_)] != L' ') {
             const bool endsParagraph =
-                at_ >= 1 &&
                 std::wstring_view(paragraph_).substr(static_cast<size_t>(at_) - 1) == kParagraphEnd;
             if (endsParagraph) return true;
             moveLast();
-            if (at_ < 0) return true;
         }
-        return false;
+        if (at_ >= 1) return false;
+        moveLast();
+        return true;
     }
 
     AcDbMText& text_;

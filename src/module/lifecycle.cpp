@@ -1,13 +1,13 @@
 #include "module/lifecycle.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <ctime>
 #include <memory>
 #include <span>
 
 #include "database/db_info.h"
 #include "database/driver_offer.h"
+#include "leader/qn_leader.h"
 #include "module/editor_reactor.h"
 #include "module/function_tables.h"
 #include "module/missing.h"
@@ -42,7 +42,7 @@ void createMutex() {
 }
 
 void seedRandomGenerator() {
-    std::srand(static_cast<uint32_t>(std::time(nullptr)));
+    sgSeedRandom(static_cast<uint32_t>(std::time(nullptr)));
 }
 
 // False when the engine cannot be started.
@@ -131,6 +131,7 @@ AcRx::AppRetCode initializeModule(void* packet) {
     }
     addReactor();
     declareUnlockedAndDocumentAware(packet);
+    QNLeader::rxInit();
     acrxBuildClassHierarchy();
     return AcRx::kRetOK;
 }
@@ -152,6 +153,7 @@ void unloadDrawing() {
 }
 
 void terminateModule() {
+    deleteAcRxClass(QNLeader::desc());
     stopDatabaseEngine();
     removeReactor();
     unloadCompanion();

@@ -1,7 +1,9 @@
 #include "drawing/lisp_functions.h"
+#include "leader/lisp_functions.h"
 #include "module/function_tables.h"
 #include "module/handlers.h"
 #include "module/missing.h"
+#include "standards/lisp_functions.h"
 #include "support/lisp_functions.h"
 
 namespace sg {
@@ -33,7 +35,7 @@ constexpr FunctionRow kRows[] = {
     missingQnRow<L"qn_qn-multiRotateJig">(),
     missingQnRow<L"qn_qn-multiMoveJig">(),
     missingQnRow<L"qn_qn-entsel">(),
-    missingQnRow<L"AcDbLeader::create">(),
+    {L"AcDbLeader::create", qnHandler<hostLeaderCreate>},
     missingQnRow<L"qn_qn-showHelp">(),
     missingQnRow<L"qn_qn-SHGetFolderPath">(),
     missingQnRow<L"qn_qn-SHOpenFolderAndSelect">(),
@@ -54,11 +56,11 @@ constexpr FunctionRow kRows[] = {
     missingQnRow<L"ssgetX-circle">(),
     missingQnRow<L"ssgetX-polyline">(),
     missingQnRow<L"ssgetX-all">(),
-    missingQnRow<L"qn_qn-leader-insert">(),
-    missingQnRow<L"qn_qn-leader-setPoints">(),
-    missingQnRow<L"qn_qn-leader-setBlock">(),
-    missingQnRow<L"qn_qn-leader-setOffset">(),
-    missingQnRow<L"qn_qn-leader-explode">(),
+    {L"qn_qn-leader-insert", qnHandler<leaderInsert>},
+    {L"qn_qn-leader-setPoints", qnHandler<leaderSetPoints>},
+    {L"qn_qn-leader-setBlock", qnHandler<leaderSetBlock>},
+    {L"qn_qn-leader-setOffset", qnHandler<leaderSetOffset>},
+    {L"qn_qn-leader-explode", qnHandler<leaderExplode>},
     missingQnRow<L"qn_qn-rand">(),
     missingQnRow<L"qn_atof">(),
     {L"AcDbMtext::lastLineWidth", qnHandler<mtextLastLineWidth>},
@@ -68,7 +70,7 @@ constexpr FunctionRow kRows[] = {
     missingQnRow<L"qn_qn-submitBug">(),
     missingQnRow<L"EditUserOptions">(),
     missingQnRow<L"qn_qn-safeContinue">(),
-    missingQnRow<L"qn_qn-createLayer">(),
+    {L"qn_qn-createLayer", qnHandler<createLayer>},
     missingQnRow<L"GetComputerName">(),
     missingQnRow<L"XFolderDialog">(),
     missingQnRow<L"PathIsNetworkPath">(),

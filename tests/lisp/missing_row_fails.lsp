@@ -1,3 +1,3 @@
 ;; The failure of a module's function is an error of the calling program.
-(defun c:open-project () (sg_connect "project.mdb"))
-(c:open-project)
+(defun c:drag-line () (qn_qn-lineJig "line"))
+(c:drag-line)

@@ -1,9 +1,8 @@
 ;; Functions of the module that this build lacks are defined; a call says so and fails.
 (load "helpers/show")
-(show '(type sg_append))
 (show '(type qn_qn-getPoint))
-(show '(sg_append "a" 1))
-(show '(SG_COUNT))
+(show '(qn_qn-lineJig "a" 1))
+(show '(QN_QN-TEXTJIG))
 (show '(ssgetX-all))
 (show '(RectangleJig nil))
 (show '(mapcar 'asin '(0.5)))

@@ -2,10 +2,9 @@
 
 #include <gmock/gmock.h>
 
-#include <cstdlib>
-
 #include "host/seam/external_functions.h"
 #include "host/system/mutexes.h"
+#include "host/system/random.h"
 #include "module/function_tables.h"
 #include "module/module_fixture.h"
 #include "platform/dao/engine.h"
@@ -99,12 +98,12 @@ constexpr const char* kEndSteps[] = {"reactor removed, engine stopped 1537",
                                      "companion end, engine stopped 1537, mutex"};
 
 TEST_F(LifecycleTest, InitialisationInItsOrder) {
-    std::srand(1);
-    const int unseeded = std::rand();
     startWithRecordingEditor();
     EXPECT_EQ(log[0], "companion init, engine stopped 0");
     EXPECT_THAT(log, ElementsAre(kInitSteps[0], kInitSteps[1]));
-    EXPECT_NE(std::rand(), unseeded);
+    RandomGenerator unseeded;
+    EXPECT_NE(std::pair(host().random().next(), host().random().next()),
+              std::pair(unseeded.next(), unseeded.next()));
     EXPECT_EQ(host().mutexes().create(L"QuillonSwiftGate").error, ERROR_ALREADY_EXISTS);
     const Module& module = *host().modules().find(kModule);
     EXPECT_FALSE(module.isLocked());
@@ -151,10 +150,10 @@ TEST_F(LifecycleTest, ADrawingGetsItsFunctionsAndItsEntry) {
 }
 
 TEST_F(LifecycleTest, ADrawingFilesEntryHasItsFullName) {
-    write("plan.dwg", "x");
-    options.drawing = path("plan.dwg");
+    write("plan.dxf", kEmptyDrawing);
+    options.drawing = path("plan.dxf");
     start();
-    EXPECT_THAT(entries(), ElementsAre((folder_ / "plan.dwg").string()));
+    EXPECT_THAT(entries(), ElementsAre((folder_ / "plan.dxf").string()));
 }
 
 TEST_F(LifecycleTest, AnEngineThatDoesNotStartLeavesNothing) {
@@ -223,7 +222,7 @@ TEST_F(LifecycleTest, LoadedUnloadedAndLoadedAgain) {
     EXPECT_EQ(editor_.reactors.size(), 1u);
     EXPECT_EQ(functions().size(), 173u);
     EXPECT_THAT(entries(), ElementsAre("Drawing1.dwg"));
-    EXPECT_EQ(eval("(vl-catch-all-error-p (vl-catch-all-apply 'sg_count nil))"), "T");
+    EXPECT_EQ(eval("(vl-catch-all-error-p (vl-catch-all-apply 'sg_connect nil))"), "T");
 }
 
 TEST_F(LifecycleTest, OneHostAfterTheOther) {
@@ -262,11 +261,11 @@ TEST_F(LifecycleTest, AfterTheLastDrawingTheNextStartsCleanly) {
 class SaveCompleteTest : public LifecycleTest {
   protected:
     SaveCompleteTest() {
-        write("plan.dwg", "x");
-        options.drawing = path("plan.dwg");
+        write("plan.dxf", kEmptyDrawing);
+        options.drawing = path("plan.dxf");
         startWithRecordingEditor();
         one_ = new FakeConnection("one", log);
-        connect(path("plan.dwg").c_str(), one_, L"one.mdb");
+        connect(path("plan.dxf").c_str(), one_, L"one.mdb");
         selectDocumentDatabase();
         log.clear();
     }
@@ -277,27 +276,27 @@ class SaveCompleteTest : public LifecycleTest {
 };
 
 TEST_F(SaveCompleteTest, ANewNameClosesTheDatabase) {
-    complete(active(), path("copy.dwg"));
+    complete(active(), path("copy.dxf"));
     EXPECT_THAT(log, ElementsAre("close one"));
     EXPECT_EQ(currentConnection(), one_);
     EXPECT_EQ(currentDatabaseName(), L"");
     EXPECT_EQ(dbInfoList().front()->strDatabase, L"");
-    EXPECT_EQ(dbInfoList().front()->strDocument, path("plan.dwg")) << "the entry keeps the name";
+    EXPECT_EQ(dbInfoList().front()->strDocument, path("plan.dxf")) << "the entry keeps the name";
     EXPECT_EQ(dbInfoList().front()->pConnection, one_);
 }
 
 TEST_F(SaveCompleteTest, NothingElseDoes) {
-    complete(active(), path("plan.dwg"));
+    complete(active(), path("plan.dxf"));
     EXPECT_THAT(log, IsEmpty()) << "its own name";
     const Document& second = documents().create();
-    complete(documentAt(0), path("copy.dwg"));
+    complete(documentAt(0), path("copy.dxf"));
     EXPECT_THAT(log, IsEmpty()) << "another drawing than the active one";
     // The second drawing's entry is the head; its connection, none, is not the current one.
     ASSERT_EQ(currentConnection(), one_);
-    complete(second, path("copy.dwg"));
+    complete(second, path("copy.dxf"));
     EXPECT_THAT(log, IsEmpty());
     selectDocumentDatabase();
-    complete(second, path("copy.dwg"));
+    complete(second, path("copy.dxf"));
     EXPECT_THAT(log, IsEmpty()) << "there is none to close";
     EXPECT_EQ(one_->IsOpen(), true);
 }
@@ -307,7 +306,7 @@ TEST_F(SaveCompleteTest, AnEmptyListIsAnInvalidArgument) {
     EXPECT_THROW(
         {
             try {
-                complete(active(), path("plan.dwg"));
+                complete(active(), path("plan.dxf"));
             } catch (CInvalidArgException* exception) {
                 exception->Delete();
                 throw 1;
@@ -317,7 +316,7 @@ TEST_F(SaveCompleteTest, AnEmptyListIsAnInvalidArgument) {
     const Document& first = active();
     documents().create();
     dbInfoList().clear();
-    complete(first, path("copy.dwg"));  // of no interest, so the list is not looked at
+    complete(first, path("copy.dxf"));  // of no interest, so the list is not looked at
     EXPECT_THAT(log, IsEmpty());
     setCurrentDatabase(nullptr, L"", 0);
     delete one_;
@@ -327,13 +326,13 @@ TEST_F(SaveCompleteTest, ThroughTheHost) {
     stop();
     start();
     one_ = new FakeConnection("one", log);
-    connect(path("plan.dwg").c_str(), one_, L"one.mdb");
+    connect(path("plan.dxf").c_str(), one_, L"one.mdb");
     selectDocumentDatabase();
     log.clear();
     host().saveDrawing(active(), L"");
-    host().saveDrawing(active(), path("plan.dwg"));
+    host().saveDrawing(active(), path("plan.dxf"));
     EXPECT_THAT(log, IsEmpty());
-    host().saveDrawing(active(), path("copy.dwg"));
+    host().saveDrawing(active(), path("copy.dxf"));
     EXPECT_THAT(log, ElementsAre("close one"));
     selectDocumentDatabase();
     EXPECT_EQ(currentConnection(), nullptr) << "no entry has the new name";

@@ -7,6 +7,7 @@
 
 #include "bridge/call_guard.h"
 #include "database/connection.h"
+#include "database/database_error.h"
 #include "database/db_info.h"
 #include "host/editor/input_source.h"
 #include "host/rx/module_loader.h"
@@ -26,8 +27,8 @@ using Log = std::vector<std::string>;
 class FakeConnection : public CDBConnection {
   public:
     FakeConnection(std::string name, Log& log) : name_(std::move(name)), log_(log) {
-        databaseStatus_ = 1;
-        databaseOpen_ = true;
+        database_.m_nStatus = 1;
+        database_.m_bOpen = true;
     }
     ~FakeConnection() override { log_.push_back("delete " + name_); }
 
@@ -38,7 +39,7 @@ class FakeConnection : public CDBConnection {
     void Close() override {
         log_.push_back("close " + name_);
         if (onClose) onClose();
-        databaseOpen_ = false;
+        database_.m_bOpen = false;
     }
     std::wstring Open(const std::wstring& file, bool exclusive, int16_t readOnly) override {
         log_.push_back("open " + name_ + " " + toUtf8(file) + (exclusive ? " exclusive" : "") +
@@ -46,8 +47,8 @@ class FakeConnection : public CDBConnection {
         return openAnswers;
     }
 
-    void setStatus(int32_t status) { databaseStatus_ = status; }
-    void setOpen(bool open) { databaseOpen_ = open; }
+    void setStatus(int32_t status) { database_.m_nStatus = status; }
+    void setOpen(bool open) { database_.m_bOpen = open; }
 
     std::wstring openAnswers;
     std::function<void()> onIsOpen, onClose;
@@ -146,6 +147,7 @@ class ModuleTest : public HostTest {
   private:
     static void reset() {
         setCurrentDatabase(nullptr, L"", 0);
+        clearLastErrorText();
         dbInfoList().clear();
         probe = {};
         guarded = guardedInner = nullptr;

@@ -85,6 +85,13 @@ void Output::reportError(std::wstring_view text) {
     printError(bytes);
 }
 
+// The bell is no character of the text: where the cursor stands is left alone.
+void Output::bell() {
+    if (!immediate_) return;
+    output_.buffer += '\a';
+    write(output_);
+}
+
 bool Output::flush() {
     write(output_);
     return !output_.failed;

@@ -33,6 +33,9 @@ class SG_API Output {
     // is at the start of a line, and after it unless it ends with one.
     void reportError(std::wstring_view text);
 
+    // Rings the bell of the terminal that standard output is; silent when it is none.
+    void bell();
+
     // Writes what is buffered. False when anything printed so far to standard output is lost.
     bool flush();
 

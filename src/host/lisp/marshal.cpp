@@ -100,6 +100,19 @@ class StringShare {
 
     Value string(const wchar_t* text) {
         if (text == nullptr) return in_.string(L"");
+        // Nodes may share a text, which stays where it is while they are read.
+        Seen& seen = seen_[reinterpret_cast<uintptr_t>(text) / kAlignment % seen_.size()];
+        if (seen.text != text) seen = {text, byContent(text)};
+        return seen.value;
+    }
+
+  private:
+    struct Seen {
+        const wchar_t* text = nullptr;
+        Value value;
+    };
+
+    Value byContent(const wchar_t* text) {
         uint32_t hash = 2166136261u;
         size_t length = 0;
         for (; text[length] != 0; ++length) {
@@ -112,9 +125,10 @@ class StringShare {
         return known;
     }
 
-  private:
     static constexpr size_t kLongest = 24;
+    static constexpr size_t kAlignment = 16;
     Interpreter& in_;
+    std::array<Seen, 64> seen_;
     std::array<Value, 64> known_;
 };
 

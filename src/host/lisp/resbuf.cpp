@@ -1,9 +1,12 @@
 #include "platform/lisp/resbuf.h"
 
+#include <sys/mman.h>
+
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
+#include <limits>
 
 #if defined(__SANITIZE_ADDRESS__)
 #define SG_PLAIN_HEAP 1
@@ -25,13 +28,20 @@ namespace {
 
 constexpr bool kPlainHeap = SG_PLAIN_HEAP != 0;
 constexpr size_t kNodesInChunk = 1024;
+// Where there are many nodes already, a chunk is a large page: touching a gigabyte in pages of the
+// usual size costs more than filling it.
+constexpr size_t kManyNodes = 64 * kNodesInChunk;
+constexpr size_t kLargePageBytes = size_t{2} << 20;
 constexpr size_t kStringChunkBytes = 64 * 1024;
 
-// A string's block is a 32-bit tag, its size class, and the text. Class n has blocks of n * 16
-// bytes; 0 marks a block of malloc's own.
+// A string's block is a 32-bit tag and the text. The tag has the block's size class, and in units
+// of kSharer how many nodes hold the string besides the first. Class n has blocks of n * 16 bytes;
+// 0 marks a block of malloc's own.
 using Tag = uint32_t;
 constexpr size_t kGranule = 16;
 constexpr size_t kClasses = 32;
+constexpr Tag kSharer = 0x100;
+static_assert(kClasses < kSharer);
 static_assert(sizeof(Tag) == alignof(wchar_t));
 
 struct FreeBlock {
@@ -42,11 +52,23 @@ resbuf* freeNodes = nullptr;
 size_t liveNodes = 0;
 FreeBlock* freeBlocks[kClasses + 1] = {};
 
+void* newNodeChunk(size_t& nodes) {
+    if (liveNodes < kManyNodes) {
+        nodes = kNodesInChunk;
+        return std::malloc(nodes * sizeof(resbuf));
+    }
+    nodes = kLargePageBytes / sizeof(resbuf);
+    void* const chunk = std::aligned_alloc(kLargePageBytes, kLargePageBytes);
+    if (chunk != nullptr) ::madvise(chunk, kLargePageBytes, MADV_HUGEPAGE);
+    return chunk;
+}
+
 [[maybe_unused]] bool refillNodes() {  // not under the sanitizer
-    auto* const chunk = static_cast<resbuf*>(std::malloc(kNodesInChunk * sizeof(resbuf)));
+    size_t nodes = 0;
+    auto* const chunk = static_cast<resbuf*>(newNodeChunk(nodes));
     if (chunk == nullptr) return false;
-    for (size_t i = 0; i < kNodesInChunk; ++i) {
-        chunk[i].rbnext = i + 1 < kNodesInChunk ? &chunk[i + 1] : nullptr;
+    for (size_t i = 0; i < nodes; ++i) {
+        chunk[i].rbnext = i + 1 < nodes ? &chunk[i + 1] : nullptr;
     }
     freeNodes = chunk;
     return true;
@@ -83,9 +105,17 @@ void* newBlock(size_t bytes) {
     return tag + 1;
 }
 
+inline Tag* tagOf(wchar_t* text) {
+    return reinterpret_cast<Tag*>(text) - 1;
+}
+
 inline void releaseString(wchar_t* text) {
     if (text == nullptr) return;
-    Tag* const tag = reinterpret_cast<Tag*>(text) - 1;
+    Tag* const tag = tagOf(text);
+    if (*tag >= kSharer) {
+        *tag -= kSharer;
+        return;
+    }
     const Tag sizeClass = *tag;
     if (sizeClass == 0) {
         std::free(tag);
@@ -274,6 +304,14 @@ wchar_t* acutNewString(const wchar_t* text, size_t length) {
     if (length != 0) std::memcpy(copy, text, length * sizeof(wchar_t));
     copy[length] = L'\0';
     return copy;
+}
+
+wchar_t* sgShareNodeString(wchar_t* text) {
+    if (text == nullptr) return nullptr;
+    Tag& tag = *tagOf(text);
+    if (tag > std::numeric_limits<Tag>::max() - kSharer) return acutNewString(text);
+    tag += kSharer;
+    return text;
 }
 
 void acutDelString(wchar_t*& text) {

@@ -45,6 +45,8 @@ void AcRxClassRegistry::retire(std::unique_ptr<AcRxClass> descriptor) {
     descriptor->appName_.clear();
     descriptor->proxyFlags_ = 0;
     descriptor->version_ = 0;
+    descriptor->dwgVersion_ = descriptor->maintenanceVersion_ = 0;
+    descriptor->changeAppName_ = nullptr;
     descriptor->construct_ = nullptr;
     descriptor->parent_ = nullptr;
     descriptor->extensions_.clear();
@@ -68,6 +70,20 @@ AcRxClass* AcRxClassRegistry::newClass(const wchar_t* name, const wchar_t* paren
     if (!descriptor->dxfName_.empty()) byDxfName_.emplace(descriptor->dxfName_, descriptor.get());
     dictionary_.atPut(name, descriptor.get());
     return (classes_[name] = std::move(descriptor)).get();
+}
+
+AcRxClass* AcRxClassRegistry::newClass(const wchar_t* name, const wchar_t* parentName,
+                                       int dwgVersion, int maintenanceVersion, int proxyFlags,
+                                       AcRxClass::Constructor constructor, const wchar_t* dxfName,
+                                       const wchar_t* appName,
+                                       AcRxClass::AppNameChange changeAppName) {
+    if (name != nullptr && find(name) != nullptr) return find(name);
+    AcRxClass* const made = newClass(name, parentName, proxyFlags, constructor, dxfName, appName);
+    if (made == nullptr) return nullptr;
+    made->dwgVersion_ = dwgVersion;
+    made->maintenanceVersion_ = maintenanceVersion;
+    made->changeAppName_ = changeAppName;
+    return made;
 }
 
 void AcRxClassRegistry::deleteClass(AcRxClass* descriptor) {

@@ -28,6 +28,11 @@ class AcRxClassRegistry {
                         AcRxClass::Constructor constructor = nullptr,
                         const wchar_t* dxfName = nullptr, const wchar_t* appName = nullptr,
                         int version = 0);
+    // Of a class that is new; one that was registered already keeps what it has.
+    AcRxClass* newClass(const wchar_t* name, const wchar_t* parentName, int dwgVersion,
+                        int maintenanceVersion, int proxyFlags, AcRxClass::Constructor constructor,
+                        const wchar_t* dxfName, const wchar_t* appName,
+                        AcRxClass::AppNameChange changeAppName);
 
     // What deleteAcRxClass does. Classes below it lose their parent, other classes the extension
     // for this protocol. No effect for null and for a descriptor that is not registered here.

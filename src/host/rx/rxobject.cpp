@@ -42,6 +42,12 @@ bool AcRxClass::isDerivedFrom(const AcRxClass* ancestor) const {
     return false;
 }
 
+std::wstring AcRxClass::appNameFor(int release) const {
+    std::wstring appName = appName_;
+    if (changeAppName_ != nullptr) changeAppName_(this, appName, release);
+    return appName;
+}
+
 AcRxObject* AcRxClass::addX(AcRxClass* protocol, AcRxObject* extension) {
     AcRxObject*& place = extensions_[protocol];
     AcRxObject* const before = place;

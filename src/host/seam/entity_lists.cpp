@@ -34,8 +34,10 @@ class GroupBuilder {
         const int32_t code = car(item).asInt();
         if (code == kExtendedData) {
             append(kExtendedData);
-            for (Value rest = cdr(item); rest.isCons(); rest = cdr(rest))
+            Value rest = cdr(item);
+            for (; rest.isCons(); rest = cdr(rest))
                 addApplication(car(rest));
+            if (!rest.isNil()) bad(item);
         } else {
             addGroup(item);
         }
@@ -60,10 +62,12 @@ class GroupBuilder {
     void addApplication(Value application) {
         if (!application.isCons() || !car(application).isString()) bad(application);
         appendText(kApplication, car(application));
-        for (Value rest = cdr(application); rest.isCons(); rest = cdr(rest)) {
+        Value rest = cdr(application);
+        for (; rest.isCons(); rest = cdr(rest)) {
             if (!car(rest).isCons() || !car(car(rest)).isInt()) bad(car(rest));
             addGroup(car(rest));
         }
+        if (!rest.isNil()) bad(application);
     }
 
     void appendText(int code, Value text) {

@@ -6,8 +6,11 @@
 #include <chrono>
 #include <cstdlib>
 #include <stdexcept>
+#include <thread>
 
 #include "base/encoding.h"
+#include "base/text.h"
+#include "host/dxf/drawing_files.h"
 #include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
 #include "host/editor/editor.h"
@@ -30,6 +33,7 @@
 #include "host/system/folders.h"
 #include "host/system/mutexes.h"
 #include "host/system/paths.h"
+#include "host/system/random.h"
 #include "host/system/registry.h"
 #include "host/system/registry_handles.h"
 #include "host/system/shell.h"
@@ -53,7 +57,14 @@ class ApplicationServices final : public AcDbHostApplicationServices {
     Acad::ErrorStatus findFile(std::wstring& path, const wchar_t* name, AcDbDatabase*,
                                FindFileHint) override {
         path.clear();
-        const auto found = host_.findSupportFile(name != nullptr ? name : L"");
+        const std::wstring asked = name != nullptr ? name : L"";
+        auto found = host_.findSupportFile(asked);
+        // An interchange file stands in for a drawing file.
+        constexpr std::wstring_view kDrawing = L".dwg";
+        if (!found && lowerCased(asked).ends_with(kDrawing)) {
+            found =
+                host_.findSupportFile(asked.substr(0, asked.size() - kDrawing.size()) + L".dxf");
+        }
         if (!found) return Acad::eFileNotFound;
         path = *found;
         return Acad::eOk;
@@ -111,11 +122,16 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
         supportPath_->add(folder);
     shell_ = std::make_unique<Shell>();
     mutexes_ = std::make_unique<NamedMutexes>();
+    random_ = std::make_unique<RandomGenerator>();
+    sleep = [](uint32_t milliseconds) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    };
     cryptography_ = std::make_unique<Cryptography>();
     classes_ = std::make_unique<AcRxClassRegistry>();
     systemRegistry_ = std::make_unique<SystemRegistry>(classes_->dictionary());
     services_ = std::make_unique<ApplicationServices>(*this);
     databases_ = std::make_unique<model::DatabaseTable>();
+    databases_->readers().add(dxf::isDrawing, dxf::readForDatabase);
     moduleState_ = std::make_unique<AFX_MODULE_STATE>();
     registerEditorClasses();
     model::registerDatabaseClasses();

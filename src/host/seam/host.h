@@ -36,6 +36,7 @@ class InputSource;
 class ModuleLoader;
 class NamedMutexes;
 class Output;
+class RandomGenerator;
 class RegistryHandles;
 class RegistryStore;
 class Shell;
@@ -95,6 +96,7 @@ class SG_API Host {
     SupportPath& supportPath() { return *supportPath_; }
     Shell& shell() { return *shell_; }
     NamedMutexes& mutexes() { return *mutexes_; }
+    RandomGenerator& random() { return *random_; }
     Cryptography& cryptography() { return *cryptography_; }
     AcRxClassRegistry& classes() { return *classes_; }
     SystemRegistry& systemRegistry() { return *systemRegistry_; }
@@ -112,10 +114,12 @@ class SG_API Host {
     // else on the support path.
     std::optional<std::wstring> findSupportFile(const std::wstring& name) const;
 
-    // Opens a drawing file, makes it the active document and tells the modules. Throws FileError.
+    // Opens a drawing file, makes it the active document and tells the modules. What the file had
+    // to be forgiven is reported, and so is that another process has it open: then it is read-only
+    // here. Throws FileError.
     Document& openDrawing(const std::wstring& path);
-    // Writes a document's drawing, under its own name or, with a path, under that; reactors hear of
-    // it. Throws FileError and leaves the file as it was.
+    // Writes a document's drawing, under its own name or, with a path, under that, which is its
+    // name from then on; reactors hear of it. Throws FileError and leaves the file as it was.
     void saveDrawing(Document& document, const std::wstring& path);
 
     // The system variables as the current document sees them.
@@ -123,11 +127,14 @@ class SG_API Host {
 
     uint32_t lastError = 0;  // of GetLastError
     bool textScreen = false;
+    std::function<void(uint32_t milliseconds)> sleep;  // what Sleep does
 
   private:
     void createInterpreter();
     void createModuleLoader();
     void createDocuments();
+    // Reports what was said of a drawing file that was read; of many lines the first ones.
+    void reportDrawing(const std::vector<std::wstring>& warnings);
     void provideSystemVariables();
 
     HostOptions options_;
@@ -141,6 +148,7 @@ class SG_API Host {
     std::unique_ptr<SupportPath> supportPath_;
     std::unique_ptr<Shell> shell_;
     std::unique_ptr<NamedMutexes> mutexes_;
+    std::unique_ptr<RandomGenerator> random_;
     std::unique_ptr<Cryptography> cryptography_;
     std::unique_ptr<AcRxClassRegistry> classes_;
     std::unique_ptr<SystemRegistry> systemRegistry_;

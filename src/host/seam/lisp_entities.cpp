@@ -2,10 +2,10 @@
 #include <vector>
 
 #include "host/editor/program_drawing.h"
-#include "host/model/access/class_names.h"
+#include "host/model/access/entity_parts.h"
+#include "host/model/access/object_changer.h"
 #include "host/model/core/block_contents.h"
 #include "host/model/core/block_ends.h"
-#include "host/model/core/memory_filers.h"
 #include "host/model/core/object_access.h"
 #include "host/model/tables/layout.h"
 #include "host/model/tables/references.h"
@@ -63,10 +63,7 @@ Value fnEntMod(Interpreter& in, Args a) {
     AcDbObject* object = nullptr;
     acdbGetObjectId(id, name->resval.rlname);
     if (acdbOpenAcDbObject(object, id, AcDb::kForWrite) != Acad::eOk) return Value::nil();
-    model::needLayer(*object->database(), groups.get());
-    model::ListReader reader(groups.get(), object->database());
-    const Acad::ErrorStatus status = object->dxfIn(&reader);
-    if (status != Acad::eOk) {
+    if (!model::changeObject(*object, groups.get())) {
         object->cancel();
         return Value::nil();
     }
@@ -104,16 +101,38 @@ Value fnEntMakeX(Interpreter& in, Args a) {
     return result.id.isNull() ? a[0] : entityName(result.id);
 }
 
-// Erases an entity, or brings it back.
+// The drawing's own dictionaries, which stand in the root under names such as ACAD_GROUP.
+bool isDrawingsOwn(const AcDbObject& object) {
+    AcDbDatabase& database = *object.database();
+    AcDbDictionary* root = nullptr;
+    if (object.ownerId() != database.namedObjectsDictionaryId() ||
+        database.getNamedObjectsDictionary(root, AcDb::kForRead) != Acad::eOk) {
+        return false;
+    }
+    std::wstring key;
+    root->nameAt(object.objectId(), key);
+    root->close();
+    return key.starts_with(L"ACAD_");
+}
+
+// What entdel works on: the main entities of a block, and what programs keep in dictionaries.
+bool isDeletable(const AcDbObject& object) {
+    if (AcDbEntity::cast(&object) != nullptr) {
+        return model::peek<AcDbBlockTableRecord>(object.ownerId()) != nullptr &&
+               AcDbBlockBegin::cast(&object) == nullptr && AcDbBlockEnd::cast(&object) == nullptr;
+    }
+    return model::peek<AcDbDictionary>(object.ownerId()) != nullptr &&
+           AcDbLayout::cast(&object) == nullptr && !isDrawingsOwn(object);
+}
+
+// (entdel name): erases an entity or an object of a dictionary, or brings it back.
 Value fnEntDel(Interpreter& in, Args a) {
     const AcDbObjectId id = entityArgument(in, a[0]);
-    AcDbEntity* entity = nullptr;
-    if (acdbOpenObject(entity, id, AcDb::kForWrite, true) != Acad::eOk) return Value::nil();
-    const bool isMain = model::peek<AcDbBlockTableRecord>(entity->ownerId()) != nullptr;
-    const Acad::ErrorStatus status =
-        isMain ? entity->erase(!entity->isErased()) : Acad::eCannotBeErasedByCaller;
-    entity->close();
-    return status == Acad::eOk ? a[0] : Value::nil();
+    AcDbObject* object = nullptr;
+    if (acdbOpenAcDbObject(object, id, AcDb::kForWrite, true) != Acad::eOk) return Value::nil();
+    const bool done = isDeletable(*object) && object->erase(!object->isErased()) == Acad::eOk;
+    object->close();
+    return done ? a[0] : Value::nil();
 }
 
 // ---- Walking ------------------------------------------------------------------------------------
@@ -138,20 +157,6 @@ std::vector<AcDbObjectId> spaces(AcDbDatabase& database) {
         ids.push_back(id);
     if (ids.empty()) ids.push_back(database.modelSpaceId());
     return ids;
-}
-
-// The entities that belong to another one, in their order: vertices or attributes and what ends
-// them.
-std::vector<AcDbObjectId> partsOf(const AcDbEntity& whole) {
-    model::ReferenceCollector references(AcDb::kIdFiler, whole.database());
-    whole.dwgOutFields(&references);
-    std::vector<AcDbObjectId> parts;
-    for (const auto& [kind, id] : references.items()) {
-        if (!model::isOwnership(kind) || id.isErased()) continue;
-        const AcDbEntity* const part = model::peek<AcDbEntity>(id);
-        if (part != nullptr && part->ownerId() == whole.objectId()) parts.push_back(id);
-    }
-    return parts;
 }
 
 AcDbObjectId firstIn(AcDbDatabase& database, size_t space) {
@@ -179,8 +184,8 @@ AcDbObjectId mainAfter(const AcDbBlockTableRecord& block, AcDbObjectId id) {
 AcDbObjectId entityAfter(AcDbObjectId id) {
     const AcDbEntity* const entity = model::peek<AcDbEntity>(id);
     if (entity == nullptr) return {};
-    const std::vector<AcDbObjectId> parts = partsOf(*entity);
-    if (!parts.empty()) return parts.front();
+    const AcDbObjectId part = model::firstPart(*entity);
+    if (!part.isNull()) return part;
     const AcDbObjectId owner = entity->ownerId();
     if (const auto* const block = model::peek<AcDbBlockTableRecord>(owner)) {
         const bool isBegin = AcDbBlockBegin::cast(entity) != nullptr;
@@ -188,9 +193,8 @@ AcDbObjectId entityAfter(AcDbObjectId id) {
     }
     const AcDbEntity* const whole = model::peek<AcDbEntity>(owner);
     if (whole == nullptr) return {};
-    const std::vector<AcDbObjectId> siblings = partsOf(*whole);
-    const auto at = std::find(siblings.begin(), siblings.end(), id);
-    if (at != siblings.end() && at + 1 != siblings.end()) return *(at + 1);
+    const AcDbObjectId sibling = model::partAfter(*whole, id);
+    if (!sibling.isNull()) return sibling;
     const auto* const block = model::peek<AcDbBlockTableRecord>(whole->ownerId());
     return block == nullptr ? AcDbObjectId() : mainAfter(*block, owner);
 }

@@ -6,11 +6,16 @@
 #include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
 #include "host/editor/input_source.h"
+#include "host/jet/compact/compact.h"
+#include "host/jet/format/error.h"
 #include "host/lisp/functions/list_builder.h"
+#include "host/lisp/functions/program_state.h"
 #include "host/rx/module_loader.h"
 #include "host/seam/external_functions.h"
 #include "host/seam/file_error.h"
 #include "host/seam/host.h"
+#include "host/system/database_files.h"
+#include "host/system/paths.h"
 #include "host/system/shell.h"
 #include "platform/ed/command_line.h"
 #include "platform/rx/modules.h"
@@ -175,6 +180,28 @@ Value fnArguments(Interpreter& in, Args) {
     return items.list();
 }
 
+// ---- Database files ----------------------------------------------------------------------------
+
+// (host-compact-database file backup [repair])
+Value fnCompactDatabase(Interpreter& in, Args a) {
+    jet::CompactOptions options;
+    options.repair = bool(a.get(2));
+    options.storage = databaseOptions();
+    options.progress = [&](uint64_t, uint64_t) { return !in.interruptPending(); };
+    const auto fullPath = [&](Value name) {
+        return absolutePath(resolvePath(lisp::fileName(in, name)).path);
+    };
+    const std::wstring file = fullPath(a[0]), backup = fullPath(a[1]);
+    try {
+        ListBuilder losses(in);
+        for (const std::wstring& loss : jet::compactInPlace(file, backup, options).losses)
+            losses.add(in.string(loss));
+        return losses.list();
+    } catch (const jet::Error& error) {
+        in.fail(error.code() == jet::Damaged ? error.describe() : error.text());
+    }
+}
+
 constexpr FunctionRow kRows[] = {
     {L"alert", fnAlert, 1, 1},
     {L"getstring", fnGetString, 0, 2},
@@ -193,6 +220,7 @@ constexpr FunctionRow kRows[] = {
     {L"host-drawings", fnDrawings, 0, 0},
     {L"host-send", fnSend, 2, 3},
     {L"host-arguments", fnArguments, 0, 0},
+    {L"host-compact-database", fnCompactDatabase, 2, 3},
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "host/editor/command_line_output.h"
+#include "host/lisp/interpreter.h"
 #include "host/seam/host.h"
 #include "host/seam/system_variable_values.h"
 #include "platform/ed/command_line.h"
@@ -67,6 +68,10 @@ int acedPrompt(const wchar_t* text) {
 int acedAlert(const wchar_t* text) {
     MessageBoxW(nullptr, text, L"AutoCAD Message", MB_OK | MB_ICONWARNING);
     return RTNORM;
+}
+
+int acedUsrBrk() {
+    return Host::the().interpreter().interruptPending() ? 1 : 0;
 }
 
 int acedTextScr() {

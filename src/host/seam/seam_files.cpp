@@ -80,3 +80,7 @@ bool FindClose(SgFileSearch* search) {
 std::wstring sgResolvePath(std::wstring_view path) {
     return sg::resolvePath(path).path;
 }
+
+std::wstring sgFullPath(std::wstring_view path) {
+    return sg::absolutePath(sg::resolvePath(path).path);
+}

@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <string>
@@ -20,7 +18,7 @@ uint32_t GetFileAttributesW(const wchar_t* path) {
     const ResolvedPath found = resolvePath(path != nullptr ? path : L"");
     if (!found.exists) return INVALID_FILE_ATTRIBUTES;
     uint32_t attributes = isFolder(found.path) ? uint32_t{FILE_ATTRIBUTE_DIRECTORY} : 0;
-    if (::access(toUtf8(found.path).c_str(), W_OK) != 0) attributes |= FILE_ATTRIBUTE_READONLY;
+    if (isReadOnly(found.path)) attributes |= FILE_ATTRIBUTE_READONLY;
     return attributes != 0 ? attributes : uint32_t{FILE_ATTRIBUTE_NORMAL};
 }
 
@@ -32,6 +30,13 @@ bool CreateDirectoryW(const wchar_t* path, const void*) {
     SetLastError(found.exists ? ERROR_ALREADY_EXISTS
                  : hasParent  ? ERROR_ACCESS_DENIED
                               : ERROR_PATH_NOT_FOUND);
+    return false;
+}
+
+bool RemoveDirectoryW(const wchar_t* path) {
+    const ResolvedPath found = resolvePath(path != nullptr ? path : L"");
+    if (removeFolder(found.path)) return true;
+    SetLastError(found.exists ? ERROR_ACCESS_DENIED : ERROR_FILE_NOT_FOUND);
     return false;
 }
 

@@ -3,10 +3,12 @@
 #include "base/text.h"
 #include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
+#include "host/lisp/functions/program_state.h"
 #include "host/lisp/interpreter.h"
 #include "host/lisp/marshal.h"
 #include "host/seam/external_functions.h"
 #include "host/seam/host.h"
+#include "host/system/paths.h"
 #include "platform/lisp/external_functions.h"
 
 // platform/lisp/external_functions.h on the Host.
@@ -53,6 +55,14 @@ lisp::ResbufList resultToResbuf(lisp::Interpreter& in, Value value) {
     } catch (const lisp::LispError&) {
         return nullptr;
     }
+}
+
+// A function that no program has defined may stand in a program of its name on the support path.
+void loadUndefined(Host& host, Value symbol, const std::wstring& name) {
+    lisp::Interpreter& in = host.interpreter();
+    if (!in.valueOf(symbol.asSymbol()).isNil()) return;
+    const std::wstring path = host.supportPath().find(name + L".lsp");
+    if (!path.empty()) lisp::loadProgram(in, path);
 }
 
 int report(Host& host, const lisp::LispError& error) {
@@ -158,6 +168,7 @@ int acedInvoke(const resbuf* arguments, resbuf** result) {
     lisp::ResbufList answer;
     const auto outcome = inCurrentDocument(host, [&] {
         const Value name = in.symbol(upperCased(arguments->resval.rstring));
+        loadUndefined(host, name, arguments->resval.rstring);
         const Value function = in.resolveFunction(name);
         in.push(function);
         Value* const base = in.sp;

@@ -19,6 +19,14 @@ AcRxClass* newAcRxClass(const wchar_t* name, const wchar_t* parentName, int prox
                                           appName, version);
 }
 
+AcRxClass* newAcRxClass(const wchar_t* name, const wchar_t* parentName, int dwgVersion,
+                        int maintenanceVersion, int proxyFlags, AcRxClass::Constructor constructor,
+                        const wchar_t* dxfName, const wchar_t* appName,
+                        AcRxClass::AppNameChange changeAppName) {
+    return Host::the().classes().newClass(name, parentName, dwgVersion, maintenanceVersion,
+                                          proxyFlags, constructor, dxfName, appName, changeAppName);
+}
+
 void deleteAcRxClass(AcRxClass* descriptor) {
     if (descriptor != nullptr) sg::model::turnIntoProxies(*descriptor);
     Host::the().classes().deleteClass(descriptor);
@@ -53,6 +61,11 @@ bool acrxUnloadModule(const wchar_t* name, bool) {
 
 std::vector<std::wstring> acrxLoadedApplications() {
     return Host::the().modules().loadedNames();
+}
+
+void acrx_abort(const wchar_t* text) {
+    Host::the().output().reportError(text);
+    throw AcRxAbort(text);
 }
 
 bool acrxUnlockApplication(void* packet) {

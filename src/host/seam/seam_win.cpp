@@ -1,12 +1,18 @@
+#include <algorithm>
+
+#include "host/editor/command_line_output.h"
 #include "host/editor/input_source.h"
 #include "host/lisp/interpreter.h"
 #include "host/seam/host.h"
 #include "host/system/download.h"
+#include "host/system/folders.h"
 #include "host/system/mutexes.h"
+#include "host/system/random.h"
 #include "host/system/shell.h"
 #include "platform/win/download.h"
 #include "platform/win/message_box.h"
 #include "platform/win/shell.h"
+#include "platform/win/sound.h"
 #include "platform/win/system.h"
 #include "platform/win/window.h"
 
@@ -29,6 +35,12 @@ int MessageBoxW(HWND, const wchar_t* text, const wchar_t* title, unsigned flags)
         {title != nullptr ? title : L"Error", text != nullptr ? text : L"", flags});
 }
 
+// A terminal has one sound for all kinds.
+bool MessageBeep(unsigned) {
+    Host::the().output().bell();
+    return true;
+}
+
 intptr_t ShellExecuteW(HWND, const wchar_t* operation, const wchar_t* file,
                        const wchar_t* parameters, const wchar_t* directory, int) {
     const auto orEmpty = [](const wchar_t* text) { return text != nullptr ? text : L""; };
@@ -47,6 +59,32 @@ SgMutex* CreateMutexW(const void*, bool, const wchar_t* name) {
     const auto created = Host::the().mutexes().create(name);
     Host::the().lastError = created.error;
     return created.mutex;
+}
+
+void Sleep(uint32_t milliseconds) {
+    Host::the().sleep(milliseconds);
+}
+
+bool GetComputerNameW(wchar_t* name, uint32_t* size) {
+    constexpr size_t kLongestName = 15;
+    const std::wstring machine =
+        sg::environmentVariable(L"COMPUTERNAME").value_or(L"").substr(0, kLongestName);
+    const auto length = static_cast<uint32_t>(machine.size());
+    if (name == nullptr || size == nullptr || *size <= length) {
+        if (size != nullptr) *size = length + 1;
+        SetLastError(ERROR_BUFFER_OVERFLOW);
+        return false;
+    }
+    std::copy_n(machine.c_str(), length + 1, name);
+    *size = length;
+    return true;
+}
+
+int sgRandom() {
+    return Host::the().random().next();
+}
+void sgSeedRandom(uint32_t seed) {
+    Host::the().random().seed(seed);
 }
 
 bool DeleteUrlCacheEntryW(const wchar_t*) {

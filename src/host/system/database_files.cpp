@@ -12,6 +12,8 @@ namespace sg {
 
 jet::StorageOptions databaseOptions() {
     jet::StorageOptions options;
+    // A project's database is held whole: programs seek in it all day.
+    options.cacheBytes = size_t(64) << 20;
     options.findFile = [](const std::wstring& path) {
         return absolutePath(resolvePath(path).path);
     };

@@ -75,20 +75,20 @@ bool status(std::wstring_view path, struct stat& info) {
     return ::stat(toUtf8(resolvePath(path).path).c_str(), &info) == 0;
 }
 
-// Copies at most `limit` bytes, so that a file that is appended to itself under two names ends.
-CopyResult copyContent(const Descriptor& from, const Descriptor& to, int64_t limit,
-                       const std::wstring& source, const std::wstring& target) {
+// Gives all bytes of a file to `write`, which answers false when it could not take them.
+template <class Write>
+CopyResult copyContent(const Descriptor& from, const std::wstring& source,
+                       const std::wstring& target, const Write& write) {
     CopyResult result;
     std::string buffer(1 << 16, '\0');
-    while (result.bytes < limit) {
-        const auto want = std::min<int64_t>(limit - result.bytes, int64_t(buffer.size()));
-        const ssize_t got = readSome(from.get(), buffer.data(), static_cast<size_t>(want));
+    for (;;) {
+        const ssize_t got = readSome(from.get(), buffer.data(), buffer.size());
         if (got < 0) {
             static_cast<FileResult&>(result) = failure(L"read", source);
             return result;
         }
         if (got == 0) break;
-        if (!writeAll(to.get(), {buffer.data(), static_cast<size_t>(got)})) {
+        if (!write(std::string_view(buffer.data(), static_cast<size_t>(got)))) {
             static_cast<FileResult&>(result) = failure(L"write", target);
             return result;
         }
@@ -98,26 +98,68 @@ CopyResult copyContent(const Descriptor& from, const Descriptor& to, int64_t lim
     return result;
 }
 
+// A file that is about to be copied. When it can't be, or is `target` itself, `refusal` tells why.
+class CopySource {
+  public:
+    // Opening a pipe does not wait for a writer.
+    CopySource(const std::wstring& path, const std::wstring& target)
+        : file(path, O_RDONLY | O_NONBLOCK) {
+        struct stat other;
+        if (!file.isOpen() || ::fstat(file.get(), &info) != 0) {
+            refusal = failure(L"read", path);
+        } else if (S_ISDIR(info.st_mode)) {
+            refusal = failure(L"copy", path, L"it is a folder");
+        } else if (!S_ISREG(info.st_mode)) {
+            refusal = failure(L"copy", path, L"it is a device or a pipe");
+        } else if (::stat(toUtf8(target).c_str(), &other) == 0) {
+            targetExists = true;
+            if (info.st_dev == other.st_dev && info.st_ino == other.st_ino) {
+                refusal = failure(L"copy", path, L"source and target are the same file");
+            }
+        }
+    }
+
+    const Descriptor file;
+    struct stat info {};
+    bool targetExists = false;
+    FileResult refusal{true, {}};
+};
+
 }  // namespace
 
 CopyResult copyFile(std::wstring_view from, std::wstring_view to, bool append) {
     const std::wstring source = resolvePath(from).path;
     const std::wstring target = resolvePath(to).path;
-    const Descriptor in(source, O_RDONLY);
-    if (!in.isOpen()) return {failure(L"read", source)};
-    struct stat info, other;
-    if (::fstat(in.get(), &info) != 0) return {failure(L"read", source)};
-    if (S_ISDIR(info.st_mode)) return {failure(L"copy", source, L"it is a folder")};
-    const bool existed = ::stat(toUtf8(target).c_str(), &other) == 0;
-    if (existed && info.st_dev == other.st_dev && info.st_ino == other.st_ino) {
-        return {failure(L"copy", source, L"source and target are the same file")};
-    }
+    const CopySource in(source, target);
+    if (!in.refusal) return {in.refusal};
 
-    Descriptor out(target, O_WRONLY | O_CREAT | (append ? O_APPEND : O_EXCL), info.st_mode & 0777);
+    Descriptor out(target, O_WRONLY | O_CREAT | (append ? O_APPEND : O_EXCL),
+                   in.info.st_mode & 0777);
     if (!out.isOpen()) return {failure(L"write", target)};
-    CopyResult result = copyContent(in, out, INT64_MAX, source, target);
+    CopyResult result = copyContent(in.file, source, target, [&](std::string_view bytes) {
+        return writeAll(out.get(), bytes);
+    });
     if (result.ok && !out.close()) static_cast<FileResult&>(result) = failure(L"write", target);
-    if (!result.ok && !existed) ::unlink(toUtf8(target).c_str());
+    if (!result.ok && !in.targetExists) ::unlink(toUtf8(target).c_str());
+    return result;
+}
+
+CopyResult copyOverFile(std::wstring_view from, std::wstring_view to) {
+    const std::wstring source = resolvePath(from).path;
+    const std::wstring target = resolvePath(to).path;
+    const CopySource in(source, target);
+    if (!in.refusal) return {in.refusal};
+    if (isReadOnly(target)) return {failure(L"write", target, EACCES)};
+
+    ReplacementFile out(target);
+    if (!out.isOpen()) return {failure(L"write", target, out.error())};
+    CopyResult result = copyContent(in.file, source, target,
+                                    [&](std::string_view bytes) { return out.write(bytes); });
+    if (!result.ok) return result;
+    const std::timespec times[] = {in.info.st_atim, in.info.st_mtim};
+    ::fchmod(out.descriptor(), in.info.st_mode & 0777);
+    ::futimens(out.descriptor(), times);
+    if (!out.commit()) static_cast<FileResult&>(result) = failure(L"write", target, out.error());
     return result;
 }
 
@@ -149,6 +191,12 @@ FileResult makeFolder(std::wstring_view path) {
     return failure(L"make folder", folder.path);
 }
 
+FileResult removeFolder(std::wstring_view path) {
+    const std::wstring folder = resolvePath(path).path;
+    if (::rmdir(toUtf8(folder).c_str()) == 0) return {true, {}};
+    return failure(L"remove folder", folder);
+}
+
 bool isFile(std::wstring_view path) {
     struct stat info;
     return status(path, info) && !S_ISDIR(info.st_mode);
@@ -162,6 +210,13 @@ bool isFolder(std::wstring_view path) {
 bool isRegularFile(std::wstring_view path) {
     struct stat info;
     return status(path, info) && S_ISREG(info.st_mode);
+}
+
+bool isReadOnly(std::wstring_view path) {
+    struct stat info;
+    if (!status(path, info)) return false;
+    const bool nobodyMayWrite = (info.st_mode & 0222) == 0;
+    return nobodyMayWrite || ::access(toUtf8(resolvePath(path).path).c_str(), W_OK) != 0;
 }
 
 std::optional<int64_t> fileSize(std::wstring_view path) {
@@ -178,14 +233,34 @@ std::optional<std::timespec> fileTime(std::wstring_view path) {
 
 std::optional<std::string> readFile(std::wstring_view path) {
     const Descriptor file(resolvePath(path).path, O_RDONLY);
-    if (!file.isOpen()) return std::nullopt;
-    std::string content, buffer(1 << 16, '\0');
-    for (;;) {
-        const ssize_t got = readSome(file.get(), buffer.data(), buffer.size());
+    struct stat info;
+    if (!file.isOpen() || ::fstat(file.get(), &info) != 0) return std::nullopt;
+    // The size is where to begin: a file may grow, and some that are no files on a disk have none.
+    std::string content(static_cast<size_t>(info.st_size > 0 ? info.st_size : 0) + 1, '\0');
+    for (size_t length = 0;;) {
+        if (length == content.size()) content.resize(2 * length);
+        const ssize_t got = readSome(file.get(), content.data() + length, content.size() - length);
         if (got < 0) return std::nullopt;
-        if (got == 0) return content;
-        content.append(buffer, 0, static_cast<size_t>(got));
+        length += static_cast<size_t>(got);
+        if (got > 0) continue;
+        content.resize(length);
+        return content;
     }
+}
+
+std::optional<std::string> readFileStart(std::wstring_view path, size_t count) {
+    const Descriptor file(resolvePath(path).path, O_RDONLY);
+    if (!file.isOpen()) return std::nullopt;
+    std::string start(count, '\0');
+    size_t length = 0;
+    while (length < count) {
+        const ssize_t got = readSome(file.get(), start.data() + length, count - length);
+        if (got < 0) return std::nullopt;
+        if (got == 0) break;
+        length += static_cast<size_t>(got);
+    }
+    start.resize(length);
+    return start;
 }
 
 FileResult writeFileAtomically(std::wstring_view path, std::string_view content) {

@@ -26,6 +26,11 @@ struct CopyResult : FileResult {
 // file onto itself, is refused; a failed copy leaves no new file.
 SG_API CopyResult copyFile(std::wstring_view from, std::wstring_view to, bool append);
 
+// The same, in place of what the target has, which stays as it is until the copy is whole. Its
+// permissions and its time of the last change go with the content. A target that is read-only, or a
+// folder, is refused.
+SG_API CopyResult copyOverFile(std::wstring_view from, std::wstring_view to);
+
 // Moves or renames a file, also to another file system. The target must not exist.
 SG_API FileResult renameFile(std::wstring_view from, std::wstring_view to);
 
@@ -35,15 +40,23 @@ SG_API FileResult deleteFile(std::wstring_view path);
 // Makes one folder, whose parent must exist. It is refused when something of that name does.
 SG_API FileResult makeFolder(std::wstring_view path);
 
+// Removes an empty folder.
+SG_API FileResult removeFolder(std::wstring_view path);
+
 SG_API bool isFile(std::wstring_view path);
 SG_API bool isFolder(std::wstring_view path);
 SG_API bool isRegularFile(std::wstring_view path);  // neither a folder nor a device or the like
+// There, and nobody may write it or this process may not. What nobody may write is read-only for
+// the system's administrator too.
+SG_API bool isReadOnly(std::wstring_view path);
 SG_API std::optional<int64_t> fileSize(std::wstring_view path);        // bytes; 0 for a folder
 SG_API std::optional<std::timespec> fileTime(std::wstring_view path);  // of its last change
 
 // The whole content; nullopt when the file cannot be read. And writing it so that the file has
 // either the old content or the new one at any time: a file beside it is synced and renamed.
 SG_API std::optional<std::string> readFile(std::wstring_view path);
+// The first `count` bytes, or as many as there are.
+SG_API std::optional<std::string> readFileStart(std::wstring_view path, size_t count);
 SG_API FileResult writeFileAtomically(std::wstring_view path, std::string_view content);
 
 // Names for temporary files. None is answered twice, and files that were made under them are

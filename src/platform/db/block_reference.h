@@ -37,6 +37,7 @@ class SG_API AcDbBlockReference : public AcDbEntity {
     Acad::ErrorStatus appendAttribute(AcDbAttribute* attribute);
     std::unique_ptr<AcDbObjectIterator> attributeIterator() const;
     const std::vector<AcDbHardOwnershipId>& attributeIds() const { return attributes_; }
+    AcDbObjectId sequenceEndId() const { return sequenceEnd_; }  // null without attributes
 
     // The block's entities, moved to where they show, appended to the owner of this reference.
     Acad::ErrorStatus explodeToOwnerSpace() const;
@@ -89,10 +90,10 @@ class SG_API AcDbBlockReference : public AcDbEntity {
     AcGeMatrix3d placement() const;
     Acad::ErrorStatus place(const AcGeMatrix3d& placement);
     Acad::ErrorStatus needSequenceEnd();
-    // Calls `visit` with a copy of each entity of the block, as it shows; it owns the copy. Ends
-    // with the first status other than eOk.
-    template <class Visit>
-    Acad::ErrorStatus forEachShown(const Visit& visit) const;
+    std::vector<AcGeMatrix3d> shownAt() const;  // from the block to the world, of each copy
+    // Asks a copy of each entity of the block, as it shows, until one answers other than eOk.
+    template <class Ask>
+    Acad::ErrorStatus askShown(const Ask& ask) const;
 
     AcDbHardPointerId block_;
     AcGePoint3d position_;

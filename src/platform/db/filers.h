@@ -119,10 +119,10 @@ class SG_API AcDbDxfFiler {
 
     // --- Reading
 
-    // The next group of the object's class data. eEndOfFile when the object's groups are over. A
-    // subclass marker (100) is a group like any other here. Of a group that holds an object, the
-    // value is its entity name, for handles too. A string belongs to the filer and holds until the
-    // next call.
+    // The next group of the object's class data. eEndOfFile when the object's groups are over; that
+    // is no failure, and filerStatus() stays as it is. A subclass marker (100) is a group like any
+    // other here. Of a group that holds an object, the value is its entity name, for handles too. A
+    // string belongs to the filer and holds until the next call.
     virtual Acad::ErrorStatus readItem(resbuf* group) = 0;
     // The group that was read last is given again by the next readItem().
     virtual Acad::ErrorStatus pushBackItem() = 0;

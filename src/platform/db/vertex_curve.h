@@ -8,6 +8,8 @@
 
 namespace sg::model {
 
+struct ObjectAccess;
+
 // A vertex in the order of its polyline: an object of the database, or one that the polyline owns.
 struct VertexSlot {
     AcDbObjectId id;
@@ -22,6 +24,9 @@ class SG_API VertexCurve : public AcDbCurve {
     ~VertexCurve() override;
 
     std::unique_ptr<AcDbObjectIterator> vertexIterator() const;
+    // The vertex behind one of them, erased ones left out; the first for the null id. Null behind
+    // the last, for what is no vertex of this, and outside a database.
+    AcDbObjectId vertexAfter(AcDbObjectId vertex) const;
     AcDbObjectId sequenceEndId() const { return sequenceEnd_; }  // null outside a database
 
     Acad::ErrorStatus setOwnerId(AcDbObjectId owner) override;
@@ -84,6 +89,7 @@ class SG_API VertexCurve : public AcDbCurve {
     Acad::ErrorStatus subClose() override;
 
   private:
+    friend struct ObjectAccess;
     class Iterator;
 
     template <class Visit>

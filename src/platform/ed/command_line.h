@@ -24,3 +24,7 @@ SG_API int acedGraphScr();
 SG_API int acedGetVar(const wchar_t* name, resbuf* result);
 // RTERROR for an unknown or read-only name, a value of the wrong type or outside its range.
 SG_API int acedSetVar(const wchar_t* name, const resbuf* value);
+
+// Whether the user has asked to stop what is running; a module that works for long looks now and
+// then, and ends early. 1 or 0.
+SG_API int acedUsrBrk();

@@ -50,7 +50,8 @@ SG_API int acedRetVal(const resbuf* value);             // one node
 SG_API int acedRetList(const resbuf* list);
 
 // Calls the LISP function that the first node names (RTSTR) with the remaining nodes as arguments,
-// in the active document. On RTNORM `result` is a new list that the caller releases, or null for a
+// in the active document. A name that nothing defines loads the program of that name from the
+// support path. On RTNORM `result` is a new list that the caller releases, or null for a
 // result that no node holds. RTERROR: the function is unknown or failed (its error is reported).
 // RTCAN: the user cancelled.
 SG_API int acedInvoke(const resbuf* arguments, resbuf** result);

@@ -93,6 +93,11 @@ SG_API wchar_t* acutNewString(const wchar_t* text);
 SG_API wchar_t* acutNewString(const wchar_t* text, size_t length);
 SG_API void acutDelString(wchar_t*& text);
 
+// The same text, which a node owns, for one more node; nobody may write over it then. Lists that
+// repeat a text millions of times, as those of a query's records do, have it once. Null when memory
+// is exhausted. This host's own.
+SG_API wchar_t* sgShareNodeString(wchar_t* text);
+
 // The number of nodes that are allocated and not yet released. Tests compare it before and after a
 // call.
 SG_API size_t acutLiveNodeCount();

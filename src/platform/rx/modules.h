@@ -1,8 +1,10 @@
 #pragma once
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "base/encoding.h"
 #include "base/export.h"
 
 // Loads a module: a shared object, found under its path or on the support path, whose entry point
@@ -22,3 +24,13 @@ SG_API std::vector<std::wstring> acrxLoadedApplications();
 // entry point was given.
 SG_API bool acrxUnlockApplication(void* packet);
 SG_API bool acrxRegisterAppMDIAware(void* packet);
+
+// What acrx_abort throws.
+class SG_API AcRxAbort : public std::runtime_error {
+  public:
+    explicit AcRxAbort(const wchar_t* text) : std::runtime_error(sg::toUtf8(text)) {}
+};
+
+// Ends what a module is doing because it cannot go on: reports the text as an error and throws
+// AcRxAbort, which ends the message that the module's entry point was sent. The process goes on.
+[[noreturn]] SG_API void acrx_abort(const wchar_t* text);

@@ -10,6 +10,8 @@
 class SG_API AcRxClass : public AcRxObject {
   public:
     using Constructor = AcRxObject* (*)();
+    // Called before a drawing of a release is written; may change the application's text in it.
+    using AppNameChange = void (*)(const AcRxClass* descriptor, std::wstring& appName, int release);
 
     const wchar_t* name() const { return name_.c_str(); }
     const wchar_t* dxfName() const { return dxfName_.c_str(); }  // empty: not filed
@@ -17,6 +19,13 @@ class SG_API AcRxClass : public AcRxObject {
     const wchar_t* parentName() const { return parentName_.c_str(); }
     int proxyFlags() const { return proxyFlags_; }
     int version() const { return version_; }
+    // The first release of drawing files, and its maintenance release, that have objects of the
+    // class; 0 for a class that came without them.
+    void getClassVersion(int& dwgVersion, int& maintenanceVersion) const {
+        dwgVersion = dwgVersion_;
+        maintenanceVersion = maintenanceVersion_;
+    }
+    std::wstring appNameFor(int release) const;
 
     // The parent descriptor; null for the root, and until acrxBuildClassHierarchy.
     AcRxClass* myParent() const { return parent_; }
@@ -40,6 +49,9 @@ class SG_API AcRxClass : public AcRxObject {
     std::wstring name_, parentName_, dxfName_, appName_;
     int proxyFlags_ = 0;
     int version_ = 0;
+    int dwgVersion_ = 0;
+    int maintenanceVersion_ = 0;
+    AppNameChange changeAppName_ = nullptr;
     Constructor construct_ = nullptr;
     AcRxClass* parent_ = nullptr;
     std::map<const AcRxClass*, AcRxObject*> extensions_;
@@ -52,6 +64,15 @@ SG_API AcRxClass* newAcRxClass(const wchar_t* name, const wchar_t* parentName, i
                                AcRxClass::Constructor constructor = nullptr,
                                const wchar_t* dxfName = nullptr, const wchar_t* appName = nullptr,
                                int version = 0);
+
+// The same for a class of an application whose objects go into drawing files.
+SG_API AcRxClass* newAcRxClass(const wchar_t* name, const wchar_t* parentName, int dwgVersion,
+                               int maintenanceVersion, int proxyFlags,
+                               AcRxClass::Constructor constructor, const wchar_t* dxfName,
+                               const wchar_t* appName,
+                               AcRxClass::AppNameChange changeAppName = nullptr);
+
+using AppNameChangeFuncPtr = AcRxClass::AppNameChange;
 
 // Takes a class out of the dictionary and destroys its descriptor.
 SG_API void deleteAcRxClass(AcRxClass* descriptor);

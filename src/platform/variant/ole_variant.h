@@ -86,6 +86,14 @@ class COleVariant : public VARIANT {
         return result;
     }
 
+    // The string of `text`, a VT_BSTR, once more, as sgShareBstr tells.
+    static COleVariant sharing(const COleVariant& text) {
+        COleVariant result;
+        result.bstrVal = sgShareBstr(text.bstrVal);
+        result.vt = VT_BSTR;
+        return result;
+    }
+
     // Takes over what `source` owns, and gives what this one owns away; the giver is left VT_EMPTY.
     static COleVariant adopt(VARIANT& source) noexcept {
         COleVariant result;

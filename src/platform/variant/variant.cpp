@@ -10,13 +10,15 @@
 
 namespace {
 
-// The length stands in front of the characters, in a field as wide as the allocator's alignment.
-constexpr size_t kPrefixBytes = sizeof(size_t);
-constexpr size_t kMaximumLength =
-    (std::numeric_limits<size_t>::max() - kPrefixBytes) / sizeof(wchar_t) - 1;
+// Stands in front of the characters, and is as long as the allocator's alignment is for them.
+struct Prefix {
+    uint32_t length;
+    uint32_t sharers;  // holders besides the first
+};
+constexpr size_t kMaximumLength = std::numeric_limits<uint32_t>::max();
 
-const char* prefixOf(const wchar_t* text) {
-    return reinterpret_cast<const char*>(text) - kPrefixBytes;
+Prefix* prefixOf(BSTR text) {
+    return reinterpret_cast<Prefix*>(reinterpret_cast<char*>(text) - sizeof(Prefix));
 }
 
 }  // namespace
@@ -28,10 +30,10 @@ BSTR SysAllocString(const wchar_t* text) {
 BSTR SysAllocStringLen(const wchar_t* text, size_t length) {
     if (length > kMaximumLength) return nullptr;
     const size_t bytes = length * sizeof(wchar_t);
-    char* block = static_cast<char*>(std::malloc(kPrefixBytes + bytes + sizeof(wchar_t)));
+    char* block = static_cast<char*>(std::malloc(sizeof(Prefix) + bytes + sizeof(wchar_t)));
     if (block == nullptr) return nullptr;
-    std::memcpy(block, &length, sizeof length);
-    BSTR result = reinterpret_cast<BSTR>(block + kPrefixBytes);
+    new (block) Prefix{static_cast<uint32_t>(length), 0};
+    BSTR result = reinterpret_cast<BSTR>(block + sizeof(Prefix));
     if (text == nullptr) {
         std::memset(result, 0, bytes);
     } else if (bytes != 0) {
@@ -41,15 +43,28 @@ BSTR SysAllocStringLen(const wchar_t* text, size_t length) {
     return result;
 }
 
+BSTR sgShareBstr(BSTR text) {
+    if (text == nullptr) return nullptr;
+    Prefix& prefix = *prefixOf(text);
+    if (prefix.sharers == std::numeric_limits<uint32_t>::max()) {
+        return SysAllocStringLen(text, prefix.length);
+    }
+    ++prefix.sharers;
+    return text;
+}
+
 void SysFreeString(BSTR text) {
-    if (text != nullptr) std::free(const_cast<char*>(prefixOf(text)));
+    if (text == nullptr) return;
+    Prefix* const prefix = prefixOf(text);
+    if (prefix->sharers != 0) {
+        --prefix->sharers;
+    } else {
+        std::free(prefix);
+    }
 }
 
 size_t SysStringLen(const wchar_t* text) {
-    if (text == nullptr) return 0;
-    size_t length = 0;
-    std::memcpy(&length, prefixOf(text), sizeof length);
-    return length;
+    return text == nullptr ? 0 : prefixOf(const_cast<BSTR>(text))->length;
 }
 
 HRESULT VariantClear(VARIANT* variant) {

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "base/export.h"
+#include "platform/win/hresult.h"
 
 // VARIANT: one value together with its type, as the database engine takes and gives it.
 
@@ -70,12 +71,13 @@ struct VARIANT {
 SG_API BSTR SysAllocString(const wchar_t* text);
 SG_API BSTR SysAllocStringLen(const wchar_t* text, size_t length);
 SG_API void SysFreeString(BSTR text);
+// The same string for one more holder, each of whom frees it and none of whom writes over it. For
+// texts that come again and again, as the names of a query's fields do. This host's own.
+SG_API BSTR sgShareBstr(BSTR text);
 // Characters without the final zero; 0 for null.
 SG_API size_t SysStringLen(const wchar_t* text);
 
-// What VariantClear and VariantCopy answer.
-using HRESULT = int32_t;
-inline constexpr HRESULT S_OK = 0;
+// What VariantClear and VariantCopy answer besides S_OK.
 inline constexpr HRESULT E_OUTOFMEMORY = static_cast<HRESULT>(0x8007000E);
 
 // Makes `variant` VT_EMPTY without looking at what it held.

@@ -35,3 +35,6 @@ SG_API bool FindClose(SgFileSearch* search);
 // none, the name that a new one would get. For libraries that open files by themselves. This host's
 // own.
 SG_API std::wstring sgResolvePath(std::wstring_view path);
+
+// The same as an absolute path. This host's own.
+SG_API std::wstring sgFullPath(std::wstring_view path);

@@ -4,6 +4,7 @@
 
 #include "base/export.h"
 #include "platform/win/files.h"
+#include "platform/win/hresult.h"
 #include "platform/win/window.h"
 
 // Folders, and what the files in them are.
@@ -18,7 +19,6 @@ enum : int {
     CSIDL_DESKTOPDIRECTORY = 0x10,
     CSIDL_FLAG_CREATE = 0x8000,  // make the folder when it is not there
 };
-enum : int32_t { S_OK = 0 };
 
 // Writes one of the user's folders, without "/" at its end, into `path`, which has room for
 // MAX_PATH characters. S_OK; any other answer is a failure, as for a folder that is not there, and
@@ -36,3 +36,5 @@ SG_API uint32_t GetFileAttributesW(const wchar_t* path);
 // Makes one folder, whose parent must exist. False, and GetLastError() tells why, when it cannot be
 // made or is there already.
 SG_API bool CreateDirectoryW(const wchar_t* path, const void* security);
+// Removes an empty folder. False, and GetLastError() tells why, when it cannot be.
+SG_API bool RemoveDirectoryW(const wchar_t* path);

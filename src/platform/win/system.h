@@ -18,6 +18,7 @@ enum : uint32_t {
     ERROR_INVALID_DATA = 13,
     ERROR_NO_MORE_FILES = 18,
     ERROR_INVALID_PARAMETER = 87,
+    ERROR_BUFFER_OVERFLOW = 111,
     ERROR_ALREADY_EXISTS = 183,
     ERROR_MORE_DATA = 234,
 };
@@ -26,3 +27,15 @@ enum : uint32_t {
 // Mutexes live as long as the host.
 struct SgMutex;
 SG_API SgMutex* CreateMutexW(const void* attributes, bool owned, const wchar_t* name);
+
+// Lets the thread rest; other programs go on.
+SG_API void Sleep(uint32_t milliseconds);
+
+// The machine's name, at most `*size` characters with the final zero; `*size` is then the number
+// of characters without it. False, with `*size` what it would take, when the buffer is too small.
+SG_API bool GetComputerNameW(wchar_t* name, uint32_t* size);
+
+// The one random generator: a whole number from 0 to 32767. The same seed gives the same numbers.
+// This host's own.
+SG_API int sgRandom();
+SG_API void sgSeedRandom(uint32_t seed);

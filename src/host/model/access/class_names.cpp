@@ -7,22 +7,28 @@
 #include "base/text.h"
 #include "host/model/access/entity_maker.h"
 #include "host/model/curves/polyline_3d.h"
+#include "host/model/entities/dimension/kinds.h"
 #include "host/model/tables/dim_style_table.h"
-#include "host/model/tables/names.h"
 #include "host/model/tables/reg_app_table.h"
 #include "host/model/tables/view_tables.h"
 #include "host/rx/class_registry.h"
 #include "host/seam/host.h"
+#include "platform/db/block_reference.h"
 #include "platform/db/polyline_2d.h"
 
 namespace sg::model {
 namespace {
 
-enum : int { kType = 0, kFlags = 70, kMarker = 100 };
+enum : int { kType = 0, kFlags = 70, kColumns = 70, kRows = 71, kMarker = 100 };
 constexpr int k3dPolyline = 8;
 constexpr int kMesh = 16;
 constexpr int k3dVertex = 32;
 constexpr int kPolyface = 64;
+
+int flagAt(const resbuf* groups, int code) {
+    const resbuf* const group = findGroup(groups, code);
+    return group == nullptr ? 0 : group->resval.rint;
+}
 
 bool hasMarker(const resbuf* groups, const wchar_t* name) {
     for (const resbuf* group = groups; group != nullptr; group = group->rbnext) {
@@ -43,6 +49,40 @@ const AcRxClass* polylineClass(int flags) {
 const AcRxClass* vertexClass(int flags) {
     if ((flags & kPolyface) != 0) return nullptr;
     return (flags & k3dVertex) != 0 ? AcDb3dPolylineVertex::desc() : AcDb2dVertex::desc();
+}
+
+// By the markers, or where a list has none, by the kind in the flags.
+const AcRxClass* dimensionClass(const resbuf* groups, int flags) {
+    // A class before the one that it stands on.
+    for (AcRxClass* const each : {AcDbRotatedDimension::desc(), AcDbAlignedDimension::desc(),
+                                  AcDb2LineAngularDimension::desc(),
+                                  AcDb3PointAngularDimension::desc(), AcDbRadialDimension::desc(),
+                                  AcDbDiametricDimension::desc(), AcDbOrdinateDimension::desc()}) {
+        if (hasMarker(groups, each->name())) return each;
+    }
+    using Kind = AcDbDimension::Kind;
+    switch (static_cast<Kind>(flags & 7)) {
+        case Kind::Aligned:
+            return AcDbAlignedDimension::desc();
+        case Kind::Angular2Line:
+            return AcDb2LineAngularDimension::desc();
+        case Kind::Angular3Point:
+            return AcDb3PointAngularDimension::desc();
+        case Kind::Diametric:
+            return AcDbDiametricDimension::desc();
+        case Kind::Radial:
+            return AcDbRadialDimension::desc();
+        case Kind::Ordinate:
+            return AcDbOrdinateDimension::desc();
+        default:
+            return AcDbRotatedDimension::desc();
+    }
+}
+
+const AcRxClass* insertClass(const resbuf* groups) {
+    const bool isArray = hasMarker(groups, L"AcDbMInsertBlock") || flagAt(groups, kColumns) > 1 ||
+                         flagAt(groups, kRows) > 1;
+    return isArray ? AcDbMInsertBlock::desc() : AcDbBlockReference::desc();
 }
 
 struct Table {
@@ -66,9 +106,8 @@ constexpr std::array kTables = {
 const AcRxClass* classOfGroups(const resbuf* groups) {
     const resbuf* const type = findGroup(groups, kType);
     if (type == nullptr || type->resval.rstring == nullptr) return nullptr;
-    const std::wstring name = foldName(type->resval.rstring);
-    const resbuf* const flags = findGroup(groups, kFlags);
-    const int bits = flags == nullptr ? 0 : flags->resval.rint;
+    const std::wstring name = upperCased(type->resval.rstring);
+    const int bits = flagAt(groups, kFlags);
     if (name == L"POLYLINE") {
         return hasMarker(groups, L"AcDb3dPolyline") ? AcDb3dPolyline::desc() : polylineClass(bits);
     }
@@ -76,6 +115,8 @@ const AcRxClass* classOfGroups(const resbuf* groups) {
         return hasMarker(groups, L"AcDb3dPolylineVertex") ? AcDb3dPolylineVertex::desc()
                                                           : vertexClass(bits);
     }
+    if (name == L"DIMENSION") return dimensionClass(groups, bits);
+    if (name == L"INSERT") return insertClass(groups);
     return Host::the().classes().findByDxfName(name);
 }
 
@@ -96,13 +137,6 @@ AcDbObjectId tableNamed(const AcDbDatabase& database, std::wstring_view name) {
         if (equalIgnoringCase(table.name, name)) return (database.*table.id)();
     }
     return {};
-}
-
-std::wstring freeBlockName(const AcDbBlockTable& table, const std::wstring& prefix) {
-    for (int number = 1;; ++number) {
-        const std::wstring name = prefix + std::to_wstring(number);
-        if (!table.has(name.c_str())) return name;
-    }
 }
 
 }  // namespace sg::model

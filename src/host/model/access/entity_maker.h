@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/export.h"
+#include "platform/db/block_reference.h"
 #include "platform/db/database.h"
 #include "platform/lisp/resbuf.h"
 
@@ -34,6 +35,7 @@ class SG_API EntityMaker {
     void reset();
 
   private:
+    bool wouldShowItself(const AcDbBlockReference& reference) const;
     Result makeEntity(const resbuf* groups, const AcRxClass* type);
     Result beginBlock(const resbuf* groups);
     Result endBlock();
@@ -54,8 +56,20 @@ class SG_API EntityMaker {
     std::wstring blockName_;  // what it is to be called
 };
 
-// Makes the layer that a list of groups names (8) when it is not there.
-SG_API void needLayer(AcDbDatabase& database, const resbuf* groups);
+// Makes the layer that a list of groups names (8) when it is not there. Unless it is kept it goes
+// with this: what fails leaves no layer behind.
+class SG_API NeededLayer {
+  public:
+    NeededLayer(AcDbDatabase& database, const resbuf* groups);
+    ~NeededLayer();
+    NeededLayer(const NeededLayer&) = delete;
+    NeededLayer& operator=(const NeededLayer&) = delete;
+
+    void keep() { made_.setNull(); }
+
+  private:
+    AcDbObjectId made_;  // null when the layer was there
+};
 
 // The first group with this code; null when there is none.
 SG_API const resbuf* findGroup(const resbuf* groups, int code);

@@ -19,6 +19,25 @@ int16_t blockFlags(const AcDbBlockTableRecord& block) {
     return static_cast<int16_t>(flags);
 }
 
+// As a drawing file has the block.
+void writeFiled(AcDbDxfFiler& filer, const AcDbBlockTableRecord& block) {
+    filer.writeString(2, block.name());
+    filer.writeInt16(70, blockFlags(block));
+    filer.writePoint3d(10, block.origin());
+    filer.writeString(3, block.name());
+    filer.writeString(1, ObjectAccess::contents(block).path);
+}
+
+// As entget has it, with the first entity.
+void writeListed(AcDbDxfFiler& filer, const AcDbBlockTableRecord& block) {
+    filer.writeInt16(70, blockFlags(block));
+    filer.writePoint3d(10, block.origin());
+    const AcDbObjectId first = sg::model::entityAfter(block, AcDbObjectId());
+    if (!first.isNull()) filer.writeObjectId(-2, first);
+    filer.writeString(2, block.name());
+    filer.writeString(1, ObjectAccess::contents(block).path);
+}
+
 }  // namespace
 
 Acad::ErrorStatus AcDbBlockBegin::dxfOutFields(AcDbDxfFiler* filer) const {
@@ -26,11 +45,11 @@ Acad::ErrorStatus AcDbBlockBegin::dxfOutFields(AcDbDxfFiler* filer) const {
     filer->writeString(100, L"AcDbBlockBegin");
     AcDbBlockTableRecord* block = nullptr;
     if (acdbOpenObject(block, ownerId(), AcDb::kForRead) != Acad::eOk) return filer->filerStatus();
-    filer->writeString(2, block->name());
-    filer->writeInt16(70, blockFlags(*block));
-    filer->writePoint3d(10, block->origin());
-    filer->writeString(3, block->name());
-    filer->writeString(1, ObjectAccess::contents(*block).path);
+    if (filer->filerType() == AcDb::kBagFiler) {
+        writeListed(*filer, *block);
+    } else {
+        writeFiled(*filer, *block);
+    }
     if (!block->comments().empty()) filer->writeString(4, block->comments());
     block->close();
     return filer->filerStatus();

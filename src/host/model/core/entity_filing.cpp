@@ -62,6 +62,8 @@ std::wstring layoutName(const AcDbBlockTableRecord& block) {
 
 // entget says of every entity in which space it stands, a file only of those in paper space.
 void writeSpace(AcDbDxfFiler& filer, AcDbObjectId owner) {
+    // A vertex or an attribute stands where the entity does that it belongs to.
+    if (const auto* const whole = peek<AcDbEntity>(owner)) owner = whole->ownerId();
     const auto* const block = peek<AcDbBlockTableRecord>(owner);
     const bool isBag = filer.filerType() == AcDb::kBagFiler;
     const bool isSpace = block != nullptr && block->isLayout();
@@ -114,8 +116,7 @@ void readColorIndex(AcDbEntity& entity, int32_t index) {
 
 void readTrueColor(AcDbEntity& entity, int32_t rgb) {
     AcCmColor color;
-    color.setRGB(static_cast<uint8_t>(rgb >> 16), static_cast<uint8_t>(rgb >> 8),
-                 static_cast<uint8_t>(rgb));
+    sg::model::setTrueColor(color, rgb);
     entity.setColor(color);
 }
 

@@ -280,12 +280,8 @@ Acad::ErrorStatus AcDbSymbolTable::dxfInFields(AcDbDxfFiler* filer) {
     const Acad::ErrorStatus status = AcDbObject::dxfInFields(filer);
     if (status != Acad::eOk || !filer->atSubclassData(L"AcDbSymbolTable")) return status;
     resbuf group{};
-    while (filer->readItem(&group) == Acad::eOk && group.restype != 100) {
-    }
-    if (filer->filerStatus() == Acad::eEndOfFile) {
-        filer->resetFilerStatus();
-    } else {
-        filer->pushBackItem();
+    while (filer->readItem(&group) == Acad::eOk) {
+        if (group.restype == 100) return filer->pushBackItem();
     }
     return filer->filerStatus();
 }

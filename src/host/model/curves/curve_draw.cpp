@@ -1,7 +1,7 @@
-#include <algorithm>
 #include <cmath>
 #include <vector>
 
+#include "host/model/curves/chords.h"
 #include "host/model/curves/curve_access.h"
 #include "platform/db/curve.h"
 #include "platform/gi/draw.h"
@@ -12,39 +12,6 @@ using sg::model::Piece;
 using sg::model::Span;
 
 namespace {
-
-constexpr int kMostHalvings = 10;
-
-// Appends points between two parameters, the last one included, so that chords stand off the curve
-// by no more than `deviation`.
-void appendChords(const Piece& piece, double from, double to, double deviation, int halvings,
-                  std::vector<AcGePoint3d>& points) {
-    const AcGePoint3d start = piece.at(from);
-    const AcGePoint3d end = piece.at(to);
-    const double middle = (from + to) / 2;
-    const Piece chord = Piece::line(start, end);
-    const auto off = [&](double t) {
-        const AcGePoint3d point = piece.at(t);
-        return chord.at(chord.closest(point)).distanceTo(point);
-    };
-    const bool flat = off(middle) <= deviation && off((from + middle) / 2) <= deviation &&
-                      off((middle + to) / 2) <= deviation;
-    if (flat || halvings == 0) {
-        points.push_back(end);
-        return;
-    }
-    appendChords(piece, from, middle, deviation, halvings - 1, points);
-    appendChords(piece, middle, to, deviation, halvings - 1, points);
-}
-
-std::vector<AcGePoint3d> chordsOf(const Piece& piece, double deviation) {
-    std::vector<AcGePoint3d> points{piece.start()};
-    const std::vector<double> stops = piece.samples();
-    for (size_t i = 1; i < stops.size(); ++i) {
-        appendChords(piece, stops[i - 1], stops[i], deviation, kMostHalvings, points);
-    }
-    return points;
-}
 
 // A chain of straight pieces goes out as one polyline, so that its linetype runs through.
 class ShapeDrawer {
@@ -71,7 +38,7 @@ class ShapeDrawer {
             flush();
             double deviation = draw_->deviation(piece.start());
             if (!(deviation > 0)) deviation = shape_.tolerance() * 1e3;
-            chain_ = chordsOf(piece, deviation);
+            chain_ = sg::model::chordsOf(piece, deviation);
             flush();
         }
     }

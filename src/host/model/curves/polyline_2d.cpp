@@ -371,7 +371,7 @@ Acad::ErrorStatus AcDb2dPolyline::dxfOutFields(AcDbDxfFiler* filer) const {
     filer->writeString(100, L"AcDb2dPolyline");
     filer->writeInt16(66, 1);
     filer->writePoint3d(10, {0, 0, elevation_});
-    if (all || thickness_ != 0) filer->writeDouble(39, thickness_);
+    writeThickness(filer, thickness_);
     if (all || flags != 0) filer->writeInt16(70, static_cast<int16_t>(flags));
     if (all || startWidth_ != 0 || endWidth_ != 0) {
         filer->writeDouble(40, startWidth_);

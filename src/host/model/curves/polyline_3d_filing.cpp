@@ -131,7 +131,6 @@ Acad::ErrorStatus AcDb3dPolyline::dxfOutFields(AcDbDxfFiler* filer) const {
     filer->writeString(100, L"AcDb3dPolyline");
     filer->writeInt16(66, 1);
     filer->writePoint3d(10, AcGePoint3d());
-    if (all) filer->writeDouble(39, 0);
     filer->writeInt16(70, static_cast<int16_t>(flags));
     if (all) {
         for (const int code : {40, 41})

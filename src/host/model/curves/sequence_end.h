@@ -8,4 +8,6 @@ class SG_API AcDbSequenceEnd : public AcDbEntity {
     ACRX_DECLARE_MEMBERS(AcDbSequenceEnd)
     AcDbSequenceEnd();
     ~AcDbSequenceEnd() override;
+
+    Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
 };

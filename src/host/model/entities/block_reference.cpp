@@ -4,6 +4,7 @@
 
 #include "host/model/curves/listing.h"
 #include "host/model/curves/sequence_end.h"
+#include "host/model/entities/shown_block.h"
 #include "host/model/entities/text_setting.h"
 #include "host/model/tables/filing.h"
 #include "host/model/tables/references.h"
@@ -11,45 +12,6 @@
 #include "platform/db/database.h"
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbBlockReference, AcDbEntity, 0, 0, L"INSERT", nullptr)
-
-namespace {
-
-// Blocks within blocks beyond this are not looked into: a block that shows itself ends so.
-constexpr int kMostNesting = 32;
-
-class Nesting {
-  public:
-    Nesting() { ++depth_; }
-    ~Nesting() { --depth_; }
-    Nesting(const Nesting&) = delete;
-    Nesting& operator=(const Nesting&) = delete;
-    static bool isTooDeep() { return depth_ > kMostNesting; }
-
-  private:
-    static thread_local int depth_;
-};
-thread_local int Nesting::depth_ = 0;
-
-// Definitions of attributes show in references as attributes only, unless they are constant.
-bool showsInReferences(const AcDbEntity& entity) {
-    const auto* const definition = AcDbAttributeDefinition::cast(&entity);
-    return definition == nullptr || (definition->isConstant() && !definition->isInvisible());
-}
-
-// What stands on layer 0 or takes its looks from the block gets those of the reference.
-void takeLooks(AcDbEntity& entity, const AcDbBlockReference& reference) {
-    const AcDbDatabase* const database = reference.database();
-    if (database != nullptr && entity.layerId() == database->layerZero()) {
-        entity.setLayer(reference.layerId());
-    }
-    if (entity.color().isByBlock()) entity.setColor(reference.color());
-    if (database != nullptr && entity.linetypeId() == database->byBlockLinetype()) {
-        entity.setLinetype(reference.linetypeId());
-    }
-    if (entity.lineWeight() == AcDb::kLnWtByBlock) entity.setLineWeight(reference.lineWeight());
-}
-
-}  // namespace
 
 AcDbBlockReference::AcDbBlockReference() = default;
 AcDbBlockReference::AcDbBlockReference(const AcGePoint3d& position, AcDbObjectId block)
@@ -231,57 +193,38 @@ Acad::ErrorStatus AcDbBlockReference::subErase(bool erasing) {
 
 // ---- Drawing and geometry -----------------------------------------------------------------------
 
+std::vector<AcGeMatrix3d> AcDbBlockReference::shownAt() const {
+    const AcGeMatrix3d transform = blockTransform();
+    const AcGeMatrix3d turn = sg::model::Frame{{}, normal_, rotation_}.toWorld();
+    std::vector<AcGeMatrix3d> places;
+    for (const AcGeVector3d& copy : copies())
+        places.push_back(AcGeMatrix3d::translation(turn * copy) * transform);
+    return places;
+}
+
 bool AcDbBlockReference::subWorldDraw(AcGiWorldDraw* draw) {
     assertReadEnabled();
-    const Nesting nesting;
-    AcDbBlockTableRecord* block = nullptr;
-    if (Nesting::isTooDeep() || acdbOpenObject(block, block_) != Acad::eOk) return true;
-    AcGiGeometry& geometry = draw->geometry();
-    const AcGeMatrix3d transform = blockTransform();
-    for (const AcGeVector3d& copy : copies()) {
-        const AcGeVector3d moved = sg::model::Frame{{}, normal_, rotation_}.toWorld() * copy;
-        geometry.pushModelTransform(AcGeMatrix3d::translation(moved) * transform);
-        for (auto each = block->newIterator(); !each->done(); each->step()) {
-            AcDbEntity* entity = nullptr;
-            if (each->getEntity(entity) != Acad::eOk) continue;
-            if (entity->visibility() == AcDb::kVisible && showsInReferences(*entity)) {
-                geometry.draw(entity);
-            }
-            entity->close();
-        }
-        geometry.popModelTransform();
-    }
-    block->close();
+    for (const AcGeMatrix3d& place : shownAt())
+        sg::model::drawBlock(draw, block_, place);
     for (auto each = attributeIterator(); !each->done(); each->step()) {
         AcDbAttribute* attribute = nullptr;
         if (acdbOpenObject(attribute, each->objectId()) != Acad::eOk) continue;
-        geometry.draw(attribute);
+        draw->geometry().draw(attribute);
         attribute->close();
     }
     return true;
 }
 
-template <class Visit>
-Acad::ErrorStatus AcDbBlockReference::forEachShown(const Visit& visit) const {
-    const Nesting nesting;
-    if (Nesting::isTooDeep()) return Acad::eSelfReference;
-    AcDbBlockTableRecord* block = nullptr;
-    Acad::ErrorStatus status = acdbOpenObject(block, block_);
-    if (status != Acad::eOk) return status;
-    const AcGeMatrix3d transform = blockTransform();
-    for (const AcGeVector3d& copy : copies()) {
-        const AcGeVector3d moved = sg::model::Frame{{}, normal_, rotation_}.toWorld() * copy;
-        const AcGeMatrix3d whole = AcGeMatrix3d::translation(moved) * transform;
-        for (auto each = block->newIterator(); !each->done() && status == Acad::eOk; each->step()) {
-            AcDbEntity* entity = nullptr;
-            if (each->getEntity(entity) != Acad::eOk) continue;
-            AcDbEntity* shown = nullptr;
-            status = entity->getTransformedCopy(whole, shown);
-            entity->close();
-            if (status == Acad::eOk) status = visit(std::unique_ptr<AcDbEntity>(shown));
-        }
+template <class Ask>
+Acad::ErrorStatus AcDbBlockReference::askShown(const Ask& ask) const {
+    assertReadEnabled();
+    Acad::ErrorStatus status = Acad::eOk;
+    for (const AcGeMatrix3d& place : shownAt()) {
+        if (status != Acad::eOk) break;
+        status = sg::model::forEachShown(block_, place, [&](std::unique_ptr<AcDbEntity> entity) {
+            return sg::model::showsInReferences(*entity) ? ask(*entity) : Acad::eOk;
+        });
     }
-    block->close();
     return status;
 }
 
@@ -299,16 +242,18 @@ Acad::ErrorStatus AcDbBlockReference::subTransformBy(const AcGeMatrix3d& transfo
 
 Acad::ErrorStatus AcDbBlockReference::subExplode(AcDbVoidPtrArray& entities) const {
     assertReadEnabled();
-    std::vector<std::unique_ptr<AcDbEntity>> made;
-    const Acad::ErrorStatus status = forEachShown([&](std::unique_ptr<AcDbEntity> entity) {
-        takeLooks(*entity, *this);
-        made.push_back(std::move(entity));
-        return Acad::eOk;
-    });
-    if (status != Acad::eOk) return status;
-    for (std::unique_ptr<AcDbEntity>& entity : made)
-        entities.append(entity.release());
-    return Acad::eOk;
+    AcDbVoidPtrArray made;
+    Acad::ErrorStatus status = Acad::eOk;
+    for (const AcGeMatrix3d& place : shownAt()) {
+        if (status == Acad::eOk) status = sg::model::explodeBlock(*this, block_, place, made);
+    }
+    if (status == Acad::eOk) {
+        entities.append(made);
+    } else {
+        for (void* const each : made)
+            delete static_cast<AcDbEntity*>(each);
+    }
+    return status;
 }
 
 Acad::ErrorStatus AcDbBlockReference::explodeToOwnerSpace() const {
@@ -333,11 +278,8 @@ Acad::ErrorStatus AcDbBlockReference::subIntersectWith(const AcDbEntity* other,
                                                        AcDb::Intersect mode,
                                                        AcGePoint3dArray& points, int64_t thisMarker,
                                                        int64_t otherMarker) const {
-    assertReadEnabled();
-    return forEachShown([&](const std::unique_ptr<AcDbEntity>& entity) {
-        return showsInReferences(*entity)
-                   ? entity->intersectWith(other, mode, points, thisMarker, otherMarker)
-                   : Acad::eOk;
+    return askShown([&](const AcDbEntity& entity) {
+        return entity.intersectWith(other, mode, points, thisMarker, otherMarker);
     });
 }
 
@@ -346,11 +288,8 @@ Acad::ErrorStatus AcDbBlockReference::subIntersectWith(const AcDbEntity* other,
                                                        const AcGePlane& projection,
                                                        AcGePoint3dArray& points, int64_t thisMarker,
                                                        int64_t otherMarker) const {
-    assertReadEnabled();
-    return forEachShown([&](const std::unique_ptr<AcDbEntity>& entity) {
-        return showsInReferences(*entity)
-                   ? entity->intersectWith(other, mode, projection, points, thisMarker, otherMarker)
-                   : Acad::eOk;
+    return askShown([&](const AcDbEntity& entity) {
+        return entity.intersectWith(other, mode, projection, points, thisMarker, otherMarker);
     });
 }
 
@@ -386,10 +325,8 @@ Acad::ErrorStatus AcDbBlockReference::subGetOsnapPoints(
         return Acad::eOk;
     }
     if (block_.isNull()) return Acad::eOk;
-    return forEachShown([&](const std::unique_ptr<AcDbEntity>& entity) {
-        return showsInReferences(*entity)
-                   ? entity->getOsnapPoints(mode, marker, pick, last, view, points, geomIds)
-                   : Acad::eOk;
+    return askShown([&](const AcDbEntity& entity) {
+        return entity.getOsnapPoints(mode, marker, pick, last, view, points, geomIds);
     });
 }
 

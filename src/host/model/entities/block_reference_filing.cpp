@@ -73,7 +73,10 @@ void AcDbBlockReference::dxfOutArray(AcDbDxfFiler* filer) const {
 Acad::ErrorStatus AcDbBlockReference::dxfInFields(AcDbDxfFiler* filer) {
     const Acad::ErrorStatus status = AcDbEntity::dxfInFields(filer);
     if (status != Acad::eOk) return status;
-    if (!filer->atSubclassData(marker())) return Acad::eBadDxfSequence;
+    // Programs write arrays with the marker of a single reference too.
+    if (!filer->atSubclassData(marker()) && !filer->atSubclassData(L"AcDbBlockReference")) {
+        return Acad::eBadDxfSequence;
+    }
     AcGePoint3d position = AcGeMatrix3d::worldToPlane(normal_) * position_;
     FieldReader fields(filer);
     while (fields.next()) {

@@ -90,7 +90,7 @@ Acad::ErrorStatus AcDbMText::dxfOutFields(AcDbDxfFiler* filer) const {
     filer->writePoint3d(10, location_);
     filer->writeDouble(40, textHeight_);
     filer->writeDouble(41, width_);
-    if (definedHeight_ != 0) filer->writeDouble(46, definedHeight_);
+    if (definedHeight_ != 0 || showsDefaults(filer)) filer->writeDouble(46, definedHeight_);
     filer->writeInt16(71, static_cast<int16_t>(attachment_));
     filer->writeInt16(72, static_cast<int16_t>(flow_));
     writeContents(filer, contents_);

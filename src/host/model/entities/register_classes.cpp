@@ -1,5 +1,9 @@
 #include "host/model/entities/register_classes.h"
 
+#include "host/model/entities/dimension/kinds.h"
+#include "host/model/entities/hatch.h"
+#include "host/model/entities/image.h"
+#include "host/model/entities/ole_frame.h"
 #include "host/model/entities/solid.h"
 #include "platform/db/annotative.h"
 #include "platform/db/attribute.h"
@@ -21,7 +25,13 @@ void registerAll() {
 
 void registerEntityClasses() {
     registerAll<AcDbText, AcDbAttributeDefinition, AcDbAttribute, AcDbMText, AcDbBlockReference,
-                AcDbMInsertBlock, AcDbFace, AcDbSolid, AcDbTrace, AcDbViewport, AcDbLeader>();
+                AcDbMInsertBlock, AcDbFace, AcDbSolid, AcDbTrace, AcDbViewport, AcDbLeader,
+                AcDbHatch>();
+    registerAll<AcDbDimension, AcDbAlignedDimension, AcDbRotatedDimension,
+                AcDb2LineAngularDimension, AcDb3PointAngularDimension, AcDbArcDimension,
+                AcDbRadialDimension, AcDbDiametricDimension, AcDbOrdinateDimension>();
+    registerAll<AcDbRasterImage, AcDbWipeout, AcDbRasterImageDef, AcDbRasterImageDefReactor,
+                AcDbRasterVariables, AcDbWipeoutVariables, AcDbOle2Frame, AcDbOleFrame>();
     AcDbAnnotativeObjectPE::rxInit();
 }
 

@@ -71,6 +71,11 @@ Acad::ErrorStatus readColor(AcDbDwgFiler* filer, AcCmColor& color) {
     return Acad::eOk;
 }
 
+void setTrueColor(AcCmColor& color, int32_t rgb) {
+    color.setRGB(static_cast<uint8_t>(rgb >> 16), static_cast<uint8_t>(rgb >> 8),
+                 static_cast<uint8_t>(rgb));
+}
+
 void eraseObject(AcDbObjectId id, bool erasing) {
     if (!id.isValid() || id.isErased() == erasing) return;
     AcDbObject* object = nullptr;

@@ -27,11 +27,7 @@ class SG_API FieldReader {
     FieldReader(AcDbDxfFiler* filer, const resbuf& group) : filer_(filer), group_(group) {}
 
     bool next() {
-        if (filer_->readItem(&group_) != Acad::eOk) {
-            // The end of an object is no failure.
-            if (filer_->filerStatus() == Acad::eEndOfFile) filer_->resetFilerStatus();
-            return false;
-        }
+        if (filer_->readItem(&group_) != Acad::eOk) return false;
         if (group_.restype != 100) return true;
         filer_->pushBackItem();
         return false;
@@ -58,6 +54,9 @@ class SG_API FieldReader {
 // A colour through a DWG filer, in one word.
 SG_API Acad::ErrorStatus writeColor(AcDbDwgFiler* filer, const AcCmColor& color);
 SG_API Acad::ErrorStatus readColor(AcDbDwgFiler* filer, AcCmColor& color);
+
+// A colour from a group that holds 0xRRGGBB.
+SG_API void setTrueColor(AcCmColor& color, int32_t rgb);
 
 // Erases an object, or brings it back; one that is null, or that is so already, is left alone.
 SG_API void eraseObject(AcDbObjectId id, bool erasing = true);

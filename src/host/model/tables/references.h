@@ -5,7 +5,6 @@
 
 #include "base/export.h"
 #include "host/model/tables/header_variables.h"
-#include "platform/db/color.h"
 #include "platform/db/filers.h"
 #include "platform/db/object_id.h"
 
@@ -26,7 +25,8 @@ SG_API void writeNameOf(AcDbDxfFiler* filer, int code, AcDbObjectId record,
 // record can have.
 SG_API bool registerApplication(AcDbDatabase& database, const wchar_t* name);
 
-// A colour from group 420.
-SG_API void setTrueColor(AcCmColor& color, int32_t rgb);
+// Adds a layer, a linetype or a text style of this name with the properties of a new one. Null
+// for a name that no record can have, and for other tables.
+SG_API AcDbObjectId addRecord(AcDbDatabase& database, NamedIn table, const std::wstring& name);
 
 }  // namespace sg::model

@@ -138,7 +138,7 @@ TEST_F(EntityTest, ListsOfOtherApplicationsStay) {
                                      100, L"AcDbEntity", 8, L"0", 100, L"SampleEntity", 10, at, 0)),
                   Acad::eOk);
     }
-    EXPECT_NE(written(*Opened<SampleEntity>(id).get()).find("102:{OTHER 300:kept 102:} 100:"),
+    EXPECT_NE(written(*Opened<SampleEntity>(id).get()).find("102:{OTHER 300:kept 102:} 330: 100:"),
               std::string::npos);
 }
 

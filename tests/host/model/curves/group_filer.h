@@ -51,7 +51,7 @@ class GroupFiler : public AcDbDxfFiler {
     AcDbDatabase* database() const override { return nullptr; }
 
     Acad::ErrorStatus readItem(resbuf* group) override {
-        if (at_ >= groups.size()) return status_ = Acad::eEndOfFile;
+        if (at_ >= groups.size()) return Acad::eEndOfFile;
         const Group& next = groups[at_++];
         group->restype = static_cast<int16_t>(next.code);
         if (const auto* real = std::any_cast<double>(&next.value)) group->resval.rreal = *real;

@@ -1,0 +1,53 @@
+;; Databases of three drawings.
+(load "helpers/show")
+(setq folder (strcat (getenv "TEMP") "/")
+      a (strcat folder "a.mdb")
+      b (strcat folder "b.mdb"))
+(foreach file (list a b)
+  (sg_create_db file)
+  (sg_connect file)
+  (sg_create_table "tblRoom" '(("ID" "LONG" nil nil "I" T T) ("Name" "TEXT" 20 nil nil)))
+  (sg_table "tblRoom")
+  (foreach name '("Hall" "Bath" "Attic") (sg_append (list (cons "Name" name)))))
+(sg_close_db)
+
+;; Each drawing has a connection of its own to the same file, with a cursor of its own.
+(show '(sg_connect a))
+(show '(sg_table "tblRoom"))
+(show '(sg_bottom))
+(show '(host-new-drawing))
+(show '(sg_mdb))
+(show '(sg_readonly))
+(show '(sg_connect a))
+(show '(sg_table "tblRoom"))
+(show '(sg_top))
+(show '(sg_replace '(("Name" . "Porch"))))
+(show '(host-activate-drawing "Drawing1.dwg"))
+(show '(sg_getrec))
+(show '(sg_skip -2))
+
+;; A third drawing on the other file, only to be read.
+(show '(host-new-drawing))
+(show '(sg_connect b "r"))
+(show '(sg_readonly))
+(show '(progn (host-activate-drawing "Drawing2.dwg") (sg_readonly)))
+(show '(sg_mdb))
+
+;; A drawing that asks for another file leaves the first one open.
+(show '(sg_connect b))
+(show '(sg_mdb))
+(show '(sg_connect a))
+(show '(sg_mdb))
+
+;; One that is closed takes its connection with it.
+(show '(host-close-drawing "Drawing2.dwg"))
+(show '(host-drawings))
+(show '(sg_mdb))
+(show '(progn (host-activate-drawing "Drawing1.dwg") (sg_mdb)))
+(show '(sg_getrec))
+(show '(progn (host-activate-drawing "Drawing3.dwg") (sg_close_db)))
+(show '(sg_mdb))
+(show '(sg_connect a "r"))
+(show '(sg_table "tblRoom"))
+(show '(sg_count))
+(princ)

@@ -1,0 +1,52 @@
+;; Compacting files, and the last error.
+(load "helpers/show")
+(setq folder (strcat (getenv "TEMP") "/")
+      plan   (strcat folder "plan.mdb")
+      dense  (strcat folder "dense.mdb"))
+(show '(sg_lastError))
+(show '(sg_getVersion))
+(sg_create_db plan)
+(sg_connect plan)
+(sg_create_table "tblRoom" '(("ID" "LONG" nil nil "I" T T) ("Name" "TEXT" 200 nil nil)))
+(sg_table "tblRoom")
+(setq n 0 long "A name that fills a hundred characters or so, so that there is something to be saved by compacting")
+(repeat 500 (sg_append (list (cons "Name" (strcat long (itoa (setq n (1+ n))))))))
+(sg_command "DELETE FROM tblRoom WHERE ID < 490")
+
+;; Nobody may have the file open.
+(show '(sg_compact plan dense nil))
+(show '(sg_lastError))
+(show '(sg_resetLastError))
+(show '(sg_lastError))
+(sg_close_db)
+(show '(sg_compact plan dense))
+(show '(< (vl-file-size dense) (vl-file-size plan)))
+
+;; A failure answers the engine's number; without a third argument a box shows it.
+(show '(sg_compact plan dense))
+(show '(sg_compact (strcat folder "none.mdb") (strcat folder "new.mdb") T))
+(show '(sg_compact (strcat folder "none.mdb") (strcat folder "new.mdb") nil))
+(show '(findfile (strcat folder "new.mdb")))
+(show '(sg_lastError))
+(show '(sg_compact plan))
+(show '(sg_compact plan 5))
+(show '(sg_compact 5 6))
+
+;; The copy has the rows, and its counter goes on.
+(sg_connect dense)
+(sg_table "tblRoom")
+(show '(sg_count))
+(show '(cdr (assoc "ID" (sg_append '(("Name" . "next"))))))
+(sg_close_db)
+
+;; The program of the support path compacts in place and keeps the file as it was.
+(load "compactDatabase")
+(show '(compactDatabase plan nil nil))
+(show '(compactDatabase plan nil "Repair"))
+(show '(vl-directory-files folder "plan*" 1))
+(sg_connect plan)
+(sg_table "tblRoom")
+(show '(sg_count))
+(show '(compactDatabase plan nil "Repair"))
+(show '(sg_count))
+(princ)
