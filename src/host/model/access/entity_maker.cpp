@@ -99,17 +99,9 @@ const resbuf* findGroup(const resbuf* groups, int code) {
 
 NeededLayer::NeededLayer(AcDbDatabase& database, const resbuf* groups) {
     const std::wstring name(textAt(groups, kLayer));
-    AcDbLayerTable* layers = nullptr;
-    if (name.empty() || database.getLayerTable(layers, AcDb::kForRead) != Acad::eOk) return;
-    if (!layers->has(name.c_str()) && layers->upgradeOpen() == Acad::eOk) {
-        auto layer = std::make_unique<AcDbLayerTableRecord>();
-        layer->setLinetypeObjectId(database.continuousLinetype());
-        if (layer->setName(name.c_str()) == Acad::eOk &&
-            layers->add(made_, layer.get()) == Acad::eOk) {
-            layer.release()->close();
-        }
+    if (!name.empty() && recordNamed(&database, NamedIn::layers, name).isNull()) {
+        made_ = addRecord(database, NamedIn::layers, name);
     }
-    layers->close();
 }
 
 NeededLayer::~NeededLayer() {

@@ -1,5 +1,6 @@
 #include "platform/db/dictionary.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 #include "base/text.h"
@@ -226,6 +227,20 @@ std::unique_ptr<AcDbDictionaryIterator> AcDbDictionary::newIterator() const {
         iterator->add(entries_->list[at].name, entries_->list[at].id);
     }
     return iterator;
+}
+
+AcDbObjectId AcDbDictionary::objectAfter(AcDbObjectId id) const {
+    assertReadEnabled();
+    const std::vector<Entries::Entry>& list = entries_->list;
+    size_t next = 0;
+    if (!id.isNull()) {
+        const auto at = std::find_if(list.begin(), list.end(),
+                                     [&](const Entries::Entry& entry) { return entry.id == id; });
+        if (at == list.end()) return {};
+        next = static_cast<size_t>(at - list.begin()) + 1;
+    }
+    next = entries_->nextFrom(next);
+    return next < list.size() ? list[next].id : AcDbObjectId();
 }
 
 Acad::ErrorStatus AcDbDictionary::dwgOutFields(AcDbDwgFiler* filer) const {
