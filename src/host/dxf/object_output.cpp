@@ -27,7 +27,6 @@ constexpr CodeSince kCodes[] = {
     {"AcDbEntity", 420, 449, AcDb::kDHL_1018},
     {"AcDbEntity", 347, 348, AcDb::kDHL_1021},
     {"AcDbEntity", 284, 284, AcDb::kDHL_1021},
-    {"AcDbEntity", 160, 160, AcDb::kDHL_1024},
     {"AcDbLayerTableRecord", 420, 449, AcDb::kDHL_1018},
     {"AcDbLayerTableRecord", 347, 348, AcDb::kDHL_1021},
 };
@@ -136,7 +135,7 @@ void ObjectOutput::writeAnew(const AcDbObject& object, std::string_view tableNam
     const bool keepsUnknown =
         form != nullptr && !form->unknown.empty() && release_.number >= form->release;
     const model::Unguarded guard(object);
-    if (tableName.empty() && !keepsUnknown && release_.number >= AcDb::kDHL_1024) {
+    if (tableName.empty() && !keepsUnknown && release_.number >= AcDb::kDHL_1021) {
         model::GroupWriter<GroupOutput> writer(output_, object.database(), release_.number);
         object.dxfOut(&writer);
         return;

@@ -1,5 +1,6 @@
 #include "platform/db/attribute.h"
 
+#include "host/model/curves/filing_groups.h"
 #include "host/model/entities/text_drawing.h"
 #include "host/model/tables/filing.h"
 #include "host/model/tables/names.h"
@@ -110,13 +111,17 @@ Acad::ErrorStatus AcDbAttributeDefinition::dwgInFields(AcDbDwgFiler* filer) {
 Acad::ErrorStatus AcDbAttributeDefinition::dxfOutFields(AcDbDxfFiler* filer) const {
     dxfOutText(filer);
     filer->writeString(100, L"AcDbAttributeDefinition");
-    filer->writeInt16(280, kVersion);
+    if (filer->dwgVersion() >= AcDb::kDHL_1024) filer->writeInt16(280, kVersion);
     filer->writeString(3, prompt_);
     filer->writeString(2, tag_);
     filer->writeInt16(70, flags_);
-    filer->writeInt16(73, static_cast<int16_t>(fieldLength_));
-    filer->writeInt16(74, static_cast<int16_t>(verticalMode()));
-    return filer->writeInt16(280, lockPosition_ ? 1 : 0);
+    const bool all = sg::model::showsDefaults(filer);
+    if (all || fieldLength_ != 0) filer->writeInt16(73, static_cast<int16_t>(fieldLength_));
+    if (all || verticalMode() != AcDb::kTextBase) {
+        filer->writeInt16(74, static_cast<int16_t>(verticalMode()));
+    }
+    if (filer->dwgVersion() >= AcDb::kDHL_1021) filer->writeInt16(280, lockPosition_ ? 1 : 0);
+    return filer->filerStatus();
 }
 
 Acad::ErrorStatus AcDbAttributeDefinition::dxfInFields(AcDbDxfFiler* filer) {
@@ -233,12 +238,16 @@ Acad::ErrorStatus AcDbAttribute::dwgInFields(AcDbDwgFiler* filer) {
 Acad::ErrorStatus AcDbAttribute::dxfOutFields(AcDbDxfFiler* filer) const {
     dxfOutText(filer);
     filer->writeString(100, L"AcDbAttribute");
-    filer->writeInt16(280, kVersion);
+    if (filer->dwgVersion() >= AcDb::kDHL_1024) filer->writeInt16(280, kVersion);
     filer->writeString(2, tag_);
     filer->writeInt16(70, flags_);
-    filer->writeInt16(73, static_cast<int16_t>(fieldLength_));
-    filer->writeInt16(74, static_cast<int16_t>(verticalMode()));
-    return filer->writeInt16(280, lockPosition_ ? 1 : 0);
+    const bool all = sg::model::showsDefaults(filer);
+    if (all || fieldLength_ != 0) filer->writeInt16(73, static_cast<int16_t>(fieldLength_));
+    if (all || verticalMode() != AcDb::kTextBase) {
+        filer->writeInt16(74, static_cast<int16_t>(verticalMode()));
+    }
+    if (filer->dwgVersion() >= AcDb::kDHL_1021) filer->writeInt16(280, lockPosition_ ? 1 : 0);
+    return filer->filerStatus();
 }
 
 Acad::ErrorStatus AcDbAttribute::dxfInFields(AcDbDxfFiler* filer) {
