@@ -22,6 +22,9 @@ int convert(const Arguments& arguments);
 // Prints what a drawing file holds, and what of it is kept without being understood.
 int info(const Arguments& arguments);
 
+// Makes a picture of a drawing.
+int render(const Arguments& arguments);
+
 // Shows what is in a database file, runs SQL on it, checks it, adds rows, or writes it anew. Needs
 // no host.
 int db(const Arguments& arguments);

@@ -25,6 +25,8 @@ int main(int count, char** words) {
                 return app::convert(*parsed.arguments);
             case app::Arguments::Command::Info:
                 return app::info(*parsed.arguments);
+            case app::Arguments::Command::Render:
+                return app::render(*parsed.arguments);
             case app::Arguments::Command::Db:
                 return app::db(*parsed.arguments);
         }

@@ -266,7 +266,6 @@ class CDBConnection {
     std::unique_ptr<CDaoRecordset> openRecordset(const std::wstring& table);
     void closeRecordset(CDaoRecordset* recordset);
 
-    void readRecord(COleSafeArray& record);
     template <class Move>
     bool moveAndRead(COleSafeArray& record, const Move& move);
     template <class Find>

@@ -1,5 +1,6 @@
 // SQL through a connection.
 
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -57,15 +58,16 @@ void collectRows(CDaoDatabase& database, CDaoQueryDef& query, COleSafeArray& out
     query.Close();
 }
 
-// False when names and values do not alternate.
-bool setParameters(CDaoQueryDef& query, const COleSafeArray& parameters) {
-    const auto items = parameters.Variants();
-    if (items.size() % 2 != 0) return false;
+bool namesAndValuesAlternate(std::span<const COleVariant> items) {
     for (size_t i = 0; i < items.size(); i += 2) {
         if (items[i].vt != VT_BSTR) return false;
-        query.SetParamValue(std::wstring(variantText(items[i])), items[i + 1]);
     }
-    return true;
+    return items.size() % 2 == 0;
+}
+
+void setParameters(CDaoQueryDef& query, std::span<const COleVariant> items) {
+    for (size_t i = 0; i + 1 < items.size(); i += 2)
+        query.SetParamValue(std::wstring(variantText(items[i])), items[i + 1]);
 }
 
 }  // namespace
@@ -86,7 +88,8 @@ bool CDBConnection::RunQuery(const std::wstring& name, const COleSafeArray& para
     return IsOpen() && capture([&] {
                CDaoQueryDef query(&database_);
                query.Open(name);
-               if (!setParameters(query, parameters)) return false;
+               if (!namesAndValuesAlternate(parameters.Variants())) return false;
+               setParameters(query, parameters.Variants());
                collectRows(database_, query, rows);
                return true;
            });

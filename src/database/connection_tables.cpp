@@ -159,25 +159,13 @@ bool CDBConnection::SeekMany(uint16_t count, const COleVariant* keys, COleSafeAr
 
 // --- reading ---
 
-void CDBConnection::readRecord(COleSafeArray& record) {
-    CDaoRecordset& rows = table();
-    const int count = rows.GetFieldCount();
-    std::vector<COleVariant> items;
-    items.reserve(2 * static_cast<size_t>(count));
-    CDaoFieldInfo info;
-    for (int field = 0; field < count; ++field) {
-        rows.GetFieldInfo(field, info, AFX_DAO_PRIMARY_INFO);
-        items.push_back(COleVariant::fromString(info.m_strName));
-        items.push_back(rows.GetFieldValue(field));
-    }
-    record.CreateFromVariants(std::move(items));
-}
-
 bool CDBConnection::GetRecord(COleSafeArray& record) {
     if (!isTableReady()) return false;
     return capture([&] {
         if (table().IsBOF() || table().IsEOF()) return false;
-        readRecord(record);
+        std::vector<COleVariant> items;
+        table().sgGetRecord(items);
+        record.CreateFromVariants(std::move(items));
         return true;
     });
 }

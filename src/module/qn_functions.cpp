@@ -3,6 +3,7 @@
 #include "module/function_tables.h"
 #include "module/handlers.h"
 #include "module/missing.h"
+#include "standards/lisp_functions.h"
 #include "support/lisp_functions.h"
 
 namespace sg {
@@ -69,7 +70,7 @@ constexpr FunctionRow kRows[] = {
     missingQnRow<L"qn_qn-submitBug">(),
     missingQnRow<L"EditUserOptions">(),
     missingQnRow<L"qn_qn-safeContinue">(),
-    missingQnRow<L"qn_qn-createLayer">(),
+    {L"qn_qn-createLayer", qnHandler<createLayer>},
     missingQnRow<L"GetComputerName">(),
     missingQnRow<L"XFolderDialog">(),
     missingQnRow<L"PathIsNetworkPath">(),

@@ -1,6 +1,7 @@
 """Runs the built executable for the tests of this folder."""
 
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -9,6 +10,7 @@ import unittest
 
 BUILD = os.path.abspath(sys.argv.pop(1)) if len(sys.argv) > 1 else ""
 SWIFTGATE = os.path.join(BUILD, "bin", "swiftgate")
+PAGES = os.path.join(BUILD, "share", "swiftgate", "functions")
 LOADING = "Loading Quillon Swift Gate (Direct)"
 
 
@@ -48,3 +50,23 @@ class ProgramTest(unittest.TestCase):
             encoding="utf-8", capture_output=True, timeout=120)
         errors = done.stderr.replace("\n" + LOADING, "", 1).lstrip("\n")
         return done.returncode, done.stdout, errors
+
+    def check_examples(self, page):
+        """Runs the examples of a page of functions, each behind the first one, and compares what
+        they tell; answers how many there are."""
+        with open(os.path.join(PAGES, page), encoding="utf-8") as file:
+            first, *examples = re.findall(r"```lisp\n(.*?)```", file.read(), re.S)
+        for number, example in enumerate(examples):
+            with self.subTest(example=example):
+                self.environment["TMPDIR"] = self.environment["TEMP"] = self.path(str(number))
+                os.mkdir(self.environment["TMPDIR"])
+                lines = [line.partition("  ; => ") for line in example.splitlines()]
+                program = first + "".join(
+                    '(setq answer %s) (princ "\\n=> ") (prin1 answer)\n' % form if told else form + "\n"
+                    for form, told, _ in lines) + "(princ)"
+                code, output, errors = self.run_program("run", self.write("example.lsp", program))
+                self.assertEqual(code, 0, errors)
+                self.assertEqual(
+                    [line[3:] for line in output.splitlines() if line.startswith("=> ")],
+                    [value for _, told, value in lines if told])
+        return len(examples)

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "database/connection.h"
+#include "database/database_error.h"
 #include "database/db_info.h"
 #include "host/dao/dao_fixture.h"
 #include "module/module_fixture.h"
@@ -16,6 +17,7 @@ namespace sg::test {
 class DatabaseTest : public ModuleTest {
   protected:
     DatabaseTest() {
+        clearLastErrorText();
         start();
         printed();
         setFolder();

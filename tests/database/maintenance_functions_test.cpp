@@ -79,6 +79,20 @@ TEST_F(ReportTest, LispReadsAndClearsTheLastError) {
     EXPECT_EQ(run("(sg_getVersion)"), "-1");
 }
 
+// Some functions report without an operation that has cleared the flag before: an earlier error
+// shows through.
+TEST_F(ReportTest, AnErrorShowsUntilTheFlagIsCleared) {
+    makeFile("plan.mdb");
+    const char* const failing = "(sg_sql-nil \"SELECT * FROM None\")";
+    for (const char* call : {"(sg_getrec)", "(sg_create_db (strcat folder \"plan.mdb\"))"}) {
+        connectTo("plan.mdb");
+        EXPECT_EQ(run(failing), "nil");
+        EXPECT_THAT(run(call), StartsWith("nil | \nSwift Gate Error: ")) << call;
+        EXPECT_EQ(run("(sg_top)"), "nil");
+        EXPECT_EQ(run(call), "nil") << call;
+    }
+}
+
 // --- compaction ---
 
 class CompactTest : public DatabaseTest {

@@ -384,6 +384,19 @@ COleVariant CDaoRecordset::GetFieldValue(int index) {
     return guarded([&] { return state.valueAt(static_cast<size_t>(index)); });
 }
 
+void CDaoRecordset::sgGetRecord(std::vector<COleVariant>& items) {
+    State& state = opened();
+    guarded([&] {
+        const std::vector<COleVariant>& names = state.currentFields().names();
+        items.clear();
+        items.reserve(2 * names.size());
+        for (size_t position = 0; position < names.size(); ++position) {
+            items.push_back(COleVariant::sharing(names[position]));
+            items.push_back(state.valueAt(position));
+        }
+    });
+}
+
 void CDaoRecordset::SetFieldValue(const std::wstring& name, const COleVariant& value) {
     State& state = opened();
     guarded([&] {

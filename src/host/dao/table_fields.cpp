@@ -105,6 +105,7 @@ TableFields::TableFields(const jet::Database& database, jet::Table table, bool c
 void TableFields::adopt(const jet::Table& table) {
     table_ = table;
     fields_.clear();
+    names_.clear();
     hasProperties_ = false;
     const jet::TableDefinition& definition = table_.definition();
     for (const size_t place : jet::placesInOrder(definition)) {
@@ -182,6 +183,14 @@ void FieldList::addProperties(const jet::Properties& properties, CDaoFieldInfo& 
     field.m_strValidationRule = properties.text(name, L"ValidationRule");
     field.m_strValidationText = properties.text(name, L"ValidationText");
     field.m_strDefaultValue = properties.text(name, L"DefaultValue");
+}
+
+const std::vector<COleVariant>& FieldList::names() {
+    if (names_.empty()) {
+        for (const CDaoFieldInfo& field : fields_)
+            names_.push_back(COleVariant::fromString(field.m_strName));
+    }
+    return names_;
 }
 
 size_t FieldList::positionOf(std::wstring_view name) const {

@@ -9,6 +9,7 @@
 #include "host/jet/database/database.h"
 #include "host/jet/recordset/recordset.h"
 #include "platform/dao/infos.h"
+#include "platform/variant/ole_variant.h"
 
 namespace sg::dao {
 
@@ -21,6 +22,8 @@ class FieldList {
     virtual void follow(const jet::Table&) {}
 
     size_t count() const { return fields_.size(); }
+    // Their names as texts, to be shared.
+    const std::vector<COleVariant>& names();
     // Ignoring case; throws ItemNotFound.
     size_t positionOf(std::wstring_view name) const;
     // Throws ItemNotFound.
@@ -32,6 +35,7 @@ class FieldList {
 
     std::vector<CDaoFieldInfo> fields_;  // at all levels, but for the properties:
     bool hasProperties_ = false;
+    std::vector<COleVariant> names_;  // empty until they are asked for
 
   private:
     virtual void readProperties() = 0;

@@ -1,10 +1,9 @@
 #include <algorithm>
 #include <vector>
 
-#include "base/text.h"
 #include "host/editor/program_drawing.h"
 #include "host/model/access/entity_parts.h"
-#include "host/model/access/group_checks.h"
+#include "host/model/access/object_changer.h"
 #include "host/model/core/block_contents.h"
 #include "host/model/core/block_ends.h"
 #include "host/model/core/object_access.h"
@@ -55,21 +54,6 @@ Value fnEntGet(Interpreter& in, Args a) {
     return status == Acad::eOk ? groupsToList(in, writer) : Value::nil();
 }
 
-// Reads an open object from a list; false, and nothing has changed, for a list that does not fit.
-bool change(AcDbObject& object, const resbuf* groups) {
-    const resbuf* const type = model::findGroup(groups, 0);
-    const bool isOther = type != nullptr && type->resval.rstring != nullptr &&
-                         !equalIgnoringCase(object.isA()->dxfName(), type->resval.rstring);
-    if (isOther) return false;
-    model::ListReader reader(groups, object.database());
-    if (AcDbEntity::cast(&object) == nullptr) return object.dxfIn(&reader) == Acad::eOk;
-    if (!model::hasValidValues(groups)) return false;
-    model::NeededLayer layer(*object.database(), groups);
-    if (object.dxfIn(&reader) != Acad::eOk) return false;
-    layer.keep();
-    return true;
-}
-
 // (entmod list): the list, or nil and nothing has changed.
 Value fnEntMod(Interpreter& in, Args a) {
     const ResbufList groups = listToGroups(in, a[0]);
@@ -79,7 +63,7 @@ Value fnEntMod(Interpreter& in, Args a) {
     AcDbObject* object = nullptr;
     acdbGetObjectId(id, name->resval.rlname);
     if (acdbOpenAcDbObject(object, id, AcDb::kForWrite) != Acad::eOk) return Value::nil();
-    if (!change(*object, groups.get())) {
+    if (!model::changeObject(*object, groups.get())) {
         object->cancel();
         return Value::nil();
     }

@@ -17,6 +17,8 @@ namespace {
 
 enum System : int16_t { kWorld = 0, kUser = 1, kDisplay = 2, kSheetDisplay = 3 };
 
+// Points in an entity's list are in its plane's directions, but from the world's origin; an
+// elevation is among their coordinates.
 std::optional<AcGeMatrix3d> systemOfEntity(const ads_name name) {
     AcDbObjectId id;
     AcDbEntity* entity = nullptr;
@@ -26,6 +28,7 @@ std::optional<AcGeMatrix3d> systemOfEntity(const ads_name name) {
     }
     AcGeMatrix3d matrix;
     entity->getEcs(matrix);
+    matrix.setTranslation(AcGeVector3d());
     entity->close();
     return matrix;
 }

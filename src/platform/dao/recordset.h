@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "base/export.h"
 #include "platform/dao/database.h"
@@ -89,6 +90,10 @@ class SG_API CDaoRecordset {
                       uint32_t level = AFX_DAO_PRIMARY_INFO);
     COleVariant GetFieldValue(const std::wstring& name);
     COleVariant GetFieldValue(int index);
+    // The whole current record in place of what `items` held: name and value of each field in
+    // turn, as the information calls and GetFieldValue give them one by one. Records share the
+    // texts of the names. This host's own.
+    void sgGetRecord(std::vector<COleVariant>& items);
     // Converts the value into the field's type: 3421 when it can't, 3163 when it is too long.
     // VT_EMPTY and VT_NULL are Null. 3251 for a counter, 3020 without AddNew or Edit.
     void SetFieldValue(const std::wstring& name, const COleVariant& value);

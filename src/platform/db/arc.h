@@ -34,6 +34,7 @@ class SG_API AcDbArc : public AcDbCurve {
     Acad::ErrorStatus getOffsetCurves(double distance, AcDbVoidPtrArray& curves) const override;
     Acad::ErrorStatus extend(double parameter) override;  // at most to a whole turn
 
+    void getEcs(AcGeMatrix3d& matrix) const override;
     Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
     Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;

@@ -25,6 +25,7 @@ class SG_API AcDbCircle : public AcDbCurve {
     Acad::ErrorStatus reverseCurve() override;  // eNotApplicable: its start is its plane's x axis
     Acad::ErrorStatus getOffsetCurves(double distance, AcDbVoidPtrArray& curves) const override;
 
+    void getEcs(AcGeMatrix3d& matrix) const override;
     Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
     Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;

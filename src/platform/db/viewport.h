@@ -35,6 +35,8 @@ class SG_API AcDbViewport : public AcDbEntity {
     Acad::ErrorStatus setViewCenter(const AcGePoint2d& center);
     double twistAngle() const { return twist_; }
     Acad::ErrorStatus setTwistAngle(double angle);
+    // What the window is cut to; null for its own rectangle.
+    AcDbObjectId clipEntityId() const { return clipEntity_; }
     double customScale() const;  // of the sheet through the model
     Acad::ErrorStatus setCustomScale(double scale);
 

@@ -404,5 +404,37 @@ TEST_F(DaoRecordsetTest, ASnapshotStaysAsItWas) {
     }
 }
 
+TEST_F(DaoRecordsetTest, AWholeRecordIsWhatItsFieldsAreOneByOne) {
+    addRooms({L"Hall", L"Bath"});
+    for (const int32_t type : {dbOpenTable, dbOpenDynaset, dbOpenSnapshot}) {
+        CDaoRecordset rows(&db_);
+        rows.Open(type, L"Rooms");
+        std::vector<COleVariant> items = {number(5)};
+        for (; !rows.IsEOF(); rows.MoveNext()) {
+            rows.sgGetRecord(items);
+            ASSERT_EQ(items.size(), 2U * static_cast<size_t>(rows.GetFieldCount()));
+            for (int i = 0; i < rows.GetFieldCount(); ++i) {
+                CDaoFieldInfo info;
+                rows.GetFieldInfo(i, info);
+                EXPECT_EQ(shown(items[2 * static_cast<size_t>(i)]), info.m_strName);
+                EXPECT_EQ(shown(items[2 * static_cast<size_t>(i) + 1]),
+                          shown(rows.GetFieldValue(i)));
+            }
+        }
+        EXPECT_EQ(codeOf([&] { rows.sgGetRecord(items); }), 3021);
+    }
+    CDaoRecordset rows(&db_);
+    rows.Open(dbOpenTable, L"Rooms");
+    std::vector<COleVariant> items;
+    rows.sgGetRecord(items);
+    CDaoDatabase other;
+    other.Open(path("plan.mdb"));
+    CDaoTableDef table(&other);
+    table.Open(L"Rooms");
+    table.CreateField(L"More", dbText, 10);
+    rows.sgGetRecord(items);
+    EXPECT_EQ(shown(items[items.size() - 2]), L"More");
+}
+
 }  // namespace
 }  // namespace sg

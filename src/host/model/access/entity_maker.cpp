@@ -3,9 +3,11 @@
 #include <string_view>
 
 #include "base/text.h"
+#include "host/model/access/block_cycles.h"
 #include "host/model/access/class_names.h"
 #include "host/model/access/group_checks.h"
 #include "host/model/core/list_filers.h"
+#include "host/model/core/object_access.h"
 #include "host/model/curves/polyline_3d.h"
 #include "host/model/curves/sequence_end.h"
 #include "host/model/tables/dim_style_table.h"
@@ -13,7 +15,6 @@
 #include "host/model/tables/references.h"
 #include "host/model/tables/reg_app_table.h"
 #include "host/model/tables/view_tables.h"
-#include "platform/db/block_reference.h"
 #include "platform/db/polyline_2d.h"
 
 namespace sg::model {
@@ -63,6 +64,22 @@ bool appendPart(AcDbEntity& whole, std::unique_ptr<AcDbEntity>& part) {
     if (status != Acad::eOk) return false;
     part.release()->close();
     return true;
+}
+
+// What a list of another object says of its reactors and its extension dictionary stays with that.
+bool read(AcDbObject& object, ListReader& reader) {
+    if (object.dxfIn(&reader) != Acad::eOk) return false;
+    if (ObjectAccess::extras(object) != nullptr) {
+        Extras& extras = ObjectAccess::needExtras(object);
+        extras.reactors.removeAll();
+        extras.extensionDictionary.setNull();
+    }
+    return true;
+}
+
+// Vertices and attributes are made only for what they belong to.
+bool isPart(const AcRxClass* type) {
+    return type->isDerivedFrom(AcDbVertex::desc()) || type->isDerivedFrom(AcDbAttribute::desc());
 }
 
 bool isPartOf(const AcRxClass* type, const AcDbEntity& whole) {
@@ -132,10 +149,11 @@ EntityMaker::Result EntityMaker::make(const resbuf* groups, bool objects) {
 
 bool EntityMaker::fill(AcDbObject& object, const resbuf* groups) {
     ListReader reader(groups, &database_);
-    if (AcDbEntity::cast(&object) == nullptr) return object.dxfIn(&reader) == Acad::eOk;
-    if (!hasRequiredGroups(groups) || !hasValidValues(groups)) return false;
+    if (!hasRequiredGroups(object, groups)) return false;
+    if (!hasValidValues(object, groups, database_)) return false;
+    if (AcDbEntity::cast(&object) == nullptr) return read(object, reader);
     NeededLayer layer(database_, groups);
-    if (object.dxfIn(&reader) != Acad::eOk) return false;
+    if (!read(object, reader)) return false;
     layer.keep();
     return true;
 }
@@ -168,7 +186,15 @@ AcDbObjectId EntityMaker::spaceOf(const resbuf* groups) const {
     return paper->resval.rint != 0 ? database_.paperSpaceId() : database_.modelSpaceId();
 }
 
+// A reference in the new definition of a block that it shows.
+bool EntityMaker::wouldShowItself(const AcDbBlockReference& reference) const {
+    if (block_.isNull()) return false;
+    const AcDbObjectId existing = recordNamed(&database_, NamedIn::blocks, blockName_);
+    return !existing.isNull() && showsBlock(reference.blockTableRecord(), existing);
+}
+
 EntityMaker::Result EntityMaker::makeEntity(const resbuf* groups, const AcRxClass* type) {
+    if (isPart(type)) return {};
     std::unique_ptr<AcDbEntity> entity(AcDbEntity::cast(type->create()));
     if (entity == nullptr) return {};
     entity->setLayer(database_.clayer());
@@ -178,9 +204,10 @@ EntityMaker::Result EntityMaker::makeEntity(const resbuf* groups, const AcRxClas
     entity->setLinetypeScale(1);
     entity->setLineWeight(AcDb::kLnWtByLayer);
     if (!fill(*entity, groups)) return {};
-    const bool isReference = AcDbBlockReference::cast(entity.get()) != nullptr;
+    const auto* const reference = AcDbBlockReference::cast(entity.get());
+    if (reference != nullptr && wouldShowItself(*reference)) return {};
     const bool isPolyline = equalIgnoringCase(textAt(groups, kType), L"POLYLINE");
-    if (isPolyline || (isReference && flagAt(groups, kHasParts) != 0)) {
+    if (isPolyline || (reference != nullptr && flagAt(groups, kHasParts) != 0)) {
         whole_ = std::move(entity);
         parts_.clear();
         space_ = spaceOf(groups);
@@ -227,7 +254,7 @@ EntityMaker::Result EntityMaker::beginBlock(const resbuf* groups) {
     Result result;
     // Until it is complete it has a number as its name, which an anonymous block keeps.
     const std::wstring prefix = name.front() == L'*' ? name.substr(0, 2) : L"*U";
-    if (block->setName(freeBlockName(*table, prefix).c_str()) == Acad::eOk &&
+    if (block->setName(prefix.c_str()) == Acad::eOk &&
         table->add(block_, block.get()) == Acad::eOk) {
         if (const resbuf* const origin = findGroup(groups, kOrigin)) {
             const double* const p = origin->resval.rpoint;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/export.h"
+#include "platform/db/block_reference.h"
 #include "platform/db/database.h"
 #include "platform/lisp/resbuf.h"
 
@@ -34,6 +35,7 @@ class SG_API EntityMaker {
     void reset();
 
   private:
+    bool wouldShowItself(const AcDbBlockReference& reference) const;
     Result makeEntity(const resbuf* groups, const AcRxClass* type);
     Result beginBlock(const resbuf* groups);
     Result endBlock();

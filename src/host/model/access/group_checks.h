@@ -1,18 +1,22 @@
 #pragma once
 
 #include "base/export.h"
+#include "platform/db/database.h"
 #include "platform/lisp/resbuf.h"
 
 namespace sg::model {
 
-// What programs' lists of groups are held to ahead of being read. A list is told apart by its group
-// 0; kinds that are not known here pass.
+// What programs' lists of groups are held to ahead of being read into an object. Objects of kinds
+// that are not known here take any list.
 
-// Whether all groups are there without which an object is not made.
-SG_API bool hasRequiredGroups(const resbuf* groups);
+// Whether all groups are there without which an object is not made, under its class's marker where
+// there are markers.
+SG_API bool hasRequiredGroups(const AcDbObject& object, const resbuf* groups);
 
-// Whether an entity may have the values: a colour (62) from 0 to 256, and above 0 the radius or
-// height (40) of what has one.
-SG_API bool hasValidValues(const resbuf* groups);
+// Whether an object may have the values: an entity a colour (62) from 0 to 256, and above 0 the
+// radius or height (40) of what has one; a layer a linetype (6) of the drawing; both a line weight
+// (370) that there is.
+SG_API bool hasValidValues(const AcDbObject& object, const resbuf* groups,
+                           const AcDbDatabase& database);
 
 }  // namespace sg::model

@@ -10,11 +10,17 @@ namespace sg::model {
 namespace {
 
 constexpr int kMarker = 100;
+constexpr const wchar_t* kEntityMarker = L"AcDbEntity";
+constexpr int kListStart = 102;
 constexpr int kExtendedDataStart = -3;
 constexpr int kApplicationName = 1001;
 
 std::wstring_view textOf(const resbuf& group) {
     return group.resval.rstring != nullptr ? group.resval.rstring : L"";
+}
+
+bool isAttachedList(const resbuf& group) {
+    return textOf(group) == L"{ACAD_XDICTIONARY" || textOf(group) == L"{ACAD_REACTORS";
 }
 
 bool isMarker(const resbuf& group, std::wstring_view name) {
@@ -191,14 +197,39 @@ Acad::ErrorStatus ListWriter::writeBChunk(int code, const void* bytes, size_t co
 
 ListReader::ListReader(const resbuf* list, AcDbDatabase* database, AcDb::FilerType type)
     : ListFiler(type, database) {
+    bool hasLists = false;
     for (const resbuf* node = list; node != nullptr; node = node->rbnext) {
         if (node->restype == kExtendedDataStart || node->restype >= 1000) {
             extendedData_ = node;
             break;
         }
         groups_.push_back(node);
-        if (node->restype == kMarker) hasMarkers_ = true;
+        if (node->restype == kMarker && !isMarker(*node, kEntityMarker)) hasMarkers_ = true;
+        if (node->restype == kListStart && isAttachedList(*node)) hasLists = true;
     }
+    if (hasLists) liftLists();
+    // With the marker of all entities alone, the groups stand as in a list without any.
+    if (!hasMarkers_) std::erase_if(groups_, [](auto* group) { return group->restype == kMarker; });
+}
+
+// Puts the lists that every object may have to the front, where objects read them.
+void ListReader::liftLists() {
+    std::vector<const resbuf*> lifted, rest;
+    bool inList = false;
+    bool inRecord = false;
+    for (const resbuf* group : groups_) {
+        const bool isBrace = group->restype == kListStart;
+        if (isMarker(*group, L"AcDbXrecord")) inRecord = true;
+        if (isBrace && !inList && !inRecord && isAttachedList(*group)) {
+            inList = true;
+            lifted.push_back(group);
+        } else {
+            (inList ? lifted : rest).push_back(group);
+            if (isBrace) inList = false;
+        }
+    }
+    groups_ = std::move(lifted);
+    groups_.insert(groups_.end(), rest.begin(), rest.end());
 }
 
 Acad::ErrorStatus ListReader::readItem(resbuf* group) {
@@ -230,7 +261,7 @@ bool ListReader::atSubclassData(const wchar_t* name) {
     }
     // Lists of LISP programs leave out the entity's own marker.
     const bool isUnmarked = at_ < groups_.size() && groups_[at_]->restype != kMarker;
-    return isUnmarked && std::wstring_view(name) == L"AcDbEntity";
+    return isUnmarked && name == std::wstring_view(kEntityMarker);
 }
 
 resbuf* ListReader::takeExtendedData() {

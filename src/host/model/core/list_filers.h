@@ -85,7 +85,8 @@ class SG_API ListWriter final : public ListFiler {
 
 // Reads an object from a list of groups, which stays the caller's and must outlive the reader. The
 // list may have subclass markers or none; with them, what stands before the first counts as the
-// entity's where its marker is missing.
+// entity's where its marker is missing. Lists of reactors and of the extension dictionary may stand
+// anywhere but among the groups of an extended record.
 class SG_API ListReader final : public ListFiler {
   public:
     ListReader(const resbuf* list, AcDbDatabase* database, AcDb::FilerType type = AcDb::kBagFiler);
@@ -116,6 +117,7 @@ class SG_API ListReader final : public ListFiler {
     Acad::ErrorStatus writeBChunk(int, const void*, size_t) override { return refuse(); }
 
   private:
+    void liftLists();
     Acad::ErrorStatus refuse() {
         setFilerStatus(Acad::eInvalidInput);
         return Acad::eInvalidInput;

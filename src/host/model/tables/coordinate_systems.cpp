@@ -1,5 +1,7 @@
 #include "host/model/tables/coordinate_systems.h"
 
+#include <utility>
+
 #include "host/model/core/database_state.h"
 #include "host/model/tables/view_tables.h"
 #include "platform/db/database.h"
@@ -27,9 +29,10 @@ View currentView(const AcDbDatabase& database) {
     if (acdbOpenObject(table, database.viewportTableId()) != Acad::eOk) return view;
     AcDbViewportTableRecord* active = nullptr;
     if (table->getAt(L"*Active", active) == Acad::eOk) {
-        view.direction = active->fields().get<AcGePoint3d>(16).asVector();
-        view.target = active->fields().get<AcGePoint3d>(17);
-        view.twist = active->fields().get<double>(51);
+        const RecordFields& fields = std::as_const(*active).fields();
+        view.direction = fields.get<AcGePoint3d>(16).asVector();
+        view.target = fields.get<AcGePoint3d>(17);
+        view.twist = fields.get<double>(51);
         active->close();
     }
     table->close();
