@@ -86,10 +86,12 @@ Rendering renderModel(const AcDbDatabase& database, const Options& options) {
     Looks looks(database, options.ground, layersOf(database, options));
     DisplaySettings settings = DisplaySettings::of(database);
     const AcGeMatrix3d toView = worldToView(towardsEye(options.view));
-    ViewBox box = measure(looks, settings, toView, database.modelSpaceId());
+    ViewBox box = options.window ? *options.window
+                                 : measure(looks, settings, toView, database.modelSpaceId());
     if (box.isEmpty()) box.add(0, 0);
 
-    const double scale = fit(box, picture.width, picture.height, 1 - 2 * kMargin);
+    const double share = options.window ? 1 : 1 - 2 * kMargin;
+    const double scale = fit(box, picture.width, picture.height, share);
     settings.viewHeight = picture.height / scale;
     PictureView view;
     view.projection =
