@@ -3,26 +3,14 @@
 
 #include <cstdlib>
 
+#include "host/editor/documents.h"
+#include "host/lisp/interpreter.h"
 #include "host/seam/host.h"
 #include "platform/db/database.h"
-#include "platform/ge/point3d.h"
+#include "platform/db/line.h"
 
-// The drawing database at a million lines: making them, and opening, reading and closing each.
-
-namespace {
-
-// As much as a line holds.
-class BenchLine : public AcDbEntity {
-  public:
-    ACRX_DECLARE_MEMBERS(BenchLine)
-    AcGePoint3d start, end;
-    AcGeVector3d normal = AcGeVector3d::kZAxis;
-    double thickness = 0;
-};
-
-}  // namespace
-
-ACRX_CONS_DEFINE_MEMBERS(BenchLine, AcDbEntity, 0)
+// The drawing database at a million lines: making them, opening, reading, changing and closing
+// each, and the same from LISP.
 
 namespace {
 
@@ -40,20 +28,15 @@ struct Drawing {
     sg::Host host{options()};
     std::unique_ptr<AcDbDatabase> database;
 
-    Drawing() {
-        BenchLine::rxInit();
-        acrxBuildClassHierarchy();
-        database = std::make_unique<AcDbDatabase>(true, true);
-    }
+    Drawing() { database = std::make_unique<AcDbDatabase>(true, true); }
     ~Drawing() { database.reset(); }
 
-    // One by one, the block opened for each, as LISP programs make them.
+    // One by one, the block opened for each, as modules do it.
     void fill() {
         for (int i = 0; i < kLines; ++i) {
             AcDbBlockTableRecord* space = nullptr;
             acdbOpenObject(space, database->modelSpaceId(), AcDb::kForWrite);
-            auto* const line = new BenchLine;
-            line->end.x = i;
+            auto* const line = new AcDbLine({i + 0.0, 0, 0}, {i + 0.0, 1, 0});
             space->appendAcDbEntity(line);
             line->close();
             space->close();
@@ -85,14 +68,54 @@ void openLines(benchmark::State& state) {
     for (auto _ : state) {
         double sum = 0;
         for (const AcDbObjectId id : space->entityIds()) {
-            BenchLine* line = nullptr;
+            AcDbLine* line = nullptr;
             if (acdbOpenObject(line, id) != Acad::eOk) std::abort();
-            sum += line->end.x;
+            sum += line->endPoint().x;
             line->close();
         }
         benchmark::DoNotOptimize(sum);
     }
     space->close();
+}
+
+// What a LISP program does to make the lines, to walk over them, and to ask each for its layer.
+const wchar_t* const kMaking =
+    LR"((setq x 0)
+    (repeat 1000000
+      (entmake (list '(0 . "LINE") (list 10 x 0.0 0.0) (list 11 x 1.0 0.0)))
+      (setq x (1+ x))))";
+const wchar_t* const kWalking =
+    LR"((setq e (entnext))
+    (while e (setq e (entnext e))))";
+const wchar_t* const kListing =
+    LR"((setq e (entnext))
+    (while e (assoc 8 (entget e)) (setq e (entnext e))))";
+
+void run(sg::Host& host, const wchar_t* program) {
+    sg::lisp::Interpreter& in = host.interpreter();
+    in.enterNamespace(&host.documents().current()->variables());
+    in.runProtected([&] { return in.loadText(program, L"bench"); });
+}
+
+void makeFromLisp(benchmark::State& state) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto host = std::make_unique<sg::Host>(options());
+        host->start();
+        state.ResumeTiming();
+        run(*host, kMaking);
+        state.PauseTiming();
+        host.reset();
+        state.ResumeTiming();
+    }
+}
+
+void runOnLines(benchmark::State& state, const wchar_t* program) {
+    sg::Host host(options());
+    host.start();
+    run(host, kMaking);
+    for (auto _ : state)
+        run(host, program);
 }
 
 void changeLines(benchmark::State& state) {
@@ -102,7 +125,7 @@ void changeLines(benchmark::State& state) {
     acdbOpenObject(space, drawing.database->modelSpaceId());
     for (auto _ : state) {
         for (const AcDbObjectId id : space->entityIds()) {
-            BenchLine* line = nullptr;
+            AcDbLine* line = nullptr;
             if (acdbOpenObject(line, id, AcDb::kForWrite) != Acad::eOk) std::abort();
             line->setColorIndex(3);
             line->close();
@@ -113,6 +136,9 @@ void changeLines(benchmark::State& state) {
 
 BENCHMARK(makeLines)->Unit(benchmark::kMillisecond)->Iterations(1);
 BENCHMARK(openLines)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(makeFromLisp)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK_CAPTURE(runOnLines, walk, kWalking)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK_CAPTURE(runOnLines, list, kListing)->Unit(benchmark::kMillisecond)->Iterations(1);
 BENCHMARK(changeLines)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 }  // namespace

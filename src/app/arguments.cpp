@@ -20,6 +20,7 @@ struct Narrow {
     std::vector<std::string> expressions, folders, parameters, layers;
     std::string drawingFile, converted, release, view, size, layout, ground;
     std::string databaseFile, table, output, folder, sql, input, backup;
+    std::string picture, text, pdf;
 };
 
 std::string joined(const std::vector<std::string>& items) {
@@ -250,6 +251,19 @@ void addCompact(CLI::App& db, Narrow& narrow, DatabaseArguments& arguments) {
         ->excludes(output);
 }
 
+void addBrowse(CLI::App& db, Narrow& narrow, DatabaseArguments& arguments) {
+    CLI::App* const command =
+        addDatabaseCommand(db, narrow, arguments, DatabaseArguments::Action::Browse, "browse",
+                           "Show a table in a window, in which it can be edited");
+    command->add_option("TABLE", narrow.table, "The table [the first]")->type_name("");
+    command->add_option("--picture", narrow.picture, "Write a picture of the window instead")
+        ->type_name("OUT.png");
+    command->add_option("--text", narrow.text, "Write the table's text with tabs instead")
+        ->type_name("OUT.txt");
+    command->add_option("--pdf", narrow.pdf, "Print the table to a file instead")
+        ->type_name("OUT.pdf");
+}
+
 CLI::App* addDatabaseCommands(CLI::App& app, Narrow& narrow, DatabaseArguments& arguments) {
     using Action = DatabaseArguments::Action;
     CLI::App* const db =
@@ -275,6 +289,7 @@ CLI::App* addDatabaseCommands(CLI::App& app, Narrow& narrow, DatabaseArguments& 
     addImport(*db, narrow, arguments);
     addDatabaseCommand(*db, narrow, arguments, Action::Queries, "queries",
                        "Print the stored queries");
+    addBrowse(*db, narrow, arguments);
     addDatabaseCommand(*db, narrow, arguments, Action::Check, "check",
                        "Look for damage; answers 1 when there is any");
     addCompact(*db, narrow, arguments);
@@ -334,6 +349,9 @@ void widen(const Narrow& narrow, Arguments& arguments) {
     arguments.database.parameters = widened(narrow.parameters);
     arguments.database.input = fromUtf8(narrow.input);
     arguments.database.backup = fromUtf8(narrow.backup);
+    arguments.database.picture = fromUtf8(narrow.picture);
+    arguments.database.text = fromUtf8(narrow.text);
+    arguments.database.pdf = fromUtf8(narrow.pdf);
     arguments.expressions = widened(narrow.expressions);
     arguments.folders = widened(narrow.folders);
     arguments.memoryLimit = parseSize(narrow.memoryLimit).value_or(0);
@@ -414,7 +432,8 @@ ParsedArguments parseArguments(int count, char** words) {
         }
         if (db->parsed() && db->get_subcommands().empty()) {
             throw CLI::RequiredError(
-                "A command: tables, schema, export, sql, import, queries, check or compact");
+                "A command: tables, schema, export, sql, import, queries, browse, check or "
+                "compact");
         }
         if (db->parsed()) {
             checkExport(narrow, arguments.database);

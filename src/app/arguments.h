@@ -10,10 +10,11 @@ namespace sg::app {
 
 // The words behind db.
 struct DatabaseArguments {
-    enum class Action { Tables, Schema, Export, Sql, Import, Queries, Check, Compact };
+    enum class Action { Tables, Schema, Export, Sql, Import, Queries, Browse, Check, Compact };
     Action action = Action::Tables;
     std::wstring file;
-    // Of schema and export; empty: all. Of import; empty: named as the file that is read.
+    // Of schema and export; empty: all. Of import; empty: named as the file that is read. Of
+    // browse; empty: the first.
     std::wstring table;
     std::wstring output;  // of export; empty: standard output. Of compact; empty: in place
     std::wstring folder;  // of export, with `all`
@@ -31,6 +32,9 @@ struct DatabaseArguments {
 
     bool repair = false;  // of compact
     std::wstring backup;  // empty: as compact sees fit
+
+    // Of browse: files to write instead of showing the window; empty ones are not written.
+    std::wstring picture, text, pdf;
 };
 
 // The words behind convert, info and render.

@@ -24,9 +24,9 @@ namespace {
 
 constexpr size_t kMostSuggestions = 5;
 
-// The families that the module's own functions are explained in.
+// The family of the module's functions that this build may lack.
 bool isOfModule(const FunctionPages::Family& family) {
-    return family.file == L"sg" || family.file == L"qn";
+    return family.file == L"qn";
 }
 
 std::wstring functionFolder() {

@@ -1,5 +1,6 @@
 """The command line: options, exit codes, files, help, and what the module exports."""
 
+import fcntl
 import os
 import re
 import shutil
@@ -147,24 +148,22 @@ class Files(ProgramTest):
 
     def test_a_drawing_that_another_process_has_is_read_only(self):
         self.write("plan.dxf", EMPTY_DRAWING)
-        with self.popen("repl", "--no-module", "--drawing", "plan.dxf", stdin=subprocess.PIPE,
-                        stdout=subprocess.PIPE, stderr=subprocess.PIPE) as first:
-            first.stdin.write(b'(princ "open\\n")\n')
-            first.stdin.flush()
-            self.assertEqual(first.stdout.readline().strip(), b"open")
+        self.write("plan.dxf.lock", "process 17 of eve on moon")
+        with open(self.path("plan.dxf.lock"), encoding="ascii") as lock:
+            fcntl.flock(lock, fcntl.LOCK_EX)
             code, printed, errors = self.run_program(
-                "run", "--no-module", "--drawing", "plan.dxf", "--eval", "(princ (getvar \"WRITESTAT\"))",
-                "--save", "plan.dxf")
+                "run", "--no-module", "--drawing", "plan.dxf", "--eval",
+                "(princ (getvar \"WRITESTAT\"))", "--save", "plan.dxf")
             self.assertEqual((code, printed), (3, "0"))
-            self.assertIn("plan.dxf: the drawing is open in process ", errors)
-            self.assertIn("it is opened read-only", errors)
+            self.assertIn("plan.dxf: the drawing is open in process 17 of eve on moon; it is opened "
+                          "read-only", errors)
             self.assertIn("read-only here; save it under another name", errors)
             self.assertEqual(self.run_program("convert", "plan.dxf", "plan.dxf")[0], 3)
-            first.communicate()
+            self.assertEqual(self.read("plan.dxf"), EMPTY_DRAWING)
         self.assertEqual(
             self.run_program("run", "--no-module", "--drawing", "plan.dxf", "--eval", "(princ 1)",
                              "--save", "plan.dxf"), (0, "1", ""))
-        self.assertEqual(open(self.path("plan.bak"), encoding="ascii").read(), EMPTY_DRAWING)
+        self.assertEqual(self.read("plan.bak"), EMPTY_DRAWING)
         self.assertFalse(os.path.exists(self.path("plan.dxf.lock")))
 
     def test_exit_saves_and_an_error_does_not(self):
@@ -252,7 +251,7 @@ class Help(ProgramTest):
         code, output, _ = self.run_program("help", "--missing")
         names = output.splitlines()
         self.assertEqual((code, len(names), names[0], names[-1]),
-                         (0, 73, "qn_qn-setGroupSelectable", "qn_qn-setAcadWindowText"))
+                         (0, 72, "qn_qn-setGroupSelectable", "qn_qn-setAcadWindowText"))
         self.assertEqual(self.run_program("help", "--missing", "--no-module"), (0, "", ""))
 
     def test_a_function_is_explained(self):

@@ -147,6 +147,25 @@ class RealFiles(LispDatabaseTest):
                     numbers = answer.split("\n")[-1].replace("(", " ").replace(")", " ").split()
                     self.assertEqual(set(map(int, numbers)), {count}, answer)
 
+    def test_every_table_is_queried(self):
+        """sg_list_tables and sg_sql tell what the command line tells of the same files."""
+        for name in FILES:
+            shutil.copy(real(name), self.path(name))
+            _, listed, _ = self.run_program("db", "tables", name)
+            tables = [table for table in listed.splitlines() if not table.startswith("MS")]
+            with self.subTest(file=name):
+                answer = self.lisp("""
+(sg_connect "%s" "r")
+(foreach table (sg_list_tables)
+  (if (not (wcmatch table "MS*"))
+    (princ (strcat "\n" table "\t" (itoa (length (sg_sql-nil (strcat "SELECT * FROM [" table "]"))))))))
+(princ)""" % name)
+                told = dict(line.split("\t") for line in answer.splitlines() if "\t" in line)
+                for table in tables:
+                    code, rows, _ = self.run_program("db", "export", name, table)
+                    if code == 0:
+                        self.assertEqual(int(told[table]), len(rows_of(rows)) - 1, table)
+
     def test_their_records_are_written_and_stay_sound(self):
         for name, table, field in [
             ("indexTestV2000.mdb", "Table1", "data"),

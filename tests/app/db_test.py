@@ -35,7 +35,7 @@ def rows_of(text):
 class Usage(ProgramTest):
     def test_wrong_usage_answers_2(self):
         for words, said in [
-            ([], "tables, schema, export, sql, import, queries, check or compact"),
+            ([], "tables, schema, export, sql, import, queries, browse, check or compact"),
             (["tables"], "FILE"),
             (["tables", "a.mdb", "b.mdb"], "b.mdb"),
             (["compact", "a.mdb", "b.mdb", "c.mdb"], "c.mdb"),
@@ -60,8 +60,8 @@ class Usage(ProgramTest):
         code, output, _ = self.run_program("db", "--help")
         self.assertEqual(code, 0)
         commands = re.findall("^  ([a-z]+) ", output.split("Subcommands:")[1], re.MULTILINE)
-        self.assertEqual(commands, ["tables", "schema", "export", "sql", "import", "queries", "check",
-                                    "compact"])
+        self.assertEqual(commands, ["tables", "schema", "export", "sql", "import", "queries", "browse",
+                                    "check", "compact"])
 
     def test_what_is_no_database_is_told_in_one_line(self):
         self.write("notes.txt", "not a database\n" * 500)

@@ -1,8 +1,11 @@
-"""LISP programs on drawings: the examples of the manual answer as they say."""
+"""LISP programs on drawings: the examples of the manual, and arguments of every kind."""
 
+import os
 import unittest
 
 from program import ProgramTest
+
+HELPERS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "lisp", "helpers")
 
 
 class Manual(ProgramTest):
@@ -11,6 +14,16 @@ class Manual(ProgramTest):
 
     def test_functions_on_entities(self):
         self.assertGreater(self.check_examples("entities.md"), 20)
+
+
+class Arguments(ProgramTest):
+    def test_no_argument_and_no_group_stops_a_program(self):
+        """The program tells that it has come through its calls, and through its entities."""
+        code, output, errors = self.run_program(
+            "run", os.path.join(HELPERS, "drawing_arguments.lsp"))
+        self.assertEqual((code, errors), (0, ""))
+        self.assertEqual([line.strip() for line in output.splitlines() if line.startswith("(")],
+                         ["(CALLED T)", "(MADE T)"])
 
 
 if __name__ == "__main__":

@@ -184,6 +184,18 @@ TEST_F(ConnectTest, AFileIsMadeAndNeverOverAnother) {
     EXPECT_EQ(run("(sg_readonly)"), "nil") << "which is as it was";
 }
 
+TEST_F(ConnectTest, NamesMayHaveAnyCharactersAndEitherSeparator) {
+    std::filesystem::create_directories(folder_ / "Büro 7");
+    for (const char* name : {"Büro 7/Plan \xE2\x98\x83.qn", "a b.c.mdb", "PROJECT.QN"}) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(run("(sg_create_db (strcat folder \"" + std::string(name) + "\"))"), "T");
+        run("(setq name (vl-string-translate \"/\" \"\\\\\" (strcat folder \"" + std::string(name) +
+            "\")))");
+        EXPECT_EQ(run("(sg_connect name)"), "T");
+        EXPECT_EQ(run("(= (sg_mdb) (strcat folder \"" + std::string(name) + "\"))"), "T");
+    }
+}
+
 // --- repair ---
 
 class RepairTest : public DatabaseTest {

@@ -37,8 +37,6 @@ class EveryFunctionTest : public DatabaseTest {
     ~EveryFunctionTest() override { std::filesystem::current_path(before_); }
 
     enum class State { None, Closed, NoTable, Ready, ReadOnly };
-    static constexpr State kStates[] = {State::None, State::Closed, State::NoTable, State::Ready,
-                                        State::ReadOnly};
 
     // Those that a connect to another file left for others, too.
     void closeConnections() {
@@ -161,41 +159,6 @@ TEST_F(EveryFunctionTest, NothingToWorkOn) {
             EXPECT_EQ(outcome(call), c.wanted) << call << " in state " << int(c.state);
             expectNothingLocked();
         }
-    }
-}
-
-// Whatever is passed, a call ends with an answer or a message that the product has.
-TEST_F(EveryFunctionTest, AnyArguments) {
-    static const char* const kValues[] = {"nil",
-                                          "T",
-                                          "5",
-                                          "2.5",
-                                          "\"\"",
-                                          "\"x\"",
-                                          "\"Rooms\"",
-                                          "'(\"x\" 5)",
-                                          "'(1 2)",
-                                          "'(1.0 2.0)",
-                                          "'((\"Name\" . 5))",
-                                          "line"};
-    for (const State state : kStates) {
-        prepare(state);
-        for (const CallRow& row : callRows()) {
-            for (const char* value : kValues) {
-                for (const std::string& arguments :
-                     {std::string(value), std::string(value) + " " + value,
-                      std::string("\"Rooms\" ") + value,
-                      std::string("\"Rooms\" \"Name\" ") + value}) {
-                    const std::string call = std::string("(") + row.name + " " + arguments + ")";
-                    const std::string came = outcome(call);
-                    EXPECT_TRUE(came.find(" | ") == std::string::npos ||
-                                came.find(" | \nAppend error: ") != std::string::npos ||
-                                came.find(" | \nSwift Gate Error: ") != std::string::npos)
-                        << call << " came to " << came;
-                }
-            }
-        }
-        expectNothingLocked();
     }
 }
 

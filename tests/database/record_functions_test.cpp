@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "database/database_fixture.h"
+#include "database/lisp_functions.h"
 #include "host/jet/child_process.h"
 
 namespace sg::test {
@@ -205,6 +206,16 @@ TEST_F(WritingTest, AFieldThatDoesNotCountUpEnds) {
     EXPECT_EQ(run("(sg_append_withindex 9 '((\"A\" . 7)))"), "\"error - unable to match index\"");
     EXPECT_EQ(run("(sg_append_withindex 9 '((\"A\")))"), "\"error - unable to match index\"");
     EXPECT_EQ(run("(sg_count)"), "1");
+}
+
+TEST_F(WritingTest, TheUserMayBreakTheCounting) {
+    guarded = [this] {
+        host().interpreter().interrupt();
+        return appendRecordWithIndex();
+    };
+    eval("(guarded 1000000000 '((\"Name\" . \"x\")))");
+    host().interpreter().clearInterrupt();
+    EXPECT_EQ(run("(sg_count)"), "3");
 }
 
 // --- deleting ---

@@ -11,6 +11,7 @@
 ;; ---- What a new drawing has ---------------------------------------------------------------------
 (foreach table '("LAYER" "LTYPE" "STYLE" "DIMSTYLE" "VIEW" "UCS" "APPID" "VPORT" "BLOCK")
   (show (list 'names table)))
+(show '(tblsearch "LTYPE" "bylayer"))
 (show '(tblsearch "layer" "0"))
 (show '(tblsearch "LAYER" "none"))
 (show '(record "LAYER" "0"))

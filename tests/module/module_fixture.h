@@ -7,6 +7,7 @@
 
 #include "bridge/call_guard.h"
 #include "database/connection.h"
+#include "database/database_error.h"
 #include "database/db_info.h"
 #include "host/editor/input_source.h"
 #include "host/rx/module_loader.h"
@@ -146,6 +147,7 @@ class ModuleTest : public HostTest {
   private:
     static void reset() {
         setCurrentDatabase(nullptr, L"", 0);
+        clearLastErrorText();
         dbInfoList().clear();
         probe = {};
         guarded = guardedInner = nullptr;

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "base/encoding.h"
+#include "base/text.h"
 #include "host/dxf/header_section.h"
 #include "host/dxf/object_filer.h"
 #include "host/dxf/table_section.h"
@@ -110,6 +111,7 @@ std::vector<std::wstring> DrawingReader::read() {
     }
     reading_.handles.begin();
     readClasses();
+    if (reading_.release <= AcDb::kDHL_1009) prepareBlocks();
     if (const Section* const tables = section("TABLES")) {
         TableSection(reading_, loader_).read(tables->position);
     } else if (reading_.release > AcDb::kDHL_1009) {
@@ -180,9 +182,8 @@ AcDbObjectId DrawingReader::blockOf(const ScannedObject& scanned) {
     if (peek<AcDbBlockTableRecord>(owner) != nullptr) return owner;
     const Group* const group = scanned.find(2);
     std::wstring name = group == nullptr ? std::wstring() : reading_.text(*group);
-    if (name.starts_with(L'$') && name.ends_with(L"_SPACE")) {
-        name = name == L"$MODEL_SPACE" ? ACDB_MODEL_SPACE : ACDB_PAPER_SPACE;
-    }
+    if (equalIgnoringCase(name, L"$MODEL_SPACE")) name = ACDB_MODEL_SPACE;
+    if (equalIgnoringCase(name, L"$PAPER_SPACE")) name = ACDB_PAPER_SPACE;
     const AcDbObjectId known = model::findRecord(reading_.state.roots.blockTable, name);
     return known.isNull() ? addBlock(name) : known;
 }
@@ -217,20 +218,30 @@ void DrawingReader::endBlock(ScannedObject& scanned) {
     loader_.checkLater(end->objectId(), position);
 }
 
-// Blocks that refer to one further on find it: first come all the blocks, then what is in them.
-void DrawingReader::readBlocks() {
+// Dimension styles and block references find the blocks that they name wherever those stand.
+// Files of release 12 have no table of blocks.
+void DrawingReader::prepareBlocks() {
+    AcDbObjectId& table = reading_.state.roots.blockTable;
+    if (table.isNull()) {
+        auto made = std::make_unique<AcDbBlockTable>();
+        if (reading_.state.load(*made, 0, {}) == Acad::eOk) table = made.release()->objectId();
+    }
     const Section* const blocks = section("BLOCKS");
     if (blocks == nullptr) return;
     ScannedObject scanned;
-    const auto isInside = [&] {
-        return reading_.scanner.next(scanned) && !scanned.is("ENDSEC") && !scanned.is("SECTION");
-    };
     reading_.scanner.seek(blocks->position);
-    while (isInside()) {
+    while (reading_.scanner.next(scanned) && !scanned.is("ENDSEC") && !scanned.is("SECTION")) {
         if (scanned.is("BLOCK")) blockOf(scanned);
     }
+}
+
+void DrawingReader::readBlocks() {
+    prepareBlocks();
+    const Section* const blocks = section("BLOCKS");
+    if (blocks == nullptr) return;
+    ScannedObject scanned;
     reading_.scanner.seek(blocks->position);
-    while (isInside()) {
+    while (reading_.scanner.next(scanned) && !scanned.is("ENDSEC") && !scanned.is("SECTION")) {
         if (scanned.is("BLOCK")) {
             beginBlock(scanned);
         } else if (scanned.is("ENDBLK")) {

@@ -28,6 +28,7 @@ class DrawingReader {
     const Section* section(std::string_view name) const;
     void readClasses();
     void leaveNames();
+    void prepareBlocks();
     void readBlocks();
     void beginBlock(ScannedObject& scanned);
     void endBlock(ScannedObject& scanned);

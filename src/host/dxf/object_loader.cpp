@@ -168,6 +168,30 @@ bool ObjectLoader::fill(AcDbObject& object, const ScannedObject& scanned, std::w
     return false;
 }
 
+namespace {
+
+// The markers that later releases have in entities of release 12 for which there is no class.
+std::vector<std::string_view> laterMarkers(const ScannedObject& scanned) {
+    constexpr int64_t kMesh = 16;
+    constexpr int64_t kPolyface = 64;
+    constexpr int64_t kFace = 128;
+    const Group* const group = scanned.find(kFlags);
+    const int64_t flags = group == nullptr ? 0 : group->whole;
+    if (scanned.is("POLYLINE")) {
+        if ((flags & kPolyface) != 0) return {"AcDbPolyFaceMesh"};
+        if ((flags & kMesh) != 0) return {"AcDbPolygonMesh"};
+    } else if (scanned.is("VERTEX")) {
+        if (flags == kFace) return {"AcDbFaceRecord"};
+        if ((flags & kFace) != 0) return {"AcDbVertex", "AcDbPolyFaceMeshVertex"};
+        return {"AcDbVertex", "AcDbPolygonMeshVertex"};
+    } else if (scanned.is("SHAPE")) {
+        return {"AcDbShape"};
+    }
+    return {};
+}
+
+}  // namespace
+
 std::unique_ptr<AcDbObject> ObjectLoader::makeProxy(ScannedObject& scanned, Role role) {
     std::unique_ptr<AcDbObject> object;
     if (role == Role::entity) {
@@ -186,7 +210,15 @@ std::unique_ptr<AcDbObject> ObjectLoader::makeProxy(ScannedObject& scanned, Role
         break;
     }
     std::wstring error;
-    if (fill(*object, scanned, error)) return object;
+    if (fill(*object, scanned, error)) {
+        const bool hasMarkers = scanned.find(kMarker) != nullptr;
+        model::GroupData groups;
+        for (const std::string_view marker : laterMarkers(scanned))
+            groups.appendText(kMarker, marker);
+        groups.append(data.groups);
+        if (!hasMarkers) data.groups = std::move(groups);
+        return object;
+    }
     reading_.report.warn(scanned.position, nameOf(scanned) + L" is left out: " + error);
     return nullptr;
 }
@@ -208,8 +240,7 @@ std::unique_ptr<AcDbObject> ObjectLoader::make(ScannedObject& scanned, Role role
 }
 
 bool ObjectLoader::place(AcDbObject& object, const ScannedObject& scanned, AcDbObjectId owner) {
-    const Group* handle = scanned.findIdentity(scanned.is("DIMSTYLE") ? 105 : 5);
-    if (handle == nullptr && scanned.is("DIMSTYLE")) handle = scanned.findIdentity(5);
+    const Group* const handle = scanned.findIdentity(scanned.is("DIMSTYLE") ? 105 : 5);
     uint64_t number = handle == nullptr ? 0 : handle->handle;
     if (number > Handles::kGreatest) number = 0;
     Acad::ErrorStatus status = reading_.state.load(object, number, owner);
@@ -247,6 +278,7 @@ AcDbObject* ObjectLoader::loadAs(ScannedObject& scanned, std::unique_ptr<AcDbObj
 // ---- Forms --------------------------------------------------------------------------------------
 
 void ObjectLoader::keepForm(AcDbObject& object, const ScannedObject& scanned) {
+    if (!keepsForms()) return;
     std::unique_ptr<model::FileForm> form =
         formToKeep(object, scanned.groups, reading_.codec, reading_.handles, reading_.release);
     if (form != nullptr) ObjectAccess::needExtras(object).fileForm = std::move(form);

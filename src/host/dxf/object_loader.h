@@ -28,7 +28,9 @@ class ObjectLoader {
 
     // Keeps the object's form as the file has it where its class would write another one.
     void keepForm(AcDbObject& object, const ScannedObject& scanned);
-    void checkLater(AcDbObjectId id, size_t position) { later_.push_back({id, position}); }
+    void checkLater(AcDbObjectId id, size_t position) {
+        if (keepsForms()) later_.push_back({id, position});
+    }
     // Does so for the others, when everything is read.
     void checkForms();
 
@@ -36,6 +38,8 @@ class ObjectLoader {
     AcDbObjectId ownerOf(const ScannedObject& scanned);
 
   private:
+    // Older files are always written in a release whose objects have other groups.
+    bool keepsForms() const { return reading_.release >= AcDb::kDHL_1015; }
     const AcRxClass* classOf(const ScannedObject& scanned);
     std::unique_ptr<AcDbObject> make(ScannedObject& scanned, Role role);
     std::unique_ptr<AcDbObject> makeProxy(ScannedObject& scanned, Role role);

@@ -52,7 +52,12 @@ bool ObjectScanner::next(ScannedObject& object) {
                 break;
         }
         if (group.code != 0) {
-            if (!object.groups.empty()) object.groups.push_back(group);
+            if (object.groups.empty()) continue;
+            if (object.hasNameFor(group)) {
+                group.kind = ValueKind::text;
+                group.isMalformed = false;
+            }
+            object.groups.push_back(group);
             continue;
         }
         if (!object.groups.empty()) {

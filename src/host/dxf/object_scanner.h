@@ -19,6 +19,8 @@ struct ScannedObject {
     // The first one ahead of the subclass data and outside of lists in braces, such as the handle
     // and the owner.
     const Group* findIdentity(int code) const;
+    // In dimension styles of old releases 5 is the name of a block.
+    bool hasNameFor(const Group& group) const { return group.code == 5 && is("DIMSTYLE"); }
 };
 
 // Takes a file's groups object by object. Damage is reported, and with it goes the object in which

@@ -123,7 +123,7 @@ class SG_API AcDbEntity : public AcDbObject {
     Acad::ErrorStatus getTransformedCopy(const AcGeMatrix3d& transform, AcDbEntity*& copy) const {
         return subGetTransformedCopy(transform, copy);
     }
-    // eInvalidExtents for what has none (a ray, an empty text).
+    // Adds to `extents`. eInvalidExtents for what has none (a ray, an empty text).
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const {
         return subGetGeomExtents(extents);
     }

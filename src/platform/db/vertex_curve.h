@@ -24,6 +24,9 @@ class SG_API VertexCurve : public AcDbCurve {
     ~VertexCurve() override;
 
     std::unique_ptr<AcDbObjectIterator> vertexIterator() const;
+    // The vertex behind one of them, erased ones left out; the first for the null id. Null behind
+    // the last, for what is no vertex of this, and outside a database.
+    AcDbObjectId vertexAfter(AcDbObjectId vertex) const;
     AcDbObjectId sequenceEndId() const { return sequenceEnd_; }  // null outside a database
 
     Acad::ErrorStatus setOwnerId(AcDbObjectId owner) override;

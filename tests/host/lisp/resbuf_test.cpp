@@ -125,6 +125,44 @@ TEST_F(ResbufTest, StringOfALengthKeepsZerosAndEndsItself) {
     EXPECT_EQ(acutNewString(nullptr), nullptr);
 }
 
+TEST_F(ResbufTest, ASharedStringLivesUntilItsLastNode) {
+    EXPECT_EQ(sgShareNodeString(nullptr), nullptr);
+    for (const size_t length : {size_t{3}, size_t{5000}}) {
+        const std::wstring text(length, L'k');
+        resbuf* const list = acutBuildList(RTSTR, text.c_str(), RTSTR, L"", RTSTR, L"", 0);
+        wchar_t* const first = list->resval.rstring;
+        for (resbuf* node = list->rbnext; node != nullptr; node = node->rbnext) {
+            acutDelString(node->resval.rstring);
+            node->resval.rstring = sgShareNodeString(first);
+            EXPECT_EQ(node->resval.rstring, first);
+        }
+        resbuf* const rest = list->rbnext;
+        list->rbnext = nullptr;
+        acutRelRb(list);
+        wchar_t* const other = acutNewString(std::wstring(length, L'x').c_str());
+        EXPECT_EQ(rest->rbnext->resval.rstring, text);
+        acutRelRb(rest);
+        wchar_t* released = other;
+        acutDelString(released);
+    }
+}
+
+// So many that their memory comes in large pieces.
+TEST_F(ResbufTest, ManyNodesAreAsFew) {
+    resbuf* list = nullptr;
+    for (int i = 0; i < 200000; ++i) {
+        resbuf* const node = acutNewRb(RTLONG);
+        node->resval.rlong = i;
+        node->rbnext = list;
+        list = node;
+    }
+    EXPECT_EQ(acutLiveNodeCount(), before_ + 200000);
+    int expected = 200000;
+    for (const resbuf* node = list; node != nullptr; node = node->rbnext)
+        ASSERT_EQ(node->resval.rlong, --expected);
+    acutRelRb(list);
+}
+
 TEST(GroupCodeTest, KindsOfGroupCodes) {
     const struct {
         int code;

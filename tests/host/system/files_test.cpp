@@ -32,6 +32,30 @@ TEST_F(FilesTest, CopyTellsHowMuchAndNeverReplaces) {
     EXPECT_EQ(read("there.txt"), "old");
 }
 
+TEST_F(FilesTest, ACopyOverAFileIsWholeOrNotThere) {
+    write("source.txt", std::string(100000, 'x'));
+    write("there.txt", "old");
+    chmod((folder_ / "source.txt").c_str(), 0640);
+    EXPECT_EQ(copyOverFile(path("source.txt"), path("THERE.txt")).bytes, 100000);
+    EXPECT_EQ(read("there.txt").size(), 100000u);
+    EXPECT_EQ(fileTime(path("there.txt"))->tv_nsec, fileTime(path("source.txt"))->tv_nsec);
+    struct stat info;
+    ASSERT_EQ(stat((folder_ / "there.txt").c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0640u);
+    EXPECT_THAT(toUtf8(copyOverFile(path("there.txt"), path("THERE.TXT")).error),
+                HasSubstr("same file"));
+    EXPECT_FALSE(copyOverFile(path("none"), path("x")));
+    EXPECT_FALSE(copyOverFile(path("source.txt"), path()));
+    ASSERT_EQ(mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+    EXPECT_THAT(toUtf8(copyOverFile(path("pipe"), path("x")).error), HasSubstr("pipe"));
+    chmod((folder_ / "there.txt").c_str(), 0444);
+    EXPECT_TRUE(isReadOnly(path("there.txt")));
+    EXPECT_FALSE(isReadOnly(path("source.txt")) || isReadOnly(path("none")));
+    EXPECT_FALSE(copyOverFile(path("source.txt"), path("there.txt")));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_), {}), 3)
+        << "nothing unfinished is left";
+}
+
 TEST_F(FilesTest, RenameAndDelete) {
     write("a.txt", "a");
     write("b.txt", "b");

@@ -78,5 +78,46 @@ TEST(BuildRecordList, MarkersStartRecords) {
           });
 }
 
+// Names that the array shares are shared by the list; where a record has others, they are its own.
+TEST(BuildRecordList, SharedNames) {
+    const size_t live = acutLiveNodeCount();
+    {
+        const COleVariant a = text(L"a"), s = text(L"s_b");
+        std::vector<COleVariant> items;
+        const auto record = [&] { items.push_back(newRecord()); };
+        const auto field = [&](COleVariant name, const wchar_t* value) {
+            items.push_back(std::move(name));
+            items.push_back(text(value));
+        };
+        const auto sharing = &COleVariant::sharing;
+        for (const wchar_t* const value : {L"1 ", L"3 "}) {
+            record();
+            field(sharing(a), value);
+            field(sharing(s), value);
+        }
+        record();
+        field(sharing(s), L"5 ");
+        field(text(L"a"), L"6 ");
+        field(sharing(a), L"7 ");
+        record();
+        field(sharing(a), L"8 ");
+        COleSafeArray array;
+        array.CreateFromVariants(std::move(items));
+        const List list(buildRecordList(array));
+        EXPECT_EQ(describe(list.get()),
+                  "( ( ( 'a' . '1' ) ( 's_b' . '1_' ) ) ( ( 'a' . '3' ) ( 's_b' . '3_' ) ) "
+                  "( ( 's_b' . '5_' ) ( 'a' . '6' ) ( 'a' . '7' ) ) ( ( 'a' . '8' ) ) )");
+        std::vector<const wchar_t*> keys;
+        for (const resbuf* node = list.get(); node != nullptr; node = node->rbnext) {
+            if (node->rbnext != nullptr && node->rbnext->restype == RTDOTE)
+                keys.push_back(node->resval.rstring);
+        }
+        ASSERT_EQ(keys.size(), 8u);
+        EXPECT_EQ(keys[0], keys[2]);
+        EXPECT_EQ(keys[1], keys[3]);
+    }
+    EXPECT_EQ(acutLiveNodeCount(), live);
+}
+
 }  // namespace
 }  // namespace sg

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "platform/variant/safe_array.h"
 
 namespace {
@@ -27,6 +29,24 @@ TEST(SysString, KeepsItsLengthAndEndsWithAZero) {
     SysFreeString(blank);
 
     EXPECT_EQ(SysAllocStringLen(L"", static_cast<size_t>(-1)), nullptr);
+}
+
+TEST(Bstr, ASharedStringLivesUntilItsLastHolder) {
+    EXPECT_EQ(sgShareBstr(nullptr), nullptr);
+    std::vector<COleVariant> holders;
+    {
+        const COleVariant first = COleVariant::fromString(std::wstring_view(L"a\0b", 3));
+        for (int i = 0; i < 3; ++i) {
+            holders.push_back(COleVariant::sharing(first));
+            EXPECT_EQ(holders.back().bstrVal, first.bstrVal);
+        }
+    }
+    holders.erase(holders.begin());
+    EXPECT_EQ(variantText(holders.front()), std::wstring_view(L"a\0b", 3));
+    COleVariant copy = holders.front();
+    EXPECT_NE(copy.bstrVal, holders.front().bstrVal) << "a copy is its holder's own";
+    copy.bstrVal[0] = L'x';
+    EXPECT_EQ(variantText(holders.back()), std::wstring_view(L"a\0b", 3));
 }
 
 TEST(VariantCopy, CopiesOwnWhatTheyHold) {

@@ -139,11 +139,4 @@ AcDbObjectId tableNamed(const AcDbDatabase& database, std::wstring_view name) {
     return {};
 }
 
-std::wstring freeBlockName(const AcDbBlockTable& table, const std::wstring& prefix) {
-    for (int number = 1;; ++number) {
-        const std::wstring name = prefix + std::to_wstring(number);
-        if (!table.has(name.c_str())) return name;
-    }
-}
-
 }  // namespace sg::model

@@ -254,7 +254,7 @@ EntityMaker::Result EntityMaker::beginBlock(const resbuf* groups) {
     Result result;
     // Until it is complete it has a number as its name, which an anonymous block keeps.
     const std::wstring prefix = name.front() == L'*' ? name.substr(0, 2) : L"*U";
-    if (block->setName(freeBlockName(*table, prefix).c_str()) == Acad::eOk &&
+    if (block->setName(prefix.c_str()) == Acad::eOk &&
         table->add(block_, block.get()) == Acad::eOk) {
         if (const resbuf* const origin = findGroup(groups, kOrigin)) {
             const double* const p = origin->resval.rpoint;

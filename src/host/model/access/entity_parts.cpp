@@ -1,52 +1,54 @@
 #include "host/model/access/entity_parts.h"
 
-#include <memory>
+#include <algorithm>
+#include <vector>
 
+#include "host/model/core/object_access.h"
 #include "platform/db/block_reference.h"
 #include "platform/db/vertex_curve.h"
 
 namespace sg::model {
 namespace {
 
-// Calls `visit` with each part until it answers true.
-template <class Visit>
-void findPart(const AcDbEntity& whole, const Visit& visit) {
-    AcDbObjectId end;
+AcDbObjectId unlessErased(AcDbObjectId id) {
+    return id.isNull() || id.isErased() ? AcDbObjectId() : id;
+}
+
+AcDbObjectId attributeAfter(const AcDbBlockReference& reference, AcDbObjectId attribute) {
+    const std::vector<AcDbHardOwnershipId>& ids = reference.attributeIds();
+    auto at = ids.begin();
+    if (!attribute.isNull()) {
+        at = std::find(ids.begin(), ids.end(), attribute);
+        if (at != ids.end()) ++at;
+    }
+    at = std::find_if(at, ids.end(), [](AcDbObjectId id) { return !id.isErased(); });
+    return at == ids.end() ? AcDbObjectId() : AcDbObjectId(*at);
+}
+
+// The part behind one of them, or the first for the null id.
+AcDbObjectId nextPart(const AcDbEntity& whole, AcDbObjectId part) {
+    AcDbObjectId next, end;
     if (const auto* const reference = AcDbBlockReference::cast(&whole)) {
-        for (const AcDbObjectId attribute : reference->attributeIds()) {
-            if (!attribute.isErased() && visit(attribute)) return;
-        }
+        next = attributeAfter(*reference, part);
         end = reference->sequenceEndId();
     } else if (const auto* const polyline = dynamic_cast<const VertexCurve*>(&whole)) {
-        for (auto each = polyline->vertexIterator(); !each->done(); each->step()) {
-            if (!each->objectId().isNull() && visit(each->objectId())) return;
-        }
+        next = polyline->vertexAfter(part);
         end = polyline->sequenceEndId();
     }
-    if (!end.isNull() && !end.isErased()) visit(end);
+    if (!next.isNull()) return next;
+    return part == end ? AcDbObjectId() : unlessErased(end);
 }
 
 }  // namespace
 
 AcDbObjectId firstPart(const AcDbEntity& whole) {
-    AcDbObjectId first;
-    findPart(whole, [&](AcDbObjectId part) {
-        first = part;
-        return true;
-    });
-    return first;
+    return nextPart(whole, AcDbObjectId());
 }
 
 AcDbObjectId partAfter(const AcDbEntity& whole, AcDbObjectId part) {
-    AcDbObjectId next;
-    bool found = false;
-    findPart(whole, [&](AcDbObjectId each) {
-        if (found) next = each;
-        const bool done = found;
-        found = found || each == part;
-        return done;
-    });
-    return next;
+    const auto* const entity = peek<AcDbEntity>(part);
+    const bool isPart = entity != nullptr && entity->ownerId() == whole.objectId();
+    return isPart ? nextPart(whole, part) : AcDbObjectId();
 }
 
 }  // namespace sg::model

@@ -36,7 +36,7 @@ Acad::ErrorStatus AcDbEntity::subGetGeomExtents(AcDbExtents& extents) const {
     sg::model::MeasuringDraw draw;
     const_cast<AcDbEntity*>(this)->worldDraw(&draw);
     if (draw.extents().isEmpty()) return Acad::eInvalidExtents;
-    extents = draw.extents();
+    extents.addExt(draw.extents());
     return Acad::eOk;
 }
 

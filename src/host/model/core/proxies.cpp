@@ -85,7 +85,7 @@ const wchar_t* dxfNameOf(const AcDbObject& object) {
     const AcRxClass* const type = object.isA();
     if (type == AcDbProxyEntity::desc() || type == AcDbProxyObject::desc()) {
         const ProxyData& data = *proxyData(object);
-        if (!data.groups.empty()) return data.dxfName.c_str();
+        if (data.bytes.empty() || !data.groups.empty()) return data.dxfName.c_str();
     }
     const bool isTable = *type->dxfName() == L'\0' && type->isDerivedFrom(AcDbSymbolTable::desc());
     return isTable ? L"TABLE" : type->dxfName();

@@ -67,7 +67,7 @@ Acad::ErrorStatus AcDbProxyObject::dxfInFields(AcDbDxfFiler* filer) {
 
 Acad::ErrorStatus AcDbProxyObject::dxfOutFields(AcDbDxfFiler* filer) const {
     AcDbObject::dxfOutFields(filer);
-    if (!data.groups.empty()) return data.groups.dxfOut(*filer);
+    if (data.bytes.empty() || !data.groups.empty()) return data.groups.dxfOut(*filer);
     return writeProxyGroups(*filer, L"AcDbProxyObject", 499, data);
 }
 
@@ -165,7 +165,7 @@ Acad::ErrorStatus AcDbProxyEntity::dxfInFields(AcDbDxfFiler* filer) {
 
 Acad::ErrorStatus AcDbProxyEntity::dxfOutFields(AcDbDxfFiler* filer) const {
     AcDbEntity::dxfOutFields(filer);
-    if (!data.groups.empty()) return data.groups.dxfOut(*filer);
+    if (data.bytes.empty() || !data.groups.empty()) return data.groups.dxfOut(*filer);
     return writeProxyGroups(*filer, L"AcDbProxyEntity", 498, data);
 }
 

@@ -45,6 +45,23 @@ std::unique_ptr<AcDbObjectIterator> VertexCurve::vertexIterator() const {
     return std::make_unique<Iterator>(slots_);
 }
 
+// Ids mostly rise along a polyline, so that a vertex is found by halving; where not, one by one.
+AcDbObjectId VertexCurve::vertexAfter(AcDbObjectId vertex) const {
+    auto at = slots_.begin();
+    if (!vertex.isNull()) {
+        at = std::lower_bound(slots_.begin(), slots_.end(), vertex,
+                              [](const VertexSlot& slot, AcDbObjectId id) { return slot.id < id; });
+        if (at == slots_.end() || at->id != vertex) {
+            at = std::find_if(slots_.begin(), slots_.end(),
+                              [&](const VertexSlot& slot) { return slot.id == vertex; });
+        }
+        if (at != slots_.end()) ++at;
+    }
+    while (at != slots_.end() && (at->id.isNull() || at->id.isErased()))
+        ++at;
+    return at == slots_.end() ? AcDbObjectId() : at->id;
+}
+
 const AcDbEntity* VertexCurve::peekVertex(const VertexSlot& slot) {
     if (slot.loose != nullptr) return slot.loose.get();
     const AcDbEntity* const vertex = peek<AcDbEntity>(slot.id);
@@ -85,7 +102,8 @@ Acad::ErrorStatus VertexCurve::place(size_t at, AcDbObjectId& id, AcDbEntity* ve
     if (owner == nullptr) {
         slot.loose.reset(vertex);
     } else {
-        moveIntoDatabase();
+        // Either all vertices are the database's or none is.
+        if (!slots_.empty() && slots_.back().loose != nullptr) moveIntoDatabase();
         const Acad::ErrorStatus status = owner->addAcDbObject(id, vertex);
         if (status != Acad::eOk) return status;
         vertex->setOwnerId(objectId());

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "host/model/tables/filing.h"
+#include "host/model/tables/references.h"
 
 using sg::model::FieldRow;
 
@@ -57,6 +58,19 @@ Acad::ErrorStatus AcDbDimStyleTableRecord::dxfOutFields(AcDbDxfFiler* filer) con
     return filer->filerStatus();
 }
 
+// Release 12 has the blocks of arrows by their names, which no later release has under these codes.
+bool AcDbDimStyleTableRecord::takeArrow(AcDbDatabase* database,
+                                        const sg::model::FieldReader& field) {
+    constexpr std::pair<int, int> kArrows[] = {{5, 342}, {6, 343}, {7, 344}};
+    for (const auto& [old, code] : kArrows) {
+        if (field.code() != old) continue;
+        values_.set(code,
+                    sg::model::recordNamed(database, sg::model::NamedIn::blocks, field.text()));
+        return true;
+    }
+    return false;
+}
+
 Acad::ErrorStatus AcDbDimStyleTableRecord::dxfInFields(AcDbDxfFiler* filer) {
     const Acad::ErrorStatus status = AcDbSymbolTableRecord::dxfInFields(filer);
     if (status != Acad::eOk) return status;
@@ -70,7 +84,7 @@ Acad::ErrorStatus AcDbDimStyleTableRecord::dxfInFields(AcDbDxfFiler* filer) {
             // The first 70 is the record's flags; a later one is the fill colour of texts.
             standardFlags_ = static_cast<int16_t>(fields.integer());
             flagsRead = true;
-        } else {
+        } else if (!takeArrow(filer->database(), fields)) {
             values_.takeDxf(fields);
         }
     }

@@ -21,6 +21,8 @@ class SG_API AcDbDimStyleTableRecord : public AcDbSymbolTableRecord {
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
 
   private:
+    bool takeArrow(AcDbDatabase* database, const sg::model::FieldReader& field);
+
     sg::model::RecordFields values_;
 };
 

@@ -22,14 +22,15 @@ double gaussSum(const Function& f, double from, double to) {
 }
 
 // One part of an adaptive integral, whose sum in one piece is `whole`: halved until halving changes
-// less than `tolerance`, or the part is too short to halve on.
+// less than `tolerance`, or the part is too short to halve on, or the values are beyond numbers.
 template <class Function>
 double refineIntegral(const Function& f, double from, double to, double whole, double tolerance,
                       int depth) {
     const double middle = (from + to) / 2;
     const double left = gaussSum(f, from, middle);
     const double right = gaussSum(f, middle, to);
-    if (depth == 0 || std::abs(left + right - whole) <= tolerance) return left + right;
+    const double change = std::abs(left + right - whole);
+    if (depth == 0 || change <= tolerance || !std::isfinite(change)) return left + right;
     return refineIntegral(f, from, middle, left, tolerance, depth - 1) +
            refineIntegral(f, middle, to, right, tolerance, depth - 1);
 }
@@ -39,7 +40,8 @@ double refineIntegral(const Function& f, double from, double to, double whole, d
 template <class Function>
 double integrate(const Function& f, double from, double to, double size) {
     if (from == to) return 0;
-    return refineIntegral(f, from, to, gaussSum(f, from, to), 1e-13 * size, 20);
+    const double whole = gaussSum(f, from, to);
+    return refineIntegral(f, from, to, whole, 1e-13 * size + 1e-15 * std::abs(whole), 20);
 }
 
 }  // namespace sg::model
