@@ -85,6 +85,7 @@ Rendering renderModel(const AcDbDatabase& database, const Options& options) {
     picture.ground = options.ground;
     Looks looks(database, options.ground, layersOf(database, options));
     DisplaySettings settings = DisplaySettings::of(database);
+    settings.ground = options.ground;
     const AcGeMatrix3d toView = worldToView(towardsEye(options.view));
     ViewBox box = options.window ? *options.window
                                  : measure(looks, settings, toView, database.modelSpaceId());
@@ -118,6 +119,7 @@ class SheetRenderer {
           looks_(database, options.ground, plottable(layersOf(database, options))),
           settings_(DisplaySettings::of(database)),
           builder_(rendering_.picture) {
+        settings_.ground = options.ground;
         if (const AcDbObjectId own = ownWindowOf(sheet_); !own.isNull()) leftOut_.push_back(own);
     }
 
