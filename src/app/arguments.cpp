@@ -148,6 +148,12 @@ CLI::App* addRender(CLI::App& app, Narrow& narrow, Arguments& arguments) {
         ->type_name("WIDTHxHEIGHT")
         ->check(CLI::Validator(checkPixels, ""));
     command
+        ->add_option("--window", arguments.picture.window,
+                     "Two corners of what to show, in the view's coordinates [all of the drawing]")
+        ->type_name("X1,Y1,X2,Y2")
+        ->delimiter(',')
+        ->expected(4);
+    command
         ->add_option("--layers", narrow.layers,
                      "The layers to show, of those that are on and thawed, with wildcards; may be "
                      "repeated, or have commas between [all]")

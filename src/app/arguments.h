@@ -48,8 +48,9 @@ struct DrawingArguments {
 
 // The words behind render; its drawing and its picture are those of DrawingArguments.
 struct PictureArguments {
-    std::wstring view;  // "top", "front" or "iso"
-    int width = 0;      // pixels; 0: the usual size
+    std::wstring view;           // "top", "front" or "iso"
+    std::vector<double> window;  // two corners; empty: all of the drawing
+    int width = 0;               // pixels; 0: the usual size
     int height = 0;
     std::vector<std::wstring> layers;  // names, with wildcards; none: all
     std::wstring layout;               // empty: the model

@@ -9,6 +9,7 @@
 #include "host/dxf/drawing_files.h"
 #include "host/editor/command_line_output.h"
 #include "host/render/painter.h"
+#include "host/render/pdf_writer.h"
 #include "host/render/svg_writer.h"
 #include "host/seam/file_error.h"
 #include "host/system/files.h"
@@ -40,6 +41,11 @@ render::Options optionsOf(const PictureArguments& arguments, Format format) {
         options.width = arguments.width;
         options.height = arguments.height;
     }
+    if (const std::vector<double>& corners = arguments.window; corners.size() == 4) {
+        options.window.emplace();
+        options.window->add(corners[0], corners[1]);
+        options.window->add(corners[2], corners[3]);
+    }
     if (arguments.isBlack) options.ground = kBlack;
     options.layers = arguments.layers;
     options.layout = arguments.layout;
@@ -61,13 +67,14 @@ void read(Session& session, AcDbDatabase& database, const std::wstring& file) {
 
 std::string contentOf(const render::Picture& picture, Format format) {
     if (format == Format::svg) return render::toSvg(picture);
+    if (format == Format::pdf) return render::toPdf(picture);
     render::Painter* const painter = render::painter();
     if (painter == nullptr) {
         throw FileError(
             L"pictures cannot be painted: the library lib/libswiftgate-graphics.so is "
-            L"not there or does not load; .svg needs no library");
+            L"not there or does not load; .svg and .pdf need no library");
     }
-    std::string content = format == Format::pdf ? painter->pdf(picture) : painter->png(picture);
+    std::string content = painter->png(picture);
     if (content.empty()) {
         throw FileError(fmt::format(L"there is no memory for {:g} by {:g} pixels", picture.width,
                                     picture.height));

@@ -4,7 +4,6 @@
 #include <QImage>
 #include <QPainter>
 #include <QPainterPath>
-#include <QPdfWriter>
 #include <vector>
 
 #include "host/graphics/application.h"
@@ -150,31 +149,6 @@ class PicturePainter final : public Painter {
         image.save(&buffer, "PNG");
         return contentOf(bytes);
     }
-
-    std::string pdf(const Picture& picture) override {
-        needApplication();
-        QByteArray bytes;
-        QBuffer buffer(&bytes);
-        buffer.open(QIODevice::WriteOnly);
-        QPdfWriter writer(&buffer);
-        const QSizeF size(picture.width / picture.pixelsPerMillimetre,
-                          picture.height / picture.pixelsPerMillimetre);
-        writer.setPageSize(QPageSize(size, QPageSize::Millimeter));
-        writer.setPageMargins(QMarginsF(0, 0, 0, 0));
-        writer.setResolution(kPdfResolution);
-        writer.setCreator(QStringLiteral("Swift Gate"));
-        QPainter painter(&writer);
-        const double scale = kPdfResolution / 25.4 / picture.pixelsPerMillimetre;
-        painter.scale(scale, scale);
-        painter.fillRect(QRectF(0, 0, picture.width, picture.height),
-                         QColor::fromRgb(picture.ground));
-        StretchPainter(painter, picture).paint();
-        painter.end();
-        return contentOf(bytes);
-    }
-
-  private:
-    static constexpr int kPdfResolution = 1200;  // dots per inch
 };
 
 }  // namespace

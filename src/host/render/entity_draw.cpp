@@ -9,6 +9,7 @@
 #include "host/model/core/proxies.h"
 #include "host/model/curves/point.h"
 #include "host/model/entities/hatch.h"
+#include "host/model/entities/image.h"
 #include "host/model/entities/shown_block.h"
 #include "host/model/tables/header_variables.h"
 #include "host/render/entity_geometry.h"
@@ -30,34 +31,33 @@ constexpr int kMark = 7;
 constexpr int kWithCircle = 32;
 constexpr int kWithSquare = 64;
 
-// What is drawn in a way of its own.
-enum class Kind : uint8_t { other, polyline, polyline2d, text, attribute, hatch, point, proxy };
-
-Kind findKind(const AcDbEntity& entity) {
-    if (entity.isKindOf(AcDbPolyline::desc())) return Kind::polyline;
-    if (entity.isKindOf(AcDb2dPolyline::desc())) return Kind::polyline2d;
-    if (entity.isKindOf(AcDbAttribute::desc())) return Kind::attribute;
-    if (entity.isKindOf(AcDbText::desc()) || entity.isKindOf(AcDbMText::desc())) return Kind::text;
-    if (entity.isKindOf(AcDbHatch::desc())) return Kind::hatch;
-    if (entity.isKindOf(AcDbPoint::desc())) return Kind::point;
-    if (model::proxyData(entity) != nullptr) return Kind::proxy;
-    return Kind::other;
+EntityKind findKind(const AcDbEntity& entity) {
+    if (entity.isKindOf(AcDbPolyline::desc())) return EntityKind::polyline;
+    if (entity.isKindOf(AcDb2dPolyline::desc())) return EntityKind::polyline2d;
+    if (entity.isKindOf(AcDbAttribute::desc())) return EntityKind::attribute;
+    if (entity.isKindOf(AcDbText::desc()) || entity.isKindOf(AcDbMText::desc()))
+        return EntityKind::text;
+    if (entity.isKindOf(AcDbHatch::desc())) return EntityKind::hatch;
+    if (entity.isKindOf(AcDbPoint::desc())) return EntityKind::point;
+    if (entity.isKindOf(AcDbWipeout::desc())) return EntityKind::wipeout;
+    if (model::proxyData(entity) != nullptr) return EntityKind::proxy;
+    return EntityKind::other;
 }
 
 PatternRun patternRun(bool isGenerated) {
     return isGenerated ? PatternRun::through : PatternRun::perSegment;
 }
 
-PatternRun patternRunOf(const AcDbEntity& entity, Kind kind) {
+PatternRun patternRunOf(const AcDbEntity& entity, EntityKind kind) {
     switch (kind) {
-        case Kind::polyline:
+        case EntityKind::polyline:
             return patternRun(static_cast<const AcDbPolyline&>(entity).hasPlinegen());
-        case Kind::polyline2d:
+        case EntityKind::polyline2d:
             return patternRun(static_cast<const AcDb2dPolyline&>(entity).isLinetypeGenerationOn());
-        case Kind::text:
-        case Kind::attribute:
-        case Kind::hatch:
-        case Kind::point:
+        case EntityKind::text:
+        case EntityKind::attribute:
+        case EntityKind::hatch:
+        case EntityKind::point:
             return PatternRun::none;
         default:
             return PatternRun::through;
@@ -136,10 +136,11 @@ bool EntityDraw::Geometry::draw(AcGiDrawable* drawable) {
 // An attribute stands beside the block, not in it.
 void EntityDraw::Geometry::drawEntity(AcDbEntity& entity) {
     if (entity.visibility() != AcDb::kVisible) return;
-    const Kind kind = findKind(entity);
+    const EntityKind kind = findKind(entity);
     const Traits::State before = traits().state();
     Level* const outside = level_;
-    Level* const outer = kind == Kind::attribute && outside != nullptr ? outside->outer : outside;
+    Level* const outer =
+        kind == EntityKind::attribute && outside != nullptr ? outside->outer : outside;
 
     Traits::State state;
     state.properties = Properties::of(entity);
@@ -150,29 +151,32 @@ void EntityDraw::Geometry::drawEntity(AcDbEntity& entity) {
     if (!level.plain.isFrozen) {
         level_ = &level;
         ++depth_;
-        drawItself(entity);
+        drawItself(entity, kind);
         --depth_;
         level_ = outside;
     }
     traits().begin(before);
 }
 
-void EntityDraw::Geometry::drawItself(AcDbEntity& entity) {
-    switch (findKind(entity)) {
-        case Kind::point:
+void EntityDraw::Geometry::drawItself(AcDbEntity& entity, EntityKind kind) {
+    switch (kind) {
+        case EntityKind::point:
             if (isShown()) drawPoint(static_cast<const AcDbPoint&>(entity));
             return;
-        case Kind::hatch:
+        case EntityKind::hatch:
             if (!settings_.fills || !isShown()) return;
             if (canvas_.isMeasuring()) {
                 measureBox(entity);
                 return;
             }
             break;
-        case Kind::attribute:
+        case EntityKind::attribute:
             if (!settings_.attributes) return;
             break;
-        case Kind::proxy:
+        case EntityKind::wipeout:
+            if (isShown()) cover(static_cast<const AcDbWipeout&>(entity).frame());
+            break;
+        case EntityKind::proxy:
             if (!drawKeptGraphics(draw_, entity) && !canvas_.isMeasuring()) {
                 ++undrawn[model::dxfNameOf(entity)];
             }
@@ -181,6 +185,15 @@ void EntityDraw::Geometry::drawItself(AcDbEntity& entity) {
             break;
     }
     entity.worldDraw(&draw_);
+}
+
+// Hides what was drawn before.
+void EntityDraw::Geometry::cover(const std::vector<AcGePoint3d>& corners) {
+    Look look = traits().look();
+    look.color = settings_.ground;
+    look.alpha = 255;
+    const auto count = static_cast<uint32_t>(corners.size());
+    canvas_.area(look, toWorld(count, corners.data()), {&count, 1}, Canvas::Rule::evenOdd);
 }
 
 void EntityDraw::Geometry::measureBox(const AcDbEntity& entity) {

@@ -15,11 +15,12 @@ namespace sg::render {
 
 // What the drawing's header says about how things show.
 struct DisplaySettings {
-    bool fills = true;       // FILLMODE
-    bool attributes = true;  // ATTMODE is not 0
-    int pointMode = 0;       // PDMODE
-    double pointSize = 0;    // PDSIZE
-    double viewHeight = 1;   // of the view, in drawing units: what relative points are sized by
+    bool fills = true;           // FILLMODE
+    bool attributes = true;      // ATTMODE is not 0
+    int pointMode = 0;           // PDMODE
+    double pointSize = 0;        // PDSIZE
+    uint32_t ground = 0xFFFFFF;  // 0xRRGGBB
+    double viewHeight = 1;       // of the view, in drawing units: what relative points are sized by
 
     static SG_API DisplaySettings of(const AcDbDatabase& database);
 };

@@ -11,6 +11,19 @@ class AcDbPoint;
 
 namespace sg::render {
 
+// What is drawn in a way of its own.
+enum class EntityKind : uint8_t {
+    other,
+    polyline,
+    polyline2d,
+    text,
+    attribute,
+    hatch,
+    point,
+    wipeout,
+    proxy
+};
+
 // Makes world coordinates of shapes and gives them to the canvas with the look that they have.
 class EntityDraw::Geometry final : public AcGiGeometry {
   public:
@@ -50,8 +63,9 @@ class EntityDraw::Geometry final : public AcGiGeometry {
     };
 
     void drawEntity(AcDbEntity& entity);
-    void drawItself(AcDbEntity& entity);
+    void drawItself(AcDbEntity& entity, EntityKind kind);
     void drawPoint(const AcDbPoint& point);
+    void cover(const std::vector<AcGePoint3d>& corners);
     void measureBox(const AcDbEntity& entity);
 
     bool isShown() { return traits().isShown(); }

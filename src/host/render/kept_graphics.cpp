@@ -5,11 +5,11 @@
 #include <vector>
 
 #include "base/encoding.h"
-#include "host/model/core/extras.h"
 #include "host/model/core/object_access.h"
 #include "host/model/core/proxies.h"
 #include "host/model/entities/shown_block.h"
 #include "host/model/tables/styles.h"
+#include "host/render/kept_mesh.h"
 #include "host/render/proxy_graphics.h"
 #include "platform/db/block_reference.h"
 #include "platform/db/database.h"
@@ -17,23 +17,12 @@
 namespace sg::render {
 namespace {
 
-using model::GroupData;
-
-// Everything that the file has of the entity, as far as it was kept.
-const GroupData& groupsOf(const AcDbEntity& entity) {
-    const model::Extras* const extras = model::ObjectAccess::extras(entity);
-    if (extras != nullptr && extras->fileForm != nullptr) return extras->fileForm->groups;
-    return model::proxyData(entity)->groups;
-}
-
 // Binary data as drawing files have it: a group with its length, then pieces of it.
-std::string graphicsIn(const GroupData& groups) {
+std::string graphicsIn(const std::vector<KeptGroup>& groups) {
     constexpr int kPiece = 310;
     std::string bytes;
     int64_t size = 0;
-    GroupData::Walk walk(groups);
-    while (walk.next()) {
-        const GroupData::Group& group = walk.group();
+    for (const KeptGroup& group : groups) {
         if (group.code == 92 || group.code == 160) {
             if (!bytes.empty()) break;
             size = group.whole;
@@ -60,7 +49,8 @@ AcDbObjectId blockNamed(const AcDbDatabase& database, std::string_view name) {
 
 // Tables and the like stand where their block is inserted; the blocks of dimensions are drawn in
 // the world.
-bool drawItsBlock(AcGiWorldDraw& draw, const AcDbEntity& entity, const GroupData& groups) {
+bool drawItsBlock(AcGiWorldDraw& draw, const AcDbEntity& entity,
+                  const std::vector<KeptGroup>& groups) {
     std::string_view part;
     AcDbObjectId block;
     AcGePoint3d position;
@@ -68,9 +58,7 @@ bool drawItsBlock(AcGiWorldDraw& draw, const AcDbEntity& entity, const GroupData
     AcGeScale3d scale;
     double rotation = 0;
     bool isReference = false;
-    GroupData::Walk walk(groups);
-    while (walk.next()) {
-        const GroupData::Group& group = walk.group();
+    for (const KeptGroup& group : groups) {
         if (group.code == 100) part = group.text;
         const bool inReference = part == "AcDbBlockReference";
         if ((inReference || part == "AcDbDimension") && group.code == 2 && block.isNull()) {
@@ -78,12 +66,12 @@ bool drawItsBlock(AcGiWorldDraw& draw, const AcDbEntity& entity, const GroupData
             isReference = inReference;
         }
         if (!inReference) continue;
-        if (group.code == 10) position.set(group.real, group.y, group.z);
+        if (group.code == 10) position = pointOf(group);
         if (group.code == 41) scale.sx = group.real;
         if (group.code == 42) scale.sy = group.real;
         if (group.code == 43) scale.sz = group.real;
         if (group.code == 50) rotation = group.real * std::numbers::pi / 180;
-        if (group.code == 210) normal = AcGeVector3d(group.real, group.y, group.z);
+        if (group.code == 210) normal = pointOf(group).asVector();
     }
     if (block.isNull()) return false;
     AcGeMatrix3d placed;
@@ -112,19 +100,17 @@ struct MultiLine {
     AcDbObjectId style;
 };
 
-MultiLine multiLineIn(const GroupData& groups) {
+MultiLine multiLineIn(const std::vector<KeptGroup>& groups) {
     constexpr int kClosed = 2;
     MultiLine line;
     bool isFirst = false;  // of an element's parameters
-    GroupData::Walk walk(groups);
-    while (walk.next()) {
-        const GroupData::Group& group = walk.group();
+    for (const KeptGroup& group : groups) {
         if (group.code == 71) line.isClosed = (group.whole & kClosed) != 0;
         if (group.code == 340) line.style = group.object;
-        if (group.code == 11) line.corners.push_back({{group.real, group.y, group.z}, {}, {}});
+        if (group.code == 11) line.corners.push_back({pointOf(group), {}, {}});
         if (line.corners.empty()) continue;
         MultiLine::Corner& corner = line.corners.back();
-        if (group.code == 13) corner.miter.set(group.real, group.y, group.z);
+        if (group.code == 13) corner.miter = pointOf(group).asVector();
         if (group.code == 74) isFirst = group.whole > 0;
         if (group.code == 41 && isFirst) {
             corner.distances.push_back(group.real);
@@ -134,7 +120,7 @@ MultiLine multiLineIn(const GroupData& groups) {
     return line;
 }
 
-bool drawMultiLine(AcGiWorldDraw& draw, const GroupData& groups) {
+bool drawMultiLine(AcGiWorldDraw& draw, const std::vector<KeptGroup>& groups) {
     const MultiLine line = multiLineIn(groups);
     if (line.corners.size() < 2) return false;
     const auto* const style = model::peek<AcDbMlineStyle>(line.style);
@@ -159,13 +145,12 @@ bool drawMultiLine(AcGiWorldDraw& draw, const GroupData& groups) {
 }  // namespace
 
 bool drawKeptGraphics(AcGiWorldDraw& draw, const AcDbEntity& entity) {
-    if (model::proxyData(entity) == nullptr) return false;
-    const GroupData& groups = groupsOf(entity);
-    const std::string graphics = graphicsIn(groups);
-    if (!graphics.empty() && playProxyGraphics(draw, graphics)) return true;
-    if (entity.database() == nullptr) return false;
-    if (drawItsBlock(draw, entity, groups)) return true;
-    return model::proxyData(entity)->dxfName == L"MLINE" && drawMultiLine(draw, groups);
+    const model::ProxyData* const data = model::proxyData(entity);
+    if (data == nullptr || entity.database() == nullptr) return false;
+    const std::vector<KeptGroup> groups = keptGroups(entity);
+    if (playProxyGraphics(draw, graphicsIn(groups))) return true;
+    if (drawItsBlock(draw, entity, groups) || drawKeptMesh(draw, entity, groups)) return true;
+    return data->dxfName == L"MLINE" && drawMultiLine(draw, groups);
 }
 
 }  // namespace sg::render

@@ -6,7 +6,8 @@
 namespace sg::render {
 
 // Draws an entity whose class is not known by what its file has of its looks: graphics that were
-// kept with it, a block that shows it, or the lines of a multi-line. False when there is nothing.
+// kept with it, a block that shows it, or the lines of a multi-line or a mesh. False when there
+// is nothing.
 SG_API bool drawKeptGraphics(AcGiWorldDraw& draw, const AcDbEntity& entity);
 
 }  // namespace sg::render

@@ -12,8 +12,6 @@ class Painter {
     virtual ~Painter() = default;
     // The content of a file; empty when there is no memory for the pixels.
     virtual std::string png(const Picture& picture) = 0;
-    // One page, as large as the picture is on paper.
-    virtual std::string pdf(const Picture& picture) = 0;
 };
 
 // Null when the library cannot be opened.

@@ -155,8 +155,6 @@ class Player {
     Player(const Player&) = delete;
     Player& operator=(const Player&) = delete;
 
-    bool drew() const { return drew_; }
-
     void play(int32_t call, Arguments from) {
         if (takeProperty(call, from) || takeTransform(call, from)) return;
         switch (call) {
@@ -271,22 +269,21 @@ class Player {
                                   type == 1   ? kAcGiArcSector
                                   : type == 2 ? kAcGiArcChord
                                               : kAcGiArcSimple);
-        } else if (!drawThrough(call, from)) {
-            return;
+        } else {
+            drawThrough(call, from);
         }
-        drew_ = true;
     }
 
-    bool drawThrough(int32_t call, Arguments& from) {
+    void drawThrough(int32_t call, Arguments& from) {
         const AcGePoint3d first = from.point();
         const AcGePoint3d second = from.point();
         const AcGePoint3d third = from.point();
-        if (from.isDamaged()) return false;
+        if (from.isDamaged()) return;
         const std::optional<Circle> circle = circleThrough(first, second, third);
-        if (!circle) return false;
+        if (!circle) return;
         if (call == kCircleOfPoints) {
             geometry_.circle(circle->center, circle->radius, circle->normal);
-            return true;
+            return;
         }
         // The normal looks at the points from where they run counter-clockwise.
         const AcGeVector3d start = first - circle->center;
@@ -295,7 +292,6 @@ class Player {
             std::atan2(start.crossProduct(end).dotProduct(circle->normal), start.dotProduct(end));
         if (sweep <= 0) sweep += 2 * std::numbers::pi;
         geometry_.circularArc(circle->center, circle->radius, circle->normal, start, sweep);
-        return true;
     }
 
     void drawChain(int32_t call, Arguments& from) {
@@ -309,7 +305,6 @@ class Player {
             if (call == kPolylineWithNormal) normal = from.vector();
             geometry_.polyline(count, points.data(), &normal);
         }
-        drew_ = true;
     }
 
     void drawMesh(Arguments& from) {
@@ -328,7 +323,6 @@ class Player {
                 line.push_back(points[at]);
             geometry_.polyline(static_cast<uint32_t>(line.size()), line.data());
         }
-        drew_ = true;
     }
 
     void drawShell(Arguments& from) {
@@ -337,7 +331,6 @@ class Player {
         if (points.empty() || faces.empty()) return;
         geometry_.shell(static_cast<uint32_t>(points.size()), points.data(),
                         static_cast<uint32_t>(faces.size()), faces.data());
-        drew_ = true;
     }
 
     void drawText(int32_t call, Arguments& from) {
@@ -366,7 +359,6 @@ class Player {
         }
         if (from.isDamaged() || normal.isZeroLength() || direction.isZeroLength()) return;
         geometry_.text(position, normal.normal(), direction, text::decodeLine(text).text, style);
-        drew_ = true;
     }
 
     void drawEndless(int32_t call, Arguments& from) {
@@ -378,13 +370,11 @@ class Player {
         } else {
             geometry_.ray(first, second);
         }
-        drew_ = true;
     }
 
     AcGiSubEntityTraits& traits_;
     AcGiGeometry& geometry_;
     int pushed_ = 0;
-    bool drew_ = false;
 };
 
 int32_t wholeAt(std::string_view bytes) {
@@ -406,7 +396,7 @@ bool playProxyGraphics(AcGiWorldDraw& draw, std::string_view graphics) {
                     Arguments(rest.substr(kHead, static_cast<size_t>(size) - kHead)));
         rest.remove_prefix(static_cast<size_t>(size));
     }
-    return player.drew();
+    return true;
 }
 
 }  // namespace sg::render

@@ -85,11 +85,14 @@ Rendering renderModel(const AcDbDatabase& database, const Options& options) {
     picture.ground = options.ground;
     Looks looks(database, options.ground, layersOf(database, options));
     DisplaySettings settings = DisplaySettings::of(database);
+    settings.ground = options.ground;
     const AcGeMatrix3d toView = worldToView(towardsEye(options.view));
-    ViewBox box = measure(looks, settings, toView, database.modelSpaceId());
+    ViewBox box = options.window ? *options.window
+                                 : measure(looks, settings, toView, database.modelSpaceId());
     if (box.isEmpty()) box.add(0, 0);
 
-    const double scale = fit(box, picture.width, picture.height, 1 - 2 * kMargin);
+    const double share = options.window ? 1 : 1 - 2 * kMargin;
+    const double scale = fit(box, picture.width, picture.height, share);
     settings.viewHeight = picture.height / scale;
     PictureView view;
     view.projection =
@@ -116,6 +119,7 @@ class SheetRenderer {
           looks_(database, options.ground, plottable(layersOf(database, options))),
           settings_(DisplaySettings::of(database)),
           builder_(rendering_.picture) {
+        settings_.ground = options.ground;
         if (const AcDbObjectId own = ownWindowOf(sheet_); !own.isNull()) leftOut_.push_back(own);
     }
 

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "host/render/entity_draw.h"
+#include "host/render/measuring_canvas.h"
 #include "host/render/picture.h"
 
 namespace sg::render {
@@ -16,7 +18,9 @@ struct Options {
     View view = View::top;
     double width = 1600;  // the most, in pixels
     double height = 1200;
-    uint32_t ground = 0xFFFFFF;        // 0xRRGGBB
+    uint32_t ground = 0xFFFFFF;  // 0xRRGGBB
+    // Of the model: the part of the view that fills the picture; nothing: all that is drawn.
+    std::optional<ViewBox> window;
     std::vector<std::wstring> layers;  // as LayerChoice has them
     bool lineWeights = true;
     std::wstring layout;  // a sheet; empty, or "Model": the model

@@ -66,10 +66,11 @@ std::optional<Paper> paperOf(const AcDbLayout& layout) {
     return paper;
 }
 
-// The first one, unless it is one of those that people make.
 AcDbObjectId ownWindowOf(AcDbObjectId sheet) {
-    const std::vector<const AcDbViewport*> all = viewportsOf(sheet);
-    return all.empty() || all.front()->number() > 1 ? AcDbObjectId() : all.front()->objectId();
+    for (const AcDbViewport* viewport : viewportsOf(sheet)) {
+        if (viewport->sheetNumber() == 1) return viewport->objectId();
+    }
+    return {};
 }
 
 std::vector<const AcDbViewport*> windowsOf(AcDbObjectId sheet) {

@@ -2,10 +2,8 @@
 
 #include <fmt/format.h>
 
-#include <charconv>
-#include <cmath>
-
 #include "base/encoding.h"
+#include "host/render/number_text.h"
 
 namespace sg::render {
 namespace {
@@ -51,20 +49,7 @@ class SvgWriter {
     }
 
   private:
-    // To hundredths of a pixel, without zeros at the end.
-    void addNumber(double value) {
-        auto hundredths = static_cast<int64_t>(std::llround(value * 100));
-        if (hundredths < 0) text_ += '-';
-        hundredths = std::abs(hundredths);
-        char digits[24];
-        const auto end = std::to_chars(digits, digits + sizeof(digits), hundredths / 100).ptr;
-        text_.append(digits, end);
-        const int64_t rest = hundredths % 100;
-        if (rest == 0) return;
-        text_ += '.';
-        text_ += static_cast<char>('0' + rest / 10);
-        if (rest % 10 != 0) text_ += static_cast<char>('0' + rest % 10);
-    }
+    void addNumber(double value) { appendHundredths(text_, value); }
     void addPoint(char command, const PicturePoint& p) {
         text_ += command;
         addNumber(p.x);
