@@ -122,9 +122,9 @@ TEST_F(RoundTripTest, AnyReleaseIsReadAgainWithoutAWord) {
             const std::string text = written(database, release);
             AcDbDatabase& again = load(text);
             EXPECT_EQ(dxf::ownRelease(again).name, release);
-            EXPECT_EQ(written(again), text) << file.filename() << " " << release;
+            EXPECT_TRUE(written(again) == text) << file.filename() << " " << release;
             AcDbDatabase& binary = load(written(database, release, true));
-            EXPECT_EQ(written(binary), text) << file.filename() << " " << release;
+            EXPECT_TRUE(written(binary) == text) << file.filename() << " " << release;
         }
     }
 }
