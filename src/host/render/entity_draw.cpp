@@ -44,6 +44,12 @@ EntityKind findKind(const AcDbEntity& entity) {
     return EntityKind::other;
 }
 
+bool isWide(const AcDbEntity& entity, EntityKind kind) {
+    if (kind == EntityKind::polyline) return static_cast<const AcDbPolyline&>(entity).hasWidth();
+    const auto& polyline = static_cast<const AcDb2dPolyline&>(entity);
+    return polyline.defaultStartWidth() > 0 || polyline.defaultEndWidth() > 0;
+}
+
 PatternRun patternRun(bool isGenerated) {
     return isGenerated ? PatternRun::through : PatternRun::perSegment;
 }
@@ -166,6 +172,14 @@ void EntityDraw::Geometry::drawItself(AcDbEntity& entity, EntityKind kind) {
         case EntityKind::hatch:
             if (!settings_.fills || !isShown()) return;
             if (canvas_.isMeasuring()) {
+                measureBox(entity);
+                return;
+            }
+            break;
+        case EntityKind::polyline:
+        case EntityKind::polyline2d:
+            // The outline of a wide one is fine where the view does not say how fine it may be.
+            if (canvas_.isMeasuring() && isShown() && isWide(entity, kind)) {
                 measureBox(entity);
                 return;
             }
