@@ -87,7 +87,8 @@ void CGridCellBase::DrawBackground(CellCanvas& canvas, bool erase) const {
     }
     if (IsFixed() && lines != kNoLines) {
         const CCellID focus = grid.GetFocusCell();
-        const bool isPressed = grid.GetTrackFocusCell() && focus.IsValid() &&
+        const bool isPressed = grid.GetTrackFocusCell() && grid.GetPrintFont() == nullptr &&
+                               focus.IsValid() &&
                                ((IsFixedCol() && focus.row == canvas.row) ||
                                 (IsFixedRow() && focus.col == canvas.col));
         drawEdge(canvas.painter, canvas.rect, palette, isPressed);

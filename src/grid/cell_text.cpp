@@ -8,6 +8,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <unordered_map>
+#include <utility>
 
 #include "grid/constants.h"
 
@@ -58,6 +61,17 @@ int toQtFlags(uint32_t format) {
     return flags;
 }
 
+// Characters beyond Latin 1 that neither join nor combine nor run from right to left: letters of
+// European scripts, punctuation and signs, kana, and those of Chinese and Korean.
+bool standsAlone(wchar_t c) {
+    constexpr std::pair<wchar_t, wchar_t> ranges[] = {
+        {0x100, 0x24F},   {0x370, 0x482},   {0x48A, 0x52F},   {0x1E00, 0x1EFF}, {0x2010, 0x2027},
+        {0x2030, 0x205E}, {0x20A0, 0x20BF}, {0x2100, 0x23FF}, {0x3001, 0x3020}, {0x3041, 0x3096},
+        {0x30A1, 0x30FF}, {0x4E00, 0x9FFF}, {0xAC00, 0xD7A3}};
+    return std::any_of(std::begin(ranges), std::end(ranges),
+                       [&](const auto& range) { return c >= range.first && c <= range.second; });
+}
+
 bool fits(const QRect& rect, const QSize& size) {
     return size.width() <= rect.width() && size.height() <= rect.height();
 }
@@ -104,14 +118,35 @@ struct CellText::Face {
         }
     }
 
-    // Whether the character is set by its glyph alone.
-    bool Has(wchar_t c) const { return uint32_t(c) < kLatin && glyphs[size_t(c)] != 0; }
+    struct Glyph {
+        quint32 index = 0;  // 0: the font has none
+        double advance = 0;
+    };
+
+    // Of a character that is set by its glyph alone; index 0 for any other one.
+    Glyph Find(wchar_t c) {
+        if (uint32_t(c) < kLatin) return {glyphs[size_t(c)], advances[size_t(c)]};
+        if (!standsAlone(c)) return {};
+        const auto [place, isNew] = others.try_emplace(c);
+        if (isNew) {
+            const QChar character{char16_t(c)};
+            quint32 index = 0;
+            int count = 1;
+            QPointF advance;
+            if (raw.glyphIndexesForChars(&character, 1, &index, &count) && index != 0 &&
+                raw.advancesForGlyphIndexes(&index, &advance, 1)) {
+                place->second = {index, advance.x()};
+            }
+        }
+        return place->second;
+    }
 
     QFont font;
     QFontMetrics metrics;
     QRawFont raw;
     std::array<quint32, kLatin> glyphs{};
     std::array<double, kLatin> advances{};
+    std::unordered_map<wchar_t, Glyph> others;  // those that were asked for
 };
 
 // Glyphs of one line.
@@ -141,17 +176,18 @@ bool CellText::SetRun(Face& face, std::wstring_view text, uint32_t format, Run& 
     if (!isSingleLine(format)) return false;
     const bool hasPrefixes = (format & kTextNoPrefix) == 0;
     const bool expandsTabs = (format & kTextExpandTabs) != 0;
-    for (const wchar_t c : text) {
-        if (!face.Has(c) || (hasPrefixes && c == L'&') || (expandsTabs && c == L'\t')) return false;
-    }
     run.glyphs.resize(qsizetype(text.size()));
     run.places.resize(qsizetype(text.size()));
     quint32* const glyphs = run.glyphs.data();
     QPointF* const places = run.places.data();
     for (size_t i = 0; i < text.size(); ++i) {
-        glyphs[i] = face.glyphs[size_t(text[i])];
+        const wchar_t c = text[i];
+        const Face::Glyph glyph = face.Find(c);
+        const bool isPlain = !(hasPrefixes && c == L'&') && !(expandsTabs && c == L'\t');
+        if (glyph.index == 0 || !isPlain) return false;
+        glyphs[i] = glyph.index;
         places[i] = QPointF(run.width, 0);
-        run.width += face.advances[size_t(text[i])];
+        run.width += glyph.advance;
     }
     return true;
 }
@@ -166,13 +202,14 @@ QSize CellText::Extent(const QFont& font, std::wstring_view text, uint32_t forma
     const bool hasPrefixes = (format & kTextNoPrefix) == 0;
     if (isSingleLine(format) && (format & kTextExpandTabs) == 0) {
         double total = 0;
-        bool isLatin = true;
+        bool isPlain = true;
         for (const wchar_t c : text) {
-            isLatin = face.Has(c) && !(hasPrefixes && c == L'&');
-            if (!isLatin) break;
-            total += face.advances[size_t(c)];
+            const Face::Glyph glyph = face.Find(c);
+            isPlain = glyph.index != 0 && !(hasPrefixes && c == L'&');
+            if (!isPlain) break;
+            total += glyph.advance;
         }
-        if (isLatin) return {int(std::ceil(total)), face.metrics.height()};
+        if (isPlain) return {int(std::ceil(total)), face.metrics.height()};
     }
     const QRect room(0, 0, width > 0 ? width : kMostPixels, kMostPixels);
     return face.metrics
@@ -185,7 +222,7 @@ QSize CellText::Extent(const QFont& font, std::wstring_view text, uint32_t forma
 void CellText::DrawRun(QPainter& painter, Face& face, const QRect& rect, Run& run,
                        uint32_t format) const {
     bool isWide = run.width > rect.width();
-    if (isWide && (format & kTextEndEllipsis) != 0 && face.Has(L'.')) {
+    if (isWide && (format & kTextEndEllipsis) != 0 && face.Find(L'.').index != 0) {
         const double dot = face.advances[L'.'];
         qsizetype kept = run.places.size();
         while (kept > 1 && run.places[kept - 1].x() + 3 * dot > rect.width())

@@ -14,8 +14,9 @@ class QPainter;
 
 namespace sg::grid {
 
-// Measures and draws the texts of one grid's cells. Latin text is set glyph by glyph, without
-// kerning or ligatures, which costs a tenth of laying it out; all other text is laid out.
+// Measures and draws the texts of one grid's cells. Text whose characters stand each for themselves
+// (Latin, Greek, Cyrillic, Chinese...) is set glyph by glyph, without kerning or ligatures, which
+// costs a third of laying it out; all other text is laid out.
 class SG_API CellText {
   public:
     CellText();

@@ -393,6 +393,7 @@ class SG_API CGridCtrl : public QAbstractScrollArea {
     void DragTo(CCellID id);
     void ScrollWhileDragging();
     void EndPress(QPoint point);
+    void LosePress();
     void ScrollRows(int rows);
     void HoverAt(QPoint point);
     bool ShowTip(QPoint point);

@@ -186,6 +186,7 @@ CCellID CGridCtrl::TabTarget(bool back) const {
 }
 
 CCellID CGridCtrl::PageTarget(bool down) {
+    if (fixedRows_ >= GetRowCount()) return focusCell_;
     const int before = TopRow();
     if (down) {
         ScrollToRow(std::min(before + RowsInPage(before), GetRowCount()));

@@ -109,6 +109,7 @@ void CGridCtrl::OnFixedRowClick(CCellID cell) {
 
 void CGridCtrl::mouseMoveEvent(QMouseEvent* event) {
     const QPoint point = event->position().toPoint();
+    if ((event->buttons() & Qt::LeftButton) == 0) LosePress();
     switch (mouseMode_) {
         case MouseMode::SizingColumn:
         case MouseMode::SizingRow:
@@ -128,6 +129,16 @@ void CGridCtrl::mouseMoveEvent(QMouseEvent* event) {
             break;
         default:
             break;
+    }
+}
+
+// Another window took the mouse while the button was down: nothing was clicked.
+void CGridCtrl::LosePress() {
+    if (mouseMode_ == MouseMode::Nothing) return;
+    dragTimer_.stop();
+    mouseMode_ = MouseMode::Nothing;
+    if (CGridCellBase* const cell = CellForEvent(std::exchange(pressedCell_, {}))) {
+        cell->OnMouseLeave();
     }
 }
 
@@ -280,11 +291,6 @@ bool CGridCtrl::viewportEvent(QEvent* event) {
             return ShowTip(static_cast<QHelpEvent*>(event)->pos());
         case QEvent::Leave:
             if (mouseMode_ == MouseMode::Nothing) HoverAt({-1, -1});
-            break;
-        case QEvent::UngrabMouse:
-            // The press is lost: nothing was clicked.
-            dragTimer_.stop();
-            mouseMode_ = MouseMode::Nothing;
             break;
         default:
             break;

@@ -17,7 +17,7 @@ EMPTY_DRAWING = "  0\nSECTION\n  2\nENTITIES\n  0\nENDSEC\n  0\nEOF\n"
 class Usage(ProgramTest):
     def test_wrong_usage_is_explained_and_answers_2(self):
         for words, said in [
-            ([], "run, repl, db or help"),
+            ([], "run, repl, convert, info, render, db or help"),
             (["no-such-command"], "no-such-command"),
             (["run"], "PROGRAM"),
             (["run", "a.lsp", "b.lsp"], "b.lsp"),

@@ -54,6 +54,19 @@ TEST_F(MouseTest, ADragSelects) {
     EXPECT_EQ(Editor(), nullptr);
 }
 
+TEST_F(MouseTest, APressThatIsLostClicksNothing) {
+    Click(3, 2);
+    recorder.Take();
+    Press(Middle(3, 2));
+    QMouseEvent move(QEvent::MouseMove, Middle(5, 3), grid->viewport()->mapToGlobal(Middle(5, 3)),
+                     Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(grid->viewport(), &move);
+    Release(Middle(3, 2));
+    EXPECT_EQ(recorder.Take(), Heard());
+    EXPECT_EQ(Editor(), nullptr);
+    EXPECT_EQ(grid->GetFocusCell(), (CCellID{3, 2}));
+}
+
 TEST_F(MouseTest, CtrlKeepsWhatIsSelectedAndShiftExtends) {
     Click(1, 1);
     Click(3, 3, Qt::ControlModifier);

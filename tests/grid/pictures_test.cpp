@@ -1,8 +1,7 @@
 #include <QPainter>
 
-#include <cstdlib>
-
 #include "grid/grid_fixture.h"
+#include "grid/picture_compare.h"
 #include "grid/scenes.h"
 #include "grid/tree_cell.h"
 #include "grid/tree_column.h"
@@ -10,42 +9,9 @@
 namespace sg::grid {
 namespace {
 
-// How much two pictures differ, from 0 to 255, once both are so small that the shapes of single
-// letters do not count.
-double difference(const QImage& a, const QImage& b) {
-    const QSize small = a.size() / 6;
-    const auto shrunk = [&](const QImage& image) {
-        return image.scaled(small, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
-            .convertToFormat(QImage::Format_RGB32);
-    };
-    const QImage first = shrunk(a), second = shrunk(b);
-    double worst = 0;
-    for (int y = 0; y < small.height(); ++y) {
-        for (int x = 0; x < small.width(); ++x) {
-            const QRgb p = first.pixel(x, y), q = second.pixel(x, y);
-            const int apart = std::abs(qRed(p) - qRed(q)) + std::abs(qGreen(p) - qGreen(q)) +
-                              std::abs(qBlue(p) - qBlue(q));
-            worst += apart / 3.0;
-        }
-    }
-    return worst / (small.width() * small.height());
-}
-
-// SWIFTGATE_WRITE_PICTURES=1 draws the pictures of the documents anew.
 TEST(Pictures, AreAsTheDocumentsShowThem) {
-    const QString folder = QStringLiteral(SWIFTGATE_PICTURES);
-    const bool writes = std::getenv("SWIFTGATE_WRITE_PICTURES") != nullptr;
-    for (const Scene& scene : scenes()) {
-        const QString file = folder + '/' + scene.name + ".png";
-        const QImage drawn = scene.draw();
-        if (writes) {
-            ASSERT_TRUE(drawn.save(file)) << scene.name;
-        }
-        const QImage wanted(file);
-        ASSERT_FALSE(wanted.isNull()) << scene.name;
-        ASSERT_EQ(drawn.size(), wanted.size()) << scene.name;
-        EXPECT_LT(difference(drawn, wanted), 6) << scene.name;
-    }
+    for (const Scene& scene : scenes())
+        comparePicture(scene.draw(), scene.name);
 }
 
 class PaintTest : public GridTest {

@@ -13,11 +13,6 @@
 namespace sg::app {
 namespace {
 
-// The toolkit complains about a missing display and other things that users can do nothing about.
-void keepQuiet(QtMsgType type, const QMessageLogContext&, const QString& message) {
-    if (type == QtFatalMsg) std::fprintf(stderr, "%s\n", message.toUtf8().constData());
-}
-
 bool writePdf(BrowseWindow& window, const std::wstring& path) {
     QPrinter printer(QPrinter::HighResolution);
     printer.setOutputFormat(QPrinter::PdfFormat);
@@ -51,7 +46,6 @@ BrowseResult writeFiles(BrowseWindow& window, const BrowseRequest& request) {
 extern "C" SG_API sg::app::BrowseResult swiftgateBrowse(sg::jet::Database& database,
                                                         const sg::app::BrowseRequest& request) {
     using namespace sg::app;
-    qInstallMessageHandler(keepQuiet);
     sg::graphics::needApplication();
     const bool writes = !request.picture.empty() || !request.text.empty() || !request.pdf.empty();
     const bool hasDisplay = QGuiApplication::platformName() != QStringLiteral("offscreen");

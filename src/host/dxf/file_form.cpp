@@ -28,6 +28,32 @@ bool equalsPlainly(std::string_view bytes, std::wstring_view text, bool& isPlain
                       [](char a, wchar_t b) { return static_cast<wchar_t>(a) == b; });
 }
 
+// A group that stands ready, value by value.
+template <class Sink>
+void passOn(Sink& sink, const model::GroupData::Group& group) {
+    using Kind = model::GroupData::Kind;
+    switch (group.kind) {
+        case Kind::text:
+            return sink.text(group.code, fromUtf8(group.text));
+        case Kind::binary:
+            return sink.binary(group.code, group.text);
+        case Kind::real:
+            return sink.real(group.code, group.real);
+        case Kind::point:
+        case Kind::flatPoint:
+            sink.real(group.code, group.real);
+            sink.real(group.code + 10, group.y);
+            if (group.kind == Kind::point) sink.real(group.code + 20, group.z);
+            return;
+        case Kind::whole:
+            return sink.whole(group.code, group.whole);
+        case Kind::handle:
+            return sink.handle(group.code, group.handle);
+        case Kind::object:
+            return sink.object(group.code, group.object);
+    }
+}
+
 // Which codes a class writes behind which markers.
 class CodeSink {
   public:
@@ -43,10 +69,7 @@ class CodeSink {
     void handle(int code, uint64_t) { add(code); }
     void object(int code, AcDbObjectId) { add(code); }
     void binary(int code, std::string_view) { add(code); }
-    void group(const model::GroupData::Group& group) {
-        if (group.code == kMarker) section_ = group.text;
-        add(group.code);
-    }
+    void group(const model::GroupData::Group& group) { passOn(*this, group); }
 
   private:
     void add(int code) { codes_.insert({section_, code}); }
@@ -100,32 +123,12 @@ void ComparingSink::binary(int code, std::string_view data) {
     same_ = group.isHex ? model::fromHexDigits(fromUtf8(group.text)) == data : group.text == data;
 }
 
-// Groups that stand ready came from the file, and are not looked at again but for their number.
 void ComparingSink::group(const model::GroupData::Group& group) {
-    same_ = same_ && at_ < groups_.size() && groups_[at_].code == group.code;
-    if (same_) ++at_;
+    passOn(*this, group);
 }
 
 void FingerprintSink::group(const model::GroupData::Group& group) {
-    using Kind = model::GroupData::Kind;
-    switch (group.kind) {
-        case Kind::text:
-        case Kind::binary:
-            return binary(group.code, group.text);
-        case Kind::real:
-            return real(group.code, group.real);
-        case Kind::point:
-        case Kind::flatPoint:
-            real(group.code, group.real);
-            real(group.code, group.y);
-            return real(group.code, group.z);
-        case Kind::whole:
-            return whole(group.code, group.whole);
-        case Kind::handle:
-            return handle(group.code, group.handle);
-        case Kind::object:
-            return object(group.code, group.object);
-    }
+    passOn(*this, group);
 }
 
 uint64_t fingerprintOf(const AcDbObject& object, AcDb::AcDbDwgVersion release) {

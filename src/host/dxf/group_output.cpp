@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view kSentinel("AutoCAD Binary DXF\r\n\x1a\0", 22);
 constexpr std::string_view kLineEnd = "\r\n";
-constexpr size_t kChunk = 127;  // bytes of binary data in one group
+constexpr size_t kChunk = 255;  // bytes of binary data in one group
 
 // As other programs align them; readers skip the blanks.
 size_t widthOf(ValueKind kind) {

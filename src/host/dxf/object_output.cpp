@@ -27,7 +27,6 @@ constexpr CodeSince kCodes[] = {
     {"AcDbEntity", 420, 449, AcDb::kDHL_1018},
     {"AcDbEntity", 347, 348, AcDb::kDHL_1021},
     {"AcDbEntity", 284, 284, AcDb::kDHL_1021},
-    {"AcDbEntity", 160, 160, AcDb::kDHL_1024},
     {"AcDbLayerTableRecord", 420, 449, AcDb::kDHL_1018},
     {"AcDbLayerTableRecord", 347, 348, AcDb::kDHL_1021},
 };
@@ -77,6 +76,7 @@ class ChangingSink {
     void endSection();
 
   private:
+    bool isGraphics(int code) const;
     // False for a group that the release does not have.
     bool take(int code) {
         for (const CodeSince& since : kCodes) {
@@ -97,6 +97,11 @@ class ChangingSink {
     std::vector<int> written_;  // codes of the section
 };
 
+// Graphics of an entity have another group for their length before release 2010.
+bool ChangingSink::isGraphics(int code) const {
+    return (code == 160 || code == 310) && section_ == "AcDbEntity";
+}
+
 void ChangingSink::endSection() {
     if (unknown_ == nullptr || section_.empty()) return;
     bool isHere = false;
@@ -106,6 +111,7 @@ void ChangingSink::endSection() {
             isHere = group.text == section_;
         } else if (isHere &&
                    std::find(written_.begin(), written_.end(), group.code) == written_.end()) {
+            if (release_.number < AcDb::kDHL_1024 && isGraphics(group.code)) continue;
             output_.group(group);
         }
     }
@@ -133,10 +139,12 @@ bool ObjectOutput::writeAsRead(const AcDbObject& object, std::string_view tableN
 void ObjectOutput::writeAnew(const AcDbObject& object, std::string_view tableName) {
     const model::Extras* const extras = ObjectAccess::extras(object);
     const model::FileForm* const form = extras == nullptr ? nullptr : extras->fileForm.get();
+    // The groups of objects have changed little since release 2007.
     const bool keepsUnknown =
-        form != nullptr && !form->unknown.empty() && release_.number >= form->release;
+        form != nullptr && !form->unknown.empty() &&
+        (release_.number >= form->release || release_.number >= AcDb::kDHL_1021);
     const model::Unguarded guard(object);
-    if (tableName.empty() && !keepsUnknown && release_.number >= AcDb::kDHL_1024) {
+    if (tableName.empty() && !keepsUnknown && release_.number >= AcDb::kDHL_1021) {
         model::GroupWriter<GroupOutput> writer(output_, object.database(), release_.number);
         object.dxfOut(&writer);
         return;

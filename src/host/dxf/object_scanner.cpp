@@ -9,6 +9,13 @@ std::wstring Report::at(size_t position) const {
     return file_ + (reader_.isBinary() ? L": byte " : L":") + number + L": ";
 }
 
+std::vector<std::wstring> Report::take() {
+    if (left_ > 0) {
+        warnings_.push_back(file_ + L": " + std::to_wstring(left_) + L" more places");
+    }
+    return std::move(warnings_);
+}
+
 const Group* ScannedObject::find(int code) const {
     for (const Group& group : groups) {
         if (group.code == 1001) break;

@@ -211,7 +211,8 @@ TextCodec::TextCodec(std::string_view codePage, bool isUtf8)
         toWide_[byte] = has ? wide[0] : L'\0';
         if (has) ++known;
     }
-    constexpr size_t kMostGaps = 90;  // code pages of two bytes have no character for half of them
+    constexpr size_t kMostGaps =
+        50;  // code pages of two bytes lack characters for more bytes than that
     isSingleByte_ = known + kMostGaps > 256;
 }
 

@@ -13,10 +13,11 @@ bool isSet(const char* variable) {
     return value != nullptr && *value != 0;
 }
 
-// What the toolkit says goes to standard error, but for a notice about a folder that nothing here
-// uses: batches have no such folder as a rule.
+// What the toolkit says goes to standard error, but for notices about a folder that nothing here
+// uses and about what a platform without a display cannot do: batches have neither as a rule.
 void report(QtMsgType, const QMessageLogContext&, const QString& text) {
     if (text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR"))) return;
+    if (text.startsWith(QLatin1String("This plugin does not support"))) return;
     std::fprintf(stderr, "%s\n", qPrintable(text));
 }
 

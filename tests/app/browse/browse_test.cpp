@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "base/encoding.h"
+#include "grid/picture_compare.h"
 #include "host/jet/database/table_writer.h"
 #include "host/jet/schema/schema.h"
 #include "host/jet/values/value_convert.h"
@@ -230,6 +231,15 @@ TEST_F(BrowseTest, AnEmptyTableAndNoTableAreShown) {
     window = std::make_unique<BrowseWindow>(*database, BrowseRequest{});
     EXPECT_EQ(window->StatusText(), L"There is no table in this database.");
     window->SortBy(0);
+}
+
+TEST_F(BrowseTest, LooksAsTheDocumentsShowIt) {
+    window->setWindowTitle({});
+    window->resize(640, 220);
+    window->SortBy(kName);
+    Type(2, kCount, "-5");
+    QApplication::processEvents();
+    grid::comparePicture(window->grab().toImage().convertToFormat(QImage::Format_RGB32), "browse");
 }
 
 TEST_F(BrowseTest, AnOpenEditorGoesWithTheWindow) {

@@ -25,7 +25,7 @@ class DxfTest : public HostTest {
     }
 
     // A drawing with what the content holds; the warnings are kept.
-    AcDbDatabase& read(const std::string& content) {
+    AcDbDatabase& load(const std::string& content) {
         drawings_.push_back(std::make_unique<AcDbDatabase>(false, true));
         warnings = dxf::read(*drawings_.back(), content, L"plan.dxf");
         return *drawings_.back();

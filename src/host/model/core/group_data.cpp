@@ -13,6 +13,10 @@ bool isHandleGroup(int code) {
     return code == 5 || code == 105 || code == 1005 || (code >= 320 && code <= 329);
 }
 
+bool isBinaryGroup(int code) {
+    return code == 1004 || (code >= 310 && code <= 319);
+}
+
 std::string hexDigits(std::string_view data) {
     std::string digits;
     digits.reserve(data.size() * 2);
@@ -112,7 +116,9 @@ bool GroupData::append(const resbuf& group) {
         case RTSTR: {
             const wchar_t* const text =
                 group.resval.rstring != nullptr ? group.resval.rstring : L"";
-            if (isHandleGroup(code)) {
+            if (isBinaryGroup(code)) {
+                appendBinary(code, fromHexDigits(text));
+            } else if (isHandleGroup(code)) {
                 appendHandle(code, AcDbHandle(text));
             } else {
                 appendText(code, toUtf8(text));

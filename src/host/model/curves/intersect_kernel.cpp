@@ -5,6 +5,7 @@
 
 #include "host/model/curves/geometry_kernel.h"
 #include "host/model/curves/intersect.h"
+#include "host/model/curves/math/roots.h"
 
 // Pairs with an ellipse or a spline are brought into a plane, intersected there by the geometry
 // library, and each place is then sharpened in space. Curves of one plane are seen along its
@@ -209,6 +210,40 @@ bool meetFlats(const Piece& a, const AcGeVector3d& normalA, const Piece& b,
     return true;
 }
 
+// Appends where a piece that lies in no plane goes through the plane of the other one; of a line,
+// through a plane that it lies in.
+void meetThroughPlane(const Piece& spatial, const Piece& other, const AcGeVector3d& normal,
+                      const MeetingTolerance& tolerance, std::vector<Meeting>& meetings) {
+    constexpr int kParts = 24;
+    const AcGePoint3d on = other.kind == Piece::Kind::Line ? other.origin : other.start();
+    const auto height = [&](double t) { return (spatial.at(t) - on).dotProduct(normal); };
+    const std::vector<double> stops = spatial.samples();
+    for (size_t i = 1; i < stops.size(); ++i) {
+        double low = stops[i - 1];
+        double atLow = height(low);
+        for (int part = 1; part <= kParts; ++part) {
+            const double high = stops[i - 1] + (stops[i] - stops[i - 1]) * part / kParts;
+            const double atHigh = height(high);
+            if ((atLow < 0) != (atHigh < 0)) {
+                appendAt(spatial, other, bisect(height, low, high, atLow), tolerance, meetings);
+            }
+            low = high;
+            atLow = atHigh;
+        }
+    }
+}
+
+// The plane of a flat piece, or one of those through a line; none for a piece that lies in none.
+std::optional<AcGeVector3d> planeOf(const Piece& piece) {
+    if (piece.kind == Piece::Kind::Line) return piece.u.perpVector();
+    return normalOf(piece);
+}
+
+void exchange(std::vector<Meeting>& from, std::vector<Meeting>& to) {
+    for (const Meeting& meeting : from)
+        to.push_back({meeting.onSecond, meeting.onFirst});
+}
+
 bool meetAcrossPlanes(const Piece& a, const Piece& b, const MeetingTolerance& tolerance,
                       std::vector<Meeting>& meetings) {
     const auto normalA = normalOf(a);
@@ -217,12 +252,19 @@ bool meetAcrossPlanes(const Piece& a, const Piece& b, const MeetingTolerance& to
     if (a.kind == Piece::Kind::Line && normalB) {
         return meetLineAndFlat(a, b, *normalB, tolerance, meetings);
     }
+    std::vector<Meeting> crossings;
+    if (const auto plane = planeOf(b); plane && !planeOf(a)) {
+        meetThroughPlane(a, b, *plane, tolerance, meetings);
+    } else if (const auto other = planeOf(a); other && !planeOf(b)) {
+        meetThroughPlane(b, a, *other, tolerance, crossings);
+        exchange(crossings, meetings);
+    }
+    // Touches, which cross no plane, are left to the library.
     if (b.kind != Piece::Kind::Line || !normalA) return false;
     std::vector<Meeting> exchanged;
-    if (!meetLineAndFlat(b, a, *normalA, tolerance, exchanged)) return false;
-    for (const Meeting& meeting : exchanged)
-        meetings.push_back({meeting.onSecond, meeting.onFirst});
-    return true;
+    const bool done = meetLineAndFlat(b, a, *normalA, tolerance, exchanged);
+    exchange(exchanged, meetings);
+    return done;
 }
 
 // The pieces between the knots, each of which is smooth.

@@ -1,6 +1,7 @@
 #include "platform/db/attribute.h"
 
 #include "base/text.h"
+#include "host/model/curves/filing_groups.h"
 #include "host/model/entities/text_drawing.h"
 #include "host/model/tables/filing.h"
 
@@ -45,9 +46,12 @@ Acad::ErrorStatus AttributeFields::dwgIn(AcDbDwgFiler* filer) {
 void AttributeFields::dxfOut(AcDbDxfFiler* filer, int verticalMode) const {
     filer->writeString(2, tag);
     filer->writeInt16(70, flags);
-    filer->writeInt16(73, static_cast<int16_t>(fieldLength));
-    filer->writeInt16(74, static_cast<int16_t>(verticalMode));
-    filer->writeInt16(280, lockPosition ? 1 : 0);
+    const bool all = sg::model::showsDefaults(filer);
+    if (all || fieldLength != 0) filer->writeInt16(73, static_cast<int16_t>(fieldLength));
+    if (all || verticalMode != AcDb::kTextBase) {
+        filer->writeInt16(74, static_cast<int16_t>(verticalMode));
+    }
+    if (filer->dwgVersion() >= AcDb::kDHL_1021) filer->writeInt16(280, lockPosition ? 1 : 0);
 }
 
 void AttributeFields::takeGroup(const FieldReader& field) {
@@ -153,7 +157,7 @@ Acad::ErrorStatus AcDbAttributeDefinition::dwgInFields(AcDbDwgFiler* filer) {
 Acad::ErrorStatus AcDbAttributeDefinition::dxfOutFields(AcDbDxfFiler* filer) const {
     dxfOutText(filer);
     filer->writeString(100, L"AcDbAttributeDefinition");
-    filer->writeInt16(280, kVersion);
+    if (filer->dwgVersion() >= AcDb::kDHL_1024) filer->writeInt16(280, kVersion);
     filer->writeString(3, prompt_);
     fields_.dxfOut(filer, verticalMode());
     return filer->filerStatus();
@@ -243,7 +247,7 @@ Acad::ErrorStatus AcDbAttribute::dwgInFields(AcDbDwgFiler* filer) {
 Acad::ErrorStatus AcDbAttribute::dxfOutFields(AcDbDxfFiler* filer) const {
     dxfOutText(filer);
     filer->writeString(100, L"AcDbAttribute");
-    filer->writeInt16(280, kVersion);
+    if (filer->dwgVersion() >= AcDb::kDHL_1024) filer->writeInt16(280, kVersion);
     fields_.dxfOut(filer, verticalMode());
     return filer->filerStatus();
 }

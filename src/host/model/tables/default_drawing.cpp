@@ -3,9 +3,11 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 
 #include "base/encoding.h"
 #include "host/model/core/database_state.h"
+#include "host/model/core/object_access.h"
 #include "host/model/tables/dim_style_table.h"
 #include "host/model/tables/header_variables.h"
 #include "host/model/tables/layout.h"
@@ -125,6 +127,18 @@ class Builder {
         if (roots_.currentSpace.isNull()) roots_.currentSpace = roots_.modelSpace;
     }
 
+    // What a damaged file has in the place of a dictionary gets another name.
+    static void makeRoom(AcDbDictionary& dictionary, const std::wstring& name) {
+        AcDbObjectId id;
+        if (dictionary.getAt(name.c_str(), id) != Acad::eOk ||
+            peek<AcDbDictionary>(id) != nullptr) {
+            return;
+        }
+        std::wstring other = name;
+        while (!dictionary.setName(name.c_str(), (other += L"_").c_str())) {
+        }
+    }
+
     // What the dictionary has under the name, which is made when there is nothing.
     template <class Object>
     AcDbObjectId entry(AcDbObjectId dictionary, const wchar_t* name,
@@ -132,6 +146,7 @@ class Builder {
         AcDbDictionary* opened = nullptr;
         require(acdbOpenObject(opened, dictionary, AcDb::kForWrite));
         AcDbObjectId id;
+        if constexpr (std::is_base_of_v<AcDbDictionary, Object>) makeRoom(*opened, name);
         if (opened->getAt(name, id) != Acad::eOk) {
             require(opened->setAt(name, object.get(), id));
             object.release()->close();

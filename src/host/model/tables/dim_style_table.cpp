@@ -27,6 +27,18 @@ std::span<const FieldRow> rows() {
 
 AcDbDimStyleTable::AcDbDimStyleTable() = default;
 AcDbDimStyleTable::~AcDbDimStyleTable() = default;
+
+// The table names its records once more.
+Acad::ErrorStatus AcDbDimStyleTable::dxfOutFields(AcDbDxfFiler* filer) const {
+    AcDbSymbolTable::dxfOutFields(filer);
+    if (filer->filerType() != AcDb::kFileFiler) return filer->filerStatus();
+    filer->writeString(100, L"AcDbDimStyleTable");
+    filer->writeInt16(71, static_cast<int16_t>(numRecords()));
+    for (auto each = newIterator(); !each->done(); each->step())
+        filer->writeObjectId(340, each->getRecordId());
+    return filer->filerStatus();
+}
+
 AcDbDimStyleTableRecord::AcDbDimStyleTableRecord() : values_(rows()) {}
 AcDbDimStyleTableRecord::~AcDbDimStyleTableRecord() = default;
 

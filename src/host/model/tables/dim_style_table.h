@@ -31,4 +31,6 @@ class SG_API AcDbDimStyleTable : public AcDbSymbolTableOf<AcDbDimStyleTableRecor
     ACRX_DECLARE_MEMBERS(AcDbDimStyleTable)
     AcDbDimStyleTable();
     ~AcDbDimStyleTable() override;
+
+    Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
 };

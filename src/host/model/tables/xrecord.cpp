@@ -11,6 +11,12 @@ bool isAllowed(int code) {
            acdbGroupCodeToType(code) != RTNONE;
 }
 
+// Files have more of them than programs may set.
+bool isFiled(int code) {
+    return code >= 1 && code < 1000 && code != 5 && code != 105 &&
+           acdbGroupCodeToType(code) != RTNONE;
+}
+
 }  // namespace
 
 AcDbXrecord::AcDbXrecord() = default;
@@ -71,7 +77,7 @@ Acad::ErrorStatus AcDbXrecord::dxfInFields(AcDbDxfFiler* filer) {
     while (filer->readItem(&group) == Acad::eOk) {
         if (first && group.restype == 280) {
             mergeStyle_ = static_cast<AcDb::DuplicateRecordCloning>(group.resval.rint);
-        } else if (isAllowed(group.restype)) {
+        } else if (isFiled(group.restype)) {
             groups_.append(group);
         }
         first = false;
