@@ -54,10 +54,11 @@ std::unique_ptr<AcDbDatabase> loaded(const std::string& content) {
 
 std::string written(const AcDbDatabase& database, bool isBinary = false) {
     std::string content;
-    sg::dxf::write(database, {sg::dxf::releaseNamed("2018"), isBinary}, [&](std::string_view bytes) {
-        content += bytes;
-        return true;
-    });
+    sg::dxf::write(database, {sg::dxf::releaseNamed("2018"), isBinary},
+                   [&](std::string_view bytes) {
+                       content += bytes;
+                       return true;
+                   });
     return content;
 }
 

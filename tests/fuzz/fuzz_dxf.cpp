@@ -1,5 +1,5 @@
-// Any bytes as a drawing file: reading them ends in a drawing or in an error, and what is written of
-// that drawing, as text and as binary, is a drawing again.
+// Any bytes as a drawing file: reading them ends in a drawing or in an error, and what is written
+// of that drawing, as text and as binary, is a drawing again.
 
 #include <cstdint>
 #include <cstdio>

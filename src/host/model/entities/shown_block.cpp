@@ -80,6 +80,7 @@ void drawBlock(AcGiWorldDraw* draw, AcDbObjectId block, const AcGeMatrix3d& tran
 
 Acad::ErrorStatus forEachShown(AcDbObjectId block, const AcGeMatrix3d& transform,
                                const VisitShown& visit) {
+    if (block.isNull()) return Acad::eOk;
     const Nesting nesting;
     if (Nesting::isTooDeep()) return Acad::eSelfReference;
     AcDbBlockTableRecord* record = nullptr;

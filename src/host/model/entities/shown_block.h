@@ -20,7 +20,8 @@ SG_API std::vector<AcDbObjectId> drawOrder(AcDbBlockTableRecord& block);
 void drawBlock(AcGiWorldDraw* draw, AcDbObjectId block, const AcGeMatrix3d& transform);
 
 // Calls `visit` with a transformed copy of each entity of the block, which it owns. Ends with the
-// first status other than eOk; eSelfReference for a block that shows itself.
+// first status other than eOk; eSelfReference for a block that shows itself. A null block shows
+// nothing.
 using VisitShown = std::function<Acad::ErrorStatus(std::unique_ptr<AcDbEntity>)>;
 Acad::ErrorStatus forEachShown(AcDbObjectId block, const AcGeMatrix3d& transform,
                                const VisitShown& visit);

@@ -23,8 +23,7 @@ FieldRow real(int code, double initial) {
     return {static_cast<int16_t>(code), initial};
 }
 FieldRow point(int code, double x, double y, double z, bool flat = false) {
-    return {static_cast<int16_t>(code), AcGePoint3d(x, y, z), false, Reference::hardPointer,
-            flat};
+    return {static_cast<int16_t>(code), AcGePoint3d(x, y, z), false, Reference::hardPointer, flat};
 }
 FieldRow object(int code, Reference kind) {
     return {static_cast<int16_t>(code), AcDbObjectId(), true, kind};

@@ -23,8 +23,7 @@ FieldRow point(int code, double x, double y, double z, bool optional = false) {
     return {static_cast<int16_t>(code), AcGePoint3d(x, y, z), optional};
 }
 FieldRow flat(int code, double x, double y) {
-    return {static_cast<int16_t>(code), AcGePoint3d(x, y, 0), false, Reference::hardPointer,
-            true};
+    return {static_cast<int16_t>(code), AcGePoint3d(x, y, 0), false, Reference::hardPointer, true};
 }
 FieldRow object(int code, Reference kind = Reference::hardPointer) {
     return {static_cast<int16_t>(code), AcDbObjectId(), true, kind};
