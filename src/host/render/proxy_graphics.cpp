@@ -9,7 +9,7 @@
 
 #include "host/text/line.h"
 
-// The format is that of the published specification of drawing files: a length and a number of
+// The format is the published one of drawing files: a length and a number of
 // calls, then each call with its length, its kind and its arguments, little-endian, padded to four
 // bytes.
 
