@@ -89,7 +89,7 @@
 ;; Far apart.
 (show '(arc-arc 0.0 left (list '(500.0 0.0 0.0) 0.0 1 3.0 q)))
 
-;; ---- What is no arc and no line -------------------------------------------------------------------
+;; ---- What is no arc and no line -----------------------------------------------------------------
 (show '(qn_qn-intersectArcArc))
 (show '(qn_qn-intersectArcLine))
 (show '(qn_qn-intersectLineArc))

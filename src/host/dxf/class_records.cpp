@@ -48,7 +48,7 @@ std::map<std::wstring, ClassRecords::Use> ClassRecords::usedClasses() const {
         Use& use = uses[type->dxfName()];
         use.count += found.count;
         use.className = type->name();
-        use.applicationName = type->appName();
+        use.applicationName = type->appNameFor(release_.number);
         use.flags = type->proxyFlags();
         use.isEntity = type->isDerivedFrom(AcDbEntity::desc());
     }

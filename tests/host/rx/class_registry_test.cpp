@@ -159,6 +159,29 @@ TEST(DictionaryTest, PutReplaceRemove) {
     EXPECT_EQ(dictionary.remove(L"key"), nullptr);
 }
 
+TEST(ClassRegistryTest, AnApplicationMayNameItselfOtherwiseInARelease) {
+    const auto olderName = [](const AcRxClass*, std::wstring& appName, int release) {
+        if (release < 31) appName += L" R1";
+    };
+    AcRxClassRegistry registry;
+    const AcRxClass* const pipe =
+        registry.newClass(L"Pipe", L"AcRxObject", 25, 2, 1, nullptr, L"PIPE", L"Piping", olderName);
+    EXPECT_EQ(pipe->appNameFor(29), L"Piping R1");
+    EXPECT_EQ(pipe->appNameFor(31), L"Piping");
+    EXPECT_EQ(pipe->appName(), std::wstring(L"Piping"));
+    // A class that is registered keeps what it has; one that comes back has nothing of before.
+    EXPECT_EQ(registry.newClass(L"Pipe", nullptr, 33, 0, 0, nullptr, L"OTHER", L"Other", nullptr),
+              pipe);
+    int release = 0, maintenance = 0;
+    pipe->getClassVersion(release, maintenance);
+    EXPECT_EQ(std::pair(release, maintenance), std::pair(25, 2));
+    registry.deleteClass(const_cast<AcRxClass*>(pipe));
+    const AcRxClass* const again = registry.newClass(L"Pipe", L"AcRxObject");
+    again->getClassVersion(release, maintenance);
+    EXPECT_EQ(std::pair(release, maintenance), std::pair(0, 0));
+    EXPECT_EQ(again->appNameFor(29), L"");
+}
+
 TEST(SystemRegistryTest, HoldsTheClassAndServiceDictionaries) {
     AcRxClassRegistry classes;
     sg::SystemRegistry registry(classes.dictionary());
