@@ -81,6 +81,7 @@ Acad::ErrorStatus DatabaseState::add(AcDbObject& object, uint64_t handle) {
 void DatabaseState::putInPlace(AcDbObjectId id, AcDbObject* object) {
     DatabaseTable::recordOf(id)->object = object;
     ObjectAccess::setId(*object, id);
+    tellChange(id);
 }
 
 void DatabaseState::discard(AcDbObject* object) {
@@ -104,6 +105,7 @@ void DatabaseState::forget(AcDbObject& object) {
 }
 
 void DatabaseState::setErased(AcDbObject& object, bool erased) {
+    tellChange(object.objectId());
     uint16_t& flags = ObjectAccess::flags(object);
     flags = static_cast<uint16_t>(erased ? flags | ObjectAccess::kErased
                                          : flags & ~ObjectAccess::kErased);
