@@ -17,8 +17,10 @@ namespace {
 // What the parser fills in; it knows only narrow text.
 struct Narrow {
     std::string program, saveAs, drawing, script, locale, memoryLimit, function;
-    std::vector<std::string> expressions, folders, parameters;
+    std::vector<std::string> expressions, folders, parameters, layers;
+    std::string drawingFile, converted, release, view, size, layout, ground;
     std::string databaseFile, table, output, folder, sql, input, backup;
+    std::string picture, text, pdf;
 };
 
 std::string joined(const std::vector<std::string>& items) {
@@ -80,6 +82,99 @@ void addDrawingOptions(CLI::App& command, Narrow& narrow) {
         ->type_name("IN");
     command.add_option("--input", narrow.script, "A script that answers prompts and boxes")
         ->type_name("SCRIPT");
+}
+
+void addDrawingFile(CLI::App& command, Narrow& narrow) {
+    command.add_option("FILE", narrow.drawingFile, "The drawing: a .dxf file")
+        ->type_name("")
+        ->required();
+}
+
+CLI::App* addConvert(CLI::App& app, Narrow& narrow, Arguments& arguments) {
+    CLI::App* const command = app.add_subcommand("convert", "Write a drawing as another file");
+    addDrawingFile(*command, narrow);
+    command->add_option("OUT", narrow.converted, "The file to write: a .dxf file")
+        ->type_name("")
+        ->required();
+    command
+        ->add_option("--release", narrow.release,
+                     "The release of OUT: 2000, 2007, 2013 or 2018 [that of FILE, or the next one "
+                     "of these]")
+        ->type_name("RELEASE")
+        ->check(CLI::IsMember({"2000", "2007", "2013", "2018"}));
+    command->add_flag("--binary", arguments.drawingFile.isBinary, "Write a binary file");
+    command->add_flag("--flatten", arguments.drawingFile.isFlat,
+                      "Write custom entities as plain ones, for programs that do not know them");
+    return command;
+}
+
+// A size in pixels, as 1600x1200. Nothing for what is none, or too large a picture.
+std::optional<std::pair<int, int>> parsePixels(const std::string& text) {
+    constexpr int kMost = 30000;
+    int sides[2] = {};
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (int& side : sides) {
+        const auto [behind, error] = std::from_chars(at, end, side);
+        if (error != std::errc() || side < 1 || side > kMost) return std::nullopt;
+        at = behind;
+        if (&side == sides && (at == end || *at++ != 'x')) return std::nullopt;
+    }
+    if (at != end) return std::nullopt;
+    return std::pair(sides[0], sides[1]);
+}
+
+std::string checkPixels(const std::string& text) {
+    if (parsePixels(text)) return {};
+    return "\"" + text + "\" is no size of a picture; write WIDTHxHEIGHT in pixels, as 1600x1200";
+}
+
+CLI::App* addRender(CLI::App& app, Narrow& narrow, Arguments& arguments) {
+    CLI::App* const command = app.add_subcommand("render", "Make a picture of a drawing");
+    addDrawingFile(*command, narrow);
+    command->add_option("-o,--output", narrow.converted, "The picture to write: .png, .svg or .pdf")
+        ->type_name("OUT")
+        ->required();
+    command->add_option("--view", narrow.view, "Where the model is seen from [top]")
+        ->type_name("top|front|iso")
+        ->check(CLI::IsMember({"top", "front", "iso"}));
+    command
+        ->add_option("--layout", narrow.layout,
+                     "The sheet to show, with what its windows show of the model [the model]")
+        ->type_name("NAME");
+    command
+        ->add_option("--size", narrow.size,
+                     "The picture's size in pixels; a sheet is as large as fits [1600x1200]")
+        ->type_name("WIDTHxHEIGHT")
+        ->check(CLI::Validator(checkPixels, ""));
+    command
+        ->add_option("--window", arguments.picture.window,
+                     "Two corners of what to show, in the view's coordinates [all of the drawing]")
+        ->type_name("X1,Y1,X2,Y2")
+        ->delimiter(',')
+        ->expected(4);
+    command
+        ->add_option("--layers", narrow.layers,
+                     "The layers to show, of those that are on and thawed, with wildcards; may be "
+                     "repeated, or have commas between [all]")
+        ->type_name("NAMES")
+        ->delimiter(',')
+        ->allow_extra_args(false);
+    command->add_option("--ground", narrow.ground, "What the drawing stands on [white]")
+        ->type_name("white|black")
+        ->check(CLI::IsMember({"white", "black"}));
+    command->add_flag("--no-lineweights", arguments.picture.hasNoLineWeights,
+                      "Draw all lines as thin as can be");
+    addHostOptions(*command, narrow, arguments);
+    command->footer("What cannot be drawn is named and counted on standard error.");
+    return command;
+}
+
+CLI::App* addInfo(CLI::App& app, Narrow& narrow) {
+    CLI::App* const command = app.add_subcommand(
+        "info", "Print what a drawing holds: release, extents, layers, entities");
+    addDrawingFile(*command, narrow);
+    return command;
 }
 
 CLI::App* addDatabaseCommand(CLI::App& db, Narrow& narrow, DatabaseArguments& arguments,
@@ -156,6 +251,19 @@ void addCompact(CLI::App& db, Narrow& narrow, DatabaseArguments& arguments) {
         ->excludes(output);
 }
 
+void addBrowse(CLI::App& db, Narrow& narrow, DatabaseArguments& arguments) {
+    CLI::App* const command =
+        addDatabaseCommand(db, narrow, arguments, DatabaseArguments::Action::Browse, "browse",
+                           "Show a table in a window, in which it can be edited");
+    command->add_option("TABLE", narrow.table, "The table [the first]")->type_name("");
+    command->add_option("--picture", narrow.picture, "Write a picture of the window instead")
+        ->type_name("OUT.png");
+    command->add_option("--text", narrow.text, "Write the table's text with tabs instead")
+        ->type_name("OUT.txt");
+    command->add_option("--pdf", narrow.pdf, "Print the table to a file instead")
+        ->type_name("OUT.pdf");
+}
+
 CLI::App* addDatabaseCommands(CLI::App& app, Narrow& narrow, DatabaseArguments& arguments) {
     using Action = DatabaseArguments::Action;
     CLI::App* const db =
@@ -181,6 +289,7 @@ CLI::App* addDatabaseCommands(CLI::App& app, Narrow& narrow, DatabaseArguments& 
     addImport(*db, narrow, arguments);
     addDatabaseCommand(*db, narrow, arguments, Action::Queries, "queries",
                        "Print the stored queries");
+    addBrowse(*db, narrow, arguments);
     addDatabaseCommand(*db, narrow, arguments, Action::Check, "check",
                        "Look for damage; answers 1 when there is any");
     addCompact(*db, narrow, arguments);
@@ -220,6 +329,18 @@ void widen(const Narrow& narrow, Arguments& arguments) {
     arguments.script = fromUtf8(narrow.script);
     arguments.locale = fromUtf8(narrow.locale);
     arguments.function = fromUtf8(narrow.function);
+    arguments.drawingFile.file = fromUtf8(narrow.drawingFile);
+    arguments.drawingFile.output = fromUtf8(narrow.converted);
+    arguments.picture.view = fromUtf8(narrow.view);
+    arguments.picture.layout = fromUtf8(narrow.layout);
+    arguments.picture.layers = widened(narrow.layers);
+    arguments.picture.isBlack = narrow.ground == "black";
+    if (const auto pixels = parsePixels(narrow.size)) {
+        arguments.picture.width = pixels->first;
+        arguments.picture.height = pixels->second;
+    }
+    arguments.drawingFile.release = fromUtf8(narrow.release);
+    if (arguments.drawingFile.isFlat) arguments.drawing = arguments.drawingFile.file;
     arguments.database.file = fromUtf8(narrow.databaseFile);
     arguments.database.table = fromUtf8(narrow.table);
     arguments.database.output = fromUtf8(narrow.output);
@@ -228,6 +349,9 @@ void widen(const Narrow& narrow, Arguments& arguments) {
     arguments.database.parameters = widened(narrow.parameters);
     arguments.database.input = fromUtf8(narrow.input);
     arguments.database.backup = fromUtf8(narrow.backup);
+    arguments.database.picture = fromUtf8(narrow.picture);
+    arguments.database.text = fromUtf8(narrow.text);
+    arguments.database.pdf = fromUtf8(narrow.pdf);
     arguments.expressions = widened(narrow.expressions);
     arguments.folders = widened(narrow.folders);
     arguments.memoryLimit = parseSize(narrow.memoryLimit).value_or(0);
@@ -283,6 +407,9 @@ ParsedArguments parseArguments(int count, char** words) {
     addDrawingOptions(*repl, narrow);
     addHostOptions(*repl, narrow, arguments);
 
+    CLI::App* const convert = addConvert(app, narrow, arguments);
+    CLI::App* const info = addInfo(app, narrow);
+    CLI::App* const render = addRender(app, narrow, arguments);
     CLI::App* const db = addDatabaseCommands(app, narrow, arguments.database);
 
     CLI::App* const help = app.add_subcommand("help", "Explain a function, or list them all");
@@ -298,14 +425,15 @@ ParsedArguments parseArguments(int count, char** words) {
     try {
         app.parse(static_cast<int>(separator - words), words);
         if (app.get_subcommands().empty()) {
-            throw CLI::RequiredError("A command: run, repl, db or help");
+            throw CLI::RequiredError("A command: run, repl, convert, info, render, db or help");
         }
         if (run->parsed() && narrow.program.empty() && narrow.expressions.empty()) {
             throw CLI::RequiredError("A PROGRAM or an --eval expression");
         }
         if (db->parsed() && db->get_subcommands().empty()) {
             throw CLI::RequiredError(
-                "A command: tables, schema, export, sql, import, queries, check or compact");
+                "A command: tables, schema, export, sql, import, queries, browse, check or "
+                "compact");
         }
         if (db->parsed()) {
             checkExport(narrow, arguments.database);
@@ -315,10 +443,13 @@ ParsedArguments parseArguments(int count, char** words) {
         return {std::nullopt, app.exit(error) == 0 ? kDone : kWrongUsage};
     }
 
-    arguments.command = run->parsed()    ? Arguments::Command::Run
-                        : repl->parsed() ? Arguments::Command::Repl
-                        : db->parsed()   ? Arguments::Command::Db
-                                         : Arguments::Command::Help;
+    arguments.command = run->parsed()       ? Arguments::Command::Run
+                        : repl->parsed()    ? Arguments::Command::Repl
+                        : convert->parsed() ? Arguments::Command::Convert
+                        : info->parsed()    ? Arguments::Command::Info
+                        : render->parsed()  ? Arguments::Command::Render
+                        : db->parsed()      ? Arguments::Command::Db
+                                            : Arguments::Command::Help;
     widen(narrow, arguments);
     for (char** word = separator; word != end && ++word != end;) {
         arguments.programArguments.push_back(fromUtf8(*word));

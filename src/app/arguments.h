@@ -10,10 +10,11 @@ namespace sg::app {
 
 // The words behind db.
 struct DatabaseArguments {
-    enum class Action { Tables, Schema, Export, Sql, Import, Queries, Check, Compact };
+    enum class Action { Tables, Schema, Export, Sql, Import, Queries, Browse, Check, Compact };
     Action action = Action::Tables;
     std::wstring file;
-    // Of schema and export; empty: all. Of import; empty: named as the file that is read.
+    // Of schema and export; empty: all. Of import; empty: named as the file that is read. Of
+    // browse; empty: the first.
     std::wstring table;
     std::wstring output;  // of export; empty: standard output. Of compact; empty: in place
     std::wstring folder;  // of export, with `all`
@@ -31,11 +32,35 @@ struct DatabaseArguments {
 
     bool repair = false;  // of compact
     std::wstring backup;  // empty: as compact sees fit
+
+    // Of browse: files to write instead of showing the window; empty ones are not written.
+    std::wstring picture, text, pdf;
+};
+
+// The words behind convert, info and render.
+struct DrawingArguments {
+    std::wstring file;
+    std::wstring output;   // of convert and render
+    std::wstring release;  // of convert; empty: that of the file
+    bool isBinary = false;
+    bool isFlat = false;  // without custom entities
+};
+
+// The words behind render; its drawing and its picture are those of DrawingArguments.
+struct PictureArguments {
+    std::wstring view;           // "top", "front" or "iso"
+    std::vector<double> window;  // two corners; empty: all of the drawing
+    int width = 0;               // pixels; 0: the usual size
+    int height = 0;
+    std::vector<std::wstring> layers;  // names, with wildcards; none: all
+    std::wstring layout;               // empty: the model
+    bool isBlack = false;              // the ground
+    bool hasNoLineWeights = false;
 };
 
 // The command line of the process, taken apart.
 struct Arguments {
-    enum class Command { Run, Repl, Help, Db };
+    enum class Command { Run, Repl, Help, Convert, Info, Render, Db };
     Command command = Command::Run;
 
     std::wstring program;                   // of run; "-" is standard input, empty is none
@@ -54,6 +79,8 @@ struct Arguments {
     std::wstring function;  // of help; empty: the overview
     bool missing = false;
 
+    DrawingArguments drawingFile;
+    PictureArguments picture;
     DatabaseArguments database;
 };
 

@@ -16,6 +16,15 @@ int repl(const Arguments& arguments);
 // Prints a function's page, the list of all functions, or those that the module lacks.
 int help(const Arguments& arguments);
 
+// Writes a drawing as another file, in a release that is asked for.
+int convert(const Arguments& arguments);
+
+// Prints what a drawing file holds, and what of it is kept without being understood.
+int info(const Arguments& arguments);
+
+// Makes a picture of a drawing.
+int render(const Arguments& arguments);
+
 // Shows what is in a database file, runs SQL on it, checks it, adds rows, or writes it anew. Needs
 // no host.
 int db(const Arguments& arguments);

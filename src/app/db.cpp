@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "app/commands.h"
+#include "app/db_browse.h"
 #include "app/db_compact.h"
 #include "app/db_export.h"
 #include "app/db_files.h"
@@ -172,6 +173,8 @@ int perform(const DatabaseArguments& arguments) {
             return finished(importTable(arguments));
         case DatabaseArguments::Action::Queries:
             return printQueries(arguments);
+        case DatabaseArguments::Action::Browse:
+            return browse(arguments);
         case DatabaseArguments::Action::Check:
             return check(arguments);
         case DatabaseArguments::Action::Compact:

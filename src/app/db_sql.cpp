@@ -19,11 +19,11 @@
 #include "app/field_values.h"
 #include "app/interruption.h"
 #include "app/process.h"
+#include "app/shown_value.h"
 #include "app/text_table.h"
 #include "base/encoding.h"
 #include "host/jet/format/error.h"
 #include "host/jet/recordset/recordset.h"
-#include "host/jet/values/value_convert.h"
 #include "host/seam/file_error.h"
 #include "host/sql/parser.h"
 #include "host/sql/run/session.h"
@@ -87,45 +87,6 @@ bool countsRecords(const sql::Statement& statement) {
 
 // ---- Printing
 
-struct CellText {
-    std::wstring operator()(bool value) const { return value ? L"True" : L"False"; }
-    std::wstring operator()(jet::Date value) const {
-        constexpr std::wstring_view midnight = L" 00:00:00";
-        const std::wstring text = jet::toText(value);
-        return text.ends_with(midnight) ? text.substr(0, text.size() - midnight.size()) : text;
-    }
-    std::wstring operator()(jet::Currency value) const { return jet::toText(value); }
-    std::wstring operator()(const jet::Bytes& value) const {
-        constexpr wchar_t digits[] = L"0123456789ABCDEF";
-        std::wstring text;
-        for (const uint8_t byte : value) {
-            text += digits[byte >> 4];
-            text += digits[byte & 15];
-        }
-        return text;
-    }
-    template <class T>
-    std::wstring operator()(const T& value) const {
-        return onOneLine(jet::toInvariantText(value));
-    }
-};
-
-bool isNumber(jet::ColumnType type) {
-    switch (type) {
-        case jet::ColumnType::Byte:
-        case jet::ColumnType::Integer:
-        case jet::ColumnType::Long:
-        case jet::ColumnType::Currency:
-        case jet::ColumnType::Single:
-        case jet::ColumnType::Double:
-        case jet::ColumnType::Numeric:
-        case jet::ColumnType::BigInteger:
-            return true;
-        default:
-            return false;
-    }
-}
-
 std::wstring counted(int64_t count, const std::wstring& one, const std::wstring& many) {
     return std::to_wstring(count) + L" " + (count == 1 ? one : many);
 }
@@ -185,7 +146,7 @@ class TerminalOutput final : public Output {
                 passRow();
                 for (size_t i = 0; i < row.size(); ++i) {
                     rows.value(i, value_);
-                    row[i] = {std::visit(CellText(), value_), jet::isNull(value_)};
+                    row[i] = {onOneLine(shownValue(value_)), jet::isNull(value_)};
                 }
                 reader(row);
             }

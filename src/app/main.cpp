@@ -21,6 +21,12 @@ int main(int count, char** words) {
                 return app::repl(*parsed.arguments);
             case app::Arguments::Command::Help:
                 return app::help(*parsed.arguments);
+            case app::Arguments::Command::Convert:
+                return app::convert(*parsed.arguments);
+            case app::Arguments::Command::Info:
+                return app::info(*parsed.arguments);
+            case app::Arguments::Command::Render:
+                return app::render(*parsed.arguments);
             case app::Arguments::Command::Db:
                 return app::db(*parsed.arguments);
         }

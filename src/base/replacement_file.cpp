@@ -87,6 +87,26 @@ bool ReplacementFile::write(std::string_view bytes) {
     return true;
 }
 
+// A second name for the file, or where the file system has no such thing a copy of it.
+bool ReplacementFile::keep(const std::string& backup) {
+    std::error_code error;
+    if (!fs::exists(target_, error)) return true;
+    const std::string unfinished = unfinishedNameBeside(target_);
+    fs::create_hard_link(target_, unfinished, error);
+    if (error) fs::copy_file(target_, unfinished, error);
+    if (!error) fs::rename(unfinished, backup, error);
+    if (!error) return true;
+    ::unlink(unfinished.c_str());
+    return fail(error.value());
+}
+
+bool ReplacementFile::commitKeeping(std::wstring_view ending) {
+    if (!isOpen()) return false;
+    if (::fsync(descriptor_) != 0) return fail(errno);
+    const fs::path backup = fs::path(target_).replace_extension(toUtf8(ending));
+    return keep(backup.native()) && commit();
+}
+
 bool ReplacementFile::commit() {
     if (!isOpen()) return false;
     if (::fsync(descriptor_) != 0) return fail(errno);

@@ -32,12 +32,17 @@ class SG_API ReplacementFile {
     // Brings the file to the disk and gives it the target's name. False, with the target as it was
     // and the file gone, when that fails or something failed before.
     bool commit();
+    // The same, and what had the name before stays beside it with another ending, such as ".bak",
+    // in place of what had that name. At any moment the target's name leads to one of the two
+    // files.
+    bool commitKeeping(std::wstring_view ending);
 
     // The errno of the first failure, 0 when there was none.
     int error() const { return error_; }
 
   private:
     bool fail(int code);
+    bool keep(const std::string& backup);
     void create(unsigned mode);
 
     std::string target_, unfinished_;

@@ -1,5 +1,6 @@
 #include "bridge/marshal_results.h"
 
+#include <cstdint>
 #include <span>
 #include <utility>
 #include <vector>
@@ -18,6 +19,9 @@ class ListInProgress {
     ListInProgress(const ListInProgress&) = delete;
     ListInProgress& operator=(const ListInProgress&) = delete;
     ~ListInProgress() { acutRelRb(head_); }
+
+    // Behind the RTLB.
+    const resbuf* items() const { return head_->rbnext; }
 
     resbuf* closeAndTake() {
         appendListEnd(tail);
@@ -58,6 +62,30 @@ class FieldKeys {
     size_t field_ = 0;
 };
 
+// Appends the records and values from `at` on, at most so many, and moves `at` behind them.
+void appendRecords(resbuf*& tail, std::span<const COleVariant> items, size_t& at, size_t most) {
+    FieldKeys keys;
+    bool recordOpen = false;
+    size_t count = 0;
+    for (; at < items.size(); ++at) {
+        const COleVariant& item = items[at];
+        if (isNewRecordMarker(item)) {
+            if (recordOpen) appendListEnd(tail);
+            recordOpen = false;
+            if (count++ == most) return;
+            appendListBegin(tail);
+            recordOpen = true;
+            keys.beginRecord();
+        } else if (!recordOpen) {
+            if (count++ == most) return;
+            appendVariant(tail, item);
+        } else if (at + 1 < items.size()) {
+            keys.appendPair(tail, item, items[++at]);
+        }
+    }
+    if (recordOpen) appendListEnd(tail);
+}
+
 void returnAndRelease(resbuf* list) {
     acedRetList(list);
     acutRelRb(list);
@@ -83,23 +111,8 @@ resbuf* buildValueList(const COleSafeArray& array) {
 
 resbuf* buildRecordList(const COleSafeArray& array) {
     ListInProgress list;
-    const std::span<const COleVariant> items = array.Variants();
-    FieldKeys keys;
-    bool recordOpen = false;
-    for (size_t i = 0; i < items.size(); ++i) {
-        const COleVariant& item = items[i];
-        if (isNewRecordMarker(item)) {
-            if (recordOpen) appendListEnd(list.tail);
-            appendListBegin(list.tail);
-            recordOpen = true;
-            keys.beginRecord();
-        } else if (!recordOpen) {
-            appendVariant(list.tail, item);
-        } else if (i + 1 < items.size()) {
-            keys.appendPair(list.tail, item, items[++i]);
-        }
-    }
-    if (recordOpen) appendListEnd(list.tail);
+    size_t at = 0;
+    appendRecords(list.tail, array.Variants(), at, SIZE_MAX);
     return list.closeAndTake();
 }
 
@@ -111,8 +124,17 @@ void returnValueList(const COleSafeArray& array) {
     returnAndRelease(buildValueList(array));
 }
 
+// In parts, since a query's result may have millions of nodes; a part's memory serves the next.
 void returnRecordList(const COleSafeArray& array) {
-    returnAndRelease(buildRecordList(array));
+    constexpr size_t kRecordsInPart = 512;
+    const std::span<const COleVariant> items = array.Variants();
+    size_t at = 0;
+    do {
+        const bool first = at == 0;
+        ListInProgress part;
+        appendRecords(part.tail, items, at, kRecordsInPart);
+        sgRetListPart(part.items(), first);
+    } while (at < items.size());
 }
 
 }  // namespace sg

@@ -1,7 +1,6 @@
 #include "database/lisp_functions.h"
 #include "module/function_tables.h"
 #include "module/handlers.h"
-#include "module/missing.h"
 
 namespace sg {
 namespace {

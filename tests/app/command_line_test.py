@@ -1,5 +1,6 @@
 """The command line: options, exit codes, files, help, and what the module exports."""
 
+import fcntl
 import os
 import re
 import shutil
@@ -10,10 +11,13 @@ import unittest
 from program import BUILD, SWIFTGATE, ProgramTest
 
 
+EMPTY_DRAWING = "  0\nSECTION\n  2\nENTITIES\n  0\nENDSEC\n  0\nEOF\n"
+
+
 class Usage(ProgramTest):
     def test_wrong_usage_is_explained_and_answers_2(self):
         for words, said in [
-            ([], "run, repl, db or help"),
+            ([], "run, repl, convert, info, render, db or help"),
             (["no-such-command"], "no-such-command"),
             (["run"], "PROGRAM"),
             (["run", "a.lsp", "b.lsp"], "b.lsp"),
@@ -60,7 +64,9 @@ class Files(ProgramTest):
     def test_files_that_cannot_be_read_or_written_answer_3(self):
         self.write("good.lsp", "(princ 1)")
         self.write("bad.script", "text one\nnonsense here\n")
-        self.write("plan.dxf", "  0\nEOF\n")
+        self.write("rubbish.dxf", "no drawing at all")
+        self.write("rubbish.dwg", "AC1032\0\0\0")
+        self.write("plan.dxf", EMPTY_DRAWING)
         os.mkdir(self.path("folder.lsp"))
         for words, said in [
             (["run", "none.lsp"], f"no such program: none.lsp; looked for\n  {self.path('none.lsp')}"),
@@ -71,7 +77,13 @@ class Files(ProgramTest):
             (["run", "good.lsp", "--input", "bad.script"], "bad.script:2: "),
             (["repl", "--drawing", "none.dwg"], self.path("none.dwg")),
             (["run", "good.lsp", "--save", "none/out.dxf"], "none/out.dxf"),
-            (["run", "good.lsp", "--save", "out.dwg"], "out.dwg"),
+            (["run", "good.lsp", "--save", "out.dwg"], "out.dwg: drawings are written as .dxf only"),
+            (["run", "good.lsp", "--drawing", "rubbish.dxf"], "rubbish.dxf: this is no drawing file"),
+            (["run", "good.lsp", "--drawing", "rubbish.dwg"], "rubbish.dwg: this is a DWG file"),
+            (["info", "none.dxf"], "no such drawing: " + self.path("none.dxf")),
+            (["info", "rubbish.dxf"], "rubbish.dxf: this is no drawing file"),
+            (["convert", "plan.dxf", "plan.dwg"], "plan.dwg: drawings are written as .dxf only"),
+            (["convert", "plan.dxf", "none/plan.dxf"], "none/plan.dxf"),
         ]:
             with self.subTest(words=words):
                 code, _, errors = self.run_program(*words)
@@ -107,14 +119,52 @@ class Files(ProgramTest):
                 self.assertEqual(self.run_program("run", "program"), (0, "\u00fc\u20ac", ""))
 
     def test_drawing_is_opened_and_saved(self):
-        content = "  0\nSECTION\n  2\nENTITIES\n  0\nENDSEC\n  0\nEOF\n"
-        self.write("In.dxf", content)
+        self.write("In.dxf", EMPTY_DRAWING)
         program = '(princ (getvar "DWGNAME"))'
         self.assertEqual(
             self.run_program("run", "--drawing", "in.DXF", "--eval", program, "--save", "out.dxf"),
             (0, "In.dxf", ""))
-        with open(self.path("out.dxf"), encoding="ascii") as file:
-            self.assertEqual(file.read(), content)
+        code, told, _ = self.run_program("info", "out.dxf")
+        self.assertEqual((code, told.splitlines()[0]), (0, "release 2000 (AC1015), text, ANSI_1252"))
+
+    def test_drawings_are_converted(self):
+        program = "(entmake '((0 . \"LINE\") (8 . \"Ducts\") (10 0 0 0) (11 3 4 0)))"
+        self.assertEqual(
+            self.run_program("run", "--eval", program, "--save", "plan.dxf"), (0, "", ""))
+        for words, first in [
+            (["plan.dxf", "out.dxf"], "release 2018 (AC1032), text, ANSI_1252"),
+            (["plan.dxf", "out.dxf", "--release", "2000"], "release 2000 (AC1015), text, ANSI_1252"),
+            (["out.dxf", "out.dxf", "--binary"], "release 2000 (AC1015), binary, ANSI_1252"),
+            (["out.dxf", "again.dxf", "--flatten"], "release 2000 (AC1015), text, ANSI_1252"),
+        ]:
+            with self.subTest(words=words):
+                self.assertEqual(self.run_program("convert", *words)[:2], (0, ""))
+                code, told, _ = self.run_program("info", words[1])
+                self.assertEqual((code, told.splitlines()[0]), (0, first))
+                self.assertIn("extents 0,0,0 to 3,4,0\n", told)
+                self.assertIn("\n  Ducts  1\n", told)
+                self.assertIn("\nentities\n  LINE  1\n", told)
+        self.assertEqual(self.run_program("convert", "plan.dxf", "out.dxf", "--release", "14")[0], 2)
+
+    def test_a_drawing_that_another_process_has_is_read_only(self):
+        self.write("plan.dxf", EMPTY_DRAWING)
+        self.write("plan.dxf.lock", "process 17 of eve on moon")
+        with open(self.path("plan.dxf.lock"), encoding="ascii") as lock:
+            fcntl.flock(lock, fcntl.LOCK_EX)
+            code, printed, errors = self.run_program(
+                "run", "--no-module", "--drawing", "plan.dxf", "--eval",
+                "(princ (getvar \"WRITESTAT\"))", "--save", "plan.dxf")
+            self.assertEqual((code, printed), (3, "0"))
+            self.assertIn("plan.dxf: the drawing is open in process 17 of eve on moon; it is opened "
+                          "read-only", errors)
+            self.assertIn("read-only here; save it under another name", errors)
+            self.assertEqual(self.run_program("convert", "plan.dxf", "plan.dxf")[0], 3)
+            self.assertEqual(self.read("plan.dxf"), EMPTY_DRAWING)
+        self.assertEqual(
+            self.run_program("run", "--no-module", "--drawing", "plan.dxf", "--eval", "(princ 1)",
+                             "--save", "plan.dxf"), (0, "1", ""))
+        self.assertEqual(self.read("plan.bak"), EMPTY_DRAWING)
+        self.assertFalse(os.path.exists(self.path("plan.dxf.lock")))
 
     def test_exit_saves_and_an_error_does_not(self):
         self.assertEqual(

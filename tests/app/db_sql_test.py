@@ -2,6 +2,7 @@
 
 import fcntl
 import os
+import shutil
 import pty
 import signal
 import struct
@@ -20,7 +21,10 @@ class SqlTest(ProgramTest):
 
     def setUp(self):
         super().setUp()
-        self.run_program("db", "compact", EMPTY, "plan.mdb")
+        # Other tests read the same file at the same time.
+        shutil.copy(EMPTY, self.path("empty.mdb"))
+        code, _, errors = self.run_program("db", "compact", "empty.mdb", "plan.mdb")
+        self.assertEqual(code, 0, errors)
         self.sql("CREATE TABLE Parts (Id LONG PRIMARY KEY, Name TEXT(60), Price CURRENCY, "
                  "Share DOUBLE, Made DATETIME, Stock YESNO, Note MEMO)",
                  "INSERT INTO Parts VALUES (1, 'Duct, round', 12.5, 0.125, #2017-01-31#, True, '')",

@@ -35,7 +35,7 @@ def rows_of(text):
 class Usage(ProgramTest):
     def test_wrong_usage_answers_2(self):
         for words, said in [
-            ([], "tables, schema, export, sql, import, queries, check or compact"),
+            ([], "tables, schema, export, sql, import, queries, browse, check or compact"),
             (["tables"], "FILE"),
             (["tables", "a.mdb", "b.mdb"], "b.mdb"),
             (["compact", "a.mdb", "b.mdb", "c.mdb"], "c.mdb"),
@@ -60,8 +60,8 @@ class Usage(ProgramTest):
         code, output, _ = self.run_program("db", "--help")
         self.assertEqual(code, 0)
         commands = re.findall("^  ([a-z]+) ", output.split("Subcommands:")[1], re.MULTILINE)
-        self.assertEqual(commands, ["tables", "schema", "export", "sql", "import", "queries", "check",
-                                    "compact"])
+        self.assertEqual(commands, ["tables", "schema", "export", "sql", "import", "queries", "browse",
+                                    "check", "compact"])
 
     def test_what_is_no_database_is_told_in_one_line(self):
         self.write("notes.txt", "not a database\n" * 500)
@@ -158,6 +158,47 @@ class WritingTest(ProgramTest):
         with open(self.path(name), "wb") as file:
             file.write(content)
         return name
+
+
+class Browse(WritingTest):
+    """The table window without anybody to look at it; tests/app/browse uses it."""
+
+    def setUp(self):
+        super().setUp()
+        for name in ["DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"]:
+            self.environment.pop(name, None)
+        self.write("parts.csv", "Id,Name\n1,elbow\n2,duct\n")
+        self.db("import", "plan.mdb", "parts.csv", "--create")
+
+    def test_without_a_display_it_says_so(self):
+        code, output, errors = self.run_program("db", "browse", "plan.mdb", "PARTS")
+        self.assertEqual((code, output), (2, ""))
+        self.assertEqual(errors, "swiftgate: there is no display to show parts on; --picture, "
+                                 "--text and --pdf write files instead\n")
+
+    def test_it_writes_files_instead_of_showing_the_window(self):
+        code, output, errors = self.run_program(
+            "db", "browse", "plan.mdb", "parts", "--picture", "a.png", "--text", "a.txt", "--pdf",
+            "a.pdf")
+        self.assertEqual((code, output, errors), (0, "", ""))
+        with open(self.path("a.txt"), encoding="utf-8") as file:
+            self.assertEqual(file.read(), "Id\tName\n1\telbow\n2\tduct\n")
+        for name, begin in [("a.png", b"\x89PNG"), ("a.pdf", b"%PDF")]:
+            with open(self.path(name), "rb") as file:
+                self.assertEqual(file.read(4), begin)
+
+    def test_what_cannot_be_shown_or_written_is_named(self):
+        for words, code, said in [
+            (["plan.mdb", "prats"], 2, 'no table "prats"'),
+            (["none.mdb"], 3, "error 3024"),
+            (["plan.mdb", "parts", "--text", "none/a.txt"], 3, "none/a.txt"),
+            (["plan.mdb", "parts", "--picture", "none/a.png"], 3, "cannot write"),
+            (["plan.mdb", "parts", "--pdf", "none/a.pdf"], 3, "cannot write"),
+        ]:
+            with self.subTest(words=words):
+                answer, output, errors = self.run_program("db", "browse", *words)
+                self.assertEqual((answer, output), (code, ""), errors)
+                self.assertIn(said, errors)
 
 
 class Import(WritingTest):

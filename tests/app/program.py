@@ -38,6 +38,10 @@ class ProgramTest(unittest.TestCase):
             file.write(text)
         return self.path(name)
 
+    def read(self, name):
+        with open(self.path(name), encoding="utf-8") as file:
+            return file.read()
+
     def popen(self, *words, **options):
         return subprocess.Popen(
             [SWIFTGATE, *words], cwd=self.folder, env=self.environment, text=True,

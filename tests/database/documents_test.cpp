@@ -144,16 +144,16 @@ TEST_F(DocumentsTest, TheLastDrawingLeavesNoFileOpen) {
 }
 
 TEST_F(DocumentsTest, ADrawingThatIsSavedUnderANewNameLosesItsDatabase) {
-    write("plan.dwg", "AC1032");
+    write("plan.dxf", kEmptyDrawing);
     stop();
-    options.drawing = path("plan.dwg");
+    options.drawing = path("plan.dxf");
     start();
     setFolder();
     connectTo("a.mdb");
     run("(host-save-drawing)");
     EXPECT_EQ(run("(sg_mdb)"), "\"" + toUtf8(path("a.mdb")) + "\"");
-    EXPECT_EQ(eval("(host-save-drawing (strcat folder \"copy.dwg\"))"),
-              "\"" + toUtf8(path("copy.dwg")) + "\"");
+    EXPECT_EQ(eval("(host-save-drawing (strcat folder \"copy.dxf\"))"),
+              "\"" + toUtf8(path("copy.dxf")) + "\"");
     CDaoDatabase alone;
     EXPECT_EQ(codeOf([&] { alone.Open(path("a.mdb"), true); }), 0) << "it is closed";
     alone.Close();

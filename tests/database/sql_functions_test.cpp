@@ -212,6 +212,25 @@ TEST_F(SqlTest, RowsByHowManyColumnsThereAre) {
     }
 }
 
+// So many that they reach LISP in parts.
+TEST_F(SqlTest, ManyRows) {
+    run("(sg_command \"create table Numbers (n long, t text(5))\") (sg_table \"Numbers\")"
+        "(setq n 0) (repeat 1024 (sg_append (list (cons \"n\" n) '(\"t\" . \"x\")))"
+        "(setq n (1+ n)))");
+    for (const int count : {511, 512, 513, 1024}) {
+        const std::string where =
+            " from Numbers where n < " + std::to_string(count) + " order by n";
+        EXPECT_EQ(run("(setq r (sg_sql \"select n, t" + where +
+                      "\") i -1)"
+                      "(list (length r) (vl-every '(lambda (x) (equal x (list (cons \"n\" (setq i "
+                      "(1+ i))) '(\"t\" . \"x\")))) r))"),
+                  "(" + std::to_string(count) + " T)");
+        EXPECT_EQ(
+            run("(setq r (sg_sql \"select n" + where + "\")) (list (length r) (apply '+ r))"),
+            "(" + std::to_string(count) + " " + std::to_string(count * (count - 1) / 2) + ")");
+    }
+}
+
 TEST_F(SqlTest, ABadQueryIsRunAgainOnAReopenedFile) {
     run("(sg_resetLastError) (sg_table \"Rooms\" \"Name\")");
     EXPECT_EQ(run("(sg_sql-error \"selec Name from Rooms\")"), "\"*ERROR*\"");

@@ -150,10 +150,10 @@ TEST_F(LifecycleTest, ADrawingGetsItsFunctionsAndItsEntry) {
 }
 
 TEST_F(LifecycleTest, ADrawingFilesEntryHasItsFullName) {
-    write("plan.dwg", "x");
-    options.drawing = path("plan.dwg");
+    write("plan.dxf", kEmptyDrawing);
+    options.drawing = path("plan.dxf");
     start();
-    EXPECT_THAT(entries(), ElementsAre((folder_ / "plan.dwg").string()));
+    EXPECT_THAT(entries(), ElementsAre((folder_ / "plan.dxf").string()));
 }
 
 TEST_F(LifecycleTest, AnEngineThatDoesNotStartLeavesNothing) {
@@ -261,11 +261,11 @@ TEST_F(LifecycleTest, AfterTheLastDrawingTheNextStartsCleanly) {
 class SaveCompleteTest : public LifecycleTest {
   protected:
     SaveCompleteTest() {
-        write("plan.dwg", "x");
-        options.drawing = path("plan.dwg");
+        write("plan.dxf", kEmptyDrawing);
+        options.drawing = path("plan.dxf");
         startWithRecordingEditor();
         one_ = new FakeConnection("one", log);
-        connect(path("plan.dwg").c_str(), one_, L"one.mdb");
+        connect(path("plan.dxf").c_str(), one_, L"one.mdb");
         selectDocumentDatabase();
         log.clear();
     }
@@ -276,27 +276,27 @@ class SaveCompleteTest : public LifecycleTest {
 };
 
 TEST_F(SaveCompleteTest, ANewNameClosesTheDatabase) {
-    complete(active(), path("copy.dwg"));
+    complete(active(), path("copy.dxf"));
     EXPECT_THAT(log, ElementsAre("close one"));
     EXPECT_EQ(currentConnection(), one_);
     EXPECT_EQ(currentDatabaseName(), L"");
     EXPECT_EQ(dbInfoList().front()->strDatabase, L"");
-    EXPECT_EQ(dbInfoList().front()->strDocument, path("plan.dwg")) << "the entry keeps the name";
+    EXPECT_EQ(dbInfoList().front()->strDocument, path("plan.dxf")) << "the entry keeps the name";
     EXPECT_EQ(dbInfoList().front()->pConnection, one_);
 }
 
 TEST_F(SaveCompleteTest, NothingElseDoes) {
-    complete(active(), path("plan.dwg"));
+    complete(active(), path("plan.dxf"));
     EXPECT_THAT(log, IsEmpty()) << "its own name";
     const Document& second = documents().create();
-    complete(documentAt(0), path("copy.dwg"));
+    complete(documentAt(0), path("copy.dxf"));
     EXPECT_THAT(log, IsEmpty()) << "another drawing than the active one";
     // The second drawing's entry is the head; its connection, none, is not the current one.
     ASSERT_EQ(currentConnection(), one_);
-    complete(second, path("copy.dwg"));
+    complete(second, path("copy.dxf"));
     EXPECT_THAT(log, IsEmpty());
     selectDocumentDatabase();
-    complete(second, path("copy.dwg"));
+    complete(second, path("copy.dxf"));
     EXPECT_THAT(log, IsEmpty()) << "there is none to close";
     EXPECT_EQ(one_->IsOpen(), true);
 }
@@ -306,7 +306,7 @@ TEST_F(SaveCompleteTest, AnEmptyListIsAnInvalidArgument) {
     EXPECT_THROW(
         {
             try {
-                complete(active(), path("plan.dwg"));
+                complete(active(), path("plan.dxf"));
             } catch (CInvalidArgException* exception) {
                 exception->Delete();
                 throw 1;
@@ -316,7 +316,7 @@ TEST_F(SaveCompleteTest, AnEmptyListIsAnInvalidArgument) {
     const Document& first = active();
     documents().create();
     dbInfoList().clear();
-    complete(first, path("copy.dwg"));  // of no interest, so the list is not looked at
+    complete(first, path("copy.dxf"));  // of no interest, so the list is not looked at
     EXPECT_THAT(log, IsEmpty());
     setCurrentDatabase(nullptr, L"", 0);
     delete one_;
@@ -326,13 +326,13 @@ TEST_F(SaveCompleteTest, ThroughTheHost) {
     stop();
     start();
     one_ = new FakeConnection("one", log);
-    connect(path("plan.dwg").c_str(), one_, L"one.mdb");
+    connect(path("plan.dxf").c_str(), one_, L"one.mdb");
     selectDocumentDatabase();
     log.clear();
     host().saveDrawing(active(), L"");
-    host().saveDrawing(active(), path("plan.dwg"));
+    host().saveDrawing(active(), path("plan.dxf"));
     EXPECT_THAT(log, IsEmpty());
-    host().saveDrawing(active(), path("copy.dwg"));
+    host().saveDrawing(active(), path("copy.dxf"));
     EXPECT_THAT(log, ElementsAre("close one"));
     selectDocumentDatabase();
     EXPECT_EQ(currentConnection(), nullptr) << "no entry has the new name";

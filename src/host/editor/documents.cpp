@@ -53,11 +53,12 @@ int strength(AcAp::DocLockMode mode) {
 
 // ---- Document -----------------------------------------------------------------------------------
 
-Document::Document(std::wstring fileName, std::unique_ptr<lisp::Namespace> ns,
+Document::Document(std::wstring fileName, std::unique_ptr<AcDbDatabase> database,
+                   std::unique_ptr<lisp::Namespace> ns,
                    std::shared_ptr<SystemVariables> application)
     : fileName_(std::move(fileName)),
       title_(lastComponent(fileName_)),
-      database_(std::make_unique<AcDbDatabase>()),
+      database_(std::move(database)),
       namespace_(std::move(ns)),
       systemVariables_(std::make_unique<SystemVariables>(std::move(application))),
       programs_(std::make_unique<ProgramDrawing>(*database_)),
@@ -66,6 +67,8 @@ Document::Document(std::wstring fileName, std::unique_ptr<lisp::Namespace> ns,
     joinDrawingVariables(variables, *database_);
     variables.setProvider(L"DWGNAME", [this] { return SystemVariableValue(title_); });
     variables.setProvider(L"DWGTITLED", [this] { return SystemVariableValue(int16_t{titled_}); });
+    variables.setProvider(L"WRITESTAT",
+                          [this] { return SystemVariableValue(int16_t{!isReadOnly()}); });
     variables.setProvider(L"DWGPREFIX", [this] {
         const std::wstring folder(titled_ ? parentFolder(fileName_) : absolutePath(L"."));
         return SystemVariableValue(folder.ends_with(L'/') ? folder : folder + L"/");
@@ -88,7 +91,8 @@ bool Document::unlock() {
     return true;
 }
 
-void Document::setFile(std::wstring path) {
+void Document::setFile(std::wstring path, FileLock lock) {
+    fileLock_ = std::move(lock);
     fileName_ = std::move(path);
     title_ = lastComponent(fileName_);
     titled_ = true;
@@ -172,12 +176,15 @@ Document& DocumentManager::add(std::unique_ptr<Document> document) {
 Document& DocumentManager::create() {
     std::wstring name = fmt::format(L"Drawing{}.dwg", ++untitled_);
     auto ns = interpreter_.newNamespace(name);
-    return add(std::make_unique<Document>(std::move(name), std::move(ns), application_));
+    return add(std::make_unique<Document>(std::move(name), std::make_unique<AcDbDatabase>(),
+                                          std::move(ns), application_));
 }
 
-Document& DocumentManager::open(const std::wstring& path) {
-    auto document = std::make_unique<Document>(path, interpreter_.newNamespace(path), application_);
-    document->setFile(path);
+Document& DocumentManager::open(const std::wstring& path, std::unique_ptr<AcDbDatabase> database,
+                                FileLock lock) {
+    auto document = std::make_unique<Document>(path, std::move(database),
+                                               interpreter_.newNamespace(path), application_);
+    document->setFile(path, std::move(lock));
     return add(std::move(document));
 }
 

@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "host/system/file_lock.h"
 #include "platform/ap/documents.h"
 #include "platform/db/database.h"
 
@@ -24,8 +25,8 @@ class SystemVariables;
 // waits to be typed into it.
 class SG_API Document final : public AcApDocument {
   public:
-    Document(std::wstring fileName, std::unique_ptr<lisp::Namespace> ns,
-             std::shared_ptr<SystemVariables> application);
+    Document(std::wstring fileName, std::unique_ptr<AcDbDatabase> database,
+             std::unique_ptr<lisp::Namespace> ns, std::shared_ptr<SystemVariables> application);
     ~Document() override;
 
     const wchar_t* fileName() const override { return fileName_.c_str(); }
@@ -40,7 +41,11 @@ class SG_API Document final : public AcApDocument {
 
     // True once the drawing has a file, which is then fileName().
     bool isTitled() const { return titled_; }
-    void setFile(std::wstring path);
+    // The lock says that nobody else changes the file.
+    void setFile(std::wstring path, FileLock lock);
+    // True while another process has the drawing's file, which is then not to be written.
+    bool isReadOnly() const { return !fileLock_.isFree(); }
+    const std::wstring& fileHolder() const { return fileLock_.holder(); }
 
     lisp::Namespace& variables() { return *namespace_; }
     SystemVariables& systemVariables() { return *systemVariables_; }
@@ -68,6 +73,7 @@ class SG_API Document final : public AcApDocument {
     std::wstring fileName_;
     std::wstring title_;
     bool titled_ = false;
+    FileLock fileLock_;
     std::unique_ptr<AcDbDatabase> database_;
     std::unique_ptr<lisp::Namespace> namespace_;
     std::unique_ptr<SystemVariables> systemVariables_;
@@ -104,8 +110,8 @@ class SG_API DocumentManager final : public AcApDocManager {
 
     // A new drawing named "Drawing<n>.dwg", made active.
     Document& create();
-    // A document for the drawing file `path`, made active.
-    Document& open(const std::wstring& path);
+    // A document for a drawing that was read from the file `path`, made active.
+    Document& open(const std::wstring& path, std::unique_ptr<AcDbDatabase> database, FileLock lock);
     // Closes a document; another one becomes active, the one opened before it where there is one.
     void close(Document& document);
 

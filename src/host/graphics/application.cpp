@@ -2,6 +2,7 @@
 
 #include <QApplication>
 
+#include <cstdio>
 #include <cstdlib>
 
 namespace sg::graphics {
@@ -12,10 +13,19 @@ bool isSet(const char* variable) {
     return value != nullptr && *value != 0;
 }
 
+// What the toolkit says goes to standard error, but for notices about a folder that nothing here
+// uses and about what a platform without a display cannot do: batches have neither as a rule.
+void report(QtMsgType, const QMessageLogContext&, const QString& text) {
+    if (text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR"))) return;
+    if (text.startsWith(QLatin1String("This plugin does not support"))) return;
+    std::fprintf(stderr, "%s\n", qPrintable(text));
+}
+
 }  // namespace
 
 void needApplication() {
     if (QCoreApplication::instance() != nullptr) return;
+    qInstallMessageHandler(report);
     if (!isSet("QT_QPA_PLATFORM") && !isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "base/export.h"
+
 namespace sg::graphics {
 
 // Sees to it that the toolkit's application object exists, without a display where there is none.
 // It lives as long as the program.
-void needApplication();
+SG_API void needApplication();
 
 }  // namespace sg::graphics

@@ -1,4 +1,6 @@
 #include <QFont>
+#include <QPainterPath>
+#include <QPolygonF>
 #include <QRawFont>
 #include <unordered_map>
 
@@ -10,6 +12,8 @@ namespace {
 
 using text::CharacterBox;
 using text::Face;
+
+using Chains = std::vector<std::vector<AcGePoint2d>>;
 
 constexpr double kPixels = 1000;  // at which outlines are measured
 
@@ -40,6 +44,19 @@ class OutlineFace final : public Face {
         return box;
     }
 
+    bool isOutline() const override { return true; }
+    const Chains& chains(wchar_t character) const override {
+        const auto [place, isNew] = chains_.try_emplace(character);
+        if (!isNew) return place->second;
+        const QPainterPath path = font_.pathForGlyph(glyphOf(character));
+        for (const QPolygonF& polygon : path.toSubpathPolygons()) {
+            auto& chain = place->second.emplace_back();
+            for (const QPointF& point : polygon)
+                chain.emplace_back(point.x() * scale_, -point.y() * scale_);
+        }
+        return place->second;
+    }
+
   private:
     quint32 glyphOf(wchar_t character) const {
         const QList<quint32> glyphs =
@@ -50,6 +67,7 @@ class OutlineFace final : public Face {
     QRawFont font_;
     double scale_ = 1;
     mutable std::unordered_map<wchar_t, CharacterBox> boxes_;
+    mutable std::unordered_map<wchar_t, Chains> chains_;
 };
 
 // A file's name without its ending is a fair guess at the family.

@@ -323,6 +323,22 @@ bool listToValue(Interpreter& in, const resbuf* chain, Value& value) {
     return true;
 }
 
+bool appendItems(Interpreter& in, const resbuf* chain, Value& head, Value& last) {
+    Parser parser(in);
+    while (chain != nullptr) {
+        Value item;
+        if (!parser.item(chain, item)) return false;
+        const Value cell = in.cons(item, Value::nil());
+        if (last.isCons()) {
+            last.asCons()->cdr = cell;
+        } else {
+            head = cell;
+        }
+        last = cell;
+    }
+    return true;
+}
+
 bool chainToValue(Interpreter& in, const resbuf* chain, Value& value) {
     if (chain != nullptr && chain->rbnext == nullptr && chain->restype != RTLB &&
         chain->restype != RTLE && chain->restype != RTDOTE) {

@@ -29,6 +29,10 @@ Value nodeToValue(Interpreter& in, const resbuf& node);
 // do not close or a dot stands where none may.
 bool listToValue(Interpreter& in, const resbuf* chain, Value& value);
 
+// Adds every item of a chain to the end of a list, whose last cell is `last`; both are nil for an
+// empty list. False as above, and what stands ahead of the fault is added.
+bool appendItems(Interpreter& in, const resbuf* chain, Value& head, Value& last);
+
 // The value of a chain as a function's argument list passes it: one item is the item itself.
 bool chainToValue(Interpreter& in, const resbuf* chain, Value& value);
 

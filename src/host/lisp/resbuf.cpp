@@ -1,7 +1,5 @@
 #include "platform/lisp/resbuf.h"
 
-#include <sys/mman.h>
-
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
@@ -28,10 +26,6 @@ namespace {
 
 constexpr bool kPlainHeap = SG_PLAIN_HEAP != 0;
 constexpr size_t kNodesInChunk = 1024;
-// Where there are many nodes already, a chunk is a large page: touching a gigabyte in pages of the
-// usual size costs more than filling it.
-constexpr size_t kManyNodes = 64 * kNodesInChunk;
-constexpr size_t kLargePageBytes = size_t{2} << 20;
 constexpr size_t kStringChunkBytes = 64 * 1024;
 
 // A string's block is a 32-bit tag and the text. The tag has the block's size class, and in units
@@ -52,23 +46,11 @@ resbuf* freeNodes = nullptr;
 size_t liveNodes = 0;
 FreeBlock* freeBlocks[kClasses + 1] = {};
 
-void* newNodeChunk(size_t& nodes) {
-    if (liveNodes < kManyNodes) {
-        nodes = kNodesInChunk;
-        return std::malloc(nodes * sizeof(resbuf));
-    }
-    nodes = kLargePageBytes / sizeof(resbuf);
-    void* const chunk = std::aligned_alloc(kLargePageBytes, kLargePageBytes);
-    if (chunk != nullptr) ::madvise(chunk, kLargePageBytes, MADV_HUGEPAGE);
-    return chunk;
-}
-
 [[maybe_unused]] bool refillNodes() {  // not under the sanitizer
-    size_t nodes = 0;
-    auto* const chunk = static_cast<resbuf*>(newNodeChunk(nodes));
+    auto* const chunk = static_cast<resbuf*>(std::malloc(kNodesInChunk * sizeof(resbuf)));
     if (chunk == nullptr) return false;
-    for (size_t i = 0; i < nodes; ++i) {
-        chunk[i].rbnext = i + 1 < nodes ? &chunk[i + 1] : nullptr;
+    for (size_t i = 0; i < kNodesInChunk; ++i) {
+        chunk[i].rbnext = i + 1 < kNodesInChunk ? &chunk[i + 1] : nullptr;
     }
     freeNodes = chunk;
     return true;

@@ -1,6 +1,6 @@
 #include <fmt/xchar.h>
 
-#include "base/text.h"
+#include "host/dxf/drawing_files.h"
 #include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
 #include "host/editor/editor.h"
@@ -11,22 +11,10 @@
 #include "host/system/files.h"
 #include "host/system/paths.h"
 
-// Drawings as files. This host does not read what a drawing file holds and no operation changes it,
-// so a drawing's content is the bytes of the file that it was opened from: saving under another
-// name is an exact copy, and saving under its own name leaves the file as it is.
+// Drawings as files.
 
 namespace sg {
 namespace {
-
-// A drawing without any entity, as an interchange file that every reader accepts.
-constexpr std::string_view kEmptyDrawing =
-    "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1009\n  0\nENDSEC\n"
-    "  0\nSECTION\n  2\nENTITIES\n  0\nENDSEC\n  0\nEOF\n";
-
-bool hasExtension(std::wstring_view path, std::wstring_view extension) {
-    const size_t dot = path.rfind(L'.');
-    return dot != std::wstring_view::npos && equalIgnoringCase(path.substr(dot), extension);
-}
 
 // Two open drawings never have one file.
 void checkNotOpenElsewhere(const DocumentManager& documents, const Document& document,
@@ -38,18 +26,14 @@ void checkNotOpenElsewhere(const DocumentManager& documents, const Document& doc
     }
 }
 
-// The bytes of a drawing's file; an empty drawing for one that has none.
-std::string contentToSave(const Document& document, const std::wstring& target) {
-    if (document.isTitled()) {
-        auto bytes = readFile(document.fileName());
-        if (bytes) return std::move(*bytes);
-        throw FileError(fmt::format(L"the drawing cannot be read: {}", document.fileName()));
+// Runs what may end in an error of a drawing file.
+template <class Body>
+auto withFileErrors(const Body& body) {
+    try {
+        return body();
+    } catch (const dxf::Error& error) {
+        throw FileError(error.text());
     }
-    if (!hasExtension(target, L".dxf")) {
-        throw FileError(
-            fmt::format(L"{}: a new drawing can be written as .dxf only by this build", target));
-    }
-    return std::string(kEmptyDrawing);
 }
 
 // A reactor that fails is reported; the others hear of the event, and the operation goes on.
@@ -65,37 +49,60 @@ void notifyReactors(Host& host, const std::function<void(AcEditorReactor&)>& eve
 
 }  // namespace
 
+void Host::reportDrawing(const std::vector<std::wstring>& warnings) {
+    constexpr size_t kMost = 20;
+    for (size_t i = 0; i < warnings.size() && i < kMost; ++i)
+        output_->reportError(warnings[i]);
+    if (warnings.size() > kMost) {
+        output_->reportError(fmt::format(L"and {} more", warnings.size() - kMost));
+    }
+}
+
 Document& Host::openDrawing(const std::wstring& path) {
     const ResolvedPath found = resolvePath(absolutePath(path));
     if (!found.exists) throw FileError(L"no such drawing: " + found.path);
     if (!isFile(found.path)) throw FileError(L"not a drawing file: " + found.path);
-    if (!readFile(found.path)) throw FileError(L"the drawing cannot be read: " + found.path);
     for (const auto& document : documents().all()) {
         if (document->isTitled() && document->fileName() == found.path) {
             documents().activateDocument(document.get());
             return *document;
         }
     }
-    return documents().open(found.path);
+    FileLock lock(found.path);
+    auto database = std::make_unique<AcDbDatabase>(false);
+    reportDrawing(withFileErrors([&] { return dxf::readFile(*database, found.path); }));
+    if (!lock.isFree()) {
+        output_->reportError(fmt::format(L"{}: the drawing is open in {}; it is opened read-only",
+                                         found.path, lock.holder()));
+    }
+    return documents().open(found.path, std::move(database), std::move(lock));
 }
 
 void Host::saveDrawing(Document& document, const std::wstring& path) {
-    const bool own = path.empty();
-    if (own && !document.isTitled()) {
+    if (path.empty() && !document.isTitled()) {
         throw FileError(fmt::format(L"{} has no file yet: name one", document.fileName()));
     }
     const std::wstring target =
-        own ? std::wstring(document.fileName()) : resolvePath(absolutePath(path)).path;
+        path.empty() ? std::wstring(document.fileName()) : resolvePath(absolutePath(path)).path;
+    const bool isOwn = document.isTitled() && target == document.fileName();
     checkNotOpenElsewhere(documents(), document, target);
+    withFileErrors([&] { dxf::checkCanWrite(target); });
+    if (isOwn && document.isReadOnly()) {
+        throw FileError(
+            fmt::format(L"{}: the drawing is open in {}, and read-only here; save it "
+                        L"under another name",
+                        target, document.fileHolder()));
+    }
+    FileLock lock;
+    if (!isOwn) lock = FileLock(target);
+    if (!lock.isFree()) {
+        throw FileError(fmt::format(L"{}: that drawing is open in {}", target, lock.holder()));
+    }
     notifyReactors(*this, [&](AcEditorReactor& reactor) {
         reactor.beginSave(document.database(), target.c_str());
     });
-    const std::string content = contentToSave(document, target);
-    if (!document.isTitled() || target != document.fileName()) {
-        const FileResult written = writeFileAtomically(target, content);
-        if (!written) throw FileError(written.error);
-        document.setFile(target);
-    }
+    withFileErrors([&] { dxf::writeFile(*document.database(), target); });
+    if (!isOwn) document.setFile(target, std::move(lock));
     notifyReactors(*this, [&](AcEditorReactor& reactor) {
         reactor.saveComplete(document.database(), target.c_str());
     });

@@ -36,6 +36,7 @@ class ExternalFunctions {
         lisp::ResbufList arguments;  // until they are taken
         lisp::Value* result;         // on the value stack
         lisp::Args given;
+        lisp::Value last{};  // cell of a result that comes in parts
     };
     Call* innermost() const { return innermost_; }
 

@@ -9,6 +9,8 @@
 #include <thread>
 
 #include "base/encoding.h"
+#include "base/text.h"
+#include "host/dxf/drawing_files.h"
 #include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
 #include "host/editor/editor.h"
@@ -57,7 +59,14 @@ class ApplicationServices final : public AcDbHostApplicationServices {
     Acad::ErrorStatus findFile(std::wstring& path, const wchar_t* name, AcDbDatabase*,
                                FindFileHint) override {
         path.clear();
-        const auto found = host_.findSupportFile(name != nullptr ? name : L"");
+        const std::wstring asked = name != nullptr ? name : L"";
+        auto found = host_.findSupportFile(asked);
+        // An interchange file stands in for a drawing file.
+        constexpr std::wstring_view kDrawing = L".dwg";
+        if (!found && lowerCased(asked).ends_with(kDrawing)) {
+            found =
+                host_.findSupportFile(asked.substr(0, asked.size() - kDrawing.size()) + L".dxf");
+        }
         if (!found) return Acad::eFileNotFound;
         path = *found;
         return Acad::eOk;
@@ -126,6 +135,7 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     systemRegistry_ = std::make_unique<SystemRegistry>(classes_->dictionary());
     services_ = std::make_unique<ApplicationServices>(*this);
     databases_ = std::make_unique<model::DatabaseTable>();
+    databases_->readers().add(dxf::isDrawing, dxf::readForDatabase);
     moduleState_ = std::make_unique<AFX_MODULE_STATE>();
     registerEditorClasses();
     model::registerDatabaseClasses();

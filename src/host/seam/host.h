@@ -118,10 +118,12 @@ class SG_API Host {
     // else on the support path.
     std::optional<std::wstring> findSupportFile(const std::wstring& name) const;
 
-    // Opens a drawing file, makes it the active document and tells the modules. Throws FileError.
+    // Opens a drawing file, makes it the active document and tells the modules. What the file had
+    // to be forgiven is reported, and so is that another process has it open: then it is read-only
+    // here. Throws FileError.
     Document& openDrawing(const std::wstring& path);
-    // Writes a document's drawing, under its own name or, with a path, under that; reactors hear of
-    // it. Throws FileError and leaves the file as it was.
+    // Writes a document's drawing, under its own name or, with a path, under that, which is its
+    // name from then on; reactors hear of it. Throws FileError and leaves the file as it was.
     void saveDrawing(Document& document, const std::wstring& path);
 
     // The system variables as the current document sees them.
@@ -135,6 +137,8 @@ class SG_API Host {
     void createInterpreter();
     void createModuleLoader();
     void createDocuments();
+    // Reports what was said of a drawing file that was read; of many lines the first ones.
+    void reportDrawing(const std::vector<std::wstring>& warnings);
     void provideSystemVariables();
 
     HostOptions options_;

@@ -217,13 +217,8 @@ Value fnDictNext(Interpreter& in, Args a) {
     if (a.get(1)) last.erase(dictionary.id);
     const auto at = last.find(dictionary.id);
     if (at != last.end() && at->second.isNull()) return Value::nil();
-    auto each = dictionary->newIterator();
-    if (at != last.end()) {
-        while (!each->done() && each->objectId() != at->second)
-            each->next();
-        if (!each->done()) each->next();
-    }
-    const AcDbObjectId next = each->done() ? AcDbObjectId() : each->objectId();
+    const AcDbObjectId next =
+        dictionary->objectAfter(at == last.end() ? AcDbObjectId() : at->second);
     last[dictionary.id] = next;
     return next.isNull() ? Value::nil() : objectData(in, next);
 }

@@ -157,6 +157,15 @@ int acedRetList(const resbuf* list) {
     return setResult(value);
 }
 
+int sgRetListPart(const resbuf* items, bool first) {
+    ExternalFunctions::Call* const call = callInProgress();
+    if (call == nullptr) return RTERROR;
+    if (first) *call->result = call->last = Value::nil();
+    const bool taken =
+        lisp::appendItems(Host::the().interpreter(), items, *call->result, call->last);
+    return taken ? RTNORM : RTERROR;
+}
+
 int acedInvoke(const resbuf* arguments, resbuf** result) {
     if (result != nullptr) *result = nullptr;
     if (arguments == nullptr || arguments->restype != RTSTR ||

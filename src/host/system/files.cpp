@@ -233,14 +233,34 @@ std::optional<std::timespec> fileTime(std::wstring_view path) {
 
 std::optional<std::string> readFile(std::wstring_view path) {
     const Descriptor file(resolvePath(path).path, O_RDONLY);
-    if (!file.isOpen()) return std::nullopt;
-    std::string content, buffer(1 << 16, '\0');
-    for (;;) {
-        const ssize_t got = readSome(file.get(), buffer.data(), buffer.size());
+    struct stat info;
+    if (!file.isOpen() || ::fstat(file.get(), &info) != 0) return std::nullopt;
+    // The size is where to begin: a file may grow, and some that are no files on a disk have none.
+    std::string content(static_cast<size_t>(info.st_size > 0 ? info.st_size : 0) + 1, '\0');
+    for (size_t length = 0;;) {
+        if (length == content.size()) content.resize(2 * length);
+        const ssize_t got = readSome(file.get(), content.data() + length, content.size() - length);
         if (got < 0) return std::nullopt;
-        if (got == 0) return content;
-        content.append(buffer, 0, static_cast<size_t>(got));
+        length += static_cast<size_t>(got);
+        if (got > 0) continue;
+        content.resize(length);
+        return content;
     }
+}
+
+std::optional<std::string> readFileStart(std::wstring_view path, size_t count) {
+    const Descriptor file(resolvePath(path).path, O_RDONLY);
+    if (!file.isOpen()) return std::nullopt;
+    std::string start(count, '\0');
+    size_t length = 0;
+    while (length < count) {
+        const ssize_t got = readSome(file.get(), start.data() + length, count - length);
+        if (got < 0) return std::nullopt;
+        if (got == 0) break;
+        length += static_cast<size_t>(got);
+    }
+    start.resize(length);
+    return start;
 }
 
 FileResult writeFileAtomically(std::wstring_view path, std::string_view content) {

@@ -55,6 +55,8 @@ SG_API std::optional<std::timespec> fileTime(std::wstring_view path);  // of its
 // The whole content; nullopt when the file cannot be read. And writing it so that the file has
 // either the old content or the new one at any time: a file beside it is synced and renamed.
 SG_API std::optional<std::string> readFile(std::wstring_view path);
+// The first `count` bytes, or as many as there are.
+SG_API std::optional<std::string> readFileStart(std::wstring_view path, size_t count);
 SG_API FileResult writeFileAtomically(std::wstring_view path, std::string_view content);
 
 // Names for temporary files. None is answered twice, and files that were made under them are

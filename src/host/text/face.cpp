@@ -30,6 +30,10 @@ class StrokeFace final : public Face {
         }
         return box;
     }
+    bool isOutline() const override { return false; }
+    const std::vector<std::vector<AcGePoint2d>>& chains(wchar_t character) const override {
+        return strokeGlyph(character).strokes;
+    }
 };
 
 bool endsIn(std::wstring_view text, std::wstring_view end) {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "base/export.h"
+#include "platform/ge/point2d.h"
 #include "platform/gi/draw.h"
 
 namespace sg::text {
@@ -19,6 +21,10 @@ class SG_API Face {
   public:
     virtual ~Face() = default;
     virtual CharacterBox box(wchar_t character) const = 0;
+    // What a character shows: strokes, or of an outline font closed contours, of which those that
+    // turn the other way round are holes.
+    virtual bool isOutline() const = 0;
+    virtual const std::vector<std::vector<AcGePoint2d>>& chains(wchar_t character) const = 0;
 };
 
 // The face that a style asks for: an outline font of the system where it names one (a typeface, or

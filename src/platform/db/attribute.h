@@ -4,6 +4,30 @@
 
 #include "platform/db/text.h"
 
+namespace sg::model {
+
+class FieldReader;
+
+// What a definition and the attributes made from it have alike.
+struct AttributeFields {
+    enum Flag : int16_t { kInvisible = 1, kConstant = 2, kVerifiable = 4, kPreset = 8 };
+
+    std::wstring tag;  // in upper case
+    int16_t flags = 0;
+    uint16_t fieldLength = 0;
+    bool lockPosition = false;
+
+    bool has(Flag flag) const { return (flags & flag) != 0; }
+    void set(Flag flag, bool on);
+    void setTag(const wchar_t* text);  // null is empty
+    Acad::ErrorStatus dwgOut(AcDbDwgFiler* filer) const;
+    Acad::ErrorStatus dwgIn(AcDbDwgFiler* filer);
+    void dxfOut(AcDbDxfFiler* filer, int verticalMode) const;
+    void takeGroup(const FieldReader& field);
+};
+
+}  // namespace sg::model
+
 // A text that every reference of a block gets a copy of, to be filled in: its template in the
 // block.
 class SG_API AcDbAttributeDefinition : public AcDbText {
@@ -16,19 +40,19 @@ class SG_API AcDbAttributeDefinition : public AcDbText {
 
     const std::wstring& prompt() const { return prompt_; }
     Acad::ErrorStatus setPrompt(const wchar_t* prompt);
-    const std::wstring& tag() const { return tag_; }
+    const std::wstring& tag() const { return fields_.tag; }
     Acad::ErrorStatus setTag(const wchar_t* tag);  // kept in upper case
-    bool isInvisible() const { return (flags_ & 1) != 0; }
+    bool isInvisible() const { return fields_.has(Fields::kInvisible); }
     Acad::ErrorStatus setInvisible(bool invisible);
-    bool isConstant() const { return (flags_ & 2) != 0; }
+    bool isConstant() const { return fields_.has(Fields::kConstant); }
     Acad::ErrorStatus setConstant(bool constant);
-    bool isVerifiable() const { return (flags_ & 4) != 0; }
+    bool isVerifiable() const { return fields_.has(Fields::kVerifiable); }
     Acad::ErrorStatus setVerifiable(bool verifiable);
-    bool isPreset() const { return (flags_ & 8) != 0; }
+    bool isPreset() const { return fields_.has(Fields::kPreset); }
     Acad::ErrorStatus setPreset(bool preset);
-    uint16_t fieldLength() const { return fieldLength_; }
+    uint16_t fieldLength() const { return fields_.fieldLength; }
     Acad::ErrorStatus setFieldLength(uint16_t length);
-    bool lockPositionInBlock() const { return lockPosition_; }
+    bool lockPositionInBlock() const { return fields_.lockPosition; }
     Acad::ErrorStatus setLockPositionInBlock(bool lock);
 
     Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
@@ -40,10 +64,11 @@ class SG_API AcDbAttributeDefinition : public AcDbText {
     bool subWorldDraw(AcGiWorldDraw* draw) override;  // shows its tag
 
   private:
-    std::wstring prompt_, tag_;
-    int16_t flags_ = 0;
-    uint16_t fieldLength_ = 0;
-    bool lockPosition_ = false;
+    friend class AcDbAttribute;
+    using Fields = sg::model::AttributeFields;
+
+    std::wstring prompt_;
+    Fields fields_;
 };
 
 // The copy that belongs to a block reference.
@@ -55,16 +80,16 @@ class SG_API AcDbAttribute : public AcDbText {
                   AcDbObjectId style = AcDbObjectId());
     ~AcDbAttribute() override;
 
-    const std::wstring& tag() const { return tag_; }
+    const std::wstring& tag() const { return fields_.tag; }
     Acad::ErrorStatus setTag(const wchar_t* tag);
-    bool isInvisible() const { return (flags_ & 1) != 0; }
+    bool isInvisible() const { return fields_.has(Fields::kInvisible); }
     Acad::ErrorStatus setInvisible(bool invisible);
-    bool isConstant() const { return (flags_ & 2) != 0; }
-    bool isVerifiable() const { return (flags_ & 4) != 0; }
-    bool isPreset() const { return (flags_ & 8) != 0; }
-    uint16_t fieldLength() const { return fieldLength_; }
+    bool isConstant() const { return fields_.has(Fields::kConstant); }
+    bool isVerifiable() const { return fields_.has(Fields::kVerifiable); }
+    bool isPreset() const { return fields_.has(Fields::kPreset); }
+    uint16_t fieldLength() const { return fields_.fieldLength; }
     Acad::ErrorStatus setFieldLength(uint16_t length);
-    bool lockPositionInBlock() const { return lockPosition_; }
+    bool lockPositionInBlock() const { return fields_.lockPosition; }
 
     // Takes over everything from the definition, moved by the block's transform.
     Acad::ErrorStatus setAttributeFromBlock(const AcDbAttributeDefinition* definition,
@@ -79,8 +104,7 @@ class SG_API AcDbAttribute : public AcDbText {
     bool subWorldDraw(AcGiWorldDraw* draw) override;
 
   private:
-    std::wstring tag_;
-    int16_t flags_ = 0;
-    uint16_t fieldLength_ = 0;
-    bool lockPosition_ = false;
+    using Fields = sg::model::AttributeFields;
+
+    Fields fields_;
 };

@@ -65,6 +65,9 @@ class SG_API AcDbDictionary : public AcDbObject {
     void setMergeStyle(AcDb::DuplicateRecordCloning style);
 
     std::unique_ptr<AcDbDictionaryIterator> newIterator() const;
+    // The object of the entry behind that of this one; of the first entry for the null id. Null
+    // behind the last, and for what is not in the dictionary.
+    AcDbObjectId objectAfter(AcDbObjectId id) const;
 
     Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
     Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;

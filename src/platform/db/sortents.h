@@ -25,6 +25,9 @@ class SG_API AcDbSortentsTable : public AcDbObject {
     Acad::ErrorStatus moveAbove(const AcDbObjectIdArray& entities, AcDbObjectId target);
     Acad::ErrorStatus swapOrder(AcDbObjectId left, AcDbObjectId right);
 
+    // They change places among themselves, so that the first of them is drawn first.
+    Acad::ErrorStatus setRelativeDrawOrder(const AcDbObjectIdArray& entities);
+
     bool firstEntityIsDrawnBeforeSecond(AcDbObjectId first, AcDbObjectId second) const;
     // The block's entities, erased ones left out, bottom first.
     Acad::ErrorStatus getFullDrawOrder(AcDbObjectIdArray& ids) const;

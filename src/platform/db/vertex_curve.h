@@ -8,6 +8,8 @@
 
 namespace sg::model {
 
+struct ObjectAccess;
+
 // A vertex in the order of its polyline: an object of the database, or one that the polyline owns.
 struct VertexSlot {
     AcDbObjectId id;
@@ -87,6 +89,7 @@ class SG_API VertexCurve : public AcDbCurve {
     Acad::ErrorStatus subClose() override;
 
   private:
+    friend struct ObjectAccess;
     class Iterator;
 
     template <class Visit>

@@ -21,6 +21,9 @@ class SG_API AcDbViewport : public AcDbEntity {
     double height() const { return height_; }
     Acad::ErrorStatus setHeight(double height);
     int16_t number() const { return number_; }  // -1: not shown
+    // Of its sheet's windows, from 1 on; 1 stands for the sheet itself, 0 for one that came from no
+    // file.
+    int16_t sheetNumber() const { return sheetNumber_; }
     bool isOn() const { return (statusFlags_ & 0x20000) == 0; }
     Acad::ErrorStatus setOn();
     Acad::ErrorStatus setOff();
@@ -35,6 +38,8 @@ class SG_API AcDbViewport : public AcDbEntity {
     Acad::ErrorStatus setViewCenter(const AcGePoint2d& center);
     double twistAngle() const { return twist_; }
     Acad::ErrorStatus setTwistAngle(double angle);
+    // What the window is cut to; null for its own rectangle.
+    AcDbObjectId clipEntityId() const { return clipEntity_; }
     double customScale() const;  // of the sheet through the model
     Acad::ErrorStatus setCustomScale(double scale);
 
@@ -72,6 +77,7 @@ class SG_API AcDbViewport : public AcDbEntity {
     double width_ = 0;
     double height_ = 0;
     int16_t number_ = -1;
+    int16_t sheetNumber_ = 0;
     int32_t statusFlags_ = 0;
     AcGeVector3d direction_ = AcGeVector3d::kZAxis;
     double viewHeight_ = 1;

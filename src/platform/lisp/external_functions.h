@@ -49,6 +49,11 @@ SG_API int acedRetVal(const resbuf* value);             // one node
 // is that list; any other chain is the list of its items.
 SG_API int acedRetList(const resbuf* list);
 
+// The same, a part at a time, so that a long result needs no long chain: adds the items of a chain,
+// none for null, to the end of the list that is the result. The `first` part begins the list. The
+// parts of one list follow each other with no other result set between them. This host's own.
+SG_API int sgRetListPart(const resbuf* items, bool first);
+
 // Calls the LISP function that the first node names (RTSTR) with the remaining nodes as arguments,
 // in the active document. A name that nothing defines loads the program of that name from the
 // support path. On RTNORM `result` is a new list that the caller releases, or null for a

@@ -147,22 +147,6 @@ TEST_F(ResbufTest, ASharedStringLivesUntilItsLastNode) {
     }
 }
 
-// So many that their memory comes in large pieces.
-TEST_F(ResbufTest, ManyNodesAreAsFew) {
-    resbuf* list = nullptr;
-    for (int i = 0; i < 200000; ++i) {
-        resbuf* const node = acutNewRb(RTLONG);
-        node->resval.rlong = i;
-        node->rbnext = list;
-        list = node;
-    }
-    EXPECT_EQ(acutLiveNodeCount(), before_ + 200000);
-    int expected = 200000;
-    for (const resbuf* node = list; node != nullptr; node = node->rbnext)
-        ASSERT_EQ(node->resval.rlong, --expected);
-    acutRelRb(list);
-}
-
 TEST(GroupCodeTest, KindsOfGroupCodes) {
     const struct {
         int code;

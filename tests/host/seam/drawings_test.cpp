@@ -19,7 +19,8 @@ using testing::IsEmpty;
 class DrawingsTest : public test::HostTest {
   protected:
     DrawingsTest() {
-        write("plan.dwg", kContent);
+        write("plan.dwg", kEmptyDrawing);
+        write("plan.dxf", kEmptyDrawing);
         start();
         host().editor().addReactor(&saves_);
     }
@@ -53,7 +54,6 @@ class DrawingsTest : public test::HostTest {
         std::vector<std::string> log;
     };
     Saves saves_;
-    static constexpr const char* kContent = "AC1032 \x01\xff and more";
 };
 
 TEST_F(DrawingsTest, OpeningMakesActiveAndOpensOnce) {
@@ -78,65 +78,77 @@ TEST_F(DrawingsTest, WhatIsNoDrawingIsNotOpened) {
               "; error: no such drawing: /no/such/plan.dwg");
 }
 
-TEST_F(DrawingsTest, TheOwnFileIsLeftAsItIs) {
-    open(path("plan.dwg"));
-    chmod((folder_ / "plan.dwg").c_str(), 0444);
-    const auto before = std::filesystem::last_write_time(folder_ / "plan.dwg");
+TEST_F(DrawingsTest, SavingWritesTheDrawingAndKeepsTheOldFile) {
+    open(path("plan.dxf"));
+    eval("(entmake '((0 . \"LINE\") (10 0 0 0) (11 3 4 0)))");
+    const std::string file = toUtf8(path("plan.dxf"));
     EXPECT_EQ(save(active()), "saved");
-    EXPECT_EQ(save(active(), path("plan.dwg")), "saved");
-    EXPECT_EQ(read("plan.dwg"), kContent);
-    EXPECT_EQ(std::filesystem::last_write_time(folder_ / "plan.dwg"), before);
-    const std::string file = toUtf8(path("plan.dwg"));
+    const std::string first = read("plan.dxf");
+    EXPECT_THAT(first, HasSubstr("AcDbLine"));
+    EXPECT_EQ(read("plan.bak"), kEmptyDrawing);
+    EXPECT_EQ(save(active(), path("plan.dxf")), "saved");
+    EXPECT_EQ(read("plan.bak"), first);
     EXPECT_THAT(saves_.log, ElementsAre("begin " + file, "complete " + file, "begin " + file,
                                         "complete " + file));
 }
 
-TEST_F(DrawingsTest, ANewNameMakesAnExactCopyAndIsTheDrawingsNameFromThenOn) {
-    open(path("plan.dwg"));
-    write("old.dwg", "something else");
-    for (const char* name : {"copy.dwg", "old.dwg"}) {
+TEST_F(DrawingsTest, ANewNameIsTheDrawingsNameFromThenOn) {
+    open(path("plan.dxf"));
+    write("old.dxf", "something else");
+    for (const char* name : {"copy.dxf", "old.dxf"}) {
         EXPECT_EQ(save(active(), path(name)), "saved");
-        EXPECT_EQ(read(name), kContent);
+        EXPECT_THAT(read(name), HasSubstr("EOF"));
         EXPECT_EQ(active().fileName(), path(name));
     }
-    EXPECT_EQ(read("plan.dwg"), kContent);
+    EXPECT_EQ(read("old.bak"), "something else");
+    EXPECT_FALSE(exists("copy.bak"));
+    EXPECT_EQ(read("plan.dxf"), kEmptyDrawing);
     EXPECT_EQ(documents().all().size(), 2u);
-    EXPECT_EQ(saves_.log.back(), "complete " + toUtf8(path("old.dwg")));
-    EXPECT_EQ(open(path("plan.dwg")), toUtf8(path("plan.dwg")));
+    EXPECT_EQ(saves_.log.back(), "complete " + toUtf8(path("old.dxf")));
+    EXPECT_EQ(open(path("plan.dxf")), toUtf8(path("plan.dxf")));
     EXPECT_EQ(documents().all().size(), 3u) << "the old name is another drawing now";
 }
 
-TEST_F(DrawingsTest, ANewDrawingNeedsANameAndAnInterchangeFile) {
+TEST_F(DrawingsTest, ANewDrawingNeedsANameWithAnEndingThatIsWritten) {
     EXPECT_EQ(save(active()), "Drawing1.dwg has no file yet: name one");
     EXPECT_THAT(save(active(), path("new.dwg")), HasSubstr("as .dxf only"));
+    EXPECT_THAT(save(active(), path("new")), HasSubstr("the name has no ending"));
     EXPECT_FALSE(exists("new.dwg"));
     EXPECT_FALSE(active().isTitled());
     EXPECT_EQ(save(active(), path("new.DXF")), "saved");
-    EXPECT_THAT(read("new.DXF"), HasSubstr("EOF"));
+    EXPECT_THAT(read("new.DXF"), HasSubstr("AC1032"));
     EXPECT_EQ(save(active()), "saved");
+    open(path("plan.dwg"));
+    EXPECT_THAT(save(active()), HasSubstr("as .dxf only")) << "though it holds a DXF drawing";
+    EXPECT_EQ(read("plan.dwg"), kEmptyDrawing);
 }
 
 TEST_F(DrawingsTest, AFailedSaveLeavesEverything) {
-    open(path("plan.dwg"));
-    open(path("plan.dwg"));
-    write("other.dwg", "other");
+    open(path("plan.dxf"));
+    write("other.dxf", kEmptyDrawing);
     Document& plan = active();
-    open(path("other.dwg"));
-    std::filesystem::create_directory(folder_ / "taken");
-    const std::wstring targets[] = {path("no-such-folder/plan.dwg"), path("taken"),
-                                    path("other.dwg")};
+    open(path("other.dxf"));
+    std::filesystem::create_directory(folder_ / "taken.dxf");
+    const std::wstring targets[] = {path("no-such-folder/plan.dxf"), path("taken.dxf"),
+                                    path("other.dxf")};
     for (const std::wstring& target : targets) {
         saves_.log.clear();
         EXPECT_THAT(save(plan, target), HasSubstr(toUtf8(target)));
         EXPECT_THAT(saves_.log, testing::Not(testing::Contains(testing::StartsWith("complete"))));
-        EXPECT_EQ(plan.fileName(), path("plan.dwg"));
+        EXPECT_EQ(plan.fileName(), path("plan.dxf"));
     }
-    EXPECT_EQ(read("plan.dwg"), kContent);
-    EXPECT_EQ(read("other.dwg"), "other") << "an open drawing's file is no target";
-    std::filesystem::remove(folder_ / "plan.dwg");
-    EXPECT_THAT(save(plan, path("copy.dwg")), HasSubstr("the drawing cannot be read"));
-    EXPECT_THAT(save(plan), HasSubstr("the drawing cannot be read"));
-    EXPECT_FALSE(exists("copy.dwg"));
+    EXPECT_EQ(read("plan.dxf"), kEmptyDrawing);
+    EXPECT_EQ(read("other.dxf"), kEmptyDrawing) << "an open drawing's file is no target";
+}
+
+TEST_F(DrawingsTest, WhatAFileHadToBeForgivenIsReported) {
+    write("bad.dxf",
+          "  0\nSECTION\n  2\nENTITIES\n  0\nCIRCLE\n 10\n1.0\n 40\nabc\n  0\nENDSEC\n  0\nEOF\n");
+    errors();
+    open(path("bad.dxf"));
+    EXPECT_EQ(errors(), toUtf8(path("bad.dxf")) +
+                            ":10: group 40 of CIRCLE is not a number: \"abc\"; the entity is left "
+                            "out\n");
 }
 
 TEST_F(DrawingsTest, AReactorThatFailsStopsNothing) {
@@ -148,9 +160,9 @@ TEST_F(DrawingsTest, AReactorThatFailsStopsNothing) {
     host().editor().removeReactor(&saves_);
     host().editor().addReactor(&failing);
     host().editor().addReactor(&saves_);
-    open(path("plan.dwg"));
+    open(path("plan.dxf"));
     errors();
-    EXPECT_EQ(save(active(), path("copy.dwg")), "saved");
+    EXPECT_EQ(save(active(), path("copy.dxf")), "saved");
     EXPECT_EQ(errors(),
               "an editor reactor failed: an unknown exception\n"
               "an editor reactor failed: Out of memory.\n");

@@ -40,6 +40,10 @@ class HostTest : public FolderTest {
         EXPECT_EQ(acutLiveNodeCount(), nodes_);
     }
 
+    // What a drawing file holds that has nothing in it.
+    static constexpr const char* kEmptyDrawing =
+        "  0\nSECTION\n  2\nENTITIES\n  0\nENDSEC\n  0\nEOF\n";
+
     // A host with `options`, with one new drawing and the modules loaded.
     void start() {
         make();

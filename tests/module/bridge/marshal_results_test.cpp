@@ -83,17 +83,30 @@ TEST(BuildRecordList, SharedNames) {
     const size_t live = acutLiveNodeCount();
     {
         const COleVariant a = text(L"a"), s = text(L"s_b");
-        const auto name = [](const COleVariant& shared) { return COleVariant::sharing(shared); };
+        std::vector<COleVariant> items;
+        const auto record = [&] { items.push_back(newRecord()); };
+        const auto field = [&](COleVariant name, const wchar_t* value) {
+            items.push_back(std::move(name));
+            items.push_back(text(value));
+        };
+        const auto sharing = &COleVariant::sharing;
+        for (const wchar_t* const value : {L"1 ", L"3 "}) {
+            record();
+            field(sharing(a), value);
+            field(sharing(s), value);
+        }
+        record();
+        field(sharing(s), L"5 ");
+        field(text(L"a"), L"6 ");
+        field(sharing(a), L"7 ");
+        record();
+        field(sharing(a), L"8 ");
         COleSafeArray array;
-        array.CreateFromVariants({newRecord(), name(a),     text(L"1 "), name(s),    text(L"2 "),
-                                  newRecord(), name(a),     text(L"3 "), name(s),    text(L"4 "),
-                                  newRecord(), name(s),     text(L"5 "), text(L"a"), text(L"6 "),
-                                  name(a),     text(L"7 "), newRecord(), name(a),    number(8)});
+        array.CreateFromVariants(std::move(items));
         const List list(buildRecordList(array));
         EXPECT_EQ(describe(list.get()),
-                  "( ( ( \"a\" . \"1\" ) ( \"s_b\" . \"2 \" ) ) ( ( \"a\" . \"3\" ) ( \"s_b\" . "
-                  "\"4 \" ) ) ( ( \"s_b\" . \"5 \" ) ( \"a\" . \"6\" ) ( \"a\" . \"7\" ) ) ( ( "
-                  "\"a\" . 8 ) ) )");
+                  "( ( ( 'a' . '1' ) ( 's_b' . '1_' ) ) ( ( 'a' . '3' ) ( 's_b' . '3_' ) ) "
+                  "( ( 's_b' . '5_' ) ( 'a' . '6' ) ( 'a' . '7' ) ) ( ( 'a' . '8' ) ) )");
         std::vector<const wchar_t*> keys;
         for (const resbuf* node = list.get(); node != nullptr; node = node->rbnext) {
             if (node->rbnext != nullptr && node->rbnext->restype == RTDOTE)

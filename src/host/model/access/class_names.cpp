@@ -24,6 +24,7 @@ constexpr int k3dPolyline = 8;
 constexpr int kMesh = 16;
 constexpr int k3dVertex = 32;
 constexpr int kPolyface = 64;
+constexpr int kPolyfaceVertex = 128;
 
 int flagAt(const resbuf* groups, int code) {
     const resbuf* const group = findGroup(groups, code);
@@ -47,7 +48,7 @@ const AcRxClass* polylineClass(int flags) {
 }
 
 const AcRxClass* vertexClass(int flags) {
-    if ((flags & kPolyface) != 0) return nullptr;
+    if ((flags & (kPolyface | kPolyfaceVertex)) != 0) return nullptr;
     return (flags & k3dVertex) != 0 ? AcDb3dPolylineVertex::desc() : AcDb2dVertex::desc();
 }
 
@@ -137,13 +138,6 @@ AcDbObjectId tableNamed(const AcDbDatabase& database, std::wstring_view name) {
         if (equalIgnoringCase(table.name, name)) return (database.*table.id)();
     }
     return {};
-}
-
-std::wstring freeBlockName(const AcDbBlockTable& table, const std::wstring& prefix) {
-    for (int number = 1;; ++number) {
-        const std::wstring name = prefix + std::to_wstring(number);
-        if (!table.has(name.c_str())) return name;
-    }
 }
 
 }  // namespace sg::model

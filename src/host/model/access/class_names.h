@@ -20,7 +20,4 @@ SG_API AcDbObjectId tableOfRecords(const AcDbDatabase& database, const AcRxClass
 // blocks. The null id for an unknown name.
 SG_API AcDbObjectId tableNamed(const AcDbDatabase& database, std::wstring_view name);
 
-// The first name of the form <prefix><number> that no block has.
-SG_API std::wstring freeBlockName(const AcDbBlockTable& table, const std::wstring& prefix);
-
 }  // namespace sg::model

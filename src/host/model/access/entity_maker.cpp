@@ -99,17 +99,9 @@ const resbuf* findGroup(const resbuf* groups, int code) {
 
 NeededLayer::NeededLayer(AcDbDatabase& database, const resbuf* groups) {
     const std::wstring name(textAt(groups, kLayer));
-    AcDbLayerTable* layers = nullptr;
-    if (name.empty() || database.getLayerTable(layers, AcDb::kForRead) != Acad::eOk) return;
-    if (!layers->has(name.c_str()) && layers->upgradeOpen() == Acad::eOk) {
-        auto layer = std::make_unique<AcDbLayerTableRecord>();
-        layer->setLinetypeObjectId(database.continuousLinetype());
-        if (layer->setName(name.c_str()) == Acad::eOk &&
-            layers->add(made_, layer.get()) == Acad::eOk) {
-            layer.release()->close();
-        }
+    if (!name.empty() && recordNamed(&database, NamedIn::layers, name).isNull()) {
+        made_ = addRecord(database, NamedIn::layers, name);
     }
-    layers->close();
 }
 
 NeededLayer::~NeededLayer() {
@@ -262,7 +254,7 @@ EntityMaker::Result EntityMaker::beginBlock(const resbuf* groups) {
     Result result;
     // Until it is complete it has a number as its name, which an anonymous block keeps.
     const std::wstring prefix = name.front() == L'*' ? name.substr(0, 2) : L"*U";
-    if (block->setName(freeBlockName(*table, prefix).c_str()) == Acad::eOk &&
+    if (block->setName(prefix.c_str()) == Acad::eOk &&
         table->add(block_, block.get()) == Acad::eOk) {
         if (const resbuf* const origin = findGroup(groups, kOrigin)) {
             const double* const p = origin->resval.rpoint;

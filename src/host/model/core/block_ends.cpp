@@ -13,6 +13,7 @@ using sg::model::ObjectAccess;
 namespace {
 
 int16_t blockFlags(const AcDbBlockTableRecord& block) {
+    if (block.isLayout()) return 0;
     int flags = ObjectAccess::standardFlags(block) & ~3;
     if (block.isAnonymous()) flags |= 1;
     if (block.hasAttributeDefinitions()) flags |= 2;

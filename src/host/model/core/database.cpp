@@ -1,5 +1,6 @@
 #include "platform/db/database.h"
 
+#include "base/text.h"
 #include "host/model/core/database_state.h"
 #include "host/model/core/database_table.h"
 #include "host/model/core/object_access.h"
@@ -212,23 +213,50 @@ bool AcDbDatabase::plotStyleMode() const {
 
 // ---- Files --------------------------------------------------------------------------------------
 
+namespace {
+
+using sg::model::DrawingReaders;
+
+// Who reads the file; null when nobody knows such files, or it cannot be read at all.
+DrawingReaders::Read readerOf(const std::wstring& file, Acad::ErrorStatus& status) {
+    const auto start = sg::readFileStart(file, DrawingReaders::kStartBytes);
+    status = start ? Acad::eOk : Acad::eFileAccessErr;
+    return start ? sg::model::DatabaseTable::the()->readers().find(*start) : nullptr;
+}
+
+// The interchange file that stands in for a drawing file: the one of the same name beside it.
+std::wstring exchangeFileBeside(const std::wstring& file) {
+    constexpr std::wstring_view kDrawing = L".dwg";
+    if (file.size() <= kDrawing.size()) return {};
+    const std::wstring stem = file.substr(0, file.size() - kDrawing.size());
+    if (!sg::equalIgnoringCase(file.substr(stem.size()), kDrawing)) return {};
+    const sg::ResolvedPath found = sg::resolvePath(stem + L".dxf");
+    return found.exists && sg::isFile(found.path) ? found.path : std::wstring();
+}
+
+}  // namespace
+
 Acad::ErrorStatus AcDbDatabase::readDwgFile(const wchar_t* path, int, bool,
                                             const wchar_t* password) {
     if (path == nullptr || (password != nullptr && *password != L'\0')) {
         return Acad::eInvalidInput;
     }
     const sg::ResolvedPath found = sg::resolvePath(sg::absolutePath(path));
-    if (!found.exists) return Acad::eFileNotFound;
-    const auto content = sg::isFile(found.path) ? sg::readFile(found.path) : std::nullopt;
-    if (!content) return Acad::eFileAccessErr;
-    using sg::model::DrawingReaders;
-    const std::string_view start(content->data(),
-                                 std::min(content->size(), DrawingReaders::kStartBytes));
-    const DrawingReaders::Read read = sg::model::DatabaseTable::the()->readers().find(start);
-    const Acad::ErrorStatus status =
-        read == nullptr ? Acad::eUnknownFileType : read(*this, found.path);
+    std::wstring file = found.path;
+    if (found.exists && !sg::isFile(file)) return Acad::eFileAccessErr;
+    const std::wstring other = exchangeFileBeside(file);
+    if (!found.exists && other.empty()) return Acad::eFileNotFound;
+    if (!found.exists) file = other;
+    Acad::ErrorStatus start = Acad::eOk;
+    DrawingReaders::Read read = readerOf(file, start);
+    if (read == nullptr && start == Acad::eOk && !other.empty()) {
+        file = other;
+        read = readerOf(file, start);
+    }
+    if (start != Acad::eOk) return start;
+    const Acad::ErrorStatus status = read == nullptr ? Acad::eUnknownFileType : read(*this, file);
     if (status == Acad::eOk) {
-        setFilename(found.path);
+        setFilename(file);
     } else {
         state_ = std::make_unique<DatabaseState>(*this, state_->noDocument);
     }

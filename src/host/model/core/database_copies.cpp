@@ -6,6 +6,7 @@
 #include "host/model/core/symbol_records.h"
 #include "host/model/tables/header_variables.h"
 #include "platform/db/database.h"
+#include "platform/db/sortents.h"
 
 // Copies within and between databases.
 
@@ -74,6 +75,30 @@ Acad::ErrorStatus blockToFill(AcDbDatabase& database, const wchar_t* name, AcDbO
     return status;
 }
 
+// The copies of a block's entities are drawn in the order of the originals.
+void copyDrawOrder(AcDbObjectId from, AcDbObjectId to, const AcDbIdMapping& mapping) {
+    AcDbBlockTableRecord* block = nullptr;
+    AcDbSortentsTable* table = nullptr;
+    AcDbObjectIdArray originals, copies;
+    if (acdbOpenObject(block, from) == Acad::eOk) {
+        if (block->getSortentsTable(table) == Acad::eOk) {
+            table->getFullDrawOrder(originals);
+            table->close();
+        }
+        block->close();
+    }
+    for (const AcDbObjectId id : originals) {
+        const AcDbIdMapping::Pair* const pair = mapping.find(id);
+        if (pair != nullptr && !pair->value.isErased()) copies.append(pair->value);
+    }
+    if (copies.isEmpty() || acdbOpenObject(block, to, AcDb::kForWrite) != Acad::eOk) return;
+    if (block->getSortentsTable(table, AcDb::kForWrite, true) == Acad::eOk) {
+        table->setRelativeDrawOrder(copies);
+        table->close();
+    }
+    block->close();
+}
+
 // What drawing files call by name or number: everything but what stands for objects of the source.
 void copyHeader(const AcDbDatabase& from, AcDbDatabase& to) {
     const sg::model::HeaderVariables& source = DatabaseState::of(from).header();
@@ -131,6 +156,7 @@ Acad::ErrorStatus AcDbDatabase::insert(AcDbObjectId& blockId, const wchar_t* nam
     mapping.assign({source->modelSpaceId(), blockId});
     status =
         wblockCloneObjects(entitiesOf(source->modelSpaceId()), blockId, mapping, AcDb::kDrcIgnore);
+    copyDrawOrder(source->modelSpaceId(), blockId, mapping);
     if (!preserveSource) sg::model::emptyBlock(source->modelSpaceId());
     return status;
 }
@@ -152,6 +178,7 @@ Acad::ErrorStatus AcDbDatabase::insert(const AcGeMatrix3d& transform, AcDbDataba
         const sg::model::Unguarded guard(*copy);  // it may have come to a locked layer
         copy->transformBy(transform);
     }
+    copyDrawOrder(source->modelSpaceId(), currentSpaceId(), mapping);
     if (!preserveSource) sg::model::emptyBlock(source->modelSpaceId());
     return status;
 }
@@ -169,7 +196,9 @@ Acad::ErrorStatus writeBlock(AcDbDatabase& source, AcDbDatabase*& output,
     mapping.assign({block, made->modelSpaceId()});
     const Acad::ErrorStatus status =
         made->wblockCloneObjects(entities, made->modelSpaceId(), mapping, AcDb::kDrcReplace);
-    if (status == Acad::eOk) output = made.release();
+    if (status != Acad::eOk) return status;
+    copyDrawOrder(block, made->modelSpaceId(), mapping);
+    output = made.release();
     return status;
 }
 

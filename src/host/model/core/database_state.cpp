@@ -5,6 +5,7 @@
 
 #include "host/model/core/block_contents.h"
 #include "host/model/core/database_table.h"
+#include "host/model/core/file_origin.h"
 #include "host/model/core/object_access.h"
 #include "host/model/core/proxies.h"
 #include "host/model/core/symbol_records.h"
@@ -56,7 +57,7 @@ void completeEntity(AcDbEntity& entity, const DatabaseRoots& roots) {
 
 }  // namespace
 
-Acad::ErrorStatus DatabaseState::add(AcDbObject& object, uint64_t handle) {
+Acad::ErrorStatus DatabaseState::take(AcDbObject& object, uint64_t handle) {
     if (!object.objectId().isNull()) return Acad::eAlreadyInDb;
     if (handle == 0) handle = nextHandle_;
     AcDbObjectId id = findHandle(handle);
@@ -67,15 +68,26 @@ Acad::ErrorStatus DatabaseState::add(AcDbObject& object, uint64_t handle) {
     }
     DatabaseTable::recordOf(id)->object = &object;
     ObjectAccess::setId(object, id);
-    ObjectAccess::flags(object) |=
-        ObjectAccess::kOpenForWrite | ObjectAccess::kNew | ObjectAccess::kModified;
     if (auto* const entity = AcDbEntity::cast(&object)) completeEntity(*entity, roots);
     const AcRxClass* const descriptor = object.isA();
     if (descriptor == AcDbProxyEntity::desc() || descriptor == AcDbProxyObject::desc()) {
         proxies.push_back(id);
     }
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus DatabaseState::add(AcDbObject& object, uint64_t handle) {
+    const Acad::ErrorStatus status = take(object, handle);
+    if (status != Acad::eOk) return status;
+    ObjectAccess::flags(object) |=
+        ObjectAccess::kOpenForWrite | ObjectAccess::kNew | ObjectAccess::kModified;
     undo.objectAppended(object);
     return Acad::eOk;
+}
+
+Acad::ErrorStatus DatabaseState::load(AcDbObject& object, uint64_t handle, AcDbObjectId owner) {
+    ObjectAccess::setOwner(object, owner);
+    return take(object, handle);
 }
 
 void DatabaseState::putInPlace(AcDbObjectId id, AcDbObject* object) {

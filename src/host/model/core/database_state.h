@@ -13,6 +13,8 @@
 
 namespace sg::model {
 
+struct FileOrigin;
+
 // The objects of a database that are found without a name.
 struct DatabaseRoots {
     AcDbObjectId blockTable, layerTable, linetypeTable, textStyleTable, dimStyleTable, viewTable,
@@ -43,6 +45,9 @@ class SG_API DatabaseState {
     // Gives an object its id; with a handle other than 0 that one. It stays open for write.
     // eAlreadyInDb, eHandleInUse.
     Acad::ErrorStatus add(AcDbObject& object, uint64_t handle = 0);
+    // The same for an object that is read from a file, with the owner that it has there: it is
+    // closed, and the reading is no change.
+    Acad::ErrorStatus load(AcDbObject& object, uint64_t handle, AcDbObjectId owner);
     // The object takes the id, which another one has perhaps; that one is then nowhere.
     void putInPlace(AcDbObjectId id, AcDbObject* object);
     // Destroys an object that no id names any more, when it is not open any more.
@@ -80,9 +85,12 @@ class SG_API DatabaseState {
     TransactionManager transactions;
     DatabaseRoots roots;
     std::wstring filename;
-    std::vector<AcDbObjectId> proxies;  // ids that proxies have, or had
+    std::unique_ptr<FileOrigin> origin;  // null for a drawing that no file has brought
+    std::vector<AcDbObjectId> proxies;   // ids that proxies have, or had
 
   private:
+    Acad::ErrorStatus take(AcDbObject& object, uint64_t handle);
+
     uint64_t sequence_;
     uint64_t nextHandle_ = 1;
     std::unique_ptr<HeaderVariables> header_;

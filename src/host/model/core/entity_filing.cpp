@@ -60,7 +60,8 @@ std::wstring layoutName(const AcDbBlockTableRecord& block) {
     return name;
 }
 
-// entget says of every entity in which space it stands, a file only of those in paper space.
+// entget says of every entity in which space and layout it stands, a file only of those on paper
+// that they are there.
 void writeSpace(AcDbDxfFiler& filer, AcDbObjectId owner) {
     // A vertex or an attribute stands where the entity does that it belongs to.
     if (const auto* const whole = peek<AcDbEntity>(owner)) owner = whole->ownerId();
@@ -70,7 +71,7 @@ void writeSpace(AcDbDxfFiler& filer, AcDbObjectId owner) {
     const bool isPaper = isSpace && owner != owner.database()->modelSpaceId();
     if (!isPaper && !isBag) return;
     filer.writeInt16(67, isPaper ? 1 : 0);
-    if (!isSpace) return;
+    if (!isSpace || !isBag) return;
     const std::wstring name = layoutName(*block);
     if (!name.empty()) filer.writeString(410, name);
 }
@@ -93,11 +94,11 @@ Acad::ErrorStatus AcDbEntity::dxfOutFields(AcDbDxfFiler* filer) const {
         linetype_.isNull() || (owner != nullptr && linetype_ == owner->byLayerLinetype());
     if (!byLayer) filer->writeString(6, linetype());
     writeColorGroups(*filer, color_);
+    if (linetypeScale_ != 1) filer->writeDouble(48, linetypeScale_);
+    if (visibility() == AcDb::kInvisible) filer->writeInt16(60, 1);
     if (lineWeight() != AcDb::kLnWtByLayer) {
         filer->writeInt16(370, static_cast<int16_t>(lineWeight()));
     }
-    if (linetypeScale_ != 1) filer->writeDouble(48, linetypeScale_);
-    if (visibility() == AcDb::kInvisible) filer->writeInt16(60, 1);
     if (transparency() != 0) filer->writeInt32(440, static_cast<int32_t>(transparency()));
     if (plotStyleNameType() != AcDb::kPlotStyleNameByLayer) {
         filer->writeInt16(380, static_cast<int16_t>(plotStyleNameType()));

@@ -1,233 +1,209 @@
 #include "host/model/core/group_data.h"
 
-#include <cstring>
 #include <string>
 
+#include "base/encoding.h"
+#include "host/model/core/group_writer.h"
 #include "platform/db/handle.h"
 
 namespace sg::model {
 namespace {
 
-enum class Kind { none, text, real, point, int16, int32, handle, name };
+bool isHandleGroup(int code) {
+    return code == 5 || code == 105 || code == 1005 || (code >= 320 && code <= 329);
+}
 
-Kind kindOf(int code) {
-    if (code == 1005 || (code >= 320 && code <= 329)) return Kind::handle;
-    switch (acdbGroupCodeToType(code)) {
-        case RTSTR:
-            return Kind::text;
+bool isBinaryGroup(int code) {
+    return code == 1004 || (code >= 310 && code <= 319);
+}
+
+std::string hexDigits(std::string_view data) {
+    std::string digits;
+    digits.reserve(data.size() * 2);
+    for (const char byte : data) {
+        digits += "0123456789ABCDEF"[static_cast<uint8_t>(byte) >> 4];
+        digits += "0123456789ABCDEF"[static_cast<uint8_t>(byte) & 15];
+    }
+    return digits;
+}
+
+std::wstring textOf(const GroupData::Group& group) {
+    if (group.kind == GroupData::Kind::binary) return fromUtf8(hexDigits(group.text));
+    if (group.kind == GroupData::Kind::handle) return AcDbHandle(group.handle).text();
+    return fromUtf8(group.text);
+}
+
+// Puts a group's value into a node of its code.
+void setValue(resbuf& node, const GroupData::Group& group) {
+    switch (acdbGroupCodeToType(node.restype)) {
+        case RTSTR: {
+            const std::wstring text = textOf(group);
+            node.resval.rstring = acutNewString(text.c_str(), text.size());
+            break;
+        }
         case RTREAL:
-            return Kind::real;
+            node.resval.rreal = isAngleGroup(group.code) ? fromFileDegrees(group.real) : group.real;
+            break;
         case RT3DPOINT:
-            return Kind::point;
+            node.resval.rpoint[0] = group.real;
+            node.resval.rpoint[1] = group.y;
+            node.resval.rpoint[2] = group.z;
+            break;
         case RTSHORT:
-            return Kind::int16;
+            node.resval.rint = static_cast<int16_t>(group.whole);
+            break;
         case RTLONG:
-            return Kind::int32;
+            node.resval.rlong = static_cast<int32_t>(group.whole);
+            break;
         case RTENAME:
-            return Kind::name;
+            acdbGetAdsName(node.resval.rlname, group.object);
+            break;
         default:
-            return Kind::none;
-    }
-}
-
-template <class Value>
-void put(std::vector<uint8_t>& bytes, const Value& value) {
-    const auto* const start = reinterpret_cast<const uint8_t*>(&value);
-    bytes.insert(bytes.end(), start, start + sizeof(Value));
-}
-
-// Walks the groups in a row of bytes that append() has made.
-class Walk {
-  public:
-    explicit Walk(const std::vector<uint8_t>& bytes)
-        : at_(bytes.data()), end_(bytes.data() + bytes.size()) {}
-
-    bool next() {
-        if (at_ == end_) return false;
-        code = take<int16_t>();
-        kind = kindOf(code);
-        return true;
-    }
-    template <class Value>
-    Value take() {
-        Value value;
-        std::memcpy(&value, at_, sizeof(Value));
-        at_ += sizeof(Value);
-        return value;
-    }
-    std::wstring text() {
-        const auto length = take<uint32_t>();
-        std::wstring value(length, L'\0');
-        std::memcpy(value.data(), at_, length * sizeof(wchar_t));
-        at_ += length * sizeof(wchar_t);
-        return value;
-    }
-    AcGePoint3d point() {
-        const double x = take<double>();
-        const double y = take<double>();
-        return {x, y, take<double>()};
-    }
-    // The value as a node holds it; `node` has its code.
-    void value(resbuf& node);
-
-    int16_t code = 0;
-    Kind kind = Kind::none;
-
-  private:
-    const uint8_t* at_;
-    const uint8_t* end_;
-};
-
-void setPoint(resbuf& node, const AcGePoint3d& point) {
-    node.resval.rpoint[0] = point.x;
-    node.resval.rpoint[1] = point.y;
-    node.resval.rpoint[2] = point.z;
-}
-
-void setText(resbuf& node, const std::wstring& text) {
-    node.resval.rstring = acutNewString(text.c_str(), text.size());
-}
-
-void Walk::value(resbuf& node) {
-    switch (kind) {
-        case Kind::text:
-            setText(node, text());
-            break;
-        case Kind::handle:
-            setText(node, AcDbHandle(take<uint64_t>()).text());
-            break;
-        case Kind::real:
-            node.resval.rreal = take<double>();
-            break;
-        case Kind::point:
-            setPoint(node, point());
-            break;
-        case Kind::int16:
-            node.resval.rint = take<int16_t>();
-            break;
-        case Kind::int32:
-            node.resval.rlong = take<int32_t>();
-            break;
-        case Kind::name:
-            acdbGetAdsName(node.resval.rlname, AcDbObjectId(take<uint64_t>()));
-            break;
-        case Kind::none:
             break;
     }
-}
-
-Acad::ErrorStatus writeValue(AcDbDwgFiler& filer, Walk& walk) {
-    switch (walk.kind) {
-        case Kind::text:
-            return filer.writeString(walk.text());
-        case Kind::handle:
-            return filer.writeAcDbHandle(AcDbHandle(walk.take<uint64_t>()));
-        case Kind::real:
-            return filer.writeDouble(walk.take<double>());
-        case Kind::point:
-            return filer.writePoint3d(walk.point());
-        case Kind::int16:
-            return filer.writeInt16(walk.take<int16_t>());
-        case Kind::int32:
-            return filer.writeInt32(walk.take<int32_t>());
-        case Kind::name:
-            return filer.writeSoftPointerId(AcDbObjectId(walk.take<uint64_t>()));
-        case Kind::none:
-            break;
-    }
-    return Acad::eInvalidDxfCode;
-}
-
-Acad::ErrorStatus readValue(AcDbDwgFiler& filer, Kind kind, resbuf& node) {
-    switch (kind) {
-        case Kind::text: {
-            std::wstring text;
-            const Acad::ErrorStatus status = filer.readString(text);
-            setText(node, text);
-            return status;
-        }
-        case Kind::handle: {
-            AcDbHandle handle;
-            const Acad::ErrorStatus status = filer.readAcDbHandle(&handle);
-            setText(node, handle.text());
-            return status;
-        }
-        case Kind::real:
-            return filer.readDouble(&node.resval.rreal);
-        case Kind::point: {
-            AcGePoint3d point;
-            const Acad::ErrorStatus status = filer.readPoint3d(&point);
-            setPoint(node, point);
-            return status;
-        }
-        case Kind::int16:
-            return filer.readInt16(&node.resval.rint);
-        case Kind::int32:
-            return filer.readInt32(&node.resval.rlong);
-        case Kind::name: {
-            AcDbSoftPointerId id;
-            const Acad::ErrorStatus status = filer.readSoftPointerId(&id);
-            acdbGetAdsName(node.resval.rlname, id);
-            return status;
-        }
-        case Kind::none:
-            break;
-    }
-    return Acad::eInvalidDxfCode;
 }
 
 }  // namespace
 
+AcDbObjectId idOfName(const ads_name name) {
+    return AcDbObjectId(static_cast<uint64_t>(static_cast<uint32_t>(name[1])) << 32 |
+                        static_cast<uint32_t>(name[0]));
+}
+
+Reference referenceOf(int code) {
+    if ((code >= 340 && code <= 349) || (code >= 390 && code <= 399) || code >= 480) {
+        return Reference::hardPointer;
+    }
+    if (code >= 350 && code <= 359) return Reference::softOwnership;
+    if (code >= 360 && code <= 369) return Reference::hardOwnership;
+    return Reference::softPointer;
+}
+
+// ---- Packing ------------------------------------------------------------------------------------
+
+void GroupData::appendBytes(int code, Kind kind, std::string_view data) {
+    putHead(code, kind);
+    put(static_cast<uint32_t>(data.size()));
+    bytes_.insert(bytes_.end(), data.begin(), data.end());
+}
+
+void GroupData::append(const Group& group) {
+    switch (group.kind) {
+        case Kind::text:
+        case Kind::binary:
+            return appendBytes(group.code, group.kind, group.text);
+        case Kind::real:
+            return appendReal(group.code, group.real);
+        case Kind::point:
+            appendValue(group.code, Kind::point, group.real);
+            put(group.y);
+            return put(group.z);
+        case Kind::flatPoint:
+            appendValue(group.code, Kind::flatPoint, group.real);
+            return put(group.y);
+        case Kind::whole:
+            return appendWhole(group.code, group.whole);
+        case Kind::handle:
+            return appendHandle(group.code, group.handle);
+        case Kind::object:
+            return appendObject(group.code, group.object);
+    }
+}
+
 bool GroupData::append(const resbuf& group) {
-    const Kind kind = kindOf(group.restype);
-    if (kind == Kind::none) return false;
-    put(bytes_, group.restype);
-    switch (kind) {
-        case Kind::text: {
+    const int code = group.restype;
+    switch (acdbGroupCodeToType(code)) {
+        case RTSTR: {
             const wchar_t* const text =
                 group.resval.rstring != nullptr ? group.resval.rstring : L"";
-            const size_t length = std::wcslen(text);
-            put(bytes_, static_cast<uint32_t>(length));
-            const auto* const start = reinterpret_cast<const uint8_t*>(text);
-            bytes_.insert(bytes_.end(), start, start + length * sizeof(wchar_t));
+            if (isBinaryGroup(code)) {
+                appendBinary(code, fromHexDigits(text));
+            } else if (isHandleGroup(code)) {
+                appendHandle(code, AcDbHandle(text));
+            } else {
+                appendText(code, toUtf8(text));
+            }
+            return true;
+        }
+        case RTREAL:
+            appendReal(code,
+                       isAngleGroup(code) ? toFileDegrees(group.resval.rreal) : group.resval.rreal);
+            return true;
+        case RT3DPOINT:
+            putHead(code, Kind::point);
+            for (const double coordinate : group.resval.rpoint)
+                put(coordinate);
+            return true;
+        case RTSHORT:
+            appendWhole(code, group.resval.rint);
+            return true;
+        case RTLONG:
+            appendWhole(code, group.resval.rlong);
+            return true;
+        case RTENAME:
+            appendObject(code, idOfName(group.resval.rlname));
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool GroupData::Walk::next() {
+    if (at_ == end_) return false;
+    group_ = Group();
+    group_.code = take<int16_t>();
+    group_.kind = take<Kind>();
+    switch (group_.kind) {
+        case Kind::text:
+        case Kind::binary: {
+            const auto length = take<uint32_t>();
+            group_.text = {reinterpret_cast<const char*>(at_), length};
+            at_ += length;
             break;
         }
-        case Kind::handle:
-            put(bytes_, static_cast<uint64_t>(AcDbHandle(group.resval.rstring)));
-            break;
         case Kind::real:
-            put(bytes_, group.resval.rreal);
+            group_.real = take<double>();
             break;
         case Kind::point:
-            for (const double coordinate : group.resval.rpoint)
-                put(bytes_, coordinate);
+        case Kind::flatPoint:
+            group_.real = take<double>();
+            group_.y = take<double>();
+            if (group_.kind == Kind::point) group_.z = take<double>();
             break;
-        case Kind::int16:
-            put(bytes_, group.resval.rint);
+        case Kind::whole:
+            group_.whole = take<int64_t>();
             break;
-        case Kind::int32:
-            put(bytes_, group.resval.rlong);
+        case Kind::handle:
+            group_.handle = take<uint64_t>();
             break;
-        case Kind::name: {
-            AcDbObjectId id;
-            acdbGetObjectId(id, group.resval.rlname);
-            put(bytes_, id.asOldId());
-            break;
-        }
-        case Kind::none:
+        case Kind::object:
+            group_.object = AcDbObjectId(take<uint64_t>());
             break;
     }
     return true;
 }
 
+// ---- Lists --------------------------------------------------------------------------------------
+
+// Coordinates that stand one by one come together to points again.
 resbuf* GroupData::toList() const {
     resbuf* head = nullptr;
     resbuf** tail = &head;
-    Walk walk(bytes_);
+    resbuf* point = nullptr;  // whose next coordinates may follow
+    Walk walk(*this);
     while (walk.next()) {
-        *tail = acutNewRb(walk.code);
+        const Group& group = walk.group();
+        const int offset = point == nullptr ? 0 : group.code - point->restype;
+        if (group.kind == Kind::real && (offset == 10 || offset == 20)) {
+            point->resval.rpoint[offset / 10] = group.real;
+            continue;
+        }
+        *tail = acutNewRb(group.code);
         if (*tail == nullptr) break;
-        walk.value(**tail);
+        setValue(**tail, group);
+        const bool starts =
+            group.kind == Kind::real && acdbGroupCodeToType(group.code) == RT3DPOINT;
+        point = starts ? *tail : nullptr;
         tail = &(*tail)->rbnext;
     }
     return head;
@@ -237,15 +213,13 @@ resbuf* GroupData::toList() const {
 // code in one byte.
 size_t GroupData::fileBytes() const {
     size_t total = 0;
-    Walk walk(bytes_);
+    Walk walk(*this);
     while (walk.next()) {
-        resbuf node{};
-        node.restype = walk.code;
-        walk.value(node);
-        const bool isText = acdbGroupCodeToType(walk.code) == RTSTR;
-        const size_t length = isText ? std::wcslen(node.resval.rstring) : 0;
-        if (isText) acutDelString(node.resval.rstring);
-        switch (walk.code) {
+        const Group& group = walk.group();
+        const bool isText = group.kind == Kind::text;
+        const bool isPoint = group.kind == Kind::point || group.kind == Kind::flatPoint;
+        const size_t length = isText ? fromUtf8(group.text).size() : 0;
+        switch (group.code) {
             case 1002:
                 total += 2;
                 break;
@@ -254,7 +228,7 @@ size_t GroupData::fileBytes() const {
                 total += 9;
                 break;
             case 1004:
-                total += 2 + length / 2;
+                total += 2 + (isText ? length / 2 : group.text.size());
                 break;
             case 1070:
                 total += 3;
@@ -263,35 +237,121 @@ size_t GroupData::fileBytes() const {
                 total += 5;
                 break;
             default:
-                total += isText ? 3 + 2 * length : walk.kind == Kind::point ? 25 : 9;
+                total += isText ? 3 + 2 * length : isPoint ? 25 : 9;
         }
     }
     return total;
 }
 
+// ---- Filing -------------------------------------------------------------------------------------
+
 Acad::ErrorStatus GroupData::dwgOut(AcDbDwgFiler& filer) const {
-    Walk walk(bytes_);
+    Walk walk(*this);
     while (walk.next()) {
-        filer.writeInt16(walk.code);
-        writeValue(filer, walk);
+        const Group& group = walk.group();
+        filer.writeInt16(static_cast<int16_t>(group.code));
+        filer.writeUInt8(static_cast<uint8_t>(group.kind));
+        switch (group.kind) {
+            case Kind::text:
+            case Kind::binary:
+                filer.writeUInt32(static_cast<uint32_t>(group.text.size()));
+                filer.writeBytes(group.text.data(), group.text.size());
+                break;
+            case Kind::real:
+                filer.writeDouble(group.real);
+                break;
+            case Kind::point:
+                filer.writePoint3d({group.real, group.y, group.z});
+                break;
+            case Kind::flatPoint:
+                filer.writePoint2d({group.real, group.y});
+                break;
+            case Kind::whole:
+                filer.writeInt64(group.whole);
+                break;
+            case Kind::handle:
+                filer.writeAcDbHandle(AcDbHandle(group.handle));
+                break;
+            case Kind::object:
+                writeReference(filer, referenceOf(group.code), group.object);
+                break;
+        }
     }
     return filer.writeInt16(-1);
 }
 
+namespace {
+
+// The value of a group whose code and kind are read; `data` holds its bytes.
+Acad::ErrorStatus readValue(AcDbDwgFiler& filer, GroupData::Group& group, std::string& data) {
+    using Kind = GroupData::Kind;
+    switch (group.kind) {
+        case Kind::text:
+        case Kind::binary: {
+            uint32_t length = 0;
+            const Acad::ErrorStatus status = filer.readUInt32(&length);
+            if (status != Acad::eOk) return status;
+            data.resize(length);
+            group.text = data;
+            return filer.readBytes(data.data(), length);
+        }
+        case Kind::real:
+            return filer.readDouble(&group.real);
+        case Kind::point: {
+            AcGePoint3d point;
+            filer.readPoint3d(&point);
+            group.real = point.x;
+            group.y = point.y;
+            group.z = point.z;
+            return filer.filerStatus();
+        }
+        case Kind::flatPoint: {
+            AcGePoint2d point;
+            filer.readPoint2d(&point);
+            group.real = point.x;
+            group.y = point.y;
+            return filer.filerStatus();
+        }
+        case Kind::whole:
+            return filer.readInt64(&group.whole);
+        case Kind::handle: {
+            AcDbHandle handle;
+            filer.readAcDbHandle(&handle);
+            group.handle = handle;
+            return filer.filerStatus();
+        }
+        case Kind::object:
+            group.object = readReference(filer, referenceOf(group.code));
+            return filer.filerStatus();
+    }
+    return Acad::eInvalidInput;
+}
+
+}  // namespace
+
 Acad::ErrorStatus GroupData::dwgIn(AcDbDwgFiler& filer) {
     bytes_.clear();
+    std::string data;
     while (true) {
-        resbuf node{};
-        Acad::ErrorStatus status = filer.readInt16(&node.restype);
-        if (status != Acad::eOk || node.restype == -1) return status;
-        status = readValue(filer, kindOf(node.restype), node);
-        if (status == Acad::eOk) append(node);
-        if (acdbGroupCodeToType(node.restype) == RTSTR) acutDelString(node.resval.rstring);
+        int16_t code = 0;
+        Acad::ErrorStatus status = filer.readInt16(&code);
+        if (status != Acad::eOk || code == -1) return status;
+        uint8_t kind = 0;
+        filer.readUInt8(&kind);
+        Group group;
+        group.code = code;
+        group.kind = static_cast<Kind>(kind);
+        status = readValue(filer, group, data);
         if (status != Acad::eOk) return status;
+        append(group);
     }
 }
 
 Acad::ErrorStatus GroupData::dxfOut(AcDbDxfFiler& filer) const {
+    if (auto* const file = dynamic_cast<FileGroupsAccess*>(&filer)) {
+        file->writeGroups(*this);
+        return filer.filerStatus();
+    }
     resbuf* const list = toList();
     for (const resbuf* node = list; node != nullptr; node = node->rbnext)
         filer.writeItem(*node);

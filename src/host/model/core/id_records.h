@@ -30,8 +30,12 @@ class IdRecords {
         return index - 1 < count_ ? &chunks_[index / kChunk][index % kChunk] : nullptr;
     }
     uint32_t findHandle(uint64_t handle) const;  // 0 when there is none
+    // Gives a record another handle, which no other one has.
+    void setHandle(uint32_t index, uint64_t handle);
 
   private:
+    void enter(uint32_t index, uint64_t handle);
+
     static constexpr uint32_t kChunk = 4096;
 
     std::vector<std::unique_ptr<IdRecord[]>> chunks_;

@@ -155,4 +155,46 @@ AcDbHandle TranslatingReader::translated(AcDbHandle handle) const {
     return pair == nullptr ? handle : pair->value.handle();
 }
 
+// ---- References
+// -----------------------------------------------------------------------------------
+
+void writeReference(AcDbDwgFiler& filer, Reference kind, AcDbObjectId id) {
+    switch (kind) {
+        case Reference::hardOwnership:
+            filer.writeHardOwnershipId(id);
+            break;
+        case Reference::softOwnership:
+            filer.writeSoftOwnershipId(id);
+            break;
+        case Reference::hardPointer:
+            filer.writeHardPointerId(id);
+            break;
+        case Reference::softPointer:
+            filer.writeSoftPointerId(id);
+            break;
+    }
+}
+
+AcDbObjectId readReference(AcDbDwgFiler& filer, Reference kind) {
+    AcDbHardOwnershipId hardOwnership;
+    AcDbSoftOwnershipId softOwnership;
+    AcDbHardPointerId hardPointer;
+    AcDbSoftPointerId softPointer;
+    switch (kind) {
+        case Reference::hardOwnership:
+            filer.readHardOwnershipId(&hardOwnership);
+            return hardOwnership;
+        case Reference::softOwnership:
+            filer.readSoftOwnershipId(&softOwnership);
+            return softOwnership;
+        case Reference::hardPointer:
+            filer.readHardPointerId(&hardPointer);
+            return hardPointer;
+        case Reference::softPointer:
+            filer.readSoftPointerId(&softPointer);
+            return softPointer;
+    }
+    return {};
+}
+
 }  // namespace sg::model

@@ -15,6 +15,10 @@ constexpr bool isOwnership(Reference kind) {
     return kind == Reference::hardOwnership || kind == Reference::softOwnership;
 }
 
+// An id through a filer, filed as this kind.
+void writeReference(AcDbDwgFiler& filer, Reference kind, AcDbObjectId id);
+AcDbObjectId readReference(AcDbDwgFiler& filer, Reference kind);
+
 // What filers in memory share: every value as the bytes it has in memory, a text as its length in
 // 32 bits and its units.
 class BytesFiler : public AcDbDwgFiler {

@@ -66,6 +66,12 @@ struct SG_API ObjectAccess {
 
     using BlockContents = AcDbBlockTableRecord::Contents;
     static BlockContents& contents(const AcDbBlockTableRecord& block) { return *block.contents_; }
+    // A part of a polyline or block reference, or the end of its parts, that is in the drawing goes
+    // behind those that it has; the whole has been read from a file. False for a whole that takes
+    // no such part.
+    static bool adoptPart(AcDbEntity& whole, AcDbObjectId part);
+    // The parts in their order, with the end of their sequence behind them where they have one.
+    static std::vector<AcDbObjectId> partsOf(const AcDbEntity& whole);
     using TableRecords = AcDbSymbolTable::Records;
     static TableRecords& records(const AcDbSymbolTable& table) { return *table.records_; }
     // Without asking whether the name will do; the record's table finds it under the new name.

@@ -1,5 +1,8 @@
+#include <cwchar>
+
 #include "host/model/core/database_state.h"
 #include "host/model/core/object_access.h"
+#include "host/model/core/proxies.h"
 #include "platform/db/object.h"
 #include "platform/rx/rxclass.h"
 
@@ -20,6 +23,7 @@ enum Present : uint8_t {
     kPlotStyle = 16,
     kMaterial = 32,
     kTransparency = 64,
+    kFileForm = 128,
 };
 
 uint8_t presentIn(const Extras* extras, bool isCopy) {
@@ -28,10 +32,11 @@ uint8_t presentIn(const Extras* extras, bool isCopy) {
     if (!extras->extendedData.empty()) present |= kData;
     if (!extras->extensionDictionary.isNull() && !isCopy) present |= kDictionary;
     if (!extras->reactors.isEmpty() && !isCopy) present |= kReactors;
-    if (!extras->unknownGroups.empty()) present |= kUnknown;
+    if (!extras->unknownLists.empty()) present |= kUnknown;
     if (!extras->plotStyle.isNull()) present |= kPlotStyle;
     if (!extras->material.isNull()) present |= kMaterial;
     if (extras->transparency != 0) present |= kTransparency;
+    if (extras->fileForm != nullptr) present |= kFileForm;
     return static_cast<uint8_t>(present);
 }
 
@@ -51,14 +56,33 @@ void readReactors(AcDbDwgFiler& filer, AcDbObjectIdArray& reactors) {
     }
 }
 
+void writeFileForm(AcDbDwgFiler& filer, const sg::model::FileForm& form) {
+    form.groups.dwgOut(filer);
+    form.unknown.dwgOut(filer);
+    filer.writeInt64(static_cast<int64_t>(form.fingerprint));
+    filer.writeInt16(form.release);
+}
+
+std::unique_ptr<sg::model::FileForm> readFileForm(AcDbDwgFiler& filer) {
+    auto form = std::make_unique<sg::model::FileForm>();
+    int64_t fingerprint = 0;
+    form->groups.dwgIn(filer);
+    form->unknown.dwgIn(filer);
+    filer.readInt64(&fingerprint);
+    filer.readInt16(&form->release);
+    form->fingerprint = static_cast<uint64_t>(fingerprint);
+    return form;
+}
+
 void readExtras(AcDbDwgFiler& filer, uint8_t present, Extras& extras) {
     if ((present & kData) != 0) extras.extendedData.dwgIn(filer);
     if ((present & kDictionary) != 0) filer.readHardOwnershipId(&extras.extensionDictionary);
     if ((present & kReactors) != 0) readReactors(filer, extras.reactors);
-    if ((present & kUnknown) != 0) extras.unknownGroups.dwgIn(filer);
+    if ((present & kUnknown) != 0) extras.unknownLists.dwgIn(filer);
     if ((present & kPlotStyle) != 0) filer.readHardPointerId(&extras.plotStyle);
     if ((present & kMaterial) != 0) filer.readHardPointerId(&extras.material);
     if ((present & kTransparency) != 0) filer.readUInt32(&extras.transparency);
+    if ((present & kFileForm) != 0) extras.fileForm = readFileForm(filer);
 }
 
 }  // namespace
@@ -86,10 +110,11 @@ Acad::ErrorStatus AcDbObject::dwgOutFields(AcDbDwgFiler* filer) const {
     if ((present & kData) != 0) extras->extendedData.dwgOut(*filer);
     if ((present & kDictionary) != 0) filer->writeHardOwnershipId(extras->extensionDictionary);
     if ((present & kReactors) != 0) writeReactors(*filer, extras->reactors);
-    if ((present & kUnknown) != 0) extras->unknownGroups.dwgOut(*filer);
+    if ((present & kUnknown) != 0) extras->unknownLists.dwgOut(*filer);
     if ((present & kPlotStyle) != 0) filer->writeHardPointerId(extras->plotStyle);
     if ((present & kMaterial) != 0) filer->writeHardPointerId(extras->material);
     if ((present & kTransparency) != 0) filer->writeUInt32(extras->transparency);
+    if ((present & kFileForm) != 0) writeFileForm(*filer, *extras->fileForm);
     return filer->filerStatus();
 }
 
@@ -155,7 +180,7 @@ constexpr const wchar_t* kDictionaryList = L"{ACAD_XDICTIONARY";
 
 bool hasLists(const Extras* extras) {
     return extras != nullptr && (!extras->extensionDictionary.isNull() ||
-                                 !extras->reactors.isEmpty() || !extras->unknownGroups.empty());
+                                 !extras->reactors.isEmpty() || !extras->unknownLists.empty());
 }
 
 void writeAttached(AcDbDxfFiler& filer, const Extras* extras) {
@@ -166,7 +191,12 @@ void writeAttached(AcDbDxfFiler& filer, const Extras* extras) {
         writeList(filer, kDictionaryList, 360, dictionary);
     }
     if (!extras->reactors.isEmpty()) writeList(filer, kReactorList, 330, extras->reactors);
-    extras->unknownGroups.dxfOut(filer);
+    extras->unknownLists.dxfOut(filer);
+}
+
+// Dimension styles have 5 for one of their variables.
+int handleCode(const wchar_t* dxfName) {
+    return std::wcscmp(dxfName, L"DIMSTYLE") == 0 ? 105 : 5;
 }
 
 }  // namespace
@@ -176,13 +206,12 @@ void writeAttached(AcDbDxfFiler& filer, const Extras* extras) {
 Acad::ErrorStatus AcDbObject::dxfOut(AcDbDxfFiler* filer) const {
     assertReadEnabled();
     const bool isBag = filer->filerType() == AcDb::kBagFiler;
-    std::wstring dxfName = isA()->dxfName();
-    if (isBag && isKindOf(AcDbSymbolTable::desc())) dxfName = L"TABLE";
+    const wchar_t* const dxfName = sg::model::dxfNameOf(*this);
     if (isBag && !id_.isNull()) filer->writeObjectId(-1, id_);
     filer->writeString(0, dxfName);
     const bool ownerFirst = isBag && !hasLists(extras_.get());
     if (ownerFirst && !owner_.isNull()) filer->writeObjectId(330, owner_);
-    if (!id_.isNull()) filer->writeAcDbHandle(dxfName == L"DIMSTYLE" ? 105 : 5, id_.handle());
+    if (!id_.isNull()) filer->writeAcDbHandle(handleCode(dxfName), id_.handle());
     writeAttached(*filer, extras_.get());
     if (!ownerFirst && !(isBag && owner_.isNull())) filer->writeObjectId(330, owner_);
     const Acad::ErrorStatus status = dxfOutFields(filer);
@@ -216,7 +245,7 @@ Acad::ErrorStatus AcDbObject::dxfIn(AcDbDxfFiler* filer) {
             break;
         }
     }
-    if (!otherLists.empty()) ObjectAccess::needExtras(*this).unknownGroups = otherLists;
+    if (!otherLists.empty()) ObjectAccess::needExtras(*this).unknownLists = otherLists;
     if (const Acad::ErrorStatus status = dxfInFields(filer); status != Acad::eOk) return status;
     resbuf* const data = filer->takeExtendedData();
     if (data == nullptr) return filer->filerStatus();

@@ -1,50 +1,14 @@
 #include "host/model/core/proxies.h"
 
 #include "host/model/core/database_state.h"
+#include "host/model/core/group_writer.h"
+#include "host/model/core/list_filers.h"
 #include "host/model/core/object_access.h"
+#include "platform/db/symbol_table.h"
 #include "platform/rx/rxdictionary.h"
 
 namespace sg::model {
 namespace {
-
-void writeId(AcDbDwgFiler& filer, Reference kind, AcDbObjectId id) {
-    switch (kind) {
-        case Reference::hardOwnership:
-            filer.writeHardOwnershipId(id);
-            break;
-        case Reference::softOwnership:
-            filer.writeSoftOwnershipId(id);
-            break;
-        case Reference::hardPointer:
-            filer.writeHardPointerId(id);
-            break;
-        case Reference::softPointer:
-            filer.writeSoftPointerId(id);
-            break;
-    }
-}
-
-AcDbObjectId readId(AcDbDwgFiler& filer, Reference kind) {
-    AcDbHardOwnershipId hardOwnership;
-    AcDbSoftOwnershipId softOwnership;
-    AcDbHardPointerId hardPointer;
-    AcDbSoftPointerId softPointer;
-    switch (kind) {
-        case Reference::hardOwnership:
-            filer.readHardOwnershipId(&hardOwnership);
-            return hardOwnership;
-        case Reference::softOwnership:
-            filer.readSoftOwnershipId(&softOwnership);
-            return softOwnership;
-        case Reference::hardPointer:
-            filer.readHardPointerId(&hardPointer);
-            return hardPointer;
-        case Reference::softPointer:
-            filer.readSoftPointerId(&softPointer);
-            return softPointer;
-    }
-    return {};
-}
 
 AcDbObjectId idAt(const std::vector<uint8_t>& bytes, size_t offset) {
     uint64_t value = 0;
@@ -69,8 +33,12 @@ void ProxyData::dwgOut(AcDbDwgFiler& filer) const {
     for (const MemoryWriter::IdPlace& place : ids) {
         filer.writeUInt32(static_cast<uint32_t>(place.offset));
         filer.writeUInt8(static_cast<uint8_t>(place.kind));
-        writeId(filer, place.kind, idAt(bytes, place.offset));
+        writeReference(filer, place.kind, idAt(bytes, place.offset));
     }
+    groups.dwgOut(filer);
+    filer.writeUInt32(static_cast<uint32_t>(parts.size()));
+    for (const AcDbHardOwnershipId& part : parts)
+        filer.writeHardOwnershipId(part);
 }
 
 Acad::ErrorStatus ProxyData::dwgIn(AcDbDwgFiler& filer) {
@@ -91,10 +59,18 @@ Acad::ErrorStatus ProxyData::dwgIn(AcDbDwgFiler& filer) {
         filer.readUInt32(&offset);
         filer.readUInt8(&kind);
         const auto reference = static_cast<Reference>(kind);
-        const uint64_t value = readId(filer, reference).asOldId();
+        const uint64_t value = readReference(filer, reference).asOldId();
         if (offset + sizeof(value) > bytes.size()) return Acad::eInvalidInput;
         std::memcpy(bytes.data() + offset, &value, sizeof(value));
         ids.push_back({offset, reference});
+    }
+    groups.dwgIn(filer);
+    parts.clear();
+    filer.readUInt32(&count);
+    while (count-- > 0 && filer.filerStatus() == Acad::eOk) {
+        AcDbHardOwnershipId part;
+        filer.readHardOwnershipId(&part);
+        if (!part.isNull()) parts.push_back(part);
     }
     return filer.filerStatus();
 }
@@ -103,6 +79,16 @@ const ProxyData* proxyData(const AcDbObject& object) {
     if (const auto* const entity = AcDbProxyEntity::cast(&object)) return &entity->data;
     const auto* const proxy = AcDbProxyObject::cast(&object);
     return proxy == nullptr ? nullptr : &proxy->data;
+}
+
+const wchar_t* dxfNameOf(const AcDbObject& object) {
+    const AcRxClass* const type = object.isA();
+    if (type == AcDbProxyEntity::desc() || type == AcDbProxyObject::desc()) {
+        const ProxyData& data = *proxyData(object);
+        if (data.bytes.empty() || !data.groups.empty()) return data.dxfName.c_str();
+    }
+    const bool isTable = *type->dxfName() == L'\0' && type->isDerivedFrom(AcDbSymbolTable::desc());
+    return isTable ? L"TABLE" : type->dxfName();
 }
 
 // ---- Making -------------------------------------------------------------------------------------
@@ -173,7 +159,7 @@ void replace(DatabaseState& state, AcDbObject& old, std::unique_ptr<AcDbObject> 
 
 // What the proxy's own class would file now.
 template <class Proxy, class Base>
-FiledObject fileOriginal(const Proxy& proxy) {
+FiledObject fileOriginalOf(const Proxy& proxy) {
     FiledObject filed{{}, {}, AcDb::kFileFiler, proxy.database()};
     MemoryWriter writer(filed.bytes, filed.type, filed.database, &filed.ids);
     const Unguarded guard(proxy);
@@ -185,6 +171,46 @@ FiledObject fileOriginal(const Proxy& proxy) {
     return filed;
 }
 
+FiledObject fileOriginal(const AcDbObject& proxy) {
+    const auto* const entity = AcDbProxyEntity::cast(&proxy);
+    if (entity != nullptr) return fileOriginalOf<AcDbProxyEntity, AcDbEntity>(*entity);
+    return fileOriginalOf<AcDbProxyObject, AcDbObject>(static_cast<const AcDbProxyObject&>(proxy));
+}
+
+// Keeps what the object's class writes to drawing files behind what every object, or entity, does.
+void keepGroups(const AcDbObject& object, ProxyData& data) {
+    if (data.dxfName.empty()) return;
+    GroupData all;
+    GroupCollector collector(all);
+    GroupWriter<GroupCollector> writer(collector, object.database(), AcDb::kDHL_CURRENT);
+    const Unguarded guard(object);
+    object.dxfOutFields(&writer);
+    bool isOwn = false;
+    for (GroupData::Walk walk(all); walk.next();) {
+        const GroupData::Group& group = walk.group();
+        isOwn = isOwn || (group.code == 100 && group.text != "AcDbEntity");
+        if (isOwn) data.groups.append(group);
+    }
+}
+
+// A new object of the class that has read what a proxy writes to drawing files.
+std::unique_ptr<AcDbObject> makeFromGroups(const AcRxClass& descriptor, const AcDbObject& proxy) {
+    std::unique_ptr<AcRxObject> made(descriptor.create());
+    AcDbObject* const object = AcDbObject::cast(made.get());
+    if (object == nullptr) return nullptr;
+    ListWriter writer(proxy.database(), {L"*"}, AcDb::kFileFiler);
+    const Unguarded guard(proxy);
+    proxy.dxfOut(&writer);
+    resbuf* const groups = writer.take();
+    ListReader reader(groups, proxy.database(), AcDb::kFileFiler);
+    const Acad::ErrorStatus status = object->dxfIn(&reader);
+    acutRelRb(groups);
+    if (status != Acad::eOk) return nullptr;
+    ObjectAccess::setOwner(*object, proxy.ownerId());
+    made.release();
+    return std::unique_ptr<AcDbObject>(object);
+}
+
 // True when the id has a proxy no more.
 bool revive(DatabaseState& state, AcDbObjectId id) {
     AcDbObject* const object = DatabaseTable::objectOf(id);
@@ -194,10 +220,9 @@ bool revive(DatabaseState& state, AcDbObjectId id) {
         static_cast<const AcRxClass*>(acrxClassDictionary()->at(data->className.c_str()));
     if (descriptor == nullptr || ObjectAccess::isOpen(*object)) return false;
     const auto* const entity = AcDbProxyEntity::cast(object);
-    const FiledObject filed = entity != nullptr ? fileOriginal<AcDbProxyEntity, AcDbEntity>(*entity)
-                                                : fileOriginal<AcDbProxyObject, AcDbObject>(
-                                                      static_cast<const AcDbProxyObject&>(*object));
-    std::unique_ptr<AcDbObject> original = makeObject(*descriptor, filed);
+    const bool isFiled = !data->bytes.empty() || data->groups.empty();
+    std::unique_ptr<AcDbObject> original = isFiled ? makeObject(*descriptor, fileOriginal(*object))
+                                                   : makeFromGroups(*descriptor, *object);
     if (original == nullptr || proxyData(*original) != nullptr) return false;
     AcDbEntity* const revived = AcDbEntity::cast(original.get());
     if (entity != nullptr && revived != nullptr &&
@@ -218,6 +243,7 @@ void turnIntoProxies(const AcRxClass& descriptor) {
             if (object.isA() != &descriptor) return;
             auto proxy = makeProxy(descriptor, fileObject(object, AcDb::kFileFiler));
             if (proxy == nullptr) return;
+            keepGroups(object, const_cast<ProxyData&>(*proxyData(*proxy)));
             state->proxies.push_back(object.objectId());
             replace(*state, object, std::move(proxy));
         });

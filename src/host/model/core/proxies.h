@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "host/model/core/group_data.h"
 #include "host/model/core/memory_filers.h"
 #include "platform/db/entity.h"
 
@@ -31,6 +32,11 @@ struct ProxyData {
     int32_t flags = 0;
     std::vector<uint8_t> bytes;
     std::vector<MemoryWriter::IdPlace> ids;  // where in the bytes ids stand, in rising order
+    // What it writes to drawing files behind those fields. A proxy that a drawing file brought has
+    // nothing else.
+    GroupData groups;
+    // Entities that stand behind it in drawing files up to the end of a sequence, that included.
+    std::vector<AcDbHardOwnershipId> parts;
 
     bool allows(ProxyFlags what) const { return (flags & what) != 0; }
 
@@ -56,6 +62,9 @@ std::unique_ptr<AcDbObject> makeProxy(const AcRxClass& descriptor, const FiledOb
 
 // The data of a proxy; null for another object.
 const ProxyData* proxyData(const AcDbObject& object);
+// The name of its class in drawing files; of a proxy that of the class that it stands for. Holds
+// for as long as the object does.
+SG_API const wchar_t* dxfNameOf(const AcDbObject& object);
 
 // Every object of the class, in all databases, becomes a proxy: the class is about to go.
 void turnIntoProxies(const AcRxClass& descriptor);
@@ -73,6 +82,8 @@ class SG_API AcDbProxyObject : public AcDbObject {
 
     Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
     Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+    // Reads what a drawing file has of an object of a class that is not there.
+    Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
 
     sg::model::ProxyData data;
@@ -106,6 +117,8 @@ class SG_API AcDbProxyEntity : public AcDbEntity {
 
     Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
     Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+    // Reads what a drawing file has of an object of a class that is not there.
+    Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
 
     sg::model::ProxyData data;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "host/model/tables/filing.h"
+
 ACRX_DXF_DEFINE_MEMBERS(AcDbProxyObject, AcDbObject, 0, 0, L"ACAD_PROXY_OBJECT", nullptr)
 ACRX_DXF_DEFINE_MEMBERS(AcDbProxyEntity, AcDbEntity, 0, 0, L"ACAD_PROXY_ENTITY", nullptr)
 
@@ -26,6 +28,19 @@ Acad::ErrorStatus writeProxyGroups(AcDbDxfFiler& filer, const wchar_t* marker, i
     return filer.filerStatus();
 }
 
+// entmod changes what every object has, and leaves the rest.
+void readGroups(AcDbDxfFiler& filer, ProxyData& data) {
+    if (filer.filerType() != AcDb::kFileFiler) return;
+    data.groups.clear();
+    if (auto* const file = dynamic_cast<sg::model::FileGroupsAccess*>(&filer)) {
+        file->readRest(data.groups);
+        return;
+    }
+    resbuf group{};
+    while (filer.readItem(&group) == Acad::eOk)
+        data.groups.append(group);
+}
+
 }  // namespace
 
 // ---- AcDbProxyObject ----------------------------------------------------------------------------
@@ -44,8 +59,15 @@ Acad::ErrorStatus AcDbProxyObject::dwgInFields(AcDbDwgFiler* filer) {
     return status != Acad::eOk ? status : data.dwgIn(*filer);
 }
 
+Acad::ErrorStatus AcDbProxyObject::dxfInFields(AcDbDxfFiler* filer) {
+    const Acad::ErrorStatus status = AcDbObject::dxfInFields(filer);
+    if (status == Acad::eOk) readGroups(*filer, data);
+    return status;
+}
+
 Acad::ErrorStatus AcDbProxyObject::dxfOutFields(AcDbDxfFiler* filer) const {
     AcDbObject::dxfOutFields(filer);
+    if (data.bytes.empty() || !data.groups.empty()) return data.groups.dxfOut(*filer);
     return writeProxyGroups(*filer, L"AcDbProxyObject", 499, data);
 }
 
@@ -135,13 +157,23 @@ Acad::ErrorStatus AcDbProxyEntity::dwgInFields(AcDbDwgFiler* filer) {
     return filer->filerStatus();
 }
 
+Acad::ErrorStatus AcDbProxyEntity::dxfInFields(AcDbDxfFiler* filer) {
+    const Acad::ErrorStatus status = AcDbEntity::dxfInFields(filer);
+    if (status == Acad::eOk) readGroups(*filer, data);
+    return status;
+}
+
 Acad::ErrorStatus AcDbProxyEntity::dxfOutFields(AcDbDxfFiler* filer) const {
     AcDbEntity::dxfOutFields(filer);
+    if (data.bytes.empty() || !data.groups.empty()) return data.groups.dxfOut(*filer);
     return writeProxyGroups(*filer, L"AcDbProxyEntity", 498, data);
 }
 
-Acad::ErrorStatus AcDbProxyEntity::subErase(bool) {
-    return data.allows(kProxyEraseAllowed) ? Acad::eOk : Acad::eCannotBeErasedByCaller;
+Acad::ErrorStatus AcDbProxyEntity::subErase(bool erasing) {
+    if (!data.allows(kProxyEraseAllowed)) return Acad::eCannotBeErasedByCaller;
+    for (const AcDbHardOwnershipId& part : data.parts)
+        sg::model::eraseObject(part, erasing);
+    return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbProxyEntity::subDeepClone(AcDbObject* owner, AcDbObject*& copy,

@@ -112,13 +112,10 @@ void AcDbArc::getEcs(AcGeMatrix3d& matrix) const {
 Acad::ErrorStatus AcDbArc::subTransformBy(const AcGeMatrix3d& transform) {
     assertWriteEnabled();
     const PlanarTransform change(normal_, transform);
-    if (!change.keepsArcs(thickness_)) return Acad::eCannotScaleNonUniformly;
+    CircleFields circle{center_, radius_, normal_, thickness_};
+    if (!circle.transform(transform)) return Acad::eCannotScaleNonUniformly;
     const double start = change.angle(start_);
     const double end = change.angle(end_);
-    center_ = transform * center_;
-    radius_ *= change.scale;
-    normal_ = change.normal;
-    thickness_ *= change.thicknessScale;
     start_ = change.turnsOver ? end : start;
     end_ = change.turnsOver ? start : end;
     return Acad::eOk;
@@ -255,32 +252,14 @@ Acad::ErrorStatus AcDbArc::dxfInFields(AcDbDxfFiler* filer) {
     const Acad::ErrorStatus status = AcDbCurve::dxfInFields(filer);
     if (status != Acad::eOk) return status;
     AcGePoint3d inPlane = AcGeMatrix3d::worldToPlane(normal_) * center_;
+    CircleFields circle{center_, radius_, normal_, thickness_};
     for (const wchar_t* const marker : {L"AcDbCircle", L"AcDbArc"}) {
         if (!filer->atSubclassData(marker)) continue;
         FieldReader fields(filer);
         while (fields.next()) {
-            switch (fields.code()) {
-                case 10:
-                    inPlane = fields.point();
-                    break;
-                case 39:
-                    thickness_ = fields.real();
-                    break;
-                case 40:
-                    radius_ = std::abs(fields.real());
-                    break;
-                case 50:
-                    start_ = normalAngle(fields.real());
-                    break;
-                case 51:
-                    end_ = normalAngle(fields.real());
-                    break;
-                case 210:
-                    setUnit(normal_, fields.vector());
-                    break;
-                default:
-                    break;
-            }
+            if (circle.takeGroup(fields, inPlane)) continue;
+            if (fields.code() == 50) start_ = normalAngle(fields.real());
+            if (fields.code() == 51) end_ = normalAngle(fields.real());
         }
     }
     center_ = AcGeMatrix3d::planeToWorld(normal_) * inPlane;
@@ -291,11 +270,7 @@ Acad::ErrorStatus AcDbArc::dxfOutFields(AcDbDxfFiler* filer) const {
     assertReadEnabled();
     const Acad::ErrorStatus status = AcDbCurve::dxfOutFields(filer);
     if (status != Acad::eOk) return status;
-    filer->writeString(100, L"AcDbCircle");
-    writeThickness(filer, thickness_);
-    filer->writePoint3d(10, AcGeMatrix3d::worldToPlane(normal_) * center_);
-    filer->writeDouble(40, radius_);
-    writeNormal(filer, normal_);
+    writeCircle(filer, center_, radius_, normal_, thickness_);
     filer->writeString(100, L"AcDbArc");
     filer->writeDouble(50, start_);
     filer->writeDouble(51, end_);

@@ -77,13 +77,8 @@ void AcDbCircle::getEcs(AcGeMatrix3d& matrix) const {
 
 Acad::ErrorStatus AcDbCircle::subTransformBy(const AcGeMatrix3d& transform) {
     assertWriteEnabled();
-    const PlanarTransform change(normal_, transform);
-    if (!change.keepsArcs(thickness_)) return Acad::eCannotScaleNonUniformly;
-    center_ = transform * center_;
-    radius_ *= change.scale;
-    normal_ = change.normal;
-    thickness_ *= change.thicknessScale;
-    return Acad::eOk;
+    CircleFields fields{center_, radius_, normal_, thickness_};
+    return fields.transform(transform) ? Acad::eOk : Acad::eCannotScaleNonUniformly;
 }
 
 Acad::ErrorStatus AcDbCircle::subGetTransformedCopy(const AcGeMatrix3d& transform,
@@ -176,25 +171,10 @@ Acad::ErrorStatus AcDbCircle::dxfInFields(AcDbDxfFiler* filer) {
     const Acad::ErrorStatus status = AcDbCurve::dxfInFields(filer);
     if (status != Acad::eOk || !filer->atSubclassData(L"AcDbCircle")) return status;
     AcGePoint3d inPlane = AcGeMatrix3d::worldToPlane(normal_) * center_;
+    CircleFields circle{center_, radius_, normal_, thickness_};
     FieldReader fields(filer);
-    while (fields.next()) {
-        switch (fields.code()) {
-            case 10:
-                inPlane = fields.point();
-                break;
-            case 39:
-                thickness_ = fields.real();
-                break;
-            case 40:
-                radius_ = std::abs(fields.real());
-                break;
-            case 210:
-                setUnit(normal_, fields.vector());
-                break;
-            default:
-                break;
-        }
-    }
+    while (fields.next())
+        circle.takeGroup(fields, inPlane);
     center_ = AcGeMatrix3d::planeToWorld(normal_) * inPlane;
     return filer->filerStatus();
 }
@@ -203,10 +183,6 @@ Acad::ErrorStatus AcDbCircle::dxfOutFields(AcDbDxfFiler* filer) const {
     assertReadEnabled();
     const Acad::ErrorStatus status = AcDbCurve::dxfOutFields(filer);
     if (status != Acad::eOk) return status;
-    filer->writeString(100, L"AcDbCircle");
-    writeThickness(filer, thickness_);
-    filer->writePoint3d(10, AcGeMatrix3d::worldToPlane(normal_) * center_);
-    filer->writeDouble(40, radius_);
-    writeNormal(filer, normal_);
+    writeCircle(filer, center_, radius_, normal_, thickness_);
     return filer->filerStatus();
 }

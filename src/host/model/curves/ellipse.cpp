@@ -9,6 +9,7 @@
 #include "host/model/curves/listing.h"
 #include "host/model/curves/math/angles.h"
 #include "host/model/curves/planar.h"
+#include "host/model/curves/smooth_offset.h"
 #include "host/model/tables/filing.h"
 
 using namespace sg::model;
@@ -136,6 +137,10 @@ Acad::ErrorStatus AcDbEllipse::copyOfArc(const AcDbCurve& arc, const AcGeMatrix3
     ellipse->setPropertiesFrom(&arc);
     copy = ellipse.release();
     return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbEllipse::getOffsetCurves(double distance, AcDbVoidPtrArray& curves) const {
+    return offsetSmoothly(*this, distance, curves);
 }
 
 Acad::ErrorStatus AcDbEllipse::reverseCurve() {

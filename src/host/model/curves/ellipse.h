@@ -43,6 +43,8 @@ class SG_API AcDbEllipse : public AcDbCurve {
     static Acad::ErrorStatus copyOfArc(const AcDbCurve& arc, const AcGeMatrix3d& transform,
                                        AcDbEntity*& copy);
 
+    // Splines; see sg::model::offsetSmoothly.
+    Acad::ErrorStatus getOffsetCurves(double distance, AcDbVoidPtrArray& curves) const override;
     Acad::ErrorStatus reverseCurve() override;  // turns the normal round
     Acad::ErrorStatus extend(double parameter) override;
 

@@ -1,14 +1,18 @@
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <optional>
 
 #include "host/model/curves/geometry_kernel.h"
 #include "host/model/curves/intersect.h"
+#include "host/model/curves/math/roots.h"
 
 // Pairs with an ellipse or a spline are brought into a plane, intersected there by the geometry
 // library, and each place is then sharpened in space. Curves of one plane are seen along its
-// normal; others along a direction in which neither is flat, where they cross wherever they meet,
-// and what only seems to cross is dropped.
+// normal. Of curves in different planes one meets the other only where it goes through the other's
+// plane, which is looked at place by place. Where a curve lies in no plane the two are seen along a
+// direction in which neither is flat, where they cross wherever they meet, and what only seems to
+// cross is dropped.
 
 namespace sg::model {
 
@@ -162,6 +166,107 @@ Meeting sharpened(const Piece& a, const Piece& b, Meeting meeting) {
     return meeting;
 }
 
+// Appends the meeting at a place of the first piece, where the second one runs through it.
+void appendAt(const Piece& a, const Piece& b, double onA, const MeetingTolerance& tolerance,
+              std::vector<Meeting>& meetings) {
+    Meeting meeting = sharpened(a, b, {onA, b.closest(a.at(onA))});
+    if (!bringInside(a, tolerance.merge, meeting.onFirst) ||
+        !bringInside(b, tolerance.merge, meeting.onSecond)) {
+        return;
+    }
+    const double gap = a.at(meeting.onFirst).distanceTo(b.at(meeting.onSecond));
+    if (gap <= 10 * tolerance.touch(tolerance.point)) meetings.push_back(meeting);
+}
+
+constexpr double kAside = 1e-4;  // how far planes and lines are to be from parallel
+
+// A line that goes through the plane of a flat piece; false when it runs along the plane.
+bool meetLineAndFlat(const Piece& line, const Piece& flat, const AcGeVector3d& normal,
+                     const MeetingTolerance& tolerance, std::vector<Meeting>& meetings) {
+    const double rise = line.u.dotProduct(normal);
+    if (std::abs(rise) <= kAside * line.u.length()) return false;
+    const double t = (flat.start() - line.origin).dotProduct(normal) / rise;
+    if (t < line.first - 1 || t > line.last + 1) return true;
+    appendAt(line, flat, t, tolerance, meetings);
+    return true;
+}
+
+// Two flat pieces meet on the line that their planes share; false for planes that are parallel.
+bool meetFlats(const Piece& a, const AcGeVector3d& normalA, const Piece& b,
+               const AcGeVector3d& normalB, const MeetingTolerance& tolerance,
+               std::vector<Meeting>& meetings) {
+    constexpr double kEndless = std::numeric_limits<double>::infinity();
+    const AcGeVector3d along = normalA.crossProduct(normalB);
+    const double sine = along.length();
+    if (sine <= kAside) return false;
+    // From a's start within its plane up to b's.
+    const AcGeVector3d across = along.crossProduct(normalA) / sine;
+    const double way = (b.start() - a.start()).dotProduct(normalB) / across.dotProduct(normalB);
+    const Piece shared = Piece::line(a.start() + across * way, along / sine, -kEndless, kEndless);
+    std::vector<Meeting> places;
+    meetPieces(a, shared, places);
+    for (const Meeting& place : places)
+        appendAt(a, b, place.onFirst, tolerance, meetings);
+    return true;
+}
+
+// Appends where a piece that lies in no plane goes through the plane of the other one; of a line,
+// through a plane that it lies in.
+void meetThroughPlane(const Piece& spatial, const Piece& other, const AcGeVector3d& normal,
+                      const MeetingTolerance& tolerance, std::vector<Meeting>& meetings) {
+    constexpr int kParts = 24;
+    const AcGePoint3d on = other.kind == Piece::Kind::Line ? other.origin : other.start();
+    const auto height = [&](double t) { return (spatial.at(t) - on).dotProduct(normal); };
+    const std::vector<double> stops = spatial.samples();
+    for (size_t i = 1; i < stops.size(); ++i) {
+        double low = stops[i - 1];
+        double atLow = height(low);
+        for (int part = 1; part <= kParts; ++part) {
+            const double high = stops[i - 1] + (stops[i] - stops[i - 1]) * part / kParts;
+            const double atHigh = height(high);
+            if ((atLow < 0) != (atHigh < 0)) {
+                appendAt(spatial, other, bisect(height, low, high, atLow), tolerance, meetings);
+            }
+            low = high;
+            atLow = atHigh;
+        }
+    }
+}
+
+// The plane of a flat piece, or one of those through a line; none for a piece that lies in none.
+std::optional<AcGeVector3d> planeOf(const Piece& piece) {
+    if (piece.kind == Piece::Kind::Line) return piece.u.perpVector();
+    return normalOf(piece);
+}
+
+void exchange(std::vector<Meeting>& from, std::vector<Meeting>& to) {
+    for (const Meeting& meeting : from)
+        to.push_back({meeting.onSecond, meeting.onFirst});
+}
+
+bool meetAcrossPlanes(const Piece& a, const Piece& b, const MeetingTolerance& tolerance,
+                      std::vector<Meeting>& meetings) {
+    const auto normalA = normalOf(a);
+    const auto normalB = normalOf(b);
+    if (normalA && normalB) return meetFlats(a, *normalA, b, *normalB, tolerance, meetings);
+    if (a.kind == Piece::Kind::Line && normalB) {
+        return meetLineAndFlat(a, b, *normalB, tolerance, meetings);
+    }
+    std::vector<Meeting> crossings;
+    if (const auto plane = planeOf(b); plane && !planeOf(a)) {
+        meetThroughPlane(a, b, *plane, tolerance, meetings);
+    } else if (const auto other = planeOf(a); other && !planeOf(b)) {
+        meetThroughPlane(b, a, *other, tolerance, crossings);
+        exchange(crossings, meetings);
+    }
+    // Touches, which cross no plane, are left to the library.
+    if (b.kind != Piece::Kind::Line || !normalA) return false;
+    std::vector<Meeting> exchanged;
+    const bool done = meetLineAndFlat(b, a, *normalA, tolerance, exchanged);
+    exchange(exchanged, meetings);
+    return done;
+}
+
 // The pieces between the knots, each of which is smooth.
 std::vector<Piece> smoothParts(const Piece& piece) {
     if (piece.kind != Piece::Kind::Spline) return {piece};
@@ -207,6 +312,7 @@ void meetByKernel(const Piece& a, const Piece& b, const MeetingTolerance& tolera
         (b.kind == Piece::Kind::Line && b.u.lengthSqrd() == 0)) {
         return;
     }
+    if (meetAcrossPlanes(a, b, tolerance, meetings)) return;
     const GeometryKernel* const kernel = geometryKernel();
     if (kernel == nullptr) return;
     const AcGeMatrix3d toPlane = AcGeMatrix3d::worldToPlane(sightFor(a, b, tolerance.point * 10));

@@ -1,4 +1,5 @@
 #include <cmath>
+#include <vector>
 
 #include "host/model/curves/bulge_path.h"
 #include "platform/db/polyline.h"
@@ -7,16 +8,11 @@ using namespace sg::model;
 
 namespace {
 
-// What moves the middle of a segment.
-void moveMiddle(BulgePath& path, size_t segment, const AcGeVector2d& offset) {
+// What moving the middle of an arc makes of it.
+void bend(BulgePath& path, size_t segment, const AcGeVector2d& offset) {
     BulgeVertex& from = path.vertices[segment];
-    BulgeVertex& to = path.vertices[(segment + 1) % path.vertices.size()];
+    const BulgeVertex& to = path.vertices[(segment + 1) % path.vertices.size()];
     const Piece piece = path.segmentInPlane(segment);
-    if (piece.kind == Piece::Kind::Line) {
-        from.point += offset;
-        to.point += offset;
-        return;
-    }
     const AcGePoint3d middle = piece.at((piece.first + piece.last) / 2);
     from.bulge = bulgeThrough(from.point, AcGePoint2d(middle.x, middle.y) + offset, to.point);
 }
@@ -44,15 +40,28 @@ Acad::ErrorStatus AcDbPolyline::subMoveGripPointsAt(const AcDbIntArray& indices,
     assertWriteEnabled();
     const AcGeVector2d own = inPlane(normal_, offset);
     BulgePath whole = path();
-    const int count = static_cast<int>(whole.vertices.size());
+    const size_t count = whole.vertices.size();
+    std::vector<bool> moves(count, false);
+    std::vector<size_t> bent;
     for (const int index : indices) {
-        if (index < 0) continue;
-        if (index < count) {
-            whole.vertices[static_cast<size_t>(index)].point += own;
-        } else if (static_cast<size_t>(index - count) < whole.segments()) {
-            moveMiddle(whole, static_cast<size_t>(index - count), own);
+        const auto grip = static_cast<size_t>(index);
+        if (index < 0 || grip >= count + whole.segments()) continue;
+        const size_t segment = grip - count;
+        if (grip < count) {
+            moves[grip] = true;
+        } else if (whole.segmentInPlane(segment).kind == Piece::Kind::Line) {
+            moves[segment] = moves[(segment + 1) % count] = true;
+        } else {
+            bent.push_back(segment);
         }
     }
+    // An arc that moves with both its ends keeps its form.
+    std::erase_if(bent, [&](size_t s) { return moves[s] && moves[(s + 1) % count]; });
+    for (size_t i = 0; i < count; ++i) {
+        if (moves[i]) whole.vertices[i].point += own;
+    }
+    for (const size_t segment : bent)
+        bend(whole, segment, own);
     setPath(whole);
     return Acad::eOk;
 }

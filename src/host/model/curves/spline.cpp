@@ -4,6 +4,7 @@
 
 #include "host/model/curves/listing.h"
 #include "host/model/curves/math/shape.h"
+#include "host/model/curves/smooth_offset.h"
 
 using namespace sg::model;
 
@@ -149,6 +150,10 @@ AcDbCurve* AcDbSpline::subPart(double from, double to) const {
     auto* const part = new AcDbSpline;
     part->curve_ = curve_.part(from, to);
     return part;
+}
+
+Acad::ErrorStatus AcDbSpline::getOffsetCurves(double distance, AcDbVoidPtrArray& curves) const {
+    return offsetSmoothly(*this, distance, curves);
 }
 
 Acad::ErrorStatus AcDbSpline::reverseCurve() {

@@ -44,6 +44,8 @@ class SG_API AcDbSpline : public AcDbCurve {
     double fitTolerance() const { return fitTolerance_; }
     Acad::ErrorStatus purgeFitData();
 
+    // Splines; see sg::model::offsetSmoothly.
+    Acad::ErrorStatus getOffsetCurves(double distance, AcDbVoidPtrArray& curves) const override;
     Acad::ErrorStatus reverseCurve() override;
 
     Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;

@@ -3,6 +3,8 @@
 #include <array>
 
 #include "host/model/entities/annotative.h"
+#include "host/model/entities/dimension/dimension.h"
+#include "host/model/entities/hatch.h"
 #include "host/model/tables/dim_style_table.h"
 #include "host/model/tables/references.h"
 #include "platform/db/attribute.h"
@@ -46,13 +48,15 @@ class AnnotativeExtension final : public AcDbAnnotativeObjectPE {
     }
 };
 
-std::array<AcRxClass*, 8> annotativeClasses() {
+std::array<AcRxClass*, 10> annotativeClasses() {
     return {AcDbText::desc(),
             AcDbMText::desc(),
             AcDbAttributeDefinition::desc(),
             AcDbBlockReference::desc(),
             AcDbBlockTableRecord::desc(),
             AcDbLeader::desc(),
+            AcDbDimension::desc(),
+            AcDbHatch::desc(),
             AcDbTextStyleTableRecord::desc(),
             AcDbDimStyleTableRecord::desc()};
 }

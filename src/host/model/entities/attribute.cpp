@@ -1,8 +1,9 @@
 #include "platform/db/attribute.h"
 
+#include "base/text.h"
+#include "host/model/curves/filing_groups.h"
 #include "host/model/entities/text_drawing.h"
 #include "host/model/tables/filing.h"
-#include "host/model/tables/names.h"
 
 using sg::model::FieldReader;
 
@@ -11,16 +12,68 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbAttribute, AcDbText, 0, 0, L"ATTRIB", nullptr)
 
 namespace {
 
-enum Flag : int16_t { kInvisible = 1, kConstant = 2, kVerifiable = 4, kPreset = 8 };
-
 // Of what the class files; its group comes again, behind the others, with another meaning.
 constexpr int16_t kVersion = 0;
 
-int16_t withFlag(int16_t flags, int16_t flag, bool on) {
-    return static_cast<int16_t>(on ? flags | flag : flags & ~flag);
+}  // namespace
+
+// ---- What both have -----------------------------------------------------------------------------
+
+namespace sg::model {
+
+void AttributeFields::set(Flag flag, bool on) {
+    flags = static_cast<int16_t>(on ? flags | flag : flags & ~flag);
 }
 
-}  // namespace
+void AttributeFields::setTag(const wchar_t* text) {
+    tag = upperCased(text == nullptr ? L"" : text);
+}
+
+Acad::ErrorStatus AttributeFields::dwgOut(AcDbDwgFiler* filer) const {
+    filer->writeString(tag);
+    filer->writeInt16(flags);
+    filer->writeUInt16(fieldLength);
+    return filer->writeBool(lockPosition);
+}
+
+Acad::ErrorStatus AttributeFields::dwgIn(AcDbDwgFiler* filer) {
+    filer->readString(tag);
+    filer->readInt16(&flags);
+    filer->readUInt16(&fieldLength);
+    return filer->readBool(&lockPosition);
+}
+
+void AttributeFields::dxfOut(AcDbDxfFiler* filer, int verticalMode) const {
+    filer->writeString(2, tag);
+    filer->writeInt16(70, flags);
+    const bool all = sg::model::showsDefaults(filer);
+    if (all || fieldLength != 0) filer->writeInt16(73, static_cast<int16_t>(fieldLength));
+    if (all || verticalMode != AcDb::kTextBase) {
+        filer->writeInt16(74, static_cast<int16_t>(verticalMode));
+    }
+    if (filer->dwgVersion() >= AcDb::kDHL_1021) filer->writeInt16(280, lockPosition ? 1 : 0);
+}
+
+void AttributeFields::takeGroup(const FieldReader& field) {
+    switch (field.code()) {
+        case 2:
+            setTag(field.text().c_str());
+            break;
+        case 70:
+            flags = static_cast<int16_t>(field.integer());
+            break;
+        case 73:
+            fieldLength = static_cast<uint16_t>(field.integer());
+            break;
+        case 280:
+            lockPosition = field.flag();
+            break;
+        default:
+            break;
+    }
+}
+
+}  // namespace sg::model
 
 // ---- Definitions --------------------------------------------------------------------------------
 
@@ -28,9 +81,9 @@ AcDbAttributeDefinition::AcDbAttributeDefinition() = default;
 AcDbAttributeDefinition::AcDbAttributeDefinition(const AcGePoint3d& position, const wchar_t* text,
                                                  const wchar_t* tag, const wchar_t* prompt,
                                                  AcDbObjectId style)
-    : AcDbText(position, text, style),
-      prompt_(prompt == nullptr ? L"" : prompt),
-      tag_(sg::model::foldName(tag == nullptr ? L"" : tag)) {}
+    : AcDbText(position, text, style), prompt_(prompt == nullptr ? L"" : prompt) {
+    fields_.setTag(tag);
+}
 AcDbAttributeDefinition::~AcDbAttributeDefinition() = default;
 
 Acad::ErrorStatus AcDbAttributeDefinition::setPrompt(const wchar_t* prompt) {
@@ -42,49 +95,49 @@ Acad::ErrorStatus AcDbAttributeDefinition::setPrompt(const wchar_t* prompt) {
 Acad::ErrorStatus AcDbAttributeDefinition::setTag(const wchar_t* tag) {
     if (tag == nullptr) return Acad::eInvalidInput;
     assertWriteEnabled();
-    tag_ = sg::model::foldName(tag);
+    fields_.setTag(tag);
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbAttributeDefinition::setInvisible(bool invisible) {
     assertWriteEnabled();
-    flags_ = withFlag(flags_, kInvisible, invisible);
+    fields_.set(Fields::kInvisible, invisible);
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbAttributeDefinition::setConstant(bool constant) {
     assertWriteEnabled();
-    flags_ = withFlag(flags_, kConstant, constant);
+    fields_.set(Fields::kConstant, constant);
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbAttributeDefinition::setVerifiable(bool verifiable) {
     assertWriteEnabled();
-    flags_ = withFlag(flags_, kVerifiable, verifiable);
+    fields_.set(Fields::kVerifiable, verifiable);
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbAttributeDefinition::setPreset(bool preset) {
     assertWriteEnabled();
-    flags_ = withFlag(flags_, kPreset, preset);
+    fields_.set(Fields::kPreset, preset);
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbAttributeDefinition::setFieldLength(uint16_t length) {
     assertWriteEnabled();
-    fieldLength_ = length;
+    fields_.fieldLength = length;
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbAttributeDefinition::setLockPositionInBlock(bool lock) {
     assertWriteEnabled();
-    lockPosition_ = lock;
+    fields_.lockPosition = lock;
     return Acad::eOk;
 }
 
 bool AcDbAttributeDefinition::subWorldDraw(AcGiWorldDraw* draw) {
     assertReadEnabled();
-    sg::model::drawLine(*draw, isConstant() ? textString() : tag_,
+    sg::model::drawLine(*draw, isConstant() ? textString() : tag(),
                         {position(), normal(), rotation()}, drawingStyle());
     return true;
 }
@@ -92,31 +145,22 @@ bool AcDbAttributeDefinition::subWorldDraw(AcGiWorldDraw* draw) {
 Acad::ErrorStatus AcDbAttributeDefinition::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbText::dwgOutFields(filer);
     filer->writeString(prompt_);
-    filer->writeString(tag_);
-    filer->writeInt16(flags_);
-    filer->writeUInt16(fieldLength_);
-    return filer->writeBool(lockPosition_);
+    return fields_.dwgOut(filer);
 }
 
 Acad::ErrorStatus AcDbAttributeDefinition::dwgInFields(AcDbDwgFiler* filer) {
     AcDbText::dwgInFields(filer);
     filer->readString(prompt_);
-    filer->readString(tag_);
-    filer->readInt16(&flags_);
-    filer->readUInt16(&fieldLength_);
-    return filer->readBool(&lockPosition_);
+    return fields_.dwgIn(filer);
 }
 
 Acad::ErrorStatus AcDbAttributeDefinition::dxfOutFields(AcDbDxfFiler* filer) const {
     dxfOutText(filer);
     filer->writeString(100, L"AcDbAttributeDefinition");
-    filer->writeInt16(280, kVersion);
+    if (filer->dwgVersion() >= AcDb::kDHL_1024) filer->writeInt16(280, kVersion);
     filer->writeString(3, prompt_);
-    filer->writeString(2, tag_);
-    filer->writeInt16(70, flags_);
-    filer->writeInt16(73, static_cast<int16_t>(fieldLength_));
-    filer->writeInt16(74, static_cast<int16_t>(verticalMode()));
-    return filer->writeInt16(280, lockPosition_ ? 1 : 0);
+    fields_.dxfOut(filer, verticalMode());
+    return filer->filerStatus();
 }
 
 Acad::ErrorStatus AcDbAttributeDefinition::dxfInFields(AcDbDxfFiler* filer) {
@@ -125,28 +169,9 @@ Acad::ErrorStatus AcDbAttributeDefinition::dxfInFields(AcDbDxfFiler* filer) {
     if (!filer->atSubclassData(L"AcDbAttributeDefinition")) return Acad::eBadDxfSequence;
     FieldReader fields(filer);
     while (fields.next()) {
-        switch (fields.code()) {
-            case 3:
-                prompt_ = fields.text();
-                break;
-            case 2:
-                tag_ = sg::model::foldName(fields.text());
-                break;
-            case 70:
-                flags_ = static_cast<int16_t>(fields.integer());
-                break;
-            case 73:
-                fieldLength_ = static_cast<uint16_t>(fields.integer());
-                break;
-            case 74:
-                takeVerticalMode(fields.integer());
-                break;
-            case 280:
-                lockPosition_ = fields.flag();
-                break;
-            default:
-                break;
-        }
+        if (fields.code() == 3) prompt_ = fields.text();
+        if (fields.code() == 74) takeVerticalMode(fields.integer());
+        fields_.takeGroup(fields);
     }
     if (filer->filerType() == AcDb::kBagFiler) adjustAlignment(filer->database());
     return filer->filerStatus();
@@ -157,25 +182,27 @@ Acad::ErrorStatus AcDbAttributeDefinition::dxfInFields(AcDbDxfFiler* filer) {
 AcDbAttribute::AcDbAttribute() = default;
 AcDbAttribute::AcDbAttribute(const AcGePoint3d& position, const wchar_t* text, const wchar_t* tag,
                              AcDbObjectId style)
-    : AcDbText(position, text, style), tag_(sg::model::foldName(tag == nullptr ? L"" : tag)) {}
+    : AcDbText(position, text, style) {
+    fields_.setTag(tag);
+}
 AcDbAttribute::~AcDbAttribute() = default;
 
 Acad::ErrorStatus AcDbAttribute::setTag(const wchar_t* tag) {
     if (tag == nullptr) return Acad::eInvalidInput;
     assertWriteEnabled();
-    tag_ = sg::model::foldName(tag);
+    fields_.setTag(tag);
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbAttribute::setInvisible(bool invisible) {
     assertWriteEnabled();
-    flags_ = withFlag(flags_, kInvisible, invisible);
+    fields_.set(Fields::kInvisible, invisible);
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbAttribute::setFieldLength(uint16_t length) {
     assertWriteEnabled();
-    fieldLength_ = length;
+    fields_.fieldLength = length;
     return Acad::eOk;
 }
 
@@ -199,14 +226,7 @@ Acad::ErrorStatus AcDbAttribute::setAttributeFromBlock(const AcDbAttributeDefini
     setVerticalMode(definition->verticalMode());
     if (!isDefaultAlignment()) setAlignmentPoint(definition->alignmentPoint());
     setPosition(definition->position());
-    tag_ = definition->tag();
-    flags_ = 0;
-    flags_ = withFlag(flags_, kInvisible, definition->isInvisible());
-    flags_ = withFlag(flags_, kConstant, definition->isConstant());
-    flags_ = withFlag(flags_, kVerifiable, definition->isVerifiable());
-    flags_ = withFlag(flags_, kPreset, definition->isPreset());
-    fieldLength_ = definition->fieldLength();
-    lockPosition_ = definition->lockPositionInBlock();
+    fields_ = definition->fields_;
     return transformBy(blockTransform);
 }
 
@@ -216,29 +236,20 @@ bool AcDbAttribute::subWorldDraw(AcGiWorldDraw* draw) {
 
 Acad::ErrorStatus AcDbAttribute::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbText::dwgOutFields(filer);
-    filer->writeString(tag_);
-    filer->writeInt16(flags_);
-    filer->writeUInt16(fieldLength_);
-    return filer->writeBool(lockPosition_);
+    return fields_.dwgOut(filer);
 }
 
 Acad::ErrorStatus AcDbAttribute::dwgInFields(AcDbDwgFiler* filer) {
     AcDbText::dwgInFields(filer);
-    filer->readString(tag_);
-    filer->readInt16(&flags_);
-    filer->readUInt16(&fieldLength_);
-    return filer->readBool(&lockPosition_);
+    return fields_.dwgIn(filer);
 }
 
 Acad::ErrorStatus AcDbAttribute::dxfOutFields(AcDbDxfFiler* filer) const {
     dxfOutText(filer);
     filer->writeString(100, L"AcDbAttribute");
-    filer->writeInt16(280, kVersion);
-    filer->writeString(2, tag_);
-    filer->writeInt16(70, flags_);
-    filer->writeInt16(73, static_cast<int16_t>(fieldLength_));
-    filer->writeInt16(74, static_cast<int16_t>(verticalMode()));
-    return filer->writeInt16(280, lockPosition_ ? 1 : 0);
+    if (filer->dwgVersion() >= AcDb::kDHL_1024) filer->writeInt16(280, kVersion);
+    fields_.dxfOut(filer, verticalMode());
+    return filer->filerStatus();
 }
 
 Acad::ErrorStatus AcDbAttribute::dxfInFields(AcDbDxfFiler* filer) {
@@ -247,25 +258,8 @@ Acad::ErrorStatus AcDbAttribute::dxfInFields(AcDbDxfFiler* filer) {
     if (!filer->atSubclassData(L"AcDbAttribute")) return Acad::eBadDxfSequence;
     FieldReader fields(filer);
     while (fields.next()) {
-        switch (fields.code()) {
-            case 2:
-                tag_ = sg::model::foldName(fields.text());
-                break;
-            case 70:
-                flags_ = static_cast<int16_t>(fields.integer());
-                break;
-            case 73:
-                fieldLength_ = static_cast<uint16_t>(fields.integer());
-                break;
-            case 74:
-                takeVerticalMode(fields.integer());
-                break;
-            case 280:
-                lockPosition_ = fields.flag();
-                break;
-            default:
-                break;
-        }
+        if (fields.code() == 74) takeVerticalMode(fields.integer());
+        fields_.takeGroup(fields);
     }
     if (filer->filerType() == AcDb::kBagFiler) adjustAlignment(filer->database());
     return filer->filerStatus();

@@ -231,6 +231,7 @@ bool AcDbHatch::Groups::takeHead(const FieldReader& field) {
 bool AcDbHatch::Groups::takeLoopStart(const FieldReader& field) {
     if (field.code() == 91) {
         hatch.loops_.clear();
+        part = Part::Head;
         return true;
     }
     if (field.code() != 92) return false;

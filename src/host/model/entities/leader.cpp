@@ -1,12 +1,14 @@
 #include "platform/db/leader.h"
 
 #include <array>
+#include <optional>
 
 #include "host/model/curves/curve_access.h"
 #include "host/model/curves/filing_groups.h"
 #include "host/model/curves/listing.h"
 #include "host/model/curves/math/shape.h"
 #include "host/model/curves/spline.h"
+#include "host/model/entities/solid.h"
 #include "host/model/tables/dim_style_table.h"
 #include "host/model/tables/filing.h"
 #include "host/model/tables/references.h"
@@ -23,6 +25,16 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbLeader, AcDbCurve, 0, 0, L"LEADER", nullptr)
 namespace {
 
 constexpr int16_t kNoAnnotation = 3;
+
+// A filled arrow, a third as wide as it is long; none on a first piece that is too short for it.
+std::optional<std::array<AcGePoint3d, 3>> arrowHead(const AcGePoint3d& tip, const AcGePoint3d& next,
+                                                    const AcGeVector3d& normal, double size) {
+    const AcGeVector3d along = next - tip;
+    if (size <= 0 || along.length() < 2 * size) return std::nullopt;
+    const AcGeVector3d back = along.normal() * size;
+    const AcGeVector3d side = normal.crossProduct(along).normal() * (size / 6);
+    return std::array<AcGePoint3d, 3>{tip, tip + back + side, tip + back - side};
+}
 
 }  // namespace
 
@@ -146,20 +158,15 @@ AcDbCurve* AcDbLeader::subPart(double, double) const {
     return nullptr;
 }
 
-// A filled arrow, a third as wide as it is long.
 bool AcDbLeader::subWorldDraw(AcGiWorldDraw* draw) {
     AcDbCurve::subWorldDraw(draw);
     const double size = dimasz() * (dimscale() == 0 ? 1 : dimscale());
-    if (!arrow_ || vertices_.size() < 2 || size <= 0) return true;
-    const AcGeVector3d along = vertices_[1] - vertices_[0];
-    if (along.length() < 2 * size) return true;
-    const AcGeVector3d back = along.normal() * size;
-    const AcGeVector3d side = normal_.crossProduct(along).normal() * (size / 6);
-    const std::array<AcGePoint3d, 3> head = {vertices_[0], vertices_[0] + back + side,
-                                             vertices_[0] + back - side};
+    if (!arrow_ || vertices_.size() < 2) return true;
+    const auto head = arrowHead(vertices_[0], vertices_[1], normal_, size);
+    if (!head) return true;
     const AcGiFillType fill = draw->subEntityTraits().fillType();
     draw->subEntityTraits().setFillType(kAcGiFillAlways);
-    draw->geometry().polygon(3, head.data());
+    draw->geometry().polygon(3, head->data());
     draw->subEntityTraits().setFillType(fill);
     return true;
 }
@@ -204,15 +211,29 @@ Acad::ErrorStatus AcDbLeader::subMoveStretchPointsAt(const AcDbIntArray& indices
     return Acad::eOk;
 }
 
-// The arrow goes: what is left is the line.
+// The line as it is, and the arrow.
 Acad::ErrorStatus AcDbLeader::subExplode(AcDbVoidPtrArray& entities) const {
     assertReadEnabled();
     if (vertices_.size() < 2) return Acad::eCannotExplodeEntity;
-    for (size_t i = 0; i + 1 < vertices_.size(); ++i) {
-        auto* const line = new AcDbLine(vertices_[i], vertices_[i + 1]);
-        line->setPropertiesFrom(this);
-        entities.append(line);
+    const auto add = [&](AcDbEntity* part) {
+        part->setPropertiesFrom(this);
+        entities.append(part);
+    };
+    if (splined_ && vertices_.size() > 2) {
+        AcGePoint3dArray points;
+        for (const AcGePoint3d& vertex : vertices_)
+            points.append(vertex);
+        add(new AcDbSpline(points));
+    } else {
+        for (size_t i = 0; i + 1 < vertices_.size(); ++i)
+            add(new AcDbLine(vertices_[i], vertices_[i + 1]));
     }
+    const double size = dimasz() * (dimscale() == 0 ? 1 : dimscale());
+    const auto head = arrowHead(vertices_[0], vertices_[1], normal_, size);
+    if (!arrow_ || !head) return Acad::eOk;
+    auto* const solid = new AcDbSolid((*head)[1], (*head)[2], (*head)[0], (*head)[0]);
+    solid->setNormal(normal_);
+    add(solid);
     return Acad::eOk;
 }
 

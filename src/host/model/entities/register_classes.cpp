@@ -2,6 +2,8 @@
 
 #include "host/model/entities/dimension/kinds.h"
 #include "host/model/entities/hatch.h"
+#include "host/model/entities/image.h"
+#include "host/model/entities/ole_frame.h"
 #include "host/model/entities/solid.h"
 #include "platform/db/annotative.h"
 #include "platform/db/attribute.h"
@@ -28,6 +30,8 @@ void registerEntityClasses() {
     registerAll<AcDbDimension, AcDbAlignedDimension, AcDbRotatedDimension,
                 AcDb2LineAngularDimension, AcDb3PointAngularDimension, AcDbArcDimension,
                 AcDbRadialDimension, AcDbDiametricDimension, AcDbOrdinateDimension>();
+    registerAll<AcDbRasterImage, AcDbWipeout, AcDbRasterImageDef, AcDbRasterImageDefReactor,
+                AcDbRasterVariables, AcDbWipeoutVariables, AcDbOle2Frame, AcDbOleFrame>();
     AcDbAnnotativeObjectPE::rxInit();
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/db/attribute.h"
 #include "platform/db/database.h"
+#include "platform/db/sortents.h"
 
 namespace sg::model {
 
@@ -42,15 +43,32 @@ void takeLooks(AcDbEntity& entity, const AcDbEntity& whole) {
     if (entity.lineWeight() == AcDb::kLnWtByBlock) entity.setLineWeight(whole.lineWeight());
 }
 
+std::vector<AcDbObjectId> drawOrder(AcDbBlockTableRecord& block) {
+    std::vector<AcDbObjectId> order;
+    AcDbSortentsTable* table = nullptr;
+    if (!block.extensionDictionary().isNull() && block.getSortentsTable(table) == Acad::eOk) {
+        AcDbObjectIdArray ids;
+        const Acad::ErrorStatus status = table->getFullDrawOrder(ids);
+        table->close();
+        order.assign(ids.begin(), ids.end());
+        if (status == Acad::eOk) return order;
+    }
+    order.clear();
+    for (const AcDbObjectId id : block.entityIds()) {
+        if (!id.isErased()) order.push_back(id);
+    }
+    return order;
+}
+
 void drawBlock(AcGiWorldDraw* draw, AcDbObjectId block, const AcGeMatrix3d& transform) {
     const Nesting nesting;
     AcDbBlockTableRecord* record = nullptr;
     if (Nesting::isTooDeep() || acdbOpenObject(record, block) != Acad::eOk) return;
     AcGiGeometry& geometry = draw->geometry();
     geometry.pushModelTransform(transform);
-    for (auto each = record->newIterator(); !each->done(); each->step()) {
+    for (const AcDbObjectId id : drawOrder(*record)) {
         AcDbEntity* entity = nullptr;
-        if (each->getEntity(entity) != Acad::eOk) continue;
+        if (acdbOpenObject(entity, id) != Acad::eOk) continue;
         if (entity->visibility() == AcDb::kVisible && showsInReferences(*entity)) {
             geometry.draw(entity);
         }

@@ -2,12 +2,19 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "platform/db/entity.h"
 #include "platform/gi/draw.h"
 
+class AcDbBlockTableRecord;
+
 // A block as an entity shows it: block references and dimensions.
 namespace sg::model {
+
+// The block's entities in the order of drawing, bottom first; the block is open. Erased ones are
+// left out.
+SG_API std::vector<AcDbObjectId> drawOrder(AcDbBlockTableRecord& block);
 
 // Draws what shows of the block, through the transform. A block that shows itself ends at a depth.
 void drawBlock(AcGiWorldDraw* draw, AcDbObjectId block, const AcGeMatrix3d& transform);

@@ -182,6 +182,7 @@ void AcDbViewport::visitFields(Visitor&& visit) {
     visit(width_);
     visit(height_);
     visit(number_);
+    visit(sheetNumber_);
     visit(statusFlags_);
     visit(direction_);
     visit(viewHeight_);
@@ -268,7 +269,7 @@ Acad::ErrorStatus AcDbViewport::dxfOutFields(AcDbDxfFiler* filer) const {
     filer->writeDouble(40, width_);
     filer->writeDouble(41, height_);
     filer->writeInt16(68, number_);
-    filer->writeInt16(69, number_ < 1 ? int16_t(1) : number_);
+    filer->writeInt16(69, sheetNumber_ > 0 ? sheetNumber_ : std::max(number_, int16_t(1)));
     filer->writePoint2d(12, viewCenter_);
     filer->writePoint2d(13, snapBase_);
     filer->writePoint2d(14, snapSpacing_);
@@ -332,6 +333,9 @@ void AcDbViewport::takeField(AcDbDxfFiler* filer, const resbuf& group) {
             break;
         case 68:
             number_ = static_cast<int16_t>(field.integer());
+            break;
+        case 69:
+            sheetNumber_ = static_cast<int16_t>(field.integer());
             break;
         case 12:
             viewCenter_ = field.point2d();

@@ -1,13 +1,13 @@
 #include "platform/db/dictionary.h"
 
+#include <algorithm>
 #include <unordered_map>
 
+#include "base/text.h"
 #include "host/model/tables/filing.h"
-#include "host/model/tables/names.h"
 #include "platform/db/database.h"
 
 using sg::model::FieldReader;
-using sg::model::foldName;
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbDictionary, AcDbObject, 0, 0, L"DICTIONARY", nullptr)
 
@@ -24,12 +24,12 @@ struct AcDbDictionary::Entries {
     size_t gone = 0;
 
     const Entry* find(std::wstring_view name) const {
-        const auto found = places.find(foldName(name));
+        const auto found = places.find(sg::upperCased(name));
         return found == places.end() ? nullptr : &list[found->second];
     }
 
     void set(std::wstring_view name, AcDbObjectId id) {
-        const auto [place, added] = places.try_emplace(foldName(name), list.size());
+        const auto [place, added] = places.try_emplace(sg::upperCased(name), list.size());
         if (added) {
             list.push_back({std::wstring(name), id});
         } else {
@@ -38,17 +38,17 @@ struct AcDbDictionary::Entries {
     }
 
     void remove(std::wstring_view name) {
-        const auto found = places.find(foldName(name));
+        const auto found = places.find(sg::upperCased(name));
         list[found->second].id.setNull();
         places.erase(found);
         if (++gone > list.size() / 2) sweep();
     }
 
     void rename(const std::wstring& oldName, const std::wstring& newName) {
-        const auto found = places.find(foldName(oldName));
+        const auto found = places.find(sg::upperCased(oldName));
         const size_t place = found->second;
         places.erase(found);
-        places[foldName(newName)] = place;
+        places[sg::upperCased(newName)] = place;
         list[place].name = newName;
     }
 
@@ -71,7 +71,7 @@ struct AcDbDictionary::Entries {
         std::erase_if(list, [](const Entry& entry) { return entry.id.isNull(); });
         places.clear();
         for (size_t i = 0; i < list.size(); ++i)
-            places[foldName(list[i].name)] = i;
+            places[sg::upperCased(list[i].name)] = i;
         gone = 0;
     }
 };
@@ -201,7 +201,7 @@ Acad::ErrorStatus AcDbDictionary::remove(AcDbObjectId id) {
 
 bool AcDbDictionary::setName(const wchar_t* oldName, const wchar_t* newName) {
     if (newName == nullptr || *newName == 0 || !has(oldName)) return false;
-    const bool sameEntry = foldName(oldName) == foldName(newName);
+    const bool sameEntry = sg::upperCased(oldName) == sg::upperCased(newName);
     if (!sameEntry && has(newName)) return false;
     assertWriteEnabled();
     if (!sameEntry && entries_->find(newName) != nullptr) entries_->remove(newName);
@@ -227,6 +227,20 @@ std::unique_ptr<AcDbDictionaryIterator> AcDbDictionary::newIterator() const {
         iterator->add(entries_->list[at].name, entries_->list[at].id);
     }
     return iterator;
+}
+
+AcDbObjectId AcDbDictionary::objectAfter(AcDbObjectId id) const {
+    assertReadEnabled();
+    const std::vector<Entries::Entry>& list = entries_->list;
+    size_t next = 0;
+    if (!id.isNull()) {
+        const auto at = std::find_if(list.begin(), list.end(),
+                                     [&](const Entries::Entry& entry) { return entry.id == id; });
+        if (at == list.end()) return {};
+        next = static_cast<size_t>(at - list.begin()) + 1;
+    }
+    next = entries_->nextFrom(next);
+    return next < list.size() ? list[next].id : AcDbObjectId();
 }
 
 Acad::ErrorStatus AcDbDictionary::dwgOutFields(AcDbDwgFiler* filer) const {

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "host/model/tables/filing.h"
+#include "host/model/tables/references.h"
 
 using sg::model::FieldRow;
 
@@ -26,6 +27,18 @@ std::span<const FieldRow> rows() {
 
 AcDbDimStyleTable::AcDbDimStyleTable() = default;
 AcDbDimStyleTable::~AcDbDimStyleTable() = default;
+
+// The table names its records once more.
+Acad::ErrorStatus AcDbDimStyleTable::dxfOutFields(AcDbDxfFiler* filer) const {
+    AcDbSymbolTable::dxfOutFields(filer);
+    if (filer->filerType() != AcDb::kFileFiler) return filer->filerStatus();
+    filer->writeString(100, L"AcDbDimStyleTable");
+    filer->writeInt16(71, static_cast<int16_t>(numRecords()));
+    for (auto each = newIterator(); !each->done(); each->step())
+        filer->writeObjectId(340, each->getRecordId());
+    return filer->filerStatus();
+}
+
 AcDbDimStyleTableRecord::AcDbDimStyleTableRecord() : values_(rows()) {}
 AcDbDimStyleTableRecord::~AcDbDimStyleTableRecord() = default;
 
@@ -57,6 +70,19 @@ Acad::ErrorStatus AcDbDimStyleTableRecord::dxfOutFields(AcDbDxfFiler* filer) con
     return filer->filerStatus();
 }
 
+// Release 12 has the blocks of arrows by their names, which no later release has under these codes.
+bool AcDbDimStyleTableRecord::takeArrow(AcDbDatabase* database,
+                                        const sg::model::FieldReader& field) {
+    constexpr std::pair<int, int> kArrows[] = {{5, 342}, {6, 343}, {7, 344}};
+    for (const auto& [old, code] : kArrows) {
+        if (field.code() != old) continue;
+        values_.set(code,
+                    sg::model::recordNamed(database, sg::model::NamedIn::blocks, field.text()));
+        return true;
+    }
+    return false;
+}
+
 Acad::ErrorStatus AcDbDimStyleTableRecord::dxfInFields(AcDbDxfFiler* filer) {
     const Acad::ErrorStatus status = AcDbSymbolTableRecord::dxfInFields(filer);
     if (status != Acad::eOk) return status;
@@ -70,7 +96,7 @@ Acad::ErrorStatus AcDbDimStyleTableRecord::dxfInFields(AcDbDxfFiler* filer) {
             // The first 70 is the record's flags; a later one is the fill colour of texts.
             standardFlags_ = static_cast<int16_t>(fields.integer());
             flagsRead = true;
-        } else {
+        } else if (!takeArrow(filer->database(), fields)) {
             values_.takeDxf(fields);
         }
     }

@@ -21,6 +21,8 @@ class SG_API AcDbDimStyleTableRecord : public AcDbSymbolTableRecord {
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
 
   private:
+    bool takeArrow(AcDbDatabase* database, const sg::model::FieldReader& field);
+
     sg::model::RecordFields values_;
 };
 
@@ -29,4 +31,6 @@ class SG_API AcDbDimStyleTable : public AcDbSymbolTableOf<AcDbDimStyleTableRecor
     ACRX_DECLARE_MEMBERS(AcDbDimStyleTable)
     AcDbDimStyleTable();
     ~AcDbDimStyleTable() override;
+
+    Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
 };

@@ -51,7 +51,8 @@ class SG_API HeaderVariables {
     // The value's type must be the variable's: else std::logic_error.
     void set(size_t place, VariableValue value);
 
-    // By name, which must exist and hold this type: else std::logic_error.
+    // By name, which must exist: else std::logic_error; and hold this type: else
+    // std::bad_variant_access.
     template <class Value>
     const Value& get(std::wstring_view name) const {
         return std::get<Value>(values_[require(name)]);

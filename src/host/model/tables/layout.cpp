@@ -4,7 +4,7 @@
 
 using sg::model::FieldReader;
 using sg::model::FieldRow;
-using sg::model::PointerKind;
+using sg::model::Reference;
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbPlotSettings, AcDbObject, 0, 0, L"PLOTSETTINGS", nullptr)
 ACRX_DXF_DEFINE_MEMBERS(AcDbLayout, AcDbPlotSettings, 0, 0, L"LAYOUT", nullptr)
@@ -23,10 +23,10 @@ FieldRow real(int code, double initial) {
     return {static_cast<int16_t>(code), initial};
 }
 FieldRow point(int code, double x, double y, double z, bool flat = false) {
-    return {static_cast<int16_t>(code), AcGePoint3d(x, y, z), false, PointerKind::hardPointer,
+    return {static_cast<int16_t>(code), AcGePoint3d(x, y, z), false, Reference::hardPointer,
             flat};
 }
-FieldRow object(int code, PointerKind kind) {
+FieldRow object(int code, Reference kind) {
     return {static_cast<int16_t>(code), AcDbObjectId(), true, kind};
 }
 
@@ -61,7 +61,7 @@ std::span<const FieldRow> plotRows() {
                                                 real(147, 1),
                                                 real(148, 0),
                                                 real(149, 0),
-                                                object(333, PointerKind::softPointer)};
+                                                object(333, Reference::softPointer)};
     return kRows;
 }
 
@@ -79,10 +79,10 @@ std::span<const FieldRow> layoutRows() {
                                                 point(16, 1, 0, 0),
                                                 point(17, 0, 1, 0),
                                                 whole(76, 0),
-                                                object(kBlock, PointerKind::softPointer),
-                                                object(331, PointerKind::softPointer),
-                                                object(345, PointerKind::hardPointer),
-                                                object(346, PointerKind::hardPointer)};
+                                                object(kBlock, Reference::softPointer),
+                                                object(331, Reference::softPointer),
+                                                object(345, Reference::hardPointer),
+                                                object(346, Reference::hardPointer)};
     return kRows;
 }
 

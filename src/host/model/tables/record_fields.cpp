@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "host/model/tables/pointers.h"
-
 namespace sg::model {
 namespace {
 
@@ -97,26 +95,28 @@ bool RecordFields::takeDxf(const FieldReader& group) {
 
 Acad::ErrorStatus RecordFields::writeDwg(AcDbDwgFiler* filer) const {
     for (size_t i = 0; i < rows_.size(); ++i) {
-        std::visit(Overloaded{[&](int32_t whole) { filer->writeInt32(whole); },
-                              [&](double real) { filer->writeDouble(real); },
-                              [&](const AcGePoint3d& point) { filer->writePoint3d(point); },
-                              [&](const std::wstring& text) { filer->writeString(text); },
-                              [&](AcDbObjectId id) { writePointer(filer, rows_[i].pointer, id); },
-                              [&](const AcCmColor& color) { writeColor(filer, color); }},
-                   values_[i]);
+        std::visit(
+            Overloaded{[&](int32_t whole) { filer->writeInt32(whole); },
+                       [&](double real) { filer->writeDouble(real); },
+                       [&](const AcGePoint3d& point) { filer->writePoint3d(point); },
+                       [&](const std::wstring& text) { filer->writeString(text); },
+                       [&](AcDbObjectId id) { writeReference(*filer, rows_[i].pointer, id); },
+                       [&](const AcCmColor& color) { writeColor(filer, color); }},
+            values_[i]);
     }
     return filer->filerStatus();
 }
 
 Acad::ErrorStatus RecordFields::readDwg(AcDbDwgFiler* filer) {
     for (size_t i = 0; i < rows_.size(); ++i) {
-        std::visit(Overloaded{[&](int32_t& whole) { filer->readInt32(&whole); },
-                              [&](double& real) { filer->readDouble(&real); },
-                              [&](AcGePoint3d& point) { filer->readPoint3d(&point); },
-                              [&](std::wstring& text) { filer->readString(text); },
-                              [&](AcDbObjectId& id) { id = readPointer(filer, rows_[i].pointer); },
-                              [&](AcCmColor& color) { readColor(filer, color); }},
-                   values_[i]);
+        std::visit(
+            Overloaded{[&](int32_t& whole) { filer->readInt32(&whole); },
+                       [&](double& real) { filer->readDouble(&real); },
+                       [&](AcGePoint3d& point) { filer->readPoint3d(&point); },
+                       [&](std::wstring& text) { filer->readString(text); },
+                       [&](AcDbObjectId& id) { id = readReference(*filer, rows_[i].pointer); },
+                       [&](AcCmColor& color) { readColor(filer, color); }},
+            values_[i]);
     }
     return filer->filerStatus();
 }

@@ -3,13 +3,11 @@
 #include <span>
 #include <vector>
 
+#include "host/model/core/memory_filers.h"
 #include "host/model/tables/filing.h"
 #include "host/model/tables/header_variables.h"
 
 namespace sg::model {
-
-// How an id is filed.
-enum class PointerKind : uint8_t { softPointer, hardPointer, softOwner, hardOwner };
 
 // One field of a record: its group code and what it is in a new record.
 struct FieldRow {
@@ -17,7 +15,7 @@ struct FieldRow {
     VariableValue initial;
     // Files leave it out while it is what it is in a new record.
     bool optional = false;
-    PointerKind pointer = PointerKind::hardPointer;
+    Reference pointer = Reference::hardPointer;
     bool flat = false;  // a 2D point
 };
 

@@ -68,4 +68,30 @@ bool registerApplication(AcDbDatabase& database, const wchar_t* name) {
     return registered;
 }
 
+AcDbObjectId addRecord(AcDbDatabase& database, NamedIn table, const std::wstring& name) {
+    std::unique_ptr<AcDbSymbolTableRecord> record;
+    if (table == NamedIn::layers) {
+        auto layer = std::make_unique<AcDbLayerTableRecord>();
+        layer->setLinetypeObjectId(database.continuousLinetype());
+        record = std::move(layer);
+    } else if (table == NamedIn::linetypes) {
+        record = std::make_unique<AcDbLinetypeTableRecord>();
+    } else if (table == NamedIn::textStyles) {
+        auto style = std::make_unique<AcDbTextStyleTableRecord>();
+        style->setFileName(L"txt");
+        record = std::move(style);
+    } else {
+        return {};
+    }
+    AcDbSymbolTable* opened = nullptr;
+    AcDbObjectId id;
+    if (record->setName(name.c_str()) != Acad::eOk ||
+        acdbOpenObject(opened, tableOf(database, table), AcDb::kForWrite) != Acad::eOk) {
+        return {};
+    }
+    if (opened->add(id, record.get()) == Acad::eOk) record.release()->close();
+    opened->close();
+    return id;
+}
+
 }  // namespace sg::model

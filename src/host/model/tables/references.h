@@ -25,4 +25,8 @@ SG_API void writeNameOf(AcDbDxfFiler* filer, int code, AcDbObjectId record,
 // record can have.
 SG_API bool registerApplication(AcDbDatabase& database, const wchar_t* name);
 
+// Adds a layer, a linetype or a text style of this name with the properties of a new one. Null
+// for a name that no record can have, and for other tables.
+SG_API AcDbObjectId addRecord(AcDbDatabase& database, NamedIn table, const std::wstring& name);
+
 }  // namespace sg::model

@@ -4,6 +4,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "host/model/core/object_access.h"
 #include "host/model/tables/filing.h"
 #include "platform/db/database.h"
 
@@ -39,9 +40,9 @@ void AcDbSortentsTable::setBlockId(AcDbObjectId block) {
 Acad::ErrorStatus AcDbSortentsTable::getFullDrawOrder(AcDbObjectIdArray& ids) const {
     assertReadEnabled();
     ids.removeAll();
-    AcDbBlockTableRecord* block = nullptr;
-    const Acad::ErrorStatus status = acdbOpenObject(block, block_);
-    if (status != Acad::eOk) return status;
+    // The block may be open for a change that the table is part of.
+    const auto* const block = sg::model::peek<AcDbBlockTableRecord>(block_);
+    if (block == nullptr) return Acad::eUnknownHandle;
     std::unordered_map<AcDbObjectId, uint64_t> sortHandles;
     for (const Entry& entry : entries_)
         sortHandles[entry.entity] = entry.sortHandle;
@@ -52,7 +53,6 @@ Acad::ErrorStatus AcDbSortentsTable::getFullDrawOrder(AcDbObjectIdArray& ids) co
         sorted.emplace_back(other == sortHandles.end() ? id.handle() : AcDbHandle(other->second),
                             id);
     }
-    block->close();
     std::stable_sort(sorted.begin(), sorted.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
     for (const auto& [handle, id] : sorted)
@@ -132,6 +132,18 @@ Acad::ErrorStatus AcDbSortentsTable::swapOrder(AcDbObjectId left, AcDbObjectId r
         const auto b = std::find(order.begin(), order.end(), right);
         if (a == order.end() || b == order.end()) return false;
         std::iter_swap(a, b);
+        return true;
+    });
+}
+
+Acad::ErrorStatus AcDbSortentsTable::setRelativeDrawOrder(const AcDbObjectIdArray& entities) {
+    return reorder(entities, [&](Order& order) {
+        const std::unordered_set<AcDbObjectId> set(entities.begin(), entities.end());
+        if (set.size() != static_cast<size_t>(entities.length())) return false;
+        int next = 0;
+        for (AcDbObjectId& id : order) {
+            if (set.contains(id)) id = entities[next++];
+        }
         return true;
     });
 }

@@ -1,7 +1,7 @@
 #include "host/model/tables/view_tables.h"
 
 using sg::model::FieldRow;
-using sg::model::PointerKind;
+using sg::model::Reference;
 
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbFieldsTableRecord, AcDbSymbolTableRecord)
 ACRX_DXF_DEFINE_MEMBERS(AcDbViewTableRecord, AcDbFieldsTableRecord, 0, 0, L"VIEW", nullptr)
@@ -23,10 +23,10 @@ FieldRow point(int code, double x, double y, double z, bool optional = false) {
     return {static_cast<int16_t>(code), AcGePoint3d(x, y, z), optional};
 }
 FieldRow flat(int code, double x, double y) {
-    return {static_cast<int16_t>(code), AcGePoint3d(x, y, 0), false, PointerKind::hardPointer,
+    return {static_cast<int16_t>(code), AcGePoint3d(x, y, 0), false, Reference::hardPointer,
             true};
 }
-FieldRow object(int code, PointerKind kind = PointerKind::hardPointer) {
+FieldRow object(int code, Reference kind = Reference::hardPointer) {
     return {static_cast<int16_t>(code), AcDbObjectId(), true, kind};
 }
 
@@ -51,10 +51,10 @@ std::span<const FieldRow> viewRows() {
                                                 real(146, 0, true),
                                                 object(345),
                                                 object(346),
-                                                object(332, PointerKind::softPointer),
-                                                object(334, PointerKind::softPointer),
+                                                object(332, Reference::softPointer),
+                                                object(334, Reference::softPointer),
                                                 object(348),
-                                                object(361, PointerKind::hardOwner)};
+                                                object(361, Reference::hardOwnership)};
     return kRows;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/model/core/group_data.h"
 #include "platform/db/dictionary.h"
 
 // A list of groups that a program keeps in a dictionary.
@@ -9,8 +10,6 @@ class SG_API AcDbXrecord : public AcDbObject {
     AcDbXrecord();
     ~AcDbXrecord() override;
 
-    // The record's own list; it holds until the record changes.
-    const resbuf* groups() const { return groups_; }
     // A copy, which the caller releases.
     Acad::ErrorStatus rbChain(resbuf** groups) const;
     // Codes from 1 to 369 but 5 and 105: eInvalidDxfCode for others, and nothing changes.
@@ -25,8 +24,6 @@ class SG_API AcDbXrecord : public AcDbObject {
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
 
   private:
-    void take(resbuf* groups);
-
-    resbuf* groups_ = nullptr;
+    sg::model::GroupData groups_;
     AcDb::DuplicateRecordCloning mergeStyle_ = AcDb::kDrcIgnore;
 };

@@ -72,8 +72,8 @@ TEST_F(EntityTest, WritesWhatDiffersFromTheUsual) {
         entity->setMaterial(database->layerZero());
     }
     EXPECT_EQ(written(*Opened<SampleEntity>(id).get()),
-              "-1: 0:SAMPLE 330: 5: 100:AcDbEntity 67:0 410:Model 8:Walls 6:Continuous 62:3 370:25 "
-              "48:2 60:1 440:33554559 380:3 390: 347: 100:SampleEntity 10:1,2 340:");
+              "-1: 0:SAMPLE 330: 5: 100:AcDbEntity 67:0 410:Model 8:Walls 6:Continuous 62:3 48:2 "
+              "60:1 370:25 440:33554559 380:3 390: 347: 100:SampleEntity 10:1,2 340:");
     AcCmColor color;
     color.setRGB(255, 0, 0);
     Opened<SampleEntity>(id, AcDb::kForWrite)->setColor(color);
@@ -93,7 +93,7 @@ TEST_F(EntityTest, FilesHaveTheirOwnOrder) {
               "0:SAMPLE 5: 102:{ACAD_XDICTIONARY 360: 102:} 102:{ACAD_REACTORS 330: 102:} 330: "
               "100:AcDbEntity 8:0 100:SampleEntity 10:0,0 340:");
     EXPECT_EQ(written(*Opened<SampleEntity>(paper).get(), {}, AcDb::kFileFiler),
-              "0:SAMPLE 5: 330: 100:AcDbEntity 67:1 410:Layout1 8:0 100:SampleEntity 10:0,0 340:");
+              "0:SAMPLE 5: 330: 100:AcDbEntity 67:1 8:0 100:SampleEntity 10:0,0 340:");
 }
 
 TEST_F(EntityTest, ReadsListsWithMarkersAndWithout) {

@@ -169,7 +169,7 @@ TEST_F(CurveClassesTest, OffsetsLieToTheRight) {
     EXPECT_EQ(text(ends(*curves[2])), "1,0,0 -1,0,0");
     AcDbVoidPtrArray none;
     EXPECT_EQ(AcDbArc({0, 0, 0}, 2, 0, kPi).getOffsetCurves(-2, none), Acad::eInvalidInput);
-    EXPECT_EQ(AcDbEllipse().getOffsetCurves(1, none), Acad::eNotImplementedYet);
+    EXPECT_EQ(AcDbRay().getOffsetCurves(1, none), Acad::eNotImplementedYet);
     EXPECT_TRUE(none.isEmpty());
 }
 

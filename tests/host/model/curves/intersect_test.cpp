@@ -271,5 +271,38 @@ TEST_F(IntersectTest, RandomCurvesMeetOnBoth) {
     EXPECT_GT(found, 1000);
 }
 
+// Curves in space that are moved so that they go through one point meet there.
+TEST_F(IntersectTest, CurvesThroughOnePointMeetThere) {
+    RandomCurves random(43);
+    int missed = 0;
+    int pairs = 0;
+    for (int kind = 0; kind < RandomCurves::kBoundedKinds; ++kind) {
+        for (int other = 0; other < RandomCurves::kBoundedKinds; ++other) {
+            for (int round = 0; round < 6; ++round) {
+                const CurvePtr a = random.make(kind);
+                const CurvePtr b = random.make(other);
+                // Two splines in no plane are looked for by their pictures, where one may hide.
+                if (!a->isPlanar() && !b->isPlanar() && kind == 4 && other == 4) continue;
+                const auto somewhere = [&](const AcDbCurve& curve) {
+                    const double from = startParam(curve);
+                    return pointAt(curve, from + (endParam(curve) - from) * random.real(0.1, 0.9));
+                };
+                const AcGePoint3d point = somewhere(*a);
+                b->transformBy(AcGeMatrix3d::translation(point - somewhere(*b)));
+                double nearest = 1e9;
+                for (const AcGePoint3d& meeting : meet(*a, *b))
+                    nearest = std::min(nearest, meeting.distanceTo(point));
+                ++pairs;
+                if (nearest > 1e-5) {
+                    ++missed;
+                    ADD_FAILURE() << RandomCurves::name(kind) << " and "
+                                  << RandomCurves::name(other) << " miss by " << nearest;
+                }
+            }
+        }
+    }
+    EXPECT_EQ(missed, 0) << "of " << pairs;
+}
+
 }  // namespace
 }  // namespace sg::test

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <cstdio>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -15,14 +14,14 @@ namespace sg::test {
 
 using EntityPtr = std::unique_ptr<AcDbEntity>;
 
-// Tests on entities of any class.
-class EntityTest : public ModelTest {
+// Tests on objects of any class.
+class ObjectTest : public ModelTest {
   protected:
-    // The groups of an entity as text, numbers to nine digits: the same for entities that are the
+    // The groups of an object as text, numbers to nine digits: the same for objects that are the
     // same but for rounding.
-    std::string described(const AcDbEntity& entity, AcDb::FilerType type = AcDb::kBagFiler) {
+    std::string described(const AcDbObject& object, AcDb::FilerType type = AcDb::kBagFiler) {
         model::ListWriter writer(database.get(), {L"*"}, type);
-        EXPECT_EQ(entity.dxfOutFields(&writer), Acad::eOk);
+        EXPECT_EQ(object.dxfOutFields(&writer), Acad::eOk);
         resbuf* const list = writer.take();
         std::string text;
         for (const resbuf* group = list; group != nullptr; group = group->rbnext)
@@ -64,28 +63,32 @@ class EntityTest : public ModelTest {
         return digits;
     }
 
-    EntityPtr emptyLike(const AcDbEntity& entity) {
-        return EntityPtr(AcDbEntity::cast(entity.isA()->create()));
+    template <class Class>
+    static std::unique_ptr<Class> emptyLike(const Class& object) {
+        return std::unique_ptr<Class>(Class::cast(object.isA()->create()));
     }
 
-    // What an entity of the same class reads of the groups that this one writes.
-    EntityPtr throughGroups(const AcDbEntity& entity, AcDb::FilerType type, bool markers = true) {
+    // What an object of the same class reads of the groups that this one writes.
+    template <class Class>
+    std::unique_ptr<Class> throughGroups(const Class& object, AcDb::FilerType type,
+                                         bool markers = true) {
         model::ListWriter writer(database.get(), {}, type);
-        EXPECT_EQ(entity.dxfOutFields(&writer), Acad::eOk);
+        EXPECT_EQ(object.dxfOutFields(&writer), Acad::eOk);
         resbuf* list = writer.take();
         if (!markers) dropMarkers(list);
-        EntityPtr copy = emptyLike(entity);
+        auto copy = emptyLike(object);
         model::ListReader reader(list, database.get(), type);
         EXPECT_EQ(copy->dxfInFields(&reader), Acad::eOk);
         acutRelRb(list);
         return copy;
     }
 
-    EntityPtr throughMemory(const AcDbEntity& entity) {
+    template <class Class>
+    std::unique_ptr<Class> throughMemory(const Class& object) {
         std::vector<uint8_t> bytes;
         model::MemoryWriter writer(bytes, AcDb::kCopyFiler, database.get());
-        EXPECT_EQ(entity.dwgOutFields(&writer), Acad::eOk);
-        EntityPtr copy = emptyLike(entity);
+        EXPECT_EQ(object.dwgOutFields(&writer), Acad::eOk);
+        auto copy = emptyLike(object);
         model::MemoryReader reader(bytes, AcDb::kCopyFiler, database.get());
         EXPECT_EQ(copy->dwgInFields(&reader), Acad::eOk);
         EXPECT_TRUE(reader.rest().empty());
@@ -105,7 +108,11 @@ class EntityTest : public ModelTest {
             acutRelRb(group);
         }
     }
+};
 
+// Tests on entities of any class.
+class EntityTest : public ObjectTest {
+  protected:
     static AcDbExtents extentsOf(const AcDbEntity& entity) {
         AcDbExtents box;
         EXPECT_EQ(entity.getGeomExtents(box), Acad::eOk);

@@ -19,6 +19,10 @@ namespace {
 
 using Chain = std::vector<Piece>;
 
+// Further away from where they are counted from, neighbouring lines and dashes are no longer told
+// apart.
+constexpr double kMostSteps = 1e12;
+
 // A stretch of a piece between two parameters, y only rising or falling.
 struct Run {
     const Piece* piece = nullptr;
@@ -142,6 +146,7 @@ class Crossings {
         const double low = std::floor(std::min(run.start.y, run.end.y) / step_) - 1;
         const double high = std::ceil(std::max(run.start.y, run.end.y) / step_) + 1;
         if (!(high - low <= static_cast<double>(most_ - count_) + 4)) return false;
+        if (std::max(std::abs(low), std::abs(high)) > kMostSteps) return false;
         for (double index = low; index <= high; ++index) {
             const double y = index * step_;
             if ((run.start.y < y) == (run.end.y < y)) continue;
@@ -175,6 +180,8 @@ class DashCutter {
             addStretch(from, to, y);
             return dashes.size() <= most_;
         }
+        if (std::max(std::abs(from - base), std::abs(to - base)) > kMostSteps * period_)
+            return false;
         const double expected = (to - from) / period_ * static_cast<double>(line_.dashes.size());
         if (!(expected <= static_cast<double>(most_ - dashes.size()))) return false;
         double at = base + std::floor((from - base) / period_) * period_;

@@ -1,0 +1,72 @@
+#include <fmt/xchar.h>
+
+#include "app/commands.h"
+#include "app/exit_codes.h"
+#include "app/session.h"
+#include "base/encoding.h"
+#include "host/dxf/drawing_files.h"
+#include "host/dxf/flatten.h"
+#include "host/editor/command_line_output.h"
+#include "host/editor/documents.h"
+#include "host/seam/file_error.h"
+#include "host/system/file_lock.h"
+#include "host/system/paths.h"
+
+namespace sg::app {
+namespace {
+
+// A drawing that is read to be looked at or written elsewhere; what it had to be forgiven is said.
+void readDrawing(Session& session, AcDbDatabase& database, const std::wstring& name) {
+    const ResolvedPath found = resolvePath(absolutePath(name));
+    if (!found.exists) throw FileError(L"no such drawing: " + found.path);
+    for (const std::wstring& warning : dxf::readFile(database, found.path))
+        session.host().output().reportError(warning);
+}
+
+void writeDrawing(const AcDbDatabase& database, const DrawingArguments& arguments) {
+    const std::wstring target = resolvePath(absolutePath(arguments.output)).path;
+    dxf::checkCanWrite(target);
+    const FileLock lock(target);
+    if (!lock.isFree()) {
+        throw FileError(fmt::format(L"{}: that drawing is open in {}", target, lock.holder()));
+    }
+    dxf::WriteOptions options;
+    if (!arguments.release.empty()) options.release = dxf::releaseNamed(toUtf8(arguments.release));
+    options.isBinary = arguments.isBinary;
+    dxf::writeFile(database, target, options);
+}
+
+// Custom entities are taken apart by their module, which works on open drawings.
+void convertFlat(Session& session, const DrawingArguments& arguments) {
+    session.start();
+    AcDbDatabase& database = *session.document().database();
+    for (const auto& [name, count] : dxf::flatten(database)) {
+        session.complain(
+            fmt::format(L"{} {} cannot be taken apart and stay as they are", count, name));
+    }
+    writeDrawing(database, arguments);
+}
+
+}  // namespace
+
+int convert(const Arguments& arguments) {
+    Session session(arguments, false);
+    return session.conclude([&] {
+        try {
+            const DrawingArguments& drawing = arguments.drawingFile;
+            dxf::checkCanWrite(drawing.output);
+            if (drawing.isFlat) {
+                convertFlat(session, drawing);
+                return kDone;
+            }
+            AcDbDatabase database(false, true);
+            readDrawing(session, database, drawing.file);
+            writeDrawing(database, drawing);
+        } catch (const dxf::Error& error) {
+            throw FileError(error.text());
+        }
+        return kDone;
+    });
+}
+
+}  // namespace sg::app

@@ -1,0 +1,56 @@
+#include "grid/in_place_editor.h"
+
+#include <QKeyEvent>
+#include <QWidget>
+
+#include "grid/grid_ctrl.h"
+#include "grid/in_place_edit.h"
+
+namespace sg::grid {
+
+InPlaceEditor::InPlaceEditor(CGridCellBase& cell, CCellID id)
+    : watch_(*cell.GetGrid(), &cell, id), startText_(cell.GetText()) {}
+
+InPlaceEditor::~InPlaceEditor() = default;
+
+void InPlaceEditor::Leave() {
+    Window().hide();
+    Window().deleteLater();
+}
+
+void InPlaceEditor::Abandon() {
+    if (hasEnded_) return;
+    hasEnded_ = true;
+    Leave();
+}
+
+void InPlaceEditor::End() {
+    if (hasEnded_) return;
+    hasEnded_ = true;
+    std::wstring text = startText_;
+    TakeText(text);
+    if (watch_.Cell() != nullptr) {
+        Grid()->OnEndInPlaceEdit(watch_, text, lastKey_, modifiers_);
+    }
+    Leave();
+}
+
+void InPlaceEditor::EndByKey(const QKeyEvent& event) {
+    if (hasEnded_) return;
+    lastKey_ = event.key();
+    modifiers_ = event.modifiers();
+    if (lastKey_ == Qt::Key_Escape) RestoreText();
+    // Losing the focus ends the edit where the window is active.
+    if (Grid() != nullptr) Grid()->setFocus(Qt::OtherFocusReason);
+    End();
+}
+
+void endEditorOf(QWidget& window) {
+    if (auto* const editor = dynamic_cast<InPlaceEditor*>(&window)) editor->End();
+}
+
+void abandonEditorOf(QWidget& window) {
+    if (auto* const editor = dynamic_cast<InPlaceEditor*>(&window)) editor->Abandon();
+}
+
+}  // namespace sg::grid

@@ -1,0 +1,64 @@
+#include "host/dxf/drawing_files.h"
+
+#include <cstring>
+
+#include "base/replacement_file.h"
+#include "base/text.h"
+#include "host/system/files.h"
+#include "host/system/paths.h"
+
+namespace sg::dxf {
+namespace {
+
+std::wstring_view endingOf(const std::wstring& path) {
+    const std::wstring_view name = lastComponent(path);
+    const size_t dot = name.rfind(L'.');
+    return dot == name.npos ? std::wstring_view() : name.substr(dot);
+}
+
+// DWG files begin with the release that $ACADVER tells in the others.
+bool isDwg(std::string_view content) {
+    return content.size() > 6 && content.starts_with("AC1") && content[6] == '\0';
+}
+
+}  // namespace
+
+std::vector<std::wstring> readFile(AcDbDatabase& database, const std::wstring& path) {
+    const auto content = sg::readFile(path);
+    if (!content) throw Error(path + L": the drawing cannot be read");
+    if (isDwg(*content)) {
+        throw Error(path +
+                    L": this is a DWG file, which this build does not read; save the drawing "
+                    L"as a DXF file");
+    }
+    if (!isDrawing(*content)) throw Error(path + L": this is no drawing file");
+    return read(database, *content, path);
+}
+
+void checkCanWrite(const std::wstring& path) {
+    const std::wstring_view ending = endingOf(path);
+    if (equalIgnoringCase(ending, L".dxf")) return;
+    throw Error(path + L": drawings are written as .dxf only by this build" +
+                (ending.empty() ? L"; the name has no ending" : L""));
+}
+
+void writeFile(const AcDbDatabase& database, const std::wstring& path,
+               const WriteOptions& options) {
+    checkCanWrite(path);
+    ReplacementFile file(path);
+    write(database, options, [&](std::string_view bytes) { return file.write(bytes); });
+    if (file.error() == 0 && file.commitKeeping(L".bak")) return;
+    throw Error(path + L": the drawing cannot be written: " +
+                fromUtf8(std::strerror(file.error())));
+}
+
+Acad::ErrorStatus readForDatabase(AcDbDatabase& database, const std::wstring& path) {
+    try {
+        readFile(database, path);
+    } catch (const Error&) {
+        return Acad::eBadDxfFile;
+    }
+    return Acad::eOk;
+}
+
+}  // namespace sg::dxf

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "host/dxf/object_output.h"
+#include "host/model/core/file_origin.h"
+#include "platform/db/database.h"
+
+namespace sg::model {
+class DatabaseState;
+}
+
+namespace sg::dxf {
+
+// Writes a whole drawing.
+class DrawingWriter {
+  public:
+    DrawingWriter(const AcDbDatabase& database, GroupOutput& output, const Release& release);
+
+    void write();
+
+  private:
+    std::vector<std::string> sectionNames() const;
+    void writeSection(const std::string& name);
+    void writeClasses();
+    void writeTables();
+    void writeTable(const std::string& name);
+    void writeBlocks();
+    void writeEntities(AcDbObjectId block);
+    void writeEntity(const AcDbEntity& entity);
+    void writeObjects();
+    bool isWritten(const AcDbObject& object) const;
+    bool isOwnRelease() const;
+
+    const AcDbDatabase& database_;
+    model::DatabaseState& state_;
+    GroupOutput& output_;
+    const Release& release_;
+    ObjectOutput objects_;
+    model::FileOrigin none_;
+    const model::FileOrigin& origin_;
+};
+
+}  // namespace sg::dxf

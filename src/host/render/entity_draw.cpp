@@ -1,0 +1,271 @@
+#include "host/render/entity_draw.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+
+#include "host/model/core/database_state.h"
+#include "host/model/core/proxies.h"
+#include "host/model/curves/point.h"
+#include "host/model/entities/hatch.h"
+#include "host/model/entities/image.h"
+#include "host/model/entities/shown_block.h"
+#include "host/model/tables/header_variables.h"
+#include "host/render/entity_geometry.h"
+#include "host/render/kept_graphics.h"
+#include "platform/db/attribute.h"
+#include "platform/db/block_table.h"
+#include "platform/db/mtext.h"
+#include "platform/db/polyline.h"
+#include "platform/db/polyline_2d.h"
+#include "platform/db/text.h"
+
+namespace sg::render {
+namespace {
+
+constexpr int kDeepestNesting = 64;
+
+// Marks of points (PDMODE).
+constexpr int kMark = 7;
+constexpr int kWithCircle = 32;
+constexpr int kWithSquare = 64;
+
+EntityKind findKind(const AcDbEntity& entity) {
+    if (entity.isKindOf(AcDbPolyline::desc())) return EntityKind::polyline;
+    if (entity.isKindOf(AcDb2dPolyline::desc())) return EntityKind::polyline2d;
+    if (entity.isKindOf(AcDbAttribute::desc())) return EntityKind::attribute;
+    if (entity.isKindOf(AcDbText::desc()) || entity.isKindOf(AcDbMText::desc()))
+        return EntityKind::text;
+    if (entity.isKindOf(AcDbHatch::desc())) return EntityKind::hatch;
+    if (entity.isKindOf(AcDbPoint::desc())) return EntityKind::point;
+    if (entity.isKindOf(AcDbWipeout::desc())) return EntityKind::wipeout;
+    if (model::proxyData(entity) != nullptr) return EntityKind::proxy;
+    return EntityKind::other;
+}
+
+bool isWide(const AcDbEntity& entity, EntityKind kind) {
+    if (kind == EntityKind::polyline) return static_cast<const AcDbPolyline&>(entity).hasWidth();
+    const auto& polyline = static_cast<const AcDb2dPolyline&>(entity);
+    return polyline.defaultStartWidth() > 0 || polyline.defaultEndWidth() > 0;
+}
+
+PatternRun patternRun(bool isGenerated) {
+    return isGenerated ? PatternRun::through : PatternRun::perSegment;
+}
+
+PatternRun patternRunOf(const AcDbEntity& entity, EntityKind kind) {
+    switch (kind) {
+        case EntityKind::polyline:
+            return patternRun(static_cast<const AcDbPolyline&>(entity).hasPlinegen());
+        case EntityKind::polyline2d:
+            return patternRun(static_cast<const AcDb2dPolyline&>(entity).isLinetypeGenerationOn());
+        case EntityKind::text:
+        case EntityKind::attribute:
+        case EntityKind::hatch:
+        case EntityKind::point:
+            return PatternRun::none;
+        default:
+            return PatternRun::through;
+    }
+}
+
+}  // namespace
+
+DisplaySettings DisplaySettings::of(const AcDbDatabase& database) {
+    const model::HeaderVariables& header = model::DatabaseState::of(database).header();
+    DisplaySettings settings;
+    settings.fills = header.get<int32_t>(L"FILLMODE") != 0;
+    settings.attributes = header.get<int32_t>(L"ATTMODE") != 0;
+    settings.pointMode = header.get<int32_t>(L"PDMODE");
+    settings.pointSize = header.get<double>(L"PDSIZE");
+    return settings;
+}
+
+// ---- The draw -----------------------------------------------------------------------------------
+
+EntityDraw::EntityDraw(Canvas& canvas, Looks& looks, const DisplaySettings& settings)
+    : traits_(std::make_unique<Traits>(looks)),
+      geometry_(std::make_unique<Geometry>(*this, canvas, settings)) {}
+
+EntityDraw::~EntityDraw() = default;
+
+void EntityDraw::drawSpace(AcDbObjectId block, const std::vector<AcDbObjectId>& except) {
+    geometry_->drawSpace(block, except);
+}
+
+const Undrawn& EntityDraw::undrawn() const {
+    return geometry_->undrawn;
+}
+
+double EntityDraw::deviation(const AcGePoint3d&) const {
+    return geometry_->deviation();
+}
+
+AcGiGeometry& EntityDraw::geometry() const {
+    return *geometry_;
+}
+
+AcGiSubEntityTraits& EntityDraw::subEntityTraits() const {
+    return *traits_;
+}
+
+// ---- Entities -----------------------------------------------------------------------------------
+
+void EntityDraw::Geometry::drawSpace(AcDbObjectId block, const std::vector<AcDbObjectId>& except) {
+    AcDbBlockTableRecord* record = nullptr;
+    if (acdbOpenObject(record, block) != Acad::eOk) return;
+    for (const AcDbObjectId id : model::drawOrder(*record)) {
+        if (std::find(except.begin(), except.end(), id) != except.end()) continue;
+        AcDbEntity* entity = nullptr;
+        if (acdbOpenObject(entity, id) != Acad::eOk) continue;
+        drawEntity(*entity);
+        entity->close();
+    }
+    record->close();
+}
+
+bool EntityDraw::Geometry::draw(AcGiDrawable* drawable) {
+    if (drawable == nullptr || depth_ == kDeepestNesting) return false;
+    if (AcDbEntity* const entity = AcDbEntity::cast(drawable)) {
+        drawEntity(*entity);
+        return false;
+    }
+    const Traits::State before = traits().state();
+    ++depth_;
+    drawable->worldDraw(&draw_);
+    --depth_;
+    traits().begin(before);
+    return false;
+}
+
+// An attribute stands beside the block, not in it.
+void EntityDraw::Geometry::drawEntity(AcDbEntity& entity) {
+    if (entity.visibility() != AcDb::kVisible) return;
+    const EntityKind kind = findKind(entity);
+    const Traits::State before = traits().state();
+    Level* const outside = level_;
+    Level* const outer =
+        kind == EntityKind::attribute && outside != nullptr ? outside->outer : outside;
+
+    Traits::State state;
+    state.properties = Properties::of(entity);
+    state.outer = outer == nullptr ? nullptr : &outer->plain;
+    state.run = patternRunOf(entity, kind);
+    traits().begin(state);
+    Level level{traits().plain(), outer};
+    if (!level.plain.isFrozen) {
+        level_ = &level;
+        ++depth_;
+        drawItself(entity, kind);
+        --depth_;
+        level_ = outside;
+    }
+    traits().begin(before);
+}
+
+void EntityDraw::Geometry::drawItself(AcDbEntity& entity, EntityKind kind) {
+    switch (kind) {
+        case EntityKind::point:
+            if (isShown()) drawPoint(static_cast<const AcDbPoint&>(entity));
+            return;
+        case EntityKind::hatch:
+            if (!settings_.fills || !isShown()) return;
+            if (canvas_.isMeasuring()) {
+                measureBox(entity);
+                return;
+            }
+            break;
+        case EntityKind::polyline:
+        case EntityKind::polyline2d:
+            // The outline of a wide one is fine where the view does not say how fine it may be.
+            if (canvas_.isMeasuring() && isShown() && isWide(entity, kind)) {
+                measureBox(entity);
+                return;
+            }
+            break;
+        case EntityKind::attribute:
+            if (!settings_.attributes) return;
+            break;
+        case EntityKind::wipeout:
+            if (isShown()) cover(static_cast<const AcDbWipeout&>(entity).frame());
+            break;
+        case EntityKind::proxy:
+            if (!drawKeptGraphics(draw_, entity) && !canvas_.isMeasuring()) {
+                ++undrawn[model::dxfNameOf(entity)];
+            }
+            return;
+        default:
+            break;
+    }
+    entity.worldDraw(&draw_);
+}
+
+// Hides what was drawn before.
+void EntityDraw::Geometry::cover(const std::vector<AcGePoint3d>& corners) {
+    Look look = traits().look();
+    look.color = settings_.ground;
+    look.alpha = 255;
+    const auto count = static_cast<uint32_t>(corners.size());
+    canvas_.area(look, toWorld(count, corners.data()), {&count, 1}, Canvas::Rule::evenOdd);
+}
+
+void EntityDraw::Geometry::measureBox(const AcDbEntity& entity) {
+    AcDbExtents box;
+    if (entity.getGeomExtents(box) != Acad::eOk) return;
+    const AcGeMatrix3d matrix = getModelToWorldTransform();
+    std::vector<AcGePoint3d> corners;
+    for (int corner = 0; corner < 8; ++corner) {
+        corners.push_back(matrix * AcGePoint3d((corner & 1 ? box.maxPoint() : box.minPoint()).x,
+                                               (corner & 2 ? box.maxPoint() : box.minPoint()).y,
+                                               (corner & 4 ? box.maxPoint() : box.minPoint()).z));
+    }
+    canvas_.line(traits().look(), corners, false, PatternRun::none);
+}
+
+// A mark in the point's plane. Its size is absolute above 0, else a share of the view's height.
+void EntityDraw::Geometry::drawPoint(const AcDbPoint& point) {
+    const int mark = settings_.pointMode & kMark;
+    const bool hasFrame = (settings_.pointMode & (kWithCircle | kWithSquare)) != 0;
+    if (canvas_.isMeasuring() || (mark == 0 && !hasFrame)) {
+        const std::array<AcGePoint3d, 2> dot = {point.position(), point.position()};
+        if (point.thickness() != 0) traits().setThickness(point.thickness());
+        const AcGeVector3d normal = point.normal();
+        if (canvas_.isMeasuring() || mark != 1) polyline(2, dot.data(), &normal, -1);
+        return;
+    }
+    constexpr double kUsualShare = 0.05;
+    const double size = settings_.pointSize > 0 ? settings_.pointSize
+                        : settings_.pointSize < 0
+                            ? -settings_.pointSize / 100 * settings_.viewHeight
+                            : kUsualShare * settings_.viewHeight;
+    const AcGeMatrix3d matrix = getModelToWorldTransform();
+    const AcGeMatrix3d plane = AcGeMatrix3d::planeToWorld(point.normal()) *
+                               AcGeMatrix3d::rotation(point.ecsRotation(), AcGeVector3d::kZAxis);
+    const AcGePoint3d center = matrix * point.position();
+    const auto at = [&](double x, double y) {
+        return center + plane * AcGeVector3d(x * size, y * size, 0);
+    };
+    const auto line = [&](std::initializer_list<AcGePoint3d> points) {
+        canvas_.line(traits().look(), {points.begin(), points.size()}, false, PatternRun::none);
+    };
+    if (mark == 0) line({center});
+    if (mark == 2) line({at(-1, 0), at(1, 0)});
+    if (mark == 2) line({at(0, -1), at(0, 1)});
+    if (mark == 3) line({at(-1, -1), at(1, 1)});
+    if (mark == 3) line({at(-1, 1), at(1, -1)});
+    if (mark == 4) line({center, at(0, 0.5)});
+    if ((settings_.pointMode & kWithSquare) != 0) {
+        line({at(-0.5, -0.5), at(0.5, -0.5), at(0.5, 0.5), at(-0.5, 0.5), at(-0.5, -0.5)});
+    }
+    if ((settings_.pointMode & kWithCircle) != 0) {
+        std::vector<AcGePoint3d> ring;
+        for (int i = 0; i <= 48; ++i) {
+            const double angle = i * std::numbers::pi / 24;
+            ring.push_back(at(std::cos(angle) / 2, std::sin(angle) / 2));
+        }
+        canvas_.line(traits().look(), ring, true, PatternRun::none);
+    }
+}
+
+}  // namespace sg::render

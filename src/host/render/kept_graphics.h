@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/db/entity.h"
+#include "platform/gi/draw.h"
+
+namespace sg::render {
+
+// Draws an entity whose class is not known by what its file has of its looks: graphics that were
+// kept with it, a block that shows it, or the lines of a multi-line or a mesh. False when there
+// is nothing.
+SG_API bool drawKeptGraphics(AcGiWorldDraw& draw, const AcDbEntity& entity);
+
+}  // namespace sg::render
