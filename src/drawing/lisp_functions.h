@@ -35,6 +35,31 @@ int setTrueColor();
 int setPlotStyle();
 int freezeInViewport();
 
+// Selection and groups.
+int selectCrossing();
+int selectCrossingPolygon();
+int selectPrompted();
+int selectAll();
+int selectBlocks();
+int selectCircles();
+int selectPolylines();
+int selectEntity();
+int getGroup();
+int setGroupSelectable();
+int sendToBack();
+
+// Mathematics and texts.
+int arcSine();
+int arcCosine();
+int power();
+int numberOfText();
+int randomBelow();
+
+// Prompts.
+int promptPoint();
+int promptPointOrKeyword();
+int promptCorner();
+
 // Crossings of arcs and lines.
 int intersectArcArc();
 int intersectArcLine();

@@ -6,6 +6,7 @@
 
 #include "host/editor/drawing_variables.h"
 #include "host/editor/program_drawing.h"
+#include "host/editor/selection/drawing_selection.h"
 #include "host/editor/system_variables.h"
 #include "host/lisp/interpreter.h"
 #include "host/system/paths.h"
@@ -60,7 +61,8 @@ Document::Document(std::wstring fileName, std::unique_ptr<AcDbDatabase> database
       database_(std::move(database)),
       namespace_(std::move(ns)),
       systemVariables_(std::make_unique<SystemVariables>(std::move(application))),
-      programs_(std::make_unique<ProgramDrawing>(*database_)) {
+      programs_(std::make_unique<ProgramDrawing>(*database_)),
+      selection_(std::make_unique<DrawingSelection>(*database_)) {
     SystemVariables& variables = *systemVariables_;
     joinDrawingVariables(variables, *database_);
     variables.setProvider(L"DWGNAME", [this] { return SystemVariableValue(title_); });

@@ -17,6 +17,7 @@ namespace lisp {
 class Interpreter;
 struct Namespace;
 }  // namespace lisp
+class DrawingSelection;
 struct ProgramDrawing;
 class SystemVariables;
 
@@ -49,6 +50,7 @@ class SG_API Document final : public AcApDocument {
     lisp::Namespace& variables() { return *namespace_; }
     SystemVariables& systemVariables() { return *systemVariables_; }
     ProgramDrawing& programs() { return *programs_; }
+    DrawingSelection& selection() { return *selection_; }
 
     void lock(AcAp::DocLockMode mode) { locks_.push_back(mode); }
     bool unlock();
@@ -76,6 +78,7 @@ class SG_API Document final : public AcApDocument {
     std::unique_ptr<lisp::Namespace> namespace_;
     std::unique_ptr<SystemVariables> systemVariables_;
     std::unique_ptr<ProgramDrawing> programs_;
+    std::unique_ptr<DrawingSelection> selection_;
     std::vector<AcAp::DocLockMode> locks_;
     int running_ = 0;
 };

@@ -10,6 +10,13 @@ namespace sg {
 Answer<std::wstring> InputSource::text(const TextRequest&) {
     return {};
 }
+Answer<PromptAnswer> InputSource::prompt(const PromptRequest& request) {
+    Answer<std::wstring> typed = text({request.prompt, false});
+    Answer<PromptAnswer> answer;
+    answer.outcome = typed.outcome;
+    answer.value.text = std::move(typed.value);
+    return answer;
+}
 Answer<int> InputSource::messageBox(const BoxRequest&) {
     return {};
 }
@@ -26,6 +33,13 @@ Answer<Value> InputChain::firstAnswer(Ask ask) {
 
 std::optional<std::wstring> InputChain::text(const TextRequest& request) {
     auto answer = firstAnswer<std::wstring>([&](InputSource& each) { return each.text(request); });
+    if (answer.outcome == Outcome::cancelled) return std::nullopt;
+    return std::move(answer.value);
+}
+
+std::optional<PromptAnswer> InputChain::prompt(const PromptRequest& request) {
+    auto answer =
+        firstAnswer<PromptAnswer>([&](InputSource& each) { return each.prompt(request); });
     if (answer.outcome == Outcome::cancelled) return std::nullopt;
     return std::move(answer.value);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "base/export.h"
+#include "platform/ge/point3d.h"
 
 namespace sg {
 
@@ -34,6 +36,28 @@ struct TextRequest {
     bool wholeLine = false;  // blanks belong to the answer; otherwise a blank ends it
 };
 
+// What a program asks for at the command line, beside text.
+struct PromptRequest {
+    enum class Kind { value, point, entity, selection };
+    Kind kind = Kind::value;
+    std::wstring prompt;                   // as it was printed, with its leading line feed
+    std::optional<AcGePoint3d> basePoint;  // where a rubber band starts, in user coordinates
+    bool isCorner = false;                 // the band is a rectangle
+};
+
+struct PromptAnswer {
+    enum class Kind {
+        text,    // as typed: a value, a point, a keyword; empty for Enter
+        point,   // a place on the display, in user coordinates
+        pick,    // an entity is picked where `text` says, as a point is typed
+        entity,  // the entity of a handle
+    };
+    Kind kind = Kind::text;
+    std::wstring text;
+    AcGePoint3d point;
+    uint64_t handle = 0;
+};
+
 struct BoxRequest {
     std::wstring title;
     std::wstring text;
@@ -47,6 +71,8 @@ class SG_API InputSource {
   public:
     virtual ~InputSource() = default;
     virtual Answer<std::wstring> text(const TextRequest& request);
+    // The base version answers with text.
+    virtual Answer<PromptAnswer> prompt(const PromptRequest& request);
     virtual Answer<int> messageBox(const BoxRequest& request);  // the button's id
 };
 
@@ -56,7 +82,8 @@ class SG_API InputChain {
   public:
     void add(std::shared_ptr<InputSource> source) { sources_.push_back(std::move(source)); }
 
-    std::optional<std::wstring> text(const TextRequest& request);  // nullopt: cancelled
+    std::optional<std::wstring> text(const TextRequest& request);      // nullopt: cancelled
+    std::optional<PromptAnswer> prompt(const PromptRequest& request);  // nullopt: cancelled
     int messageBox(const BoxRequest& request);
 
   private:

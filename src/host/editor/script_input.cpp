@@ -63,6 +63,21 @@ Answer<std::wstring> ScriptInput::text(const TextRequest& request) {
     }
 }
 
+Answer<PromptAnswer> ScriptInput::prompt(const PromptRequest& request) {
+    const bool isPlace = next_ < items_.size() && (items_[next_].kind == ScriptItem::Kind::pick ||
+                                                   items_[next_].kind == ScriptItem::Kind::entity);
+    if (!isPlace || request.kind == PromptRequest::Kind::value) {
+        return InputSource::prompt(request);
+    }
+    const ScriptItem& item = *take();
+    PromptAnswer answer;
+    answer.kind =
+        item.kind == ScriptItem::Kind::pick ? PromptAnswer::Kind::pick : PromptAnswer::Kind::entity;
+    answer.text = item.value;
+    answer.handle = item.handle;
+    return Answer<PromptAnswer>::of(std::move(answer));
+}
+
 Answer<int> ScriptInput::messageBox(const BoxRequest& request) {
     const ScriptItem* const item = take();
     if (item == nullptr) return {};

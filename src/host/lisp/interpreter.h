@@ -42,6 +42,9 @@ struct Hooks {
     std::function<std::optional<std::wstring>(const std::wstring& name)> findFile;
     // A line that the user types, without its end; nullopt when there is nobody to type one.
     std::function<std::optional<std::wstring>()> readLine;
+    // A value that holds the selection set of this name has been made, and is gone.
+    std::function<void(uint64_t name)> retainPickSet;
+    std::function<void(uint64_t name)> releasePickSet;
     // A system variable's value, for conversions that follow them (LUNITS, DIMZIN, ...).
     std::function<std::optional<Value>(std::wstring_view name)> systemVariable;
 };

@@ -235,8 +235,7 @@ class Parser {
             case RTENAME:
                 return Value::entityName(nameToPayload(node.resval.rlname));
             case RTPICKS:
-                return Value::object(
-                    in_.heap().adopt(new PickSet(nameToPayload(node.resval.rlname), nullptr)));
+                return pickSetValue(in_, nameToPayload(node.resval.rlname));
             case RTT:
                 return in_.t();
             case RTVOID:
@@ -252,6 +251,11 @@ class Parser {
 };
 
 }  // namespace
+
+Value pickSetValue(Interpreter& in, uint64_t name) {
+    if (in.hooks().retainPickSet) in.hooks().retainPickSet(name);
+    return Value::object(in.heap().adopt(new PickSet(name, in.hooks().releasePickSet)));
+}
 
 uint64_t nameToPayload(const ads_name name) {
     return static_cast<uint64_t>(static_cast<uint32_t>(name[1])) << 32 |

@@ -39,6 +39,9 @@ bool chainToValue(Interpreter& in, const resbuf* chain, Value& value);
 // Every item of a chain, pushed on the value stack; answers their number, or -1 as above.
 int pushItems(Interpreter& in, const resbuf* chain);
 
+// A value that holds the selection set of a name.
+Value pickSetValue(Interpreter& in, uint64_t name);
+
 // Entity and selection set names as words and as payloads of values.
 uint64_t nameToPayload(const ads_name name);
 void payloadToName(uint64_t payload, ads_name name);

@@ -15,6 +15,8 @@
 #include "host/editor/documents.h"
 #include "host/editor/editor.h"
 #include "host/editor/input_source.h"
+#include "host/editor/prompts/prompter.h"
+#include "host/editor/selection/selection_sets.h"
 #include "host/editor/system_variables.h"
 #include "host/lisp/functions/program_state.h"
 #include "host/lisp/interpreter.h"
@@ -110,6 +112,8 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
                   : std::make_unique<Output>();
     input_ = std::make_unique<InputChain>();
     typedWords_ = std::make_shared<TypedWords>();
+    prompts_ = std::make_unique<PromptState>();
+    selectionSets_ = std::make_unique<SelectionSets>();
     setInput({});
     applicationVariables_ = std::make_shared<SystemVariables>();
     registry_ = std::make_unique<RegistryStore>(
@@ -175,6 +179,8 @@ void Host::createInterpreter() {
         if (!value) return std::nullopt;
         return systemVariableToLisp(*interpreter_, *value);
     };
+    hooks.retainPickSet = [this](uint64_t name) { selectionSets_->retain(name); };
+    hooks.releasePickSet = [this](uint64_t name) { selectionSets_->release(name); };
     hooks.readLine = [this] { return input_->text({L"", true}); };
     interpreter_ = std::make_unique<lisp::Interpreter>(std::move(hooks));
     interpreter_->heap().setLimit(options_.memoryLimit != 0 ? options_.memoryLimit
@@ -183,6 +189,8 @@ void Host::createInterpreter() {
     interpreter_->define(settingsFunctions());
     interpreter_->define(entityFunctions());
     interpreter_->define(tableFunctions());
+    interpreter_->define(selectionFunctions());
+    interpreter_->define(promptFunctions());
 }
 
 void Host::createDocuments() {

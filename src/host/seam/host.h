@@ -36,9 +36,11 @@ class InputSource;
 class ModuleLoader;
 class NamedMutexes;
 class Output;
+struct PromptState;
 class RandomGenerator;
 class RegistryHandles;
 class RegistryStore;
+class SelectionSets;
 class Shell;
 class SupportPath;
 class SystemLibraries;
@@ -109,6 +111,8 @@ class SG_API Host {
     InputChain& input() { return *input_; }
     void setInput(const std::vector<std::shared_ptr<InputSource>>& sources);
     TypedWords& typedWords() { return *typedWords_; }
+    PromptState& prompts() { return *prompts_; }
+    SelectionSets& selectionSets() { return *selectionSets_; }
 
     // The full path of a file that a program names: as it stands, seen from the current folder,
     // else on the support path.
@@ -141,6 +145,8 @@ class SG_API Host {
     std::unique_ptr<Output> output_;
     std::unique_ptr<InputChain> input_;
     std::shared_ptr<TypedWords> typedWords_;
+    std::unique_ptr<PromptState> prompts_;
+    std::unique_ptr<SelectionSets> selectionSets_;
     std::shared_ptr<SystemVariables> applicationVariables_;
     std::unique_ptr<RegistryStore> registry_;
     std::unique_ptr<RegistryHandles> registryHandles_;

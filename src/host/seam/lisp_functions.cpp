@@ -29,23 +29,11 @@ using lisp::Interpreter;
 using lisp::ListBuilder;
 using lisp::Value;
 
-// ---- Messages and input ------------------------------------------------------------------------
+// ---- Messages ----------------------------------------------------------------------------------
 
 Value fnAlert(Interpreter& in, Args a) {
     acedAlert(in.str(a[0]).c_str());
     return Value::nil();
-}
-
-// (getstring [cr] [message]): with a true cr the answer may hold blanks.
-Value fnGetString(Interpreter& in, Args a) {
-    const bool hasFlag = a.size() == 2 || (a.size() == 1 && !a[0].isString());
-    const Value message = a.get(hasFlag ? 1 : 0);
-    TextRequest request;
-    request.wholeLine = hasFlag && a[0];
-    if (message) request.prompt = in.str(message);
-    const auto answer = Host::the().input().text(request);
-    if (!answer) in.cancel();
-    return in.string(*answer);
 }
 
 Value fnTextScreen(Interpreter&, Args) {
@@ -204,7 +192,6 @@ Value fnCompactDatabase(Interpreter& in, Args a) {
 
 constexpr FunctionRow kRows[] = {
     {L"alert", fnAlert, 1, 1},
-    {L"getstring", fnGetString, 0, 2},
     {L"textscr", fnTextScreen, 0, 0},
     {L"graphscr", fnGraphScreen, 0, 0},
     {L"textpage", fnTextScreen, 0, 0},

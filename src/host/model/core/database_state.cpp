@@ -93,6 +93,7 @@ Acad::ErrorStatus DatabaseState::load(AcDbObject& object, uint64_t handle, AcDbO
 void DatabaseState::putInPlace(AcDbObjectId id, AcDbObject* object) {
     DatabaseTable::recordOf(id)->object = object;
     ObjectAccess::setId(*object, id);
+    tellChange(id);
 }
 
 void DatabaseState::discard(AcDbObject* object) {
@@ -116,6 +117,7 @@ void DatabaseState::forget(AcDbObject& object) {
 }
 
 void DatabaseState::setErased(AcDbObject& object, bool erased) {
+    tellChange(object.objectId());
     uint16_t& flags = ObjectAccess::flags(object);
     flags = static_cast<uint16_t>(erased ? flags | ObjectAccess::kErased
                                          : flags & ~ObjectAccess::kErased);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/export.h"
+#include "host/model/core/change_listener.h"
 #include "host/model/core/id_records.h"
 #include "host/model/core/transactions.h"
 #include "host/model/core/undo_log.h"
@@ -60,6 +61,14 @@ class SG_API DatabaseState {
     HeaderVariables& changeHeader();  // keeps the values before for undo
     void restoreHeader(const HeaderVariables& header);
 
+    // Listeners are not owned; each is removed before it goes.
+    void addListener(ChangeListener* listener) { listeners_.push_back(listener); }
+    void removeListener(ChangeListener* listener) { std::erase(listeners_, listener); }
+    void tellChange(AcDbObjectId id) {
+        for (ChangeListener* const listener : listeners_)
+            listener->objectChanges(id);
+    }
+
     // Calls `visit` with every object, erased ones too. New objects that it makes are not visited.
     template <class Visit>
     void forEach(const Visit& visit) {
@@ -85,6 +94,7 @@ class SG_API DatabaseState {
     uint64_t sequence_;
     uint64_t nextHandle_ = 1;
     std::unique_ptr<HeaderVariables> header_;
+    std::vector<ChangeListener*> listeners_;
     std::vector<std::unique_ptr<AcDbObject>> discarded_;  // still open when they were taken away
 };
 

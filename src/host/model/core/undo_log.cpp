@@ -79,6 +79,7 @@ void UndoLog::pushState(Steps& steps, AcDbObject& object, Kind kind, uint64_t pa
 }
 
 void UndoLog::stateChanges(AcDbObject& object) {
+    state_.tellChange(object.objectId());
     if (ObjectAccess::has(object, ObjectAccess::kRecorded | ObjectAccess::kUndoing)) return;
     const bool isFirst = beginSession(object);
     forgetRedo();
@@ -86,23 +87,28 @@ void UndoLog::stateChanges(AcDbObject& object) {
 }
 
 void UndoLog::objectAppended(AcDbObject& object) {
+    state_.tellChange(object.objectId());
     beginSession(object);
     newStep({object.objectId(), 0, 0, Kind::appended});
 }
 
 void UndoLog::eraseChanges(AcDbObject& object) {
+    state_.tellChange(object.objectId());
     if (isKeeping()) newStep({object.objectId(), object.isErased(), 0, Kind::erase});
 }
 
 void UndoLog::memberJoins(AcDbObjectId container, AcDbObjectId member, size_t index) {
+    state_.tellChange(member);
     if (isKeeping()) newStep({container, member.asOldId(), index, Kind::joined});
 }
 
 void UndoLog::memberLeaves(AcDbObjectId container, AcDbObjectId member, size_t index) {
+    state_.tellChange(member);
     if (isKeeping()) newStep({container, member.asOldId(), index, Kind::left});
 }
 
 void UndoLog::objectReplaced(AcDbObject& object) {
+    state_.tellChange(object.objectId());
     if (!isKeeping()) return;
     forgetRedo();
     pushState(steps_, object, Kind::replaced, payloadOf(object.isA()));
@@ -194,6 +200,7 @@ std::span<const uint8_t> UndoLog::bytesOf(const Steps& steps, const Entry& entry
 }
 
 void UndoLog::restore(AcDbObject& object, std::span<const uint8_t> bytes) {
+    state_.tellChange(object.objectId());
     MemoryReader reader(bytes, AcDb::kUndoFiler, &state_.database);
     const Unguarded guard(object);
     object.dwgInFields(&reader);
@@ -214,6 +221,8 @@ void UndoLog::takeBack(Steps& steps, size_t position, Steps* inverse) {
 }
 
 void UndoLog::apply(Steps& steps, const Entry& entry, Steps* inverse) {
+    const bool isMember = entry.kind == Kind::joined || entry.kind == Kind::left;
+    if (!entry.id.isNull()) state_.tellChange(isMember ? AcDbObjectId(entry.payload) : entry.id);
     IdRecord* const record = DatabaseTable::recordOf(entry.id);
     AcDbObject* const object = record == nullptr ? nullptr : record->object;
     const auto keep = [&](Kind kind, uint64_t payload) {

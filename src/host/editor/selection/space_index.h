@@ -1,0 +1,61 @@
+#pragma once
+
+#include <functional>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "base/export.h"
+#include "host/editor/selection/region.h"
+#include "host/model/core/change_listener.h"
+#include "platform/db/block_table.h"
+#include "platform/db/database.h"
+
+namespace sg {
+
+// Finds the entities of one space by where they are: a tree of the boxes around them, on the
+// world's XY plane. It hears of changes and follows when it is asked next; entities that have
+// changed stand beside the tree until they are so many that it is built anew.
+//
+// The database must be open for as long as the index lives.
+class SG_API SpaceIndex final : public model::ChangeListener {
+  public:
+    SpaceIndex(AcDbDatabase& database, AcDbObjectId space);
+    ~SpaceIndex() override;
+    SpaceIndex(const SpaceIndex&) = delete;
+    SpaceIndex& operator=(const SpaceIndex&) = delete;
+
+    using Visit = std::function<void(AcDbObjectId)>;
+    // Calls `visit` once for each entity, erased ones left out, that may reach into the box: those
+    // whose own boxes meet it, and those without ends. In no order.
+    void find(const Box2d& box, const Visit& visit);
+
+    void objectChanges(AcDbObjectId id) override;
+
+  private:
+    static constexpr size_t kFanOut = 16;
+
+    struct Entry {
+        Box2d box;
+        AcDbObjectId id;
+    };
+
+    void follow();
+    const AcDbEntity* memberOf(AcDbObjectId id) const;  // null for what is not, or erased
+    void build();
+    void measureAgain(AcDbObjectId id);
+    void findInTree(const Box2d& box, size_t level, size_t node, const Visit& visit) const;
+
+    AcDbDatabase& database_;
+    const AcDbObjectId space_;
+    bool isBuilt_ = false;
+    std::vector<AcDbObjectId> changed_;  // heard of since it was asked last
+    std::vector<Entry> entries_;         // neighbours in the plane are neighbours here
+    // The boxes around kFanOut entries each, around kFanOut of those each, and so on up to one.
+    std::vector<std::vector<Box2d>> levels_;
+    std::unordered_set<AcDbObjectId> dependents_;    // whose boxes follow from other objects
+    std::unordered_map<AcDbObjectId, Box2d> loose_;  // those beside the tree
+    std::unordered_set<AcDbObjectId> endless_;       // those without a box
+};
+
+}  // namespace sg
