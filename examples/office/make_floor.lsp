@@ -42,9 +42,10 @@
 (defun corners (x1 y1 x2 y2)
   (list (list x1 y1) (list x2 y1) (list x2 y2) (list x1 y2)))
 
-(defun make-text (layer point height text)
+; A text whose left (0) or right (2) end is halfway up at a point.
+(defun make-text (layer point side height text)
   (entmake (list '(0 . "TEXT") (cons 8 layer) (cons 10 point) (cons 11 point) (cons 40 height)
-                 (cons 1 text) '(72 . 1) '(73 . 2))))
+                 (cons 1 text) (cons 72 side) '(73 . 2))))
 
 (defun insert-block (layer name point rotation)
   (entmake (list '(0 . "INSERT") (cons 8 layer) (cons 2 name) (cons 10 point)
@@ -143,13 +144,14 @@
 (defun half-wall (x)
   (if (or (= x 0.0) (= x floor-width)) (/ outer-wall 2.0) (/ inner-wall 2.0)))
 
-(defun make-room (number name west east south north / place area)
+; The room's texts stand along its north wall, out of the way of what is placed in it.
+(defun make-room (number name west east south north / area)
   (make-polyline "A-AREA" (corners west south east north))
-  (setq place (list (/ (+ west east) 2.0) (/ (+ south north) 2.0) 0.0)
-        area (/ (* (- east west) (- north south)) 1000000.0))
-  (make-text "A-AREA-NUMB" (polar place (/ pi 2.0) 600.0) 350.0 number)
-  (make-text "A-AREA-NAME" place 250.0 name)
-  (make-text "A-AREA" (polar place (/ pi -2.0) 500.0) 200.0 (strcat (rtos area 2 1) " m2")))
+  (setq area (/ (* (- east west) (- north south)) 1000000.0))
+  (make-text "A-AREA-NUMB" (list (+ west 250.0) (- north 350.0) 0.0) 0 300.0 number)
+  (make-text "A-AREA-NAME" (list (+ west 250.0) (- north 750.0) 0.0) 0 200.0 name)
+  (make-text "A-AREA" (list (- east 250.0) (- north 350.0) 0.0) 2 180.0
+             (strcat (rtos area 2 1) " m2")))
 
 (defun make-rooms (rooms south north)
   (foreach room rooms
