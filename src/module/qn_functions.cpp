@@ -3,6 +3,7 @@
 #include "module/function_tables.h"
 #include "module/handlers.h"
 #include "module/missing.h"
+#include "solids/lisp_functions.h"
 #include "standards/lisp_functions.h"
 #include "support/lisp_functions.h"
 
@@ -92,16 +93,16 @@ constexpr FunctionRow kRows[] = {
     missingQnRow<L"CreateCompressedGuidString">(),
     {L"AcDbAnnotativeObjectPE::setAnnotative", qnHandler<setAnnotative>},
     {L"SetAnnoBlock", qnHandler<setAnnotativeBlock>},
-    missingQnRow<L"qn_qn-drawHanger">(),
-    missingQnRow<L"qn_qn-drawTripleCenter">(),
-    missingQnRow<L"qn_qn-getTripleCoord">(),
-    missingQnRow<L"qn_qn-drawTripleTransition">(),
-    missingQnRow<L"qn_qn-drawTripleElbow">(),
-    missingQnRow<L"qn_qn-drawTripleWye">(),
-    missingQnRow<L"qn_qn-drawTripleTakeoff">(),
-    missingQnRow<L"qn_qn-drawTripleSkin">(),
-    missingQnRow<L"qn_qn-tripleUnion">(),
-    missingQnRow<L"qn_qn-explodeSolid">(),
+    {L"qn_qn-drawHanger", qnHandler<drawHanger>},
+    {L"qn_qn-drawTripleCenter", qnHandler<drawTripleCenter>},
+    {L"qn_qn-getTripleCoord", qnHandler<getTripleCoord>},
+    {L"qn_qn-drawTripleTransition", qnHandler<drawTripleTransition>},
+    {L"qn_qn-drawTripleElbow", qnHandler<drawTripleElbow>},
+    {L"qn_qn-drawTripleWye", qnHandler<drawTripleWye>},
+    {L"qn_qn-drawTripleTakeoff", qnHandler<drawTripleTakeoff>},
+    {L"qn_qn-drawTripleSkin", qnHandler<drawTripleSkin>},
+    {L"qn_qn-tripleUnion", qnHandler<tripleUnion>},
+    {L"qn_qn-explodeSolid", qnHandler<explodeSolid>},
     missingQnRow<L"acedSetStatusBarProgressMeterPos">(),
     missingQnRow<L"acedSetStatusBarProgressMeter">(),
     missingQnRow<L"acedRestoreStatusBar">(),
