@@ -1,4 +1,5 @@
 #include "drawing/lisp_functions.h"
+#include "jigs/lisp_functions.h"
 #include "leader/lisp_functions.h"
 #include "module/function_tables.h"
 #include "module/handlers.h"
@@ -19,7 +20,7 @@ constexpr FunctionRow kRows[] = {
     {L"AcDbCurve::getPointAtDist", qnHandler<curveGetPointAtDist>},
     {L"AcDbCurve::getClosestPointTo", qnHandler<curveGetClosestPointTo>},
     {L"AcDbCurve::getDistAtPoint", qnHandler<curveGetDistAtPoint>},
-    missingQnRow<L"AcDbBlockReference::Jig">(),
+    {L"AcDbBlockReference::Jig", qnHandler<dragBlocks>},
     {L"AcDbMText::actualWidth", qnHandler<mtextActualWidth>},
     {L"AcDbMText::actualHeight", qnHandler<mtextActualHeight>},
     {L"AcDbMText::setNormal", qnHandler<mtextSetNormal>},
@@ -29,12 +30,12 @@ constexpr FunctionRow kRows[] = {
     {L"AcDbMText::insert", qnHandler<mtextInsert>},
     {L"AcDbMText::ascent", qnHandler<mtextAscent>},
     {L"AcDbMText::descent", qnHandler<mtextDescent>},
-    missingQnRow<L"RectangleJig">(),
-    missingQnRow<L"qn_qn-lineJig">(),
-    missingQnRow<L"qn_qn-textJig">(),
-    missingQnRow<L"qn_qn-rotateJig">(),
-    missingQnRow<L"qn_qn-multiRotateJig">(),
-    missingQnRow<L"qn_qn-multiMoveJig">(),
+    {L"RectangleJig", qnHandler<dragRectangle>},
+    {L"qn_qn-lineJig", qnHandler<dragLine>},
+    {L"qn_qn-textJig", qnHandler<dragText>},
+    {L"qn_qn-rotateJig", qnHandler<dragRotation>},
+    {L"qn_qn-multiRotateJig", qnHandler<dragMultiRotation>},
+    {L"qn_qn-multiMoveJig", qnHandler<dragMove>},
     {L"qn_qn-entsel", qnHandler<selectEntity>},
     {L"AcDbLeader::create", qnHandler<hostLeaderCreate>},
     missingQnRow<L"qn_qn-showHelp">(),
@@ -116,8 +117,8 @@ constexpr FunctionRow kRows[] = {
     missingQnRow<L"qn_qn-getToDoDrawing">(),
     {L"signString", qnHandler<signString>},
     {L"verifyString", qnHandler<verifyString>},
-    missingQnRow<L"qn_qn-createJigTimer">(),
-    missingQnRow<L"qn_qn-killJigTimer">(),
+    {L"qn_qn-createJigTimer", qnHandler<createJigTimer>},
+    {L"qn_qn-killJigTimer", qnHandler<killJigTimer>},
     missingQnRow<L"qn_qn-enableAutoCADWindow">(),
     missingQnRow<L"qn_qn-disableAutoCADWindow">(),
     {L"qn_qn-sendToBack", qnHandler<sendToBack>},

@@ -15,6 +15,7 @@
 #include "host/editor/documents.h"
 #include "host/editor/editor.h"
 #include "host/editor/input_source.h"
+#include "host/editor/jig/drags.h"
 #include "host/editor/prompts/prompter.h"
 #include "host/editor/selection/selection_sets.h"
 #include "host/editor/system_variables.h"
@@ -40,6 +41,7 @@
 #include "host/system/registry_handles.h"
 #include "host/system/shell.h"
 #include "host/system/system_libraries.h"
+#include "host/system/timers.h"
 #include "platform/dao/engine.h"
 #include "platform/db/database.h"
 #include "platform/variant/date_text.h"
@@ -114,6 +116,8 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     typedWords_ = std::make_shared<TypedWords>();
     prompts_ = std::make_unique<PromptState>();
     selectionSets_ = std::make_unique<SelectionSets>();
+    drags_ = std::make_unique<Drags>();
+    timers_ = std::make_unique<Timers>();
     setInput({});
     applicationVariables_ = std::make_shared<SystemVariables>();
     registry_ = std::make_unique<RegistryStore>(
@@ -246,6 +250,7 @@ void Host::createModuleLoader() {
     };
     environment.released = [this](const Module& module) {
         externals_->forgetModule(module, documents_->all());
+        timers_->killAllOf(&module);
     };
     modules_ = std::make_unique<ModuleLoader>(std::move(environment));
     for (const auto& [name, entryPoint] : options_.staticModules) {
@@ -293,6 +298,7 @@ void Host::provideSystemVariables() {
 
 void Host::setInput(const std::vector<std::shared_ptr<InputSource>>& sources) {
     input_ = std::make_unique<InputChain>();
+    input_->setBeforeWaiting([this] { timers_->runDue(); });
     input_->add(typedWords_);
     for (const auto& source : sources)
         input_->add(source);

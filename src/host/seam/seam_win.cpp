@@ -30,9 +30,19 @@ HWND adsw_acadMainWnd() {
     return nullptr;
 }
 
+bool EnableWindow(HWND, bool) {
+    return false;
+}
+
 int MessageBoxW(HWND, const wchar_t* text, const wchar_t* title, unsigned flags) {
     return Host::the().input().messageBox(
         {title != nullptr ? title : L"Error", text != nullptr ? text : L"", flags});
+}
+
+int AfxMessageBox(const wchar_t* text, unsigned flags) {
+    constexpr unsigned kIcons = 0xF0;
+    return MessageBoxW(nullptr, text, L"AutoCAD",
+                       (flags & kIcons) == 0 ? flags | MB_ICONWARNING : flags);
 }
 
 // A terminal has one sound for all kinds.

@@ -9,3 +9,6 @@ using HWND = SgWindow*;
 SG_API HWND GetActiveWindow();
 SG_API HWND SetActiveWindow(HWND window);  // answers the window that was active
 SG_API HWND adsw_acadMainWnd();            // the drawing program's main window
+
+// Lets a window take input, or keeps it from that. True when it was kept from it before.
+SG_API bool EnableWindow(HWND window, bool enable);
