@@ -8,7 +8,7 @@ namespace {
 class ExactShapes final : public sgExactShapePE {
   public:
     bool exactShape(const AcDbEntity* entity, std::string& shape) override {
-        const auto* const solid = dynamic_cast<const HvacSolid*>(entity);
+        const auto* const solid = HvacSolid::cast(entity);
         if (solid == nullptr) return false;
         const ShapePtr bodies = solid->shape();
         return bodies != nullptr && solidKernel()->exact(*bodies, shape);

@@ -92,7 +92,7 @@ void HvacSolid::clearBodies() {
 }
 
 bool HvacSolid::doUnion(qn_hvacSolid* other) {
-    const auto* const solid = dynamic_cast<const HvacSolid*>(other);
+    const HvacSolid* const solid = cast(other);
     if (solid == nullptr || solid == this || solid->steps_.empty()) return false;
     if (steps_.empty()) bodyOption_ = solid->bodyOption_;
     return apply({Unite{solid->steps_}});

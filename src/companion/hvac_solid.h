@@ -24,6 +24,9 @@ class HvacSolid final : public qn_hvacSolid {
     static void rxInit();
     static void rxTerm();
     AcRxClass* isA() const override;
+    static HvacSolid* cast(const AcRxObject* object) {
+        return static_cast<HvacSolid*>(qn_hvacSolid::cast(object));
+    }
 
     bool addTransition(AcGePoint3d head, bool headRectangular, double headWidth, double headHeight,
                        AcGePoint3d tail, bool tailRectangular, double tailWidth, double tailHeight,

@@ -14,6 +14,24 @@ constexpr size_t kStretch = 1 << 16;
 
 enum Group { kVersionGroup = 90, kOptionGroup = 91, kBytesGroup = 310 };
 
+int digitOf(wchar_t digit) {
+    if (digit >= L'0' && digit <= L'9') return digit - L'0';
+    if (digit >= L'A' && digit <= L'F') return digit - L'A' + 10;
+    if (digit >= L'a' && digit <= L'f') return digit - L'a' + 10;
+    return -1;
+}
+
+// Binary data is read as the text of its digits. False for one that is none.
+bool appendBytes(const wchar_t* digits, std::vector<uint8_t>& bytes) {
+    for (; *digits != L'\0'; digits += 2) {
+        const int high = digitOf(digits[0]);
+        const int low = digitOf(digits[1]);
+        if (high < 0 || low < 0) return false;
+        bytes.push_back(static_cast<uint8_t>(high * 16 + low));
+    }
+    return true;
+}
+
 }  // namespace
 
 Acad::ErrorStatus HvacSolid::takeBytes(std::span<const uint8_t> bytes) {
@@ -79,17 +97,18 @@ Acad::ErrorStatus HvacSolid::dxfInFields(AcDbDxfFiler* filer) {
     if (status != Acad::eOk) return status;
     if (!filer->atSubclassData(kMarker)) return Acad::eBadDxfSequence;
     std::vector<uint8_t> bytes;
+    bool isWhole = true;
     resbuf group{};
     while (filer->readItem(&group) == Acad::eOk) {
         if (group.restype == kVersionGroup && group.resval.rlong > kVersion) {
             return Acad::eMakeMeProxy;
         }
         if (group.restype == kOptionGroup) bodyOption_ = group.resval.rlong;
-        if (group.restype != kBytesGroup || group.resval.rbinary.buf == nullptr) continue;
-        const auto* const start = reinterpret_cast<const uint8_t*>(group.resval.rbinary.buf);
-        bytes.insert(bytes.end(), start, start + group.resval.rbinary.clen);
+        if (group.restype == kBytesGroup && group.resval.rstring != nullptr) {
+            isWhole = appendBytes(group.resval.rstring, bytes) && isWhole;
+        }
     }
-    if (!bytes.empty() && takeBytes(bytes) != Acad::eOk) {
+    if (!isWhole || (!bytes.empty() && takeBytes(bytes) != Acad::eOk)) {
         return filer->setError(Acad::eInvalidInput, L"the bodies of a duct solid are damaged");
     }
     return filer->filerStatus();

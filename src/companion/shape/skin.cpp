@@ -59,8 +59,12 @@ std::vector<AcGePoint3d> offset(std::span<const AcGePoint3d> points,
         const AcGeVector3d normal =
             (points[t[1]] - points[t[0]]).crossProduct(points[t[2]] - points[t[0]]).normal();
         faces.push_back(normal);
-        for (const size_t corner : t)
-            normals[corner] += normal;
+        // By its angle there, so that it does not matter how a panel is cut into triangles.
+        for (size_t i = 0; i < 3; ++i) {
+            const AcGePoint3d& at = points[t[i]];
+            normals[t[i]] +=
+                normal * (points[t[(i + 1) % 3]] - at).angleTo(points[t[(i + 2) % 3]] - at);
+        }
     }
     std::vector<double> least(points.size(), 1);
     for (AcGeVector3d& normal : normals)
