@@ -47,33 +47,35 @@
   (use-of-head to made "dTailLength")
   (colour made 2))
 
-(defun straight (name index)
-  (AcDbEntity::setColor (qn_qn-drawTripleCenter nil 0 (eval name)) index))
+(defun straight (name next index)
+  (AcDbEntity::setColor (qn_qn-drawTripleCenter nil 0 (eval name) (eval next)) index))
 
-;; The duct: a main with two branches, around a corner, up a floor, and parted in two.
+;; The duct: a main with two branches, around a corner, up a floor, on in the same direction, and
+;; parted in two. The riser's width lies along the runs below and above it, its height across them.
 (setq main   (section '(0 0 0) '(200 0 0) 24 12 "RC")
       behind (section '(200 0 0) '(320 0 0) 20 12 "RC")
       left   (section '(200 0 0) '(200 90 0) 10 10 "RC")
       right  (section '(200 0 0) '(200 -80 0) 10 10 "RD")
-      side   (section '(320 0 0) '(320 160 0) 20 12 "RC")
-      riser  (section '(320 160 0) '(320 160 90) 20 12 "RC")
-      above  (section '(320 160 90) '(440 160 90) 20 12 "RC")
-      round  (section '(440 160 90) '(540 160 90) 14 14 "RD")
-      north  (section '(540 160 90) '(620 240 90) 14 14 "RD")
-      south  (section '(540 160 90) '(620 80 90) 14 14 "RD"))
+      side   (section '(320 0 0) '(320 140 0) 20 12 "RC")
+      riser  (section '(320 140 0) '(320 140 90) 12 20 "RC")
+      above  (section '(320 140 90) '(320 240 90) 20 12 "RC")
+      round  (section '(320 240 90) '(320 320 90) 14 14 "RD")
+      east   (section '(320 320 90) '(380 380 90) 14 14 "RD")
+      west   (section '(320 320 90) '(260 380 90) 14 14 "RD"))
 (takeoff 'main 'behind 'left 'right)
 (elbow nil 30.0 'behind 'side)
 (elbow T 0.0 'side 'riser)
 (elbow nil 18.0 'riser 'above)
 (transition 'above 'round)
-(wye 'round 'north 'south)
-(foreach name '(main behind left right side riser above round north south) (straight name 8))
+(wye 'round 'east 'west)
+(foreach name '(main behind left right side above round east west) (straight name nil 8))
+(straight 'riser 'above 8)
 
 ;; A cable tray beside it.
 (setq tray  (section '(0 -100 20) '(150 -100 20) 12 4 "RC")
       aside (section '(150 -100 20) '(150 -220 20) 12 4 "RC"))
 (elbow "CABLETRAY" 18.0 'tray 'aside)
-(foreach name '(tray aside) (straight name 30))
+(foreach name '(tray aside) (straight name nil 30))
 
 ;; Trapezes under the main, a strap about the round branch.
 (foreach x '(40.0 140.0)
