@@ -26,15 +26,15 @@ std::atomic<size_t> allocations{0};
 
 }  // namespace
 
-void* operator new(size_t size) {
+[[gnu::noinline]] void* operator new(size_t size) {
     allocations.fetch_add(1, std::memory_order_relaxed);
     if (void* const memory = std::malloc(size)) return memory;
     throw std::bad_alloc();
 }
-void operator delete(void* memory) noexcept {
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
     std::free(memory);
 }
-void operator delete(void* memory, size_t) noexcept {
+[[gnu::noinline]] void operator delete(void* memory, size_t) noexcept {
     std::free(memory);
 }
 
@@ -121,8 +121,10 @@ void step(benchmark::State& state, bool isDrawn) {
     jig.list().setEntityList(makeEntities(addBlock(*acDocManagerPtr()->curDocument()->database())));
 
     constexpr int kSteps = 100;
-    size_t made = 0;
-    size_t spent = 0;
+    int64_t made = 0;
+    int64_t spent = 0;
+    pointer->steps = 1;
+    jig.run();
     while (state.KeepRunningBatch(kSteps)) {
         const size_t first = allocations;
         pointer->steps = 1;
@@ -130,7 +132,7 @@ void step(benchmark::State& state, bool isDrawn) {
         const size_t second = allocations;
         pointer->steps = kSteps - 1;
         jig.run();
-        spent += (allocations - second) - (second - first);
+        spent += static_cast<int64_t>(allocations - second) - static_cast<int64_t>(second - first);
         made += kSteps - 2;
     }
     state.counters["allocations"] = static_cast<double>(spent) / static_cast<double>(made);
