@@ -9,7 +9,7 @@
 #include <cwchar>
 #include <utility>
 
-#include "app/function_pages.h"
+#include "app/columns.h"
 #include "app/process.h"
 #include "base/encoding.h"
 #include "base/text.h"

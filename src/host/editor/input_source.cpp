@@ -27,6 +27,9 @@ Answer<DragAnswer> InputSource::drag(const DragRequest& request) {
 Answer<int> InputSource::messageBox(const BoxRequest&) {
     return {};
 }
+Answer<std::wstring> InputSource::file(const FileRequest&) {
+    return {};
+}
 
 template <class Value, class Ask>
 Answer<Value> InputChain::firstAnswer(Ask ask) {
@@ -64,6 +67,12 @@ int InputChain::messageBox(const BoxRequest& request) {
     return answer.outcome == Outcome::answered ? answer.value : escapeButton(request.flags);
 }
 
+std::optional<std::wstring> InputChain::file(const FileRequest& request) {
+    auto answer = firstAnswer<std::wstring>([&](InputSource& each) { return each.file(request); });
+    if (answer.outcome == Outcome::cancelled) return std::nullopt;
+    return std::move(answer.value);
+}
+
 void TypedWords::set(std::wstring_view line) {
     rest_ = trimmed(line);
 }
@@ -88,6 +97,17 @@ Answer<int> UnattendedInput::messageBox(const BoxRequest& request) {
                 std::wstring(buttonName(button)) + L"]");
     }
     return Answer<int>::of(button);
+}
+
+Answer<std::wstring> UnattendedInput::file(const FileRequest& request) {
+    const bool isFolder = request.kind == FileRequest::Kind::folder;
+    if (report_) {
+        report_((isFolder ? L"folder dialog \"" : L"file dialog \"") + request.title + L"\": " +
+                (request.name.empty() ? L"" : request.name + L" ") + L"in " +
+                (request.folder.empty() ? L"the current folder" : request.folder) +
+                L" [answered: Cancel]");
+    }
+    return Answer<std::wstring>::cancel();
 }
 
 }  // namespace sg

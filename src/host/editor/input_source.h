@@ -71,6 +71,17 @@ struct BoxRequest {
     unsigned flags = 0;  // of MessageBoxW
 };
 
+// A file or folder chooser.
+struct FileRequest {
+    enum class Kind { open, save, folder };
+    Kind kind = Kind::open;
+    std::wstring title;
+    std::wstring folder;               // in which it opens; empty: the current folder
+    std::wstring name;                 // what stands in its field at first
+    std::wstring filter;               // of a file: "DWG Files (*.dwg)|*.dwg||"; empty: any file
+    std::vector<std::wstring> recent;  // earlier answers that are offered again, the latest first
+};
+
 // Where answers come from: a script, the words behind a command, a terminal. Every kind of request
 // is one operation, and a source answers Outcome::none to the kinds that it does not know, so that
 // a new kind needs a line in those sources only that can answer it.
@@ -83,6 +94,8 @@ class SG_API InputSource {
     // The base version confirms what prompt() answers.
     virtual Answer<DragAnswer> drag(const DragRequest& request);
     virtual Answer<int> messageBox(const BoxRequest& request);  // the button's id
+    // A path as it was given, which may be relative to the request's folder, and empty.
+    virtual Answer<std::wstring> file(const FileRequest& request);
 };
 
 // Asks its sources in their order until one has an answer. The last one should be an
@@ -97,6 +110,7 @@ class SG_API InputChain {
     std::optional<PromptAnswer> prompt(const PromptRequest& request);  // nullopt: cancelled
     std::optional<DragAnswer> drag(const DragRequest& request);        // nullopt: cancelled
     int messageBox(const BoxRequest& request);
+    std::optional<std::wstring> file(const FileRequest& request);  // nullopt: cancelled
 
   private:
     template <class Value, class Ask>
@@ -121,13 +135,14 @@ class SG_API TypedWords : public InputSource {
 };
 
 // Stands behind the last source: nobody is there. A prompt is cancelled, a box gets its default
-// button and is reported with its title, its text and the answer.
+// button, a chooser is cancelled; both are reported with their title, their text and the answer.
 class SG_API UnattendedInput : public InputSource {
   public:
     explicit UnattendedInput(std::function<void(const std::wstring&)> report)
         : report_(std::move(report)) {}
     Answer<std::wstring> text(const TextRequest& request) override;
     Answer<int> messageBox(const BoxRequest& request) override;
+    Answer<std::wstring> file(const FileRequest& request) override;
 
   private:
     const std::function<void(const std::wstring&)> report_;

@@ -102,4 +102,16 @@ Answer<int> ScriptInput::messageBox(const BoxRequest& request) {
     return Answer<int>::of(escapeButton(request.flags));
 }
 
+Answer<std::wstring> ScriptInput::file(const FileRequest& request) {
+    const ScriptItem* const item = take();
+    if (item == nullptr) return {};
+    if (item->kind == ScriptItem::Kind::file) {
+        return item->value.empty() ? Answer<std::wstring>::cancel()
+                                   : Answer<std::wstring>::of(item->value);
+    }
+    const bool isFolder = request.kind == FileRequest::Kind::folder;
+    reportMismatch(*item, (isFolder ? L"a folder (\"" : L"a file (\"") + request.title + L"\")");
+    return Answer<std::wstring>::cancel();
+}
+
 }  // namespace sg

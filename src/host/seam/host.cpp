@@ -10,6 +10,7 @@
 
 #include "base/encoding.h"
 #include "base/text.h"
+#include "host/dwg/files.h"
 #include "host/dxf/drawing_files.h"
 #include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
@@ -18,6 +19,7 @@
 #include "host/editor/jig/drags.h"
 #include "host/editor/prompts/prompter.h"
 #include "host/editor/selection/selection_sets.h"
+#include "host/editor/status_bar.h"
 #include "host/editor/system_variables.h"
 #include "host/lisp/functions/program_state.h"
 #include "host/lisp/interpreter.h"
@@ -34,6 +36,8 @@
 #include "host/system/cryptography.h"
 #include "host/system/date_time.h"
 #include "host/system/folders.h"
+#include "host/system/installation.h"
+#include "host/system/main_window.h"
 #include "host/system/mutexes.h"
 #include "host/system/paths.h"
 #include "host/system/random.h"
@@ -45,6 +49,7 @@
 #include "platform/dao/engine.h"
 #include "platform/db/database.h"
 #include "platform/variant/date_text.h"
+#include "platform/win/window.h"
 
 namespace sg {
 namespace {
@@ -129,6 +134,10 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     for (const std::wstring& folder : options_.supportPath)
         supportPath_->add(folder);
     shell_ = std::make_unique<Shell>();
+    mainWindow_ = std::make_unique<MainWindow>();
+    frame_ = std::make_unique<CMDIFrameWnd>(&mainWindow_->window);
+    statusBar_ = std::make_unique<StatusBar>();
+    output_->setBeforeWrite([this] { statusBar_->hide(); });
     mutexes_ = std::make_unique<NamedMutexes>();
     random_ = std::make_unique<RandomGenerator>();
     sleep = [](uint32_t milliseconds) {
@@ -140,6 +149,7 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     services_ = std::make_unique<ApplicationServices>(*this);
     databases_ = std::make_unique<model::DatabaseTable>();
     databases_->readers().add(dxf::isDrawing, dxf::readForDatabase);
+    databases_->readers().add(dwg::isDrawing, dxf::readForDatabase);
     moduleState_ = std::make_unique<AFX_MODULE_STATE>();
     registerEditorClasses();
     model::registerDatabaseClasses();
@@ -168,6 +178,7 @@ Host::~Host() {
     interpreter_.reset();
     editor_.reset();
     databases_.reset();
+    output_->setBeforeWrite({});
     theHost = nullptr;
 }
 
@@ -260,6 +271,7 @@ void Host::createModuleLoader() {
 
 void Host::start() {
     const Output::LoadingScope scope(*output_);
+    installSections(*registry_);
     if (options_.drawing.empty()) {
         documents_->create();
     } else {
