@@ -12,6 +12,9 @@ using std::chrono::milliseconds;
 
 class TimersTest : public ::testing::Test {
   protected:
+    TimersTest() {
+        timers.setClock([this] { return now; });
+    }
     uintptr_t set(int period, uintptr_t replaced = 0, const void* owner = nullptr) {
         return timers.set(replaced, milliseconds(period), owner,
                           [this](uintptr_t id, auto) { calls.push_back(id); });
@@ -24,7 +27,7 @@ class TimersTest : public ::testing::Test {
     }
 
     Timers::Clock::time_point now{};
-    Timers timers{[this] { return now; }};
+    Timers timers;
     std::vector<uintptr_t> calls;
 };
 
