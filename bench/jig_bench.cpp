@@ -100,8 +100,7 @@ class Pointer : public sg::InputSource {
 
 class Blank : public sg::DragDisplay {
   public:
-    void begin(AcDbDatabase&) override {}
-    void show(AcGiDrawable&) override {}
+    void show(AcDbDatabase&, AcGiDrawable&) override {}
     void clear() override {}
 };
 

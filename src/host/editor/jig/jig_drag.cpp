@@ -43,9 +43,7 @@ PromptResult resultOf(DragStatus status) {
 // Takes what is dragged off the screen however the drag ends.
 class Shown {
   public:
-    Shown(DragDisplay& display, AcDbDatabase& database) : display_(display) {
-        display_.begin(database);
-    }
+    explicit Shown(DragDisplay& display) : display_(display) {}
     ~Shown() { display_.clear(); }
     Shown(const Shown&) = delete;
     Shown& operator=(const Shown&) = delete;
@@ -71,7 +69,7 @@ JigDrag::JigDrag(AcEdJig& jig, const Prompter::Place& place, DragDisplay& displa
 // ---- The order of a drag ------------------------------------------------------------------------
 
 DragStatus JigDrag::run() {
-    const Shown shown(display_, place_.database);
+    const Shown shown(display_);
     ++counts_.drags;
     for (;;) {
         sample_.reset();
@@ -101,7 +99,7 @@ void JigDrag::show() {
     AcDbEntity* const entity = jig_.entity();
     if (entity == nullptr) return;
     ++counts_.redraws;
-    display_.show(*entity);
+    display_.show(place_.database, *entity);
 }
 
 // ---- What the sampler asks for ------------------------------------------------------------------
@@ -163,7 +161,7 @@ const JigDrag::Sample& JigDrag::acquire(Kind kind, const std::optional<AcGePoint
     if (sample_) return *sample_;
     const DragRequest request{kind, jig_.dispPrompt(),        jig_.keywordList(),
                               base, jig_.specialCursorType(), jig_.userInputControls()};
-    sample_.emplace();
+    sample_ = Sample();
     for (;;) {
         std::optional<DragAnswer> answer = place_.input.drag(request);
         if (!answer) {
