@@ -83,7 +83,7 @@ DragStatus JigDrag::run() {
 // A sample; kNormal when it is not confirmed and the drag goes on.
 DragStatus JigDrag::step() {
     ++counts_.samplers;
-    DragStatus status = jig_.sampler();
+    const DragStatus status = jig_.sampler();
     // A jig that has asked for nothing waits for the user all the same: else nothing could end it.
     const Sample& sample = acquire(Kind::point, std::nullopt);
     const bool isNormal = status == AcEdJig::kNormal || status == AcEdJig::kNoChange;

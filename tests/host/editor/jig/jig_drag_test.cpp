@@ -294,6 +294,8 @@ TEST_F(JigDragTest, OrthoKeepsWhatIsPointedAtToTheAxes) {
     drag({"sample 5,2", "5,2"});
     EXPECT_EQ(sampled, AcGePoint3d(5, 1, 0));
     EXPECT_EQ(jig.point, AcGePoint3d(5, 2, 0)) << "what is typed stays";
+    drag({"pick 2,-5"});
+    EXPECT_EQ(jig.point, AcGePoint3d(1, -5, 0));
     sampled = {};
     jig.setUserInputControls(0);
     drag({"sample 5,2", "ESC"});
