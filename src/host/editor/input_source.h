@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/export.h"
+#include "host/editor/jig/drag_input.h"
 #include "platform/ge/point3d.h"
 
 namespace sg {
@@ -63,10 +64,27 @@ struct PromptAnswer {
     std::shared_ptr<const SelectionSet> set;
 };
 
+// A step of a drag.
+struct DragAnswer {
+    bool isConfirmed = true;  // otherwise the place is only pointed at, and shown
+    PromptAnswer answer;      // a text or a point
+};
+
 struct BoxRequest {
     std::wstring title;
     std::wstring text;
     unsigned flags = 0;  // of MessageBoxW
+};
+
+// A file or folder chooser.
+struct FileRequest {
+    enum class Kind { open, save, folder };
+    Kind kind = Kind::open;
+    std::wstring title;
+    std::wstring folder;               // in which it opens; empty: the current folder
+    std::wstring name;                 // what stands in its field at first
+    std::wstring filter;               // of a file: "DWG Files (*.dwg)|*.dwg||"; empty: any file
+    std::vector<std::wstring> recent;  // earlier answers that are offered again, the latest first
 };
 
 // Where answers come from: a script, the words behind a command, a terminal. Every kind of request
@@ -78,7 +96,11 @@ class SG_API InputSource {
     virtual Answer<std::wstring> text(const TextRequest& request);
     // The base version answers with text.
     virtual Answer<PromptAnswer> prompt(const PromptRequest& request);
+    // The base version confirms what prompt() answers.
+    virtual Answer<DragAnswer> drag(const DragRequest& request);
     virtual Answer<int> messageBox(const BoxRequest& request);  // the button's id
+    // A path as it was given, which may be relative to the request's folder, and empty.
+    virtual Answer<std::wstring> file(const FileRequest& request);
 };
 
 // Asks its sources in their order until one has an answer. The last one should be an
@@ -86,16 +108,21 @@ class SG_API InputSource {
 class SG_API InputChain {
   public:
     void add(std::shared_ptr<InputSource> source) { sources_.push_back(std::move(source)); }
+    // What is done ahead of each request: a program that waits for input hears its messages.
+    void setBeforeWaiting(std::function<void()> work) { beforeWaiting_ = std::move(work); }
 
     std::optional<std::wstring> text(const TextRequest& request);      // nullopt: cancelled
     std::optional<PromptAnswer> prompt(const PromptRequest& request);  // nullopt: cancelled
+    std::optional<DragAnswer> drag(const DragRequest& request);        // nullopt: cancelled
     int messageBox(const BoxRequest& request);
+    std::optional<std::wstring> file(const FileRequest& request);  // nullopt: cancelled
 
   private:
     template <class Value, class Ask>
     Answer<Value> firstAnswer(Ask ask);
 
     std::vector<std::shared_ptr<InputSource>> sources_;
+    std::function<void()> beforeWaiting_;
 };
 
 // The words that remain on a command line answer the prompts of its command.
@@ -119,13 +146,14 @@ class SG_API TypedWords : public InputSource {
 };
 
 // Stands behind the last source: nobody is there. A prompt is cancelled, a box gets its default
-// button and is reported with its title, its text and the answer.
+// button, a chooser is cancelled; both are reported with their title, their text and the answer.
 class SG_API UnattendedInput : public InputSource {
   public:
     explicit UnattendedInput(std::function<void(const std::wstring&)> report)
         : report_(std::move(report)) {}
     Answer<std::wstring> text(const TextRequest& request) override;
     Answer<int> messageBox(const BoxRequest& request) override;
+    Answer<std::wstring> file(const FileRequest& request) override;
 
   private:
     const std::function<void(const std::wstring&)> report_;
