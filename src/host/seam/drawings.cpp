@@ -79,6 +79,11 @@ Document& Host::openDrawing(const std::wstring& path) {
 }
 
 void Host::saveDrawing(Document& document, const std::wstring& path) {
+    saveDrawing(document, path, {});
+}
+
+void Host::saveDrawing(Document& document, const std::wstring& path,
+                       const dxf::WriteOptions& options) {
     if (path.empty() && !document.isTitled()) {
         throw FileError(fmt::format(L"{} has no file yet: name one", document.fileName()));
     }
@@ -101,7 +106,7 @@ void Host::saveDrawing(Document& document, const std::wstring& path) {
     notifyReactors(*this, [&](AcEditorReactor& reactor) {
         reactor.beginSave(document.database(), target.c_str());
     });
-    withFileErrors([&] { dxf::writeFile(*document.database(), target); });
+    withFileErrors([&] { dxf::writeFile(*document.database(), target, options); });
     if (!isOwn) document.setFile(target, std::move(lock));
     notifyReactors(*this, [&](AcEditorReactor& reactor) {
         reactor.saveComplete(document.database(), target.c_str());
