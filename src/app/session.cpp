@@ -21,6 +21,7 @@
 #include "host/seam/file_error.h"
 #include "host/system/files.h"
 #include "host/system/paths.h"
+#include "host/system/timers.h"
 
 namespace sg::app {
 namespace {
@@ -145,7 +146,11 @@ LineEditor& Session::editor() {
         const std::wstring folder = stateFolder();
         editor_ = std::make_unique<LineEditor>(
             host_.interpreter(), folder.empty() ? folder : folder + L"/history",
-            [this](std::wstring_view word) { return symbolsThatBegin(host_, word); });
+            [this](std::wstring_view word) { return symbolsThatBegin(host_, word); },
+            [this] {
+                host_.timers().runDue();
+                return host_.timers().untilDue();
+            });
     }
     return *editor_;
 }

@@ -1,8 +1,10 @@
 #include "drawing/lisp_functions.h"
+#include "jigs/lisp_functions.h"
 #include "leader/lisp_functions.h"
 #include "module/function_tables.h"
 #include "module/handlers.h"
 #include "module/missing.h"
+#include "solids/lisp_functions.h"
 #include "standards/lisp_functions.h"
 #include "support/lisp_functions.h"
 
@@ -18,7 +20,7 @@ constexpr FunctionRow kRows[] = {
     {L"AcDbCurve::getPointAtDist", qnHandler<curveGetPointAtDist>},
     {L"AcDbCurve::getClosestPointTo", qnHandler<curveGetClosestPointTo>},
     {L"AcDbCurve::getDistAtPoint", qnHandler<curveGetDistAtPoint>},
-    missingQnRow<L"AcDbBlockReference::Jig">(),
+    {L"AcDbBlockReference::Jig", qnHandler<dragBlocks>},
     {L"AcDbMText::actualWidth", qnHandler<mtextActualWidth>},
     {L"AcDbMText::actualHeight", qnHandler<mtextActualHeight>},
     {L"AcDbMText::setNormal", qnHandler<mtextSetNormal>},
@@ -28,12 +30,12 @@ constexpr FunctionRow kRows[] = {
     {L"AcDbMText::insert", qnHandler<mtextInsert>},
     {L"AcDbMText::ascent", qnHandler<mtextAscent>},
     {L"AcDbMText::descent", qnHandler<mtextDescent>},
-    missingQnRow<L"RectangleJig">(),
-    missingQnRow<L"qn_qn-lineJig">(),
-    missingQnRow<L"qn_qn-textJig">(),
-    missingQnRow<L"qn_qn-rotateJig">(),
-    missingQnRow<L"qn_qn-multiRotateJig">(),
-    missingQnRow<L"qn_qn-multiMoveJig">(),
+    {L"RectangleJig", qnHandler<dragRectangle>},
+    {L"qn_qn-lineJig", qnHandler<dragLine>},
+    {L"qn_qn-textJig", qnHandler<dragText>},
+    {L"qn_qn-rotateJig", qnHandler<dragRotation>},
+    {L"qn_qn-multiRotateJig", qnHandler<dragMultiRotation>},
+    {L"qn_qn-multiMoveJig", qnHandler<dragMove>},
     {L"qn_qn-entsel", qnHandler<selectEntity>},
     {L"AcDbLeader::create", qnHandler<hostLeaderCreate>},
     {L"qn_qn-showHelp", qnHandler<showHelp>},
@@ -92,16 +94,16 @@ constexpr FunctionRow kRows[] = {
     {L"CreateCompressedGuidString", qnHandler<newCompressedGuid>},
     {L"AcDbAnnotativeObjectPE::setAnnotative", qnHandler<setAnnotative>},
     {L"SetAnnoBlock", qnHandler<setAnnotativeBlock>},
-    missingQnRow<L"qn_qn-drawHanger">(),
-    missingQnRow<L"qn_qn-drawTripleCenter">(),
-    missingQnRow<L"qn_qn-getTripleCoord">(),
-    missingQnRow<L"qn_qn-drawTripleTransition">(),
-    missingQnRow<L"qn_qn-drawTripleElbow">(),
-    missingQnRow<L"qn_qn-drawTripleWye">(),
-    missingQnRow<L"qn_qn-drawTripleTakeoff">(),
-    missingQnRow<L"qn_qn-drawTripleSkin">(),
-    missingQnRow<L"qn_qn-tripleUnion">(),
-    missingQnRow<L"qn_qn-explodeSolid">(),
+    {L"qn_qn-drawHanger", qnHandler<drawHanger>},
+    {L"qn_qn-drawTripleCenter", qnHandler<drawTripleCenter>},
+    {L"qn_qn-getTripleCoord", qnHandler<getTripleCoord>},
+    {L"qn_qn-drawTripleTransition", qnHandler<drawTripleTransition>},
+    {L"qn_qn-drawTripleElbow", qnHandler<drawTripleElbow>},
+    {L"qn_qn-drawTripleWye", qnHandler<drawTripleWye>},
+    {L"qn_qn-drawTripleTakeoff", qnHandler<drawTripleTakeoff>},
+    {L"qn_qn-drawTripleSkin", qnHandler<drawTripleSkin>},
+    {L"qn_qn-tripleUnion", qnHandler<tripleUnion>},
+    {L"qn_qn-explodeSolid", qnHandler<explodeSolid>},
     {L"acedSetStatusBarProgressMeterPos", qnHandler<moveProgressMeter>},
     {L"acedSetStatusBarProgressMeter", qnHandler<startProgressMeter>},
     {L"acedRestoreStatusBar", qnHandler<restoreStatusBar>},
@@ -115,8 +117,8 @@ constexpr FunctionRow kRows[] = {
     {L"qn_qn-getToDoDrawing", qnHandler<getToDoDrawing>},
     {L"signString", qnHandler<signString>},
     {L"verifyString", qnHandler<verifyString>},
-    missingQnRow<L"qn_qn-createJigTimer">(),
-    missingQnRow<L"qn_qn-killJigTimer">(),
+    {L"qn_qn-createJigTimer", qnHandler<createJigTimer>},
+    {L"qn_qn-killJigTimer", qnHandler<killJigTimer>},
     {L"qn_qn-enableAutoCADWindow", qnHandler<enableMainWindow>},
     {L"qn_qn-disableAutoCADWindow", qnHandler<disableMainWindow>},
     {L"qn_qn-sendToBack", qnHandler<sendToBack>},

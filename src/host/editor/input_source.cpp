@@ -17,6 +17,13 @@ Answer<PromptAnswer> InputSource::prompt(const PromptRequest& request) {
     answer.value.text = std::move(typed.value);
     return answer;
 }
+Answer<DragAnswer> InputSource::drag(const DragRequest& request) {
+    const bool isValue = request.kind == DragRequest::Kind::text;
+    Answer<PromptAnswer> given =
+        prompt({isValue ? PromptRequest::Kind::value : PromptRequest::Kind::point,
+                std::wstring(request.prompt), request.basePoint, false});
+    return {given.outcome, {true, std::move(given.value)}};
+}
 Answer<int> InputSource::messageBox(const BoxRequest&) {
     return {};
 }
@@ -26,6 +33,7 @@ Answer<std::wstring> InputSource::file(const FileRequest&) {
 
 template <class Value, class Ask>
 Answer<Value> InputChain::firstAnswer(Ask ask) {
+    if (beforeWaiting_) beforeWaiting_();
     for (size_t i = 0; i < sources_.size(); ++i) {  // asking may add a source
         const std::shared_ptr<InputSource> source = sources_[i];
         Answer<Value> answer = ask(*source);
@@ -43,6 +51,12 @@ std::optional<std::wstring> InputChain::text(const TextRequest& request) {
 std::optional<PromptAnswer> InputChain::prompt(const PromptRequest& request) {
     auto answer =
         firstAnswer<PromptAnswer>([&](InputSource& each) { return each.prompt(request); });
+    if (answer.outcome == Outcome::cancelled) return std::nullopt;
+    return std::move(answer.value);
+}
+
+std::optional<DragAnswer> InputChain::drag(const DragRequest& request) {
+    auto answer = firstAnswer<DragAnswer>([&](InputSource& each) { return each.drag(request); });
     if (answer.outcome == Outcome::cancelled) return std::nullopt;
     return std::move(answer.value);
 }

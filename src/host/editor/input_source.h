@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/export.h"
+#include "host/editor/jig/drag_input.h"
 #include "platform/ge/point3d.h"
 
 namespace sg {
@@ -58,6 +59,12 @@ struct PromptAnswer {
     uint64_t handle = 0;
 };
 
+// A step of a drag.
+struct DragAnswer {
+    bool isConfirmed = true;  // otherwise the place is only pointed at, and shown
+    PromptAnswer answer;      // a text or a point
+};
+
 struct BoxRequest {
     std::wstring title;
     std::wstring text;
@@ -84,6 +91,8 @@ class SG_API InputSource {
     virtual Answer<std::wstring> text(const TextRequest& request);
     // The base version answers with text.
     virtual Answer<PromptAnswer> prompt(const PromptRequest& request);
+    // The base version confirms what prompt() answers.
+    virtual Answer<DragAnswer> drag(const DragRequest& request);
     virtual Answer<int> messageBox(const BoxRequest& request);  // the button's id
     // A path as it was given, which may be relative to the request's folder, and empty.
     virtual Answer<std::wstring> file(const FileRequest& request);
@@ -94,9 +103,12 @@ class SG_API InputSource {
 class SG_API InputChain {
   public:
     void add(std::shared_ptr<InputSource> source) { sources_.push_back(std::move(source)); }
+    // What is done ahead of each request: a program that waits for input hears its messages.
+    void setBeforeWaiting(std::function<void()> work) { beforeWaiting_ = std::move(work); }
 
     std::optional<std::wstring> text(const TextRequest& request);      // nullopt: cancelled
     std::optional<PromptAnswer> prompt(const PromptRequest& request);  // nullopt: cancelled
+    std::optional<DragAnswer> drag(const DragRequest& request);        // nullopt: cancelled
     int messageBox(const BoxRequest& request);
     std::optional<std::wstring> file(const FileRequest& request);  // nullopt: cancelled
 
@@ -105,6 +117,7 @@ class SG_API InputChain {
     Answer<Value> firstAnswer(Ask ask);
 
     std::vector<std::shared_ptr<InputSource>> sources_;
+    std::function<void()> beforeWaiting_;
 };
 
 // The words that remain on a command line answer the prompts of its command.

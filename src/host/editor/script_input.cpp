@@ -78,6 +78,15 @@ Answer<PromptAnswer> ScriptInput::prompt(const PromptRequest& request) {
     return Answer<PromptAnswer>::of(std::move(answer));
 }
 
+Answer<DragAnswer> ScriptInput::drag(const DragRequest& request) {
+    const bool isSample = next_ < items_.size() && items_[next_].kind == ScriptItem::Kind::sample;
+    if (!isSample) return InputSource::drag(request);
+    DragAnswer sample;
+    sample.isConfirmed = false;
+    sample.answer.text = take()->value;
+    return Answer<DragAnswer>::of(std::move(sample));
+}
+
 Answer<int> ScriptInput::messageBox(const BoxRequest& request) {
     const ScriptItem* const item = take();
     if (item == nullptr) return {};

@@ -10,11 +10,13 @@
 
 #include "base/encoding.h"
 #include "base/text.h"
+#include "host/dwg/files.h"
 #include "host/dxf/drawing_files.h"
 #include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
 #include "host/editor/editor.h"
 #include "host/editor/input_source.h"
+#include "host/editor/jig/drags.h"
 #include "host/editor/prompts/prompter.h"
 #include "host/editor/selection/selection_sets.h"
 #include "host/editor/status_bar.h"
@@ -43,6 +45,7 @@
 #include "host/system/registry_handles.h"
 #include "host/system/shell.h"
 #include "host/system/system_libraries.h"
+#include "host/system/timers.h"
 #include "platform/dao/engine.h"
 #include "platform/db/database.h"
 #include "platform/variant/date_text.h"
@@ -118,6 +121,8 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     typedWords_ = std::make_shared<TypedWords>();
     prompts_ = std::make_unique<PromptState>();
     selectionSets_ = std::make_unique<SelectionSets>();
+    drags_ = std::make_unique<Drags>();
+    timers_ = std::make_unique<Timers>();
     setInput({});
     applicationVariables_ = std::make_shared<SystemVariables>();
     registry_ = std::make_unique<RegistryStore>(
@@ -144,6 +149,7 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     services_ = std::make_unique<ApplicationServices>(*this);
     databases_ = std::make_unique<model::DatabaseTable>();
     databases_->readers().add(dxf::isDrawing, dxf::readForDatabase);
+    databases_->readers().add(dwg::isDrawing, dxf::readForDatabase);
     moduleState_ = std::make_unique<AFX_MODULE_STATE>();
     registerEditorClasses();
     model::registerDatabaseClasses();
@@ -255,6 +261,7 @@ void Host::createModuleLoader() {
     };
     environment.released = [this](const Module& module) {
         externals_->forgetModule(module, documents_->all());
+        timers_->killAllOf(&module);
     };
     modules_ = std::make_unique<ModuleLoader>(std::move(environment));
     for (const auto& [name, entryPoint] : options_.staticModules) {
@@ -303,6 +310,7 @@ void Host::provideSystemVariables() {
 
 void Host::setInput(const std::vector<std::shared_ptr<InputSource>>& sources) {
     input_ = std::make_unique<InputChain>();
+    input_->setBeforeWaiting([this] { timers_->runDue(); });
     input_->add(typedWords_);
     for (const auto& source : sources)
         input_->add(source);

@@ -30,6 +30,7 @@ class CommandLine;
 class Cryptography;
 class Document;
 class DocumentManager;
+class Drags;
 class Editor;
 class ExternalFunctions;
 class InputChain;
@@ -49,6 +50,7 @@ class SupportPath;
 class SystemLibraries;
 class SystemRegistry;
 class SystemVariables;
+class Timers;
 class TypedWords;
 
 struct HostOptions {
@@ -121,6 +123,9 @@ class SG_API Host {
     TypedWords& typedWords() { return *typedWords_; }
     PromptState& prompts() { return *prompts_; }
     SelectionSets& selectionSets() { return *selectionSets_; }
+    Drags& drags() { return *drags_; }
+    // They are called ahead of every request for input.
+    Timers& timers() { return *timers_; }
 
     // The full path of a file that a program names: as it stands, seen from the current folder,
     // else on the support path.
@@ -155,6 +160,8 @@ class SG_API Host {
     std::shared_ptr<TypedWords> typedWords_;
     std::unique_ptr<PromptState> prompts_;
     std::unique_ptr<SelectionSets> selectionSets_;
+    std::unique_ptr<Drags> drags_;
+    std::unique_ptr<Timers> timers_;
     std::shared_ptr<SystemVariables> applicationVariables_;
     std::unique_ptr<RegistryStore> registry_;
     std::unique_ptr<RegistryHandles> registryHandles_;

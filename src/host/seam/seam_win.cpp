@@ -25,6 +25,12 @@ int MessageBoxW(HWND, const wchar_t* text, const wchar_t* title, unsigned flags)
         {title != nullptr ? title : L"Error", text != nullptr ? text : L"", flags});
 }
 
+int AfxMessageBox(const wchar_t* text, unsigned flags) {
+    constexpr unsigned kIcons = 0xF0;
+    return MessageBoxW(nullptr, text, L"AutoCAD",
+                       (flags & kIcons) == 0 ? flags | MB_ICONWARNING : flags);
+}
+
 // A terminal has one sound for all kinds.
 bool MessageBeep(unsigned) {
     Host::the().output().bell();
