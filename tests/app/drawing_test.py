@@ -15,6 +15,9 @@ class Manual(ProgramTest):
     def test_functions_on_entities(self):
         self.assertGreater(self.check_examples("entities.md"), 20)
 
+    def test_functions_of_the_shell(self):
+        self.assertGreater(self.check_examples("shell.md"), 10)
+
 
 class Arguments(ProgramTest):
     def test_no_argument_and_no_group_stops_a_program(self):
