@@ -121,7 +121,7 @@ class HeaderReader {
             take(flag.name, static_cast<int32_t>(flag.isTurned ? bits == 0 : bits));
         }
         const auto weight = static_cast<uint8_t>(flags & kHeaderWeightMask);
-        take(kHeaderWeight, static_cast<int32_t>(lineWeightOf(weight)));
+        take(kHeaderWeight, static_cast<int32_t>(model::lineWeightOf(weight)));
         keep(L"*FLAGS", flags);
     }
 
