@@ -52,6 +52,7 @@ std::vector<std::wstring> DrawingReader::read() {
     readTemplate();
     readObjects();
     checkTables();
+    numberBlocks();
     model::completeTables(reading_.database);
     enterBlocks();
     findFixedRecords();
@@ -179,6 +180,28 @@ void DrawingReader::checkTables() {
         records.assign(std::move(present));
         records.namesChanged();
     }
+}
+
+// Files have no numbers in the names of nameless blocks: the number is the block's place.
+void DrawingReader::numberBlocks() {
+    const auto* const table = peek<AcDbSymbolTable>(reading_.state.roots.blockTable);
+    if (table == nullptr) return;
+    const std::vector<AcDbObjectId>& ids = ObjectAccess::records(*table).ids;
+    std::unordered_set<std::wstring> names;
+    for (const AcDbObjectId id : ids)
+        names.insert(peek<AcDbSymbolTableRecord>(id)->name());
+    size_t place = 0;
+    for (const AcDbObjectId id : ids) {
+        auto* const block = peek<AcDbSymbolTableRecord>(id);
+        const std::wstring bare = block->name();
+        ++place;
+        if (bare.size() != 2 || bare[0] != L'*') continue;
+        size_t number = place - 1;
+        while (!names.insert(bare + std::to_wstring(number)).second)
+            number += ids.size();
+        ObjectAccess::setName(*block, bare + std::to_wstring(number));
+    }
+    ObjectAccess::records(*table).namesChanged();
 }
 
 void DrawingReader::enterBlocks() {

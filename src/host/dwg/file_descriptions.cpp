@@ -60,8 +60,8 @@ Bytes auxiliaryHeader(const model::DatabaseState& state, AcDb::AcDbDwgVersion re
         to.rawShort(number);
     for (int i = 0; i < 5; ++i)
         to.rawLong(0);
-    writeTime(to, state, L"TDCREATE");
-    writeTime(to, state, L"TDUPDATE");
+    writeTime(to, state, L"TDUCREATE");
+    writeTime(to, state, L"TDUUPDATE");
     to.rawLong(seed <= 0x7FFFFFFF ? static_cast<uint32_t>(seed) : 0xFFFFFFFF);
     to.rawLong(0);
     to.rawShort(0);
@@ -81,8 +81,8 @@ Bytes emptySummary(const model::DatabaseState& state, AcDb::AcDbDwgVersion relea
     for (int i = 0; i < kTexts; ++i)
         writeCounted(to, release, "");
     writeTime(to, state, L"TDINDWG");
-    writeTime(to, state, L"TDCREATE");
-    writeTime(to, state, L"TDUPDATE");
+    writeTime(to, state, L"TDUCREATE");
+    writeTime(to, state, L"TDUUPDATE");
     to.rawShort(0);  // no properties of users
     to.rawLong(0);
     to.rawLong(0);
