@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "base/encoding.h"
+#include "base/text.h"
 #include "host/dwg/code_pages.h"
 #include "host/dwg/header_roots.h"
 #include "host/dwg/header_section.h"
@@ -182,21 +183,27 @@ void DrawingReader::checkTables() {
     }
 }
 
-// Files have no numbers in the names of nameless blocks: the number is the block's place.
+// Files have no numbers in the names of nameless blocks and further paper spaces: a nameless
+// block's is its place among the blocks that are neither model nor paper space, paper spaces count
+// from 0.
 void DrawingReader::numberBlocks() {
-    const auto* const table = peek<AcDbSymbolTable>(reading_.state.roots.blockTable);
+    const model::DatabaseRoots& roots = reading_.state.roots;
+    const auto* const table = peek<AcDbSymbolTable>(roots.blockTable);
     if (table == nullptr) return;
     const std::vector<AcDbObjectId>& ids = ObjectAccess::records(*table).ids;
     std::unordered_set<std::wstring> names;
     for (const AcDbObjectId id : ids)
         names.insert(peek<AcDbSymbolTableRecord>(id)->name());
     size_t place = 0;
+    size_t paper = 0;
     for (const AcDbObjectId id : ids) {
+        if (id == roots.modelSpace || id == roots.paperSpace) continue;
         auto* const block = peek<AcDbSymbolTableRecord>(id);
         const std::wstring bare = block->name();
+        const bool isPaper = equalIgnoringCase(bare, ACDB_PAPER_SPACE);
+        size_t number = isPaper ? paper++ : place;
         ++place;
-        if (bare.size() != 2 || bare[0] != L'*') continue;
-        size_t number = place - 1;
+        if (!isPaper && (bare.size() != 2 || bare[0] != L'*')) continue;
         while (!names.insert(bare + std::to_wstring(number)).second)
             number += ids.size();
         ObjectAccess::setName(*block, bare + std::to_wstring(number));

@@ -69,9 +69,8 @@ Bytes auxiliaryHeader(const model::DatabaseState& state, AcDb::AcDbDwgVersion re
     for (int i = 0; i < 3; ++i)
         to.rawLong(0);
     to.rawLong(1);
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 4; ++i)
         to.rawLong(0);
-    if (release >= AcDb::kDHL_1018) to.rawShort(0);
     return to.bytes();
 }
 
