@@ -1,5 +1,6 @@
 #include "host/dwg/bit_writer.h"
 #include "host/dwg/checksums.h"
+#include "host/dwg/section_streams.h"
 #include "host/dwg/sentinels.h"
 #include "host/dwg/write_container.h"
 
@@ -8,7 +9,6 @@ namespace {
 
 constexpr size_t kSections = 6;
 constexpr size_t kLocatorSize = 0x15 + 4 + kSections * 9 + 2 + 16;
-constexpr uint8_t kMaintenance = 15;
 // What wrote the file, as files have it; release 2000 itself.
 constexpr uint8_t kWriterVersion = 23;
 
@@ -50,7 +50,7 @@ class Writer {
         writer.rawBytes(parts_.version);
         for (int i = 0; i < 5; ++i)
             writer.rawChar(0);
-        writer.rawChar(kMaintenance);
+        writer.rawChar(maintenanceOf(AcDb::kDHL_1015));
         writer.rawChar(1);
         writer.rawLong(static_cast<uint32_t>(preview_.address));
         writer.rawChar(kWriterVersion);
@@ -74,7 +74,7 @@ class Writer {
         body.rawBytes(parts_.version);
         for (int i = 0; i < 5; ++i)
             body.rawChar(0);
-        body.rawChar(kMaintenance);
+        body.rawChar(maintenanceOf(AcDb::kDHL_1015));
         body.rawChar(1);
         body.bitShort(kWriterVersion);
         body.rawShort(parts_.codePage);

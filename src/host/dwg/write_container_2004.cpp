@@ -5,6 +5,7 @@
 #include "host/dwg/checksums.h"
 #include "host/dwg/compression.h"
 #include "host/dwg/pages_2004.h"
+#include "host/dwg/section_streams.h"
 #include "host/dwg/write_container.h"
 
 namespace sg::dwg {
@@ -288,9 +289,11 @@ class Writer {
     void writeFirstBytes() {
         uint8_t* const first = file_.data();
         std::memcpy(first, parts_.version.data(), parts_.version.size());
+        first[0x0B] = maintenanceOf(parts_.release);
         first[0x0C] = 3;
         put(first + 0x0D, dataOf(section::kPreview), 4);
         first[0x11] = static_cast<uint8_t>(parts_.release);
+        first[0x12] = maintenanceOf(parts_.release);
         put(first + 0x13, parts_.codePage, 2);
         put(first + 0x20, dataOf(section::kSummary), 4);
         put(first + 0x28, kHeaderAt, 4);
