@@ -19,17 +19,19 @@ struct Range {
 };
 
 constexpr Range kRanges[] = {
-    {0, 4, Value::text},       {5, 5, Value::handle},     {6, 9, Value::text},
-    {10, 37, Value::point},    {38, 59, Value::real},     {60, 79, Value::int16},
-    {80, 99, Value::int32},    {100, 104, Value::text},   {105, 105, Value::handle},
-    {110, 139, Value::point},  {140, 149, Value::real},   {150, 169, Value::int64},
-    {170, 179, Value::int16},  {210, 269, Value::point},  {270, 279, Value::int16},
-    {280, 299, Value::byte},   {300, 309, Value::text},   {310, 319, Value::binary},
-    {320, 329, Value::handle}, {330, 369, Value::object}, {370, 389, Value::int16},
-    {390, 399, Value::object}, {400, 409, Value::int16},  {410, 419, Value::text},
-    {420, 429, Value::int32},  {430, 439, Value::text},   {440, 459, Value::int32},
-    {460, 469, Value::real},   {470, 479, Value::text},   {480, 481, Value::object},
-    {999, 999, Value::text},
+    {0, 4, Value::text},        {5, 5, Value::handle},       {6, 9, Value::text},
+    {10, 37, Value::point},     {38, 59, Value::real},       {60, 79, Value::int16},
+    {80, 99, Value::int32},     {100, 104, Value::text},     {105, 105, Value::handle},
+    {110, 139, Value::point},   {140, 149, Value::real},     {150, 169, Value::int64},
+    {170, 179, Value::int16},   {210, 269, Value::point},    {270, 279, Value::int16},
+    {280, 299, Value::byte},    {300, 309, Value::text},     {310, 319, Value::binary},
+    {320, 329, Value::handle},  {330, 369, Value::object},   {370, 389, Value::int16},
+    {390, 399, Value::object},  {400, 409, Value::int16},    {410, 419, Value::text},
+    {420, 429, Value::int32},   {430, 439, Value::text},     {440, 459, Value::int32},
+    {460, 469, Value::real},    {470, 479, Value::text},     {480, 481, Value::object},
+    {999, 1003, Value::text},   {1004, 1004, Value::binary}, {1005, 1009, Value::text},
+    {1010, 1039, Value::point}, {1040, 1042, Value::real},   {1070, 1070, Value::int16},
+    {1071, 1071, Value::int32},
 };
 
 Value valueOf(int code) {
@@ -69,7 +71,7 @@ class Writer {
         pointAt_ = 0;
         switch (value) {
             case Value::text:
-                return putText(group.text);
+                return putText(textOf(group));
             case Value::binary:
                 return putBinary(group.text);
             case Value::real:
@@ -106,8 +108,13 @@ class Writer {
         put(group.y);
         put(group.z);
     }
-    void putText(std::string_view utf8) {
-        const std::string encoded = form_.encode(fromUtf8(utf8));
+    // The handle that extended data has stands there as a text.
+    static std::wstring textOf(const GroupData::Group& group) {
+        const bool isHandle = group.kind == GroupData::Kind::handle;
+        return isHandle ? AcDbHandle(group.handle).text() : fromUtf8(group.text);
+    }
+    void putText(const std::wstring& text) {
+        const std::string encoded = form_.encode(text);
         const bool isWide = release_ >= AcDb::kDHL_1021;
         const size_t size = std::min(encoded.size(), isWide ? 2 * kMostText : kMostText);
         put(static_cast<int16_t>(isWide ? size / 2 : size));

@@ -249,8 +249,8 @@ void AcDbLeader::subList() const {
 
 namespace {
 
-// Files from release 2010 on do without it.
-bool hasAnnotationOffset(AcDbDwgFiler* filer) {
+// Files from release 2010 on do without the annotation's.
+bool hasTextSize(AcDbDwgFiler* filer) {
     return filer->dwgForm() == nullptr || sg::model::isBefore(filer, AcDb::kDHL_1024);
 }
 
@@ -270,9 +270,11 @@ Acad::ErrorStatus AcDbLeader::dwgOutFields(AcDbDwgFiler* filer) const {
     filer->writeVector3d(normal_);
     filer->writeVector3d(horizontal_);
     filer->writeVector3d(blockOffset_);
-    if (hasAnnotationOffset(filer)) filer->writeVector3d(annotationOffset_);
-    filer->writeDouble(textHeight_);
-    filer->writeDouble(textWidth_);
+    filer->writeVector3d(annotationOffset_);
+    if (hasTextSize(filer)) {
+        filer->writeDouble(textHeight_);
+        filer->writeDouble(textWidth_);
+    }
     filer->writeBool(hookLineAlongX_);
     filer->writeBool(arrow_);
     if (inFile) {
@@ -307,9 +309,11 @@ Acad::ErrorStatus AcDbLeader::dwgInFields(AcDbDwgFiler* filer) {
     filer->readVector3d(&normal_);
     filer->readVector3d(&horizontal_);
     filer->readVector3d(&blockOffset_);
-    if (hasAnnotationOffset(filer)) filer->readVector3d(&annotationOffset_);
-    filer->readDouble(&textHeight_);
-    filer->readDouble(&textWidth_);
+    filer->readVector3d(&annotationOffset_);
+    if (hasTextSize(filer)) {
+        filer->readDouble(&textHeight_);
+        filer->readDouble(&textWidth_);
+    }
     filer->readBool(&hookLineAlongX_);
     filer->readBool(&arrow_);
     if (inFile) {
