@@ -16,6 +16,9 @@ class Manual(ProgramTest):
     def test_functions_on_entities(self):
         self.assertGreater(self.check_examples("entities.md"), 20)
 
+    def test_functions_of_the_shell(self):
+        self.assertGreater(self.check_examples("shell.md"), 10)
+
     def test_functions_on_solids(self):
         self.assertGreater(self.check_examples("solids.md"), 9)
 
