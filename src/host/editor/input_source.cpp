@@ -17,12 +17,23 @@ Answer<PromptAnswer> InputSource::prompt(const PromptRequest& request) {
     answer.value.text = std::move(typed.value);
     return answer;
 }
+Answer<DragAnswer> InputSource::drag(const DragRequest& request) {
+    const bool isValue = request.kind == DragRequest::Kind::text;
+    Answer<PromptAnswer> given =
+        prompt({isValue ? PromptRequest::Kind::value : PromptRequest::Kind::point,
+                std::wstring(request.prompt), request.basePoint, false});
+    return {given.outcome, {true, std::move(given.value)}};
+}
 Answer<int> InputSource::messageBox(const BoxRequest&) {
+    return {};
+}
+Answer<std::wstring> InputSource::file(const FileRequest&) {
     return {};
 }
 
 template <class Value, class Ask>
 Answer<Value> InputChain::firstAnswer(Ask ask) {
+    if (beforeWaiting_) beforeWaiting_();
     for (size_t i = 0; i < sources_.size(); ++i) {  // asking may add a source
         const std::shared_ptr<InputSource> source = sources_[i];
         Answer<Value> answer = ask(*source);
@@ -44,22 +55,46 @@ std::optional<PromptAnswer> InputChain::prompt(const PromptRequest& request) {
     return std::move(answer.value);
 }
 
+std::optional<DragAnswer> InputChain::drag(const DragRequest& request) {
+    auto answer = firstAnswer<DragAnswer>([&](InputSource& each) { return each.drag(request); });
+    if (answer.outcome == Outcome::cancelled) return std::nullopt;
+    return std::move(answer.value);
+}
+
 int InputChain::messageBox(const BoxRequest& request) {
     const auto answer =
         firstAnswer<int>([&](InputSource& each) { return each.messageBox(request); });
     return answer.outcome == Outcome::answered ? answer.value : escapeButton(request.flags);
 }
 
+std::optional<std::wstring> InputChain::file(const FileRequest& request) {
+    auto answer = firstAnswer<std::wstring>([&](InputSource& each) { return each.file(request); });
+    if (answer.outcome == Outcome::cancelled) return std::nullopt;
+    return std::move(answer.value);
+}
+
 void TypedWords::set(std::wstring_view line) {
     rest_ = trimmed(line);
 }
 
+void TypedWords::setLines(std::wstring_view text) {
+    rest_ = text;
+    skipBlanks();
+}
+
+void TypedWords::skipBlanks() {
+    const auto isSpace = [](wchar_t c) { return c != L'\n' && isBlank(c); };
+    rest_.erase(rest_.begin(), std::find_if_not(rest_.begin(), rest_.end(), isSpace));
+}
+
 Answer<std::wstring> TypedWords::text(const TextRequest& request) {
     if (rest_.empty()) return {};
-    const auto end =
-        request.wholeLine ? rest_.end() : std::find_if(rest_.begin(), rest_.end(), isBlank);
-    std::wstring word(rest_.begin(), end);
-    rest_ = trimmed(std::wstring(end, rest_.end()));
+    const auto ends = [&](wchar_t c) { return c == L'\n' || (!request.wholeLine && isBlank(c)); };
+    const auto end = std::find_if(rest_.begin(), rest_.end(), ends);
+    std::wstring word(trimmedRight(std::wstring_view(rest_.begin(), end)));
+    const bool endsLine = end != rest_.end() && *end == L'\n';
+    rest_.erase(rest_.begin(), endsLine ? end + 1 : end);
+    skipBlanks();
     return Answer<std::wstring>::of(std::move(word));
 }
 
@@ -74,6 +109,17 @@ Answer<int> UnattendedInput::messageBox(const BoxRequest& request) {
                 std::wstring(buttonName(button)) + L"]");
     }
     return Answer<int>::of(button);
+}
+
+Answer<std::wstring> UnattendedInput::file(const FileRequest& request) {
+    const bool isFolder = request.kind == FileRequest::Kind::folder;
+    if (report_) {
+        report_((isFolder ? L"folder dialog \"" : L"file dialog \"") + request.title + L"\": " +
+                (request.name.empty() ? L"" : request.name + L" ") + L"in " +
+                (request.folder.empty() ? L"the current folder" : request.folder) +
+                L" [answered: Cancel]");
+    }
+    return Answer<std::wstring>::cancel();
 }
 
 }  // namespace sg

@@ -78,6 +78,15 @@ Answer<PromptAnswer> ScriptInput::prompt(const PromptRequest& request) {
     return Answer<PromptAnswer>::of(std::move(answer));
 }
 
+Answer<DragAnswer> ScriptInput::drag(const DragRequest& request) {
+    const bool isSample = next_ < items_.size() && items_[next_].kind == ScriptItem::Kind::sample;
+    if (!isSample) return InputSource::drag(request);
+    DragAnswer sample;
+    sample.isConfirmed = false;
+    sample.answer.text = take()->value;
+    return Answer<DragAnswer>::of(std::move(sample));
+}
+
 Answer<int> ScriptInput::messageBox(const BoxRequest& request) {
     const ScriptItem* const item = take();
     if (item == nullptr) return {};
@@ -91,6 +100,18 @@ Answer<int> ScriptInput::messageBox(const BoxRequest& request) {
     reportMismatch(*item, L"an answer to the message box \"" + request.title + L"\": " +
                               request.text + L" (" + names + L")");
     return Answer<int>::of(escapeButton(request.flags));
+}
+
+Answer<std::wstring> ScriptInput::file(const FileRequest& request) {
+    const ScriptItem* const item = take();
+    if (item == nullptr) return {};
+    if (item->kind == ScriptItem::Kind::file) {
+        return item->value.empty() ? Answer<std::wstring>::cancel()
+                                   : Answer<std::wstring>::of(item->value);
+    }
+    const bool isFolder = request.kind == FileRequest::Kind::folder;
+    reportMismatch(*item, (isFolder ? L"a folder (\"" : L"a file (\"") + request.title + L"\")");
+    return Answer<std::wstring>::cancel();
 }
 
 }  // namespace sg

@@ -62,8 +62,9 @@ struct ScriptItem {
 //   Words are found ignoring case. What follows "text" and one blank is taken as it stands.
 //
 // A text request takes text, keyword, number and point lines, ENTER (an empty answer) and ESC; a
-// prompt takes pick and entity lines too; a message box takes box lines. Any other line, and a
-// button that the box does not have, is used up, reported, and stands for Esc.
+// prompt takes pick and entity lines too, a drag sample lines; a message box takes box lines, a file
+ // or folder chooser file lines. Any other line, and a button that the box does not have, is used up,
+ // reported, and stands for Esc.
 class SG_API ScriptInput : public InputSource {
   public:
     using Report = std::function<void(const std::wstring&)>;
@@ -75,7 +76,9 @@ class SG_API ScriptInput : public InputSource {
 
     Answer<std::wstring> text(const TextRequest& request) override;
     Answer<PromptAnswer> prompt(const PromptRequest& request) override;
+    Answer<DragAnswer> drag(const DragRequest& request) override;
     Answer<int> messageBox(const BoxRequest& request) override;
+    Answer<std::wstring> file(const FileRequest& request) override;
 
     const std::vector<ScriptItem>& items() const { return items_; }
     size_t used() const { return next_; }  // items that have answered a request

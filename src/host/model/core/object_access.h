@@ -5,10 +5,25 @@
 #include "host/model/core/database_table.h"
 #include "host/model/core/extras.h"
 #include "platform/db/block_table.h"
+#include "platform/db/dictionary.h"
+#include "platform/db/entity.h"
 #include "platform/db/object.h"
 #include "platform/db/symbol_table.h"
 
 namespace sg::model {
+
+// What every entity has besides what every object has.
+struct EntityData {
+    AcDbObjectId layer, linetype;  // null: layer "0", and ByLayer
+    AcCmColor color;
+    double linetypeScale = 1;
+    AcDb::LineWeight lineWeight = AcDb::kLnWtByLayer;
+    AcDb::Visibility visibility = AcDb::kVisible;
+    AcDb::PlotStyleNameType plotStyleType = AcDb::kPlotStyleNameByLayer;
+    AcDbObjectId plotStyle;  // of kPlotStyleNameById
+    AcDbObjectId material;
+    uint32_t transparency = 0;
+};
 
 // The core's way to the state of objects, past their open modes.
 struct SG_API ObjectAccess {
@@ -64,6 +79,12 @@ struct SG_API ObjectAccess {
         entity.linetype_ = linetype;
     }
 
+    // All at once, for readers and writers of files. Setting asks nothing: neither whether the ids
+    // have objects yet, nor what the class would say; null ids of layer and linetype change
+    // nothing.
+    static EntityData entityData(const AcDbEntity& entity);
+    static void setEntityData(AcDbEntity& entity, const EntityData& data);
+
     using BlockContents = AcDbBlockTableRecord::Contents;
     static BlockContents& contents(const AcDbBlockTableRecord& block) { return *block.contents_; }
     // A part of a polyline or block reference, or the end of its parts, that is in the drawing goes
@@ -74,6 +95,16 @@ struct SG_API ObjectAccess {
     static std::vector<AcDbObjectId> partsOf(const AcDbEntity& whole);
     using TableRecords = AcDbSymbolTable::Records;
     static TableRecords& records(const AcDbSymbolTable& table) { return *table.records_; }
+    // An entry of a dictionary: its name as it is written there, its object (null: there is no
+    // such entry), and its place in the order of the entries.
+    struct DictionaryEntry {
+        std::wstring name;
+        AcDbObjectId id;
+        uint64_t order = 0;
+    };
+    static DictionaryEntry entry(const AcDbDictionary& dictionary, const std::wstring& name);
+    // Makes the entry what it was, without keeping anything for undo.
+    static void setEntry(AcDbDictionary& dictionary, const DictionaryEntry& entry);
     // Without asking whether the name will do; the record's table finds it under the new name.
     static void setName(AcDbSymbolTableRecord& record, std::wstring name);
     static bool mayBeNameless(const AcDbSymbolTableRecord& record) {
