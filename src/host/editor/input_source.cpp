@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "host/editor/dialogs/dialog_script.h"
 #include "host/editor/message_buttons.h"
+#include "platform/ui/scripted.h"
 
 namespace sg {
 
@@ -19,6 +21,9 @@ Answer<PromptAnswer> InputSource::prompt(const PromptRequest& request) {
 }
 Answer<int> InputSource::messageBox(const BoxRequest&) {
     return {};
+}
+bool InputSource::dialog(const DialogRequest&) {
+    return false;
 }
 
 template <class Value, class Ask>
@@ -50,6 +55,14 @@ int InputChain::messageBox(const BoxRequest& request) {
     return answer.outcome == Outcome::answered ? answer.value : escapeButton(request.flags);
 }
 
+void InputChain::dialog(const DialogRequest& request) {
+    for (size_t i = 0; i < sources_.size(); ++i) {
+        const std::shared_ptr<InputSource> source = sources_[i];
+        if (source->dialog(request)) return;
+    }
+    request.dialog.Abandon();
+}
+
 void TypedWords::set(std::wstring_view line) {
     rest_ = trimmed(line);
 }
@@ -69,11 +82,33 @@ Answer<std::wstring> UnattendedInput::text(const TextRequest&) {
 
 Answer<int> UnattendedInput::messageBox(const BoxRequest& request) {
     const int button = defaultButton(request.flags);
-    if (report_) {
-        report_(L"message box \"" + request.title + L"\": " + request.text + L" [answered: " +
-                std::wstring(buttonName(button)) + L"]");
-    }
+    if (report_) report_(boxReport(request, button));
     return Answer<int>::of(button);
+}
+
+bool UnattendedInput::dialog(const DialogRequest& request) {
+    request.dialog.Cancel();
+    if (request.dialog.IsOpen()) request.dialog.Abandon();
+    if (report_) report_(dialogReport(request.dialog));
+    return true;
+}
+
+Answer<int> DisplayInput::messageBox(const BoxRequest& request) {
+    if (open_.empty()) return {};
+    return Answer<int>::of(open_.back()->ShowBox(request.title, request.text, request.flags));
+}
+
+bool DisplayInput::dialog(const DialogRequest& request) {
+    if (!request.dialog.HasDisplay()) return false;
+    open_.push_back(&request.dialog);
+    request.dialog.WaitForPerson();
+    open_.pop_back();
+    return true;
+}
+
+std::wstring boxReport(const BoxRequest& request, int button) {
+    return L"message box \"" + request.title + L"\": " + request.text + L" [answered: " +
+           std::wstring(buttonName(button)) + L"]";
 }
 
 }  // namespace sg

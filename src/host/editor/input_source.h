@@ -12,6 +12,10 @@
 #include "base/export.h"
 #include "platform/ge/point3d.h"
 
+namespace sg::ui {
+class ScriptedDialog;
+}
+
 namespace sg {
 
 // What becomes of a request.
@@ -64,6 +68,12 @@ struct BoxRequest {
     unsigned flags = 0;  // of MessageBoxW
 };
 
+// A dialog that is shown.
+struct DialogRequest {
+    ui::ScriptedDialog& dialog;
+    std::function<void(const std::wstring&)> print;  // to standard output
+};
+
 // Where answers come from: a script, the words behind a command, a terminal. Every kind of request
 // is one operation, and a source answers Outcome::none to the kinds that it does not know, so that
 // a new kind needs a line in those sources only that can answer it.
@@ -74,6 +84,9 @@ class SG_API InputSource {
     // The base version answers with text.
     virtual Answer<PromptAnswer> prompt(const PromptRequest& request);
     virtual Answer<int> messageBox(const BoxRequest& request);  // the button's id
+    // Does to the dialog what there is to do; true when that has closed it. A source that leaves it
+    // open leaves it to the next one.
+    virtual bool dialog(const DialogRequest& request);
 };
 
 // Asks its sources in their order until one has an answer. The last one should be an
@@ -85,6 +98,7 @@ class SG_API InputChain {
     std::optional<std::wstring> text(const TextRequest& request);      // nullopt: cancelled
     std::optional<PromptAnswer> prompt(const PromptRequest& request);  // nullopt: cancelled
     int messageBox(const BoxRequest& request);
+    void dialog(const DialogRequest& request);  // until it is closed
 
   private:
     template <class Value, class Ask>
@@ -107,14 +121,29 @@ class SG_API TypedWords : public InputSource {
     std::wstring rest_;  // trimmed
 };
 
-// Stands behind the last source: nobody is there. A prompt is cancelled, a box gets its default
-// button and is reported with its title, its text and the answer.
+// The person at the display, where there is one, closes dialogs and answers the boxes that come up
+// before them.
+class SG_API DisplayInput : public InputSource {
+  public:
+    Answer<int> messageBox(const BoxRequest& request) override;
+    bool dialog(const DialogRequest& request) override;
+
+  private:
+    std::vector<ui::ScriptedDialog*> open_;  // the last one is in front
+};
+
+// The line that is reported of a box that was answered without a person.
+std::wstring boxReport(const BoxRequest& request, int button);
+
+// Stands behind the last source: nobody is there. A prompt and a dialog are cancelled, a box gets
+// its default button; dialogs and boxes are reported with title, text and answer.
 class SG_API UnattendedInput : public InputSource {
   public:
     explicit UnattendedInput(std::function<void(const std::wstring&)> report)
         : report_(std::move(report)) {}
     Answer<std::wstring> text(const TextRequest& request) override;
     Answer<int> messageBox(const BoxRequest& request) override;
+    bool dialog(const DialogRequest& request) override;
 
   private:
     const std::function<void(const std::wstring&)> report_;

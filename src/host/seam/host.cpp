@@ -191,6 +191,7 @@ void Host::createInterpreter() {
     interpreter_->define(tableFunctions());
     interpreter_->define(selectionFunctions());
     interpreter_->define(promptFunctions());
+    interpreter_->define(dialogSupportFunctions());
 }
 
 void Host::createDocuments() {
