@@ -4,6 +4,7 @@
 
 #include "base/replacement_file.h"
 #include "base/text.h"
+#include "host/dwg/files.h"
 #include "host/system/files.h"
 #include "host/system/paths.h"
 
@@ -16,21 +17,12 @@ std::wstring_view endingOf(const std::wstring& path) {
     return dot == name.npos ? std::wstring_view() : name.substr(dot);
 }
 
-// DWG files begin with the release that $ACADVER tells in the others.
-bool isDwg(std::string_view content) {
-    return content.size() > 6 && content.starts_with("AC1") && content[6] == '\0';
-}
-
 }  // namespace
 
 std::vector<std::wstring> readFile(AcDbDatabase& database, const std::wstring& path) {
     const auto content = sg::readFile(path);
     if (!content) throw Error(path + L": the drawing cannot be read");
-    if (isDwg(*content)) {
-        throw Error(path +
-                    L": this is a DWG file, which this build does not read; save the drawing "
-                    L"as a DXF file");
-    }
+    if (dwg::isDrawing(*content)) return dwg::read(database, *content, path);
     if (!isDrawing(*content)) throw Error(path + L": this is no drawing file");
     return read(database, *content, path);
 }

@@ -19,6 +19,13 @@ Answer<PromptAnswer> InputSource::prompt(const PromptRequest& request) {
     answer.value.text = std::move(typed.value);
     return answer;
 }
+Answer<DragAnswer> InputSource::drag(const DragRequest& request) {
+    const bool isValue = request.kind == DragRequest::Kind::text;
+    Answer<PromptAnswer> given =
+        prompt({isValue ? PromptRequest::Kind::value : PromptRequest::Kind::point,
+                std::wstring(request.prompt), request.basePoint, false});
+    return {given.outcome, {true, std::move(given.value)}};
+}
 Answer<int> InputSource::messageBox(const BoxRequest&) {
     return {};
 }
@@ -26,8 +33,13 @@ bool InputSource::dialog(const DialogRequest&) {
     return false;
 }
 
+Answer<std::wstring> InputSource::file(const FileRequest&) {
+    return {};
+}
+
 template <class Value, class Ask>
 Answer<Value> InputChain::firstAnswer(Ask ask) {
+    if (beforeWaiting_) beforeWaiting_();
     for (size_t i = 0; i < sources_.size(); ++i) {  // asking may add a source
         const std::shared_ptr<InputSource> source = sources_[i];
         Answer<Value> answer = ask(*source);
@@ -49,6 +61,12 @@ std::optional<PromptAnswer> InputChain::prompt(const PromptRequest& request) {
     return std::move(answer.value);
 }
 
+std::optional<DragAnswer> InputChain::drag(const DragRequest& request) {
+    auto answer = firstAnswer<DragAnswer>([&](InputSource& each) { return each.drag(request); });
+    if (answer.outcome == Outcome::cancelled) return std::nullopt;
+    return std::move(answer.value);
+}
+
 int InputChain::messageBox(const BoxRequest& request) {
     const auto answer =
         firstAnswer<int>([&](InputSource& each) { return each.messageBox(request); });
@@ -56,11 +74,18 @@ int InputChain::messageBox(const BoxRequest& request) {
 }
 
 void InputChain::dialog(const DialogRequest& request) {
+    if (beforeWaiting_) beforeWaiting_();
     for (size_t i = 0; i < sources_.size(); ++i) {
         const std::shared_ptr<InputSource> source = sources_[i];
         if (source->dialog(request)) return;
     }
     request.dialog.Abandon();
+}
+
+std::optional<std::wstring> InputChain::file(const FileRequest& request) {
+    auto answer = firstAnswer<std::wstring>([&](InputSource& each) { return each.file(request); });
+    if (answer.outcome == Outcome::cancelled) return std::nullopt;
+    return std::move(answer.value);
 }
 
 void TypedWords::set(std::wstring_view line) {
@@ -109,6 +134,19 @@ bool DisplayInput::dialog(const DialogRequest& request) {
 std::wstring boxReport(const BoxRequest& request, int button) {
     return L"message box \"" + request.title + L"\": " + request.text + L" [answered: " +
            std::wstring(buttonName(button)) + L"]";
+}
+
+Answer<std::wstring> UnattendedInput::file(const FileRequest& request) {
+    if (report_) report_(fileReport(request, L"Cancel"));
+    return Answer<std::wstring>::cancel();
+}
+
+std::wstring fileReport(const FileRequest& request, const std::wstring& answer) {
+    const bool isFolder = request.kind == FileRequest::Kind::folder;
+    return (isFolder ? L"folder dialog \"" : L"file dialog \"") + request.title + L"\": " +
+           (request.name.empty() ? L"" : request.name + L" ") + L"in " +
+           (request.folder.empty() ? L"the current folder" : request.folder) + L" [answered: " +
+           answer + L"]";
 }
 
 }  // namespace sg

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/export.h"
+#include "host/editor/jig/drag_input.h"
 #include "platform/ge/point3d.h"
 
 namespace sg::ui {
@@ -62,6 +63,12 @@ struct PromptAnswer {
     uint64_t handle = 0;
 };
 
+// A step of a drag.
+struct DragAnswer {
+    bool isConfirmed = true;  // otherwise the place is only pointed at, and shown
+    PromptAnswer answer;      // a text or a point
+};
+
 struct BoxRequest {
     std::wstring title;
     std::wstring text;
@@ -74,6 +81,17 @@ struct DialogRequest {
     std::function<void(const std::wstring&)> print;  // to standard output
 };
 
+// A file or folder chooser.
+struct FileRequest {
+    enum class Kind { open, save, folder };
+    Kind kind = Kind::open;
+    std::wstring title;
+    std::wstring folder;               // in which it opens; empty: the current folder
+    std::wstring name;                 // what stands in its field at first
+    std::wstring filter;               // of a file: "DWG Files (*.dwg)|*.dwg||"; empty: any file
+    std::vector<std::wstring> recent;  // earlier answers that are offered again, the latest first
+};
+
 // Where answers come from: a script, the words behind a command, a terminal. Every kind of request
 // is one operation, and a source answers Outcome::none to the kinds that it does not know, so that
 // a new kind needs a line in those sources only that can answer it.
@@ -83,10 +101,14 @@ class SG_API InputSource {
     virtual Answer<std::wstring> text(const TextRequest& request);
     // The base version answers with text.
     virtual Answer<PromptAnswer> prompt(const PromptRequest& request);
+    // The base version confirms what prompt() answers.
+    virtual Answer<DragAnswer> drag(const DragRequest& request);
     virtual Answer<int> messageBox(const BoxRequest& request);  // the button's id
     // Does to the dialog what there is to do; true when that has closed it. A source that leaves it
     // open leaves it to the next one.
     virtual bool dialog(const DialogRequest& request);
+    // A path as it was given, which may be relative to the request's folder, and empty.
+    virtual Answer<std::wstring> file(const FileRequest& request);
 };
 
 // Asks its sources in their order until one has an answer. The last one should be an
@@ -94,17 +116,22 @@ class SG_API InputSource {
 class SG_API InputChain {
   public:
     void add(std::shared_ptr<InputSource> source) { sources_.push_back(std::move(source)); }
+    // What is done ahead of each request: a program that waits for input hears its messages.
+    void setBeforeWaiting(std::function<void()> work) { beforeWaiting_ = std::move(work); }
 
     std::optional<std::wstring> text(const TextRequest& request);      // nullopt: cancelled
     std::optional<PromptAnswer> prompt(const PromptRequest& request);  // nullopt: cancelled
+    std::optional<DragAnswer> drag(const DragRequest& request);        // nullopt: cancelled
     int messageBox(const BoxRequest& request);
-    void dialog(const DialogRequest& request);  // until it is closed
+    void dialog(const DialogRequest& request);                     // until it is closed
+    std::optional<std::wstring> file(const FileRequest& request);  // nullopt: cancelled
 
   private:
     template <class Value, class Ask>
     Answer<Value> firstAnswer(Ask ask);
 
     std::vector<std::shared_ptr<InputSource>> sources_;
+    std::function<void()> beforeWaiting_;
 };
 
 // The words that remain on a command line answer the prompts of its command.
@@ -132,11 +159,13 @@ class SG_API DisplayInput : public InputSource {
     std::vector<ui::ScriptedDialog*> open_;  // the last one is in front
 };
 
-// The line that is reported of a box that was answered without a person.
+// The lines that are reported of a box and a chooser that were answered without a person.
 std::wstring boxReport(const BoxRequest& request, int button);
+std::wstring fileReport(const FileRequest& request, const std::wstring& answer);
 
 // Stands behind the last source: nobody is there. A prompt and a dialog are cancelled, a box gets
-// its default button; dialogs and boxes are reported with title, text and answer.
+// its default button, a chooser is cancelled; all but prompts are reported with title, text and
+// answer.
 class SG_API UnattendedInput : public InputSource {
   public:
     explicit UnattendedInput(std::function<void(const std::wstring&)> report)
@@ -144,6 +173,7 @@ class SG_API UnattendedInput : public InputSource {
     Answer<std::wstring> text(const TextRequest& request) override;
     Answer<int> messageBox(const BoxRequest& request) override;
     bool dialog(const DialogRequest& request) override;
+    Answer<std::wstring> file(const FileRequest& request) override;
 
   private:
     const std::function<void(const std::wstring&)> report_;

@@ -87,6 +87,15 @@ Answer<PromptAnswer> ScriptInput::prompt(const PromptRequest& request) {
     return Answer<PromptAnswer>::of(std::move(answer));
 }
 
+Answer<DragAnswer> ScriptInput::drag(const DragRequest& request) {
+    const bool isSample = next_ < items_.size() && items_[next_].kind == ScriptItem::Kind::sample;
+    if (!isSample) return InputSource::drag(request);
+    DragAnswer sample;
+    sample.isConfirmed = false;
+    sample.answer.text = take()->value;
+    return Answer<DragAnswer>::of(std::move(sample));
+}
+
 Answer<int> ScriptInput::messageBox(const BoxRequest& request) {
     const ScriptItem* const item = take();
     if (item == nullptr) return {};
@@ -122,6 +131,19 @@ bool ScriptInput::dialog(const DialogRequest& request) {
     }
     report(dialogReport(dialog));
     return true;
+}
+
+Answer<std::wstring> ScriptInput::file(const FileRequest& request) {
+    const ScriptItem* const item = take();
+    if (item == nullptr) return {};
+    if (item->kind == ScriptItem::Kind::file) {
+        report(fileReport(request, item->value.empty() ? L"Cancel" : item->value));
+        return item->value.empty() ? Answer<std::wstring>::cancel()
+                                   : Answer<std::wstring>::of(item->value);
+    }
+    const bool isFolder = request.kind == FileRequest::Kind::folder;
+    reportMismatch(*item, (isFolder ? L"a folder (\"" : L"a file (\"") + request.title + L"\")");
+    return Answer<std::wstring>::cancel();
 }
 
 }  // namespace sg

@@ -10,13 +10,16 @@
 
 #include "base/encoding.h"
 #include "base/text.h"
+#include "host/dwg/files.h"
 #include "host/dxf/drawing_files.h"
 #include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
 #include "host/editor/editor.h"
 #include "host/editor/input_source.h"
+#include "host/editor/jig/drags.h"
 #include "host/editor/prompts/prompter.h"
 #include "host/editor/selection/selection_sets.h"
+#include "host/editor/status_bar.h"
 #include "host/editor/system_variables.h"
 #include "host/lisp/functions/program_state.h"
 #include "host/lisp/interpreter.h"
@@ -33,6 +36,8 @@
 #include "host/system/cryptography.h"
 #include "host/system/date_time.h"
 #include "host/system/folders.h"
+#include "host/system/installation.h"
+#include "host/system/main_window.h"
 #include "host/system/mutexes.h"
 #include "host/system/paths.h"
 #include "host/system/random.h"
@@ -40,9 +45,11 @@
 #include "host/system/registry_handles.h"
 #include "host/system/shell.h"
 #include "host/system/system_libraries.h"
+#include "host/system/timers.h"
 #include "platform/dao/engine.h"
 #include "platform/db/database.h"
 #include "platform/variant/date_text.h"
+#include "platform/win/window.h"
 
 namespace sg {
 namespace {
@@ -114,6 +121,8 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     typedWords_ = std::make_shared<TypedWords>();
     prompts_ = std::make_unique<PromptState>();
     selectionSets_ = std::make_unique<SelectionSets>();
+    drags_ = std::make_unique<Drags>();
+    timers_ = std::make_unique<Timers>();
     setInput({});
     applicationVariables_ = std::make_shared<SystemVariables>();
     registry_ = std::make_unique<RegistryStore>(
@@ -125,6 +134,10 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     for (const std::wstring& folder : options_.supportPath)
         supportPath_->add(folder);
     shell_ = std::make_unique<Shell>();
+    mainWindow_ = std::make_unique<MainWindow>();
+    frame_ = std::make_unique<CMDIFrameWnd>(&mainWindow_->window);
+    statusBar_ = std::make_unique<StatusBar>();
+    output_->setBeforeWrite([this] { statusBar_->hide(); });
     mutexes_ = std::make_unique<NamedMutexes>();
     random_ = std::make_unique<RandomGenerator>();
     sleep = [](uint32_t milliseconds) {
@@ -136,6 +149,7 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     services_ = std::make_unique<ApplicationServices>(*this);
     databases_ = std::make_unique<model::DatabaseTable>();
     databases_->readers().add(dxf::isDrawing, dxf::readForDatabase);
+    databases_->readers().add(dwg::isDrawing, dxf::readForDatabase);
     moduleState_ = std::make_unique<AFX_MODULE_STATE>();
     registerEditorClasses();
     model::registerDatabaseClasses();
@@ -164,6 +178,7 @@ Host::~Host() {
     interpreter_.reset();
     editor_.reset();
     databases_.reset();
+    output_->setBeforeWrite({});
     theHost = nullptr;
 }
 
@@ -247,6 +262,7 @@ void Host::createModuleLoader() {
     };
     environment.released = [this](const Module& module) {
         externals_->forgetModule(module, documents_->all());
+        timers_->killAllOf(&module);
     };
     modules_ = std::make_unique<ModuleLoader>(std::move(environment));
     for (const auto& [name, entryPoint] : options_.staticModules) {
@@ -256,6 +272,7 @@ void Host::createModuleLoader() {
 
 void Host::start() {
     const Output::LoadingScope scope(*output_);
+    installSections(*registry_);
     if (options_.drawing.empty()) {
         documents_->create();
     } else {
@@ -294,6 +311,7 @@ void Host::provideSystemVariables() {
 
 void Host::setInput(const std::vector<std::shared_ptr<InputSource>>& sources) {
     input_ = std::make_unique<InputChain>();
+    input_->setBeforeWaiting([this] { timers_->runDue(); });
     input_->add(typedWords_);
     for (const auto& source : sources)
         input_->add(source);

@@ -101,6 +101,10 @@ void CAdUiDialog::OnPlace() {
         const QSize size = rules_.empty() ? this->size() : kept->size().expandedTo(laidOut_);
         setGeometry(onScreen(QRect(kept->topLeft(), size), minimumSize()));
     }
+}
+
+// The window's own place comes with its showing.
+void CAdUiDialog::OnShown() {
     shownFirst_ = geometry();
 }
 

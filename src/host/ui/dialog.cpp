@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
+#include <QMainWindow>
 #include <QMessageBox>
 #include <QPixmap>
 #include <QPushButton>
@@ -16,7 +17,6 @@
 #include "host/graphics/application.h"
 #include "host/ui/widget_scripts.h"
 #include "platform/win/message_box.h"
-#include "platform/win/window.h"
 
 using namespace sg;
 
@@ -50,7 +50,11 @@ QMessageBox::Icon iconOf(unsigned flags) {
 }  // namespace
 
 QWidget* sgMainWindow() {
-    return reinterpret_cast<QWidget*>(adsw_acadMainWnd());
+    if (QCoreApplication::instance() == nullptr) return nullptr;
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+        if (qobject_cast<QMainWindow*>(window) != nullptr) return window;
+    }
+    return nullptr;
 }
 
 CDialog::CDialog(QWidget* parent) : QDialog(prepared(parent)) {
@@ -79,6 +83,7 @@ void CDialog::Open() {
     show();
     activateWindow();
     if (wantsFocus) focusNextChild();
+    OnShown();
 }
 
 void CDialog::Close() {

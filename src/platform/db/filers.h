@@ -16,6 +16,10 @@
 
 class AcDbDatabase;
 
+namespace sg::model {
+class DwgForm;
+}  // namespace sg::model
+
 namespace AcDb {
 
 // What a filer files for.
@@ -35,6 +39,8 @@ enum FilerType {
 // Releases of drawing files. A release has the values from its own up to the next one.
 enum AcDbDwgVersion {
     kDHL_1009 = 16,  // 12
+    kDHL_1012 = 19,  // 13
+    kDHL_1014 = 21,  // 14
     kDHL_1015 = 23,  // 2000
     kDHL_1018 = 25,  // 2004
     kDHL_1021 = 27,  // 2007
@@ -59,6 +65,8 @@ class SG_API AcDbDwgFiler {
     virtual AcDb::AcDbDwgVersion dwgVersion() const { return AcDb::kDHL_CURRENT; }
     // The database that is filed; null for an object outside one.
     virtual AcDbDatabase* database() const = 0;
+    // What a drawing file's own filer can do besides; null for every other filer.
+    virtual sg::model::DwgForm* dwgForm() { return nullptr; }
 
     virtual Acad::ErrorStatus readHardOwnershipId(AcDbHardOwnershipId* id) = 0;
     virtual Acad::ErrorStatus writeHardOwnershipId(const AcDbHardOwnershipId& id) = 0;

@@ -34,6 +34,7 @@ class SG_API CAdUiDialog : public CDialog {
 
   protected:
     void OnPlace() override;
+    void OnShown() override;
     void OnClosed() override;
     void resizeEvent(QResizeEvent* event) override;
 

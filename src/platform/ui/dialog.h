@@ -57,6 +57,8 @@ class SG_API CDialog : public QDialog, private sg::ui::ScriptedDialog {
     virtual void OnCancel();
     // Sizes and places the dialog, before it is seen.
     virtual void OnPlace();
+    // It has come up.
+    virtual void OnShown() {}
     // It has been closed, and still stands where it was.
     virtual void OnClosed() {}
 

@@ -14,11 +14,12 @@ namespace {
 
 constexpr const wchar_t* kNameLabel = L"Layer &System:";
 
-QHBoxLayout* buttonRow(QWidget* ok, QWidget* cancel) {
+// The buttons, which are made in this order.
+QHBoxLayout* buttonRow(std::initializer_list<QPushButton*> buttons) {
     auto* const row = new QHBoxLayout;
     row->addStretch();
-    row->addWidget(ok);
-    row->addWidget(cancel);
+    for (QPushButton* const button : buttons)
+        row->addWidget(button);
     return row;
 }
 
@@ -64,7 +65,7 @@ CLayerSystemOptionsPlumb::CLayerSystemOptionsPlumb(QWidget* parent) : CDialog(pa
     name_ = NewEdit(LayerSystemName::kNameEdit);
     auto* const all = new QVBoxLayout(this);
     all->addLayout(nameRow(NewLabel(kNameLabel, name_), name_));
-    all->addLayout(buttonRow(NewOkButton(), NewCancelButton()));
+    all->addLayout(buttonRow({NewOkButton(), NewCancelButton()}));
 }
 
 bool CLayerSystemOptionsPlumb::OnInitDialog() {
@@ -88,7 +89,7 @@ CLayerSystemOptionsElec::CLayerSystemOptionsElec(QWidget* parent, bool showSolid
     auto* const all = new QVBoxLayout(this);
     all->addLayout(nameRow(NewLabel(kNameLabel, name_), name_));
     all->addWidget(solid_);
-    all->addLayout(buttonRow(NewOkButton(), NewCancelButton()));
+    all->addLayout(buttonRow({NewOkButton(), NewCancelButton()}));
 }
 
 bool CLayerSystemOptionsElec::OnInitDialog() {

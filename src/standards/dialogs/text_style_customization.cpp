@@ -2,7 +2,6 @@
 
 #include <QLabel>
 #include <QPushButton>
-#include <QTimer>
 
 #include "base/text.h"
 #include "database/connection.h"
@@ -92,13 +91,9 @@ void CTextStyleCustomization::resizeEvent(QResizeEvent* event) {
 }
 
 // An editor stands where its cell is seen.
-void CTextStyleCustomization::showEvent(QShowEvent* event) {
-    CAcUiDialog::showEvent(event);
-    if (editedRow_ < 0) return;
-    QTimer::singleShot(0, grid_, [this, row = std::exchange(editedRow_, -1)] {
-        goTo(*grid_, row, kHeight);
-        grid_->BeginEdit(row, kHeight);
-    });
+void CTextStyleCustomization::OnShown() {
+    CAcUiDialog::OnShown();
+    if (editedRow_ > 0) grid_->BeginEdit(editedRow_, kHeight);
 }
 
 // The row that all others fall back on must have a style and a height.

@@ -19,8 +19,8 @@ class CTextStyleCustomization final : public CAcUiDialog {
   protected:
     bool OnInitDialog() override;
     void OnPlace() override;
+    void OnShown() override;
     void OnOK() override;
-    void showEvent(QShowEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
   private:
@@ -31,7 +31,7 @@ class CTextStyleCustomization final : public CAcUiDialog {
     CDBConnection& connection_;
     const std::wstring key_;
     grid::CGridCtrl* grid_;
-    int editedRow_ = -1;  // where an edit begins once the dialog is seen
+    int editedRow_ = -1;  // where an edit begins once the dialog has come up
 };
 
 }  // namespace sg

@@ -41,7 +41,8 @@ DialogScript::Target DialogScript::target(std::wstring_view operands, bool isWho
                                           std::wstring& problem) {
     const std::vector<NamedControl> controls = dialog_.Controls();
     std::wstring_view rest = operands;
-    if (const auto id = takeWholeNumber(rest)) {
+    const auto id = takeWholeNumber(rest);
+    if (id && (!isWhole || rest.empty())) {
         for (const NamedControl& named : controls) {
             if (named.id == *id) return {named, rest};
         }

@@ -92,20 +92,23 @@ class SG_API Prompter {
     // Half of the side of the square that picking looks at, in drawing units.
     double pickReach() const;
 
-  private:
-    enum class Parsed { done, wrong, cancelled };
+    // --- Parts of a prompt, for what asks in a way of its own.
 
-    PromptResult finish(PromptResult result);
-    void tell(const std::wstring& message);
-    int number(const wchar_t* variable) const;
+    PromptResult finish(PromptResult result);  // sets "ERRNO"
+    void tell(const std::wstring& message);    // on a line of its own
+    // False when the answer is no point.
+    bool pointOf(const PromptAnswer& answer, AcGePoint3d& point);
     TypedContext context() const;
     AcGePoint3d lastPoint() const;
     void setLastPoint(const AcGePoint3d& point);
+    int number(const wchar_t* variable) const;  // of a system variable that is an integer
+
+  private:
+    enum class Parsed { done, wrong, cancelled };
 
     template <class Take>
     PromptResult ask(PromptRequest request, const Allowed& allowed, const wchar_t* complaint,
                      const Take& take);
-    bool pointOf(const PromptAnswer& answer, AcGePoint3d& point);
     std::optional<AcGePoint3d> snapped(const std::wstring& modes, bool& isSnap);
     bool fits(double value, const Allowed& allowed);
     AcDbObjectId entityOf(const PromptAnswer& answer, AcGePoint3d& at);

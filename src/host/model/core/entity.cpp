@@ -180,6 +180,40 @@ Acad::ErrorStatus AcDbEntity::setMaterial(AcDbObjectId material, bool) {
 
 // ---- Many at once -------------------------------------------------------------------------------
 
+sg::model::EntityData ObjectAccess::entityData(const AcDbEntity& entity) {
+    sg::model::EntityData data;
+    data.layer = entity.layer_;
+    data.linetype = entity.linetype_;
+    data.color = entity.color_;
+    data.linetypeScale = entity.linetypeScale_;
+    data.lineWeight = entity.lineWeight();
+    data.visibility = entity.visibility();
+    data.plotStyleType = entity.plotStyleNameType();
+    data.plotStyle = entity.plotStyleNameId();
+    data.material = entity.materialId();
+    data.transparency = entity.transparency();
+    return data;
+}
+
+void ObjectAccess::setEntityData(AcDbEntity& entity, const sg::model::EntityData& data) {
+    if (!data.layer.isNull()) entity.layer_ = data.layer;
+    if (!data.linetype.isNull()) entity.linetype_ = data.linetype;
+    entity.color_ = data.color;
+    entity.linetypeScale_ = data.linetypeScale;
+    uint32_t small = ~static_cast<uint32_t>(data.lineWeight) & kWeightMask;
+    if (data.visibility == AcDb::kInvisible) small |= kInvisibleBit;
+    small |= static_cast<uint32_t>(data.plotStyleType) << kPlotStyleShift;
+    constexpr uint32_t kAll = kWeightMask | kInvisibleBit | kPlotStyleMask;
+    entity.small_ = (entity.small_ & ~kAll) | small;
+    const bool hasMore =
+        !data.plotStyle.isNull() || !data.material.isNull() || data.transparency != 0;
+    if (!hasMore && extras(entity) == nullptr) return;
+    sg::model::Extras& extras = needExtras(entity);
+    extras.plotStyle = data.plotStyle;
+    extras.material = data.material;
+    extras.transparency = data.transparency;
+}
+
 Acad::ErrorStatus AcDbEntity::setPropertiesFrom(const AcDbEntity* other, bool doSubents) {
     if (other == nullptr) return Acad::eNullEntityPointer;
     assertWriteEnabled();

@@ -20,6 +20,7 @@ constexpr uint32_t kCommonBits = 0xFFFFF;
 
 Acad::ErrorStatus AcDbEntity::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbObject::dwgOutFields(filer);
+    if (filer->dwgForm() != nullptr) return filer->filerStatus();
     filer->writeHardPointerId(layer_);
     filer->writeHardPointerId(linetype_);
     sg::model::writeColor(filer, color_);
@@ -29,7 +30,7 @@ Acad::ErrorStatus AcDbEntity::dwgOutFields(AcDbDwgFiler* filer) const {
 
 Acad::ErrorStatus AcDbEntity::dwgInFields(AcDbDwgFiler* filer) {
     const Acad::ErrorStatus status = AcDbObject::dwgInFields(filer);
-    if (status != Acad::eOk) return status;
+    if (status != Acad::eOk || filer->dwgForm() != nullptr) return status;
     AcDbHardPointerId layer, linetype;
     filer->readHardPointerId(&layer);
     filer->readHardPointerId(&linetype);

@@ -127,7 +127,16 @@ class ExtendedData {
     // The most that an object's extended data takes in a drawing file.
     static constexpr size_t kMaximumBytes = 16383;
 
+    // The groups of one application, behind its name.
+    struct Part {
+        AcDbHardPointerId application;
+        GroupData groups;
+    };
+
     bool empty() const { return parts_.empty(); }
+    const std::vector<Part>& parts() const { return parts_; }
+    // Puts an application's part behind the others, or in place of the one that it had.
+    void replace(Part part);
     // What `list` stands for, in place of what the applications in it had. Names are looked up in
     // `database`. eRegappIdNotFound, eBadDxfSequence, eXdataSizeExceeded change nothing.
     Acad::ErrorStatus set(const resbuf* list, const AcDbDatabase* database);
@@ -141,13 +150,6 @@ class ExtendedData {
     size_t fileBytes() const;  // what it takes in a drawing file
 
   private:
-    struct Part {
-        AcDbHardPointerId application;
-        GroupData groups;
-    };
-
-    void replace(Part part);
-
     std::vector<Part> parts_;
 };
 

@@ -5,10 +5,24 @@
 #include "host/model/core/database_table.h"
 #include "host/model/core/extras.h"
 #include "platform/db/block_table.h"
+#include "platform/db/entity.h"
 #include "platform/db/object.h"
 #include "platform/db/symbol_table.h"
 
 namespace sg::model {
+
+// What every entity has besides what every object has.
+struct EntityData {
+    AcDbObjectId layer, linetype;  // null: layer "0", and ByLayer
+    AcCmColor color;
+    double linetypeScale = 1;
+    AcDb::LineWeight lineWeight = AcDb::kLnWtByLayer;
+    AcDb::Visibility visibility = AcDb::kVisible;
+    AcDb::PlotStyleNameType plotStyleType = AcDb::kPlotStyleNameByLayer;
+    AcDbObjectId plotStyle;  // of kPlotStyleNameById
+    AcDbObjectId material;
+    uint32_t transparency = 0;
+};
 
 // The core's way to the state of objects, past their open modes.
 struct SG_API ObjectAccess {
@@ -63,6 +77,12 @@ struct SG_API ObjectAccess {
     static void setLinetype(AcDbEntity& entity, AcDbObjectId linetype) {
         entity.linetype_ = linetype;
     }
+
+    // All at once, for readers and writers of files. Setting asks nothing: neither whether the ids
+    // have objects yet, nor what the class would say; null ids of layer and linetype change
+    // nothing.
+    static EntityData entityData(const AcDbEntity& entity);
+    static void setEntityData(AcDbEntity& entity, const EntityData& data);
 
     using BlockContents = AcDbBlockTableRecord::Contents;
     static BlockContents& contents(const AcDbBlockTableRecord& block) { return *block.contents_; }

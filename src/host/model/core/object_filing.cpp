@@ -102,6 +102,7 @@ Acad::ErrorStatus AcDbObject::dwgIn(AcDbDwgFiler* filer) {
 // A copy outside a database has neither owner nor what stands in a database for its original.
 Acad::ErrorStatus AcDbObject::dwgOutFields(AcDbDwgFiler* filer) const {
     assertReadEnabled();
+    if (filer->dwgForm() != nullptr) return filer->filerStatus();
     const bool isCopy = filer->filerType() == AcDb::kCopyFiler;
     if (!isCopy) filer->writeSoftPointerId(owner_);
     const Extras* const extras = extras_.get();
@@ -120,6 +121,7 @@ Acad::ErrorStatus AcDbObject::dwgOutFields(AcDbDwgFiler* filer) const {
 
 Acad::ErrorStatus AcDbObject::dwgInFields(AcDbDwgFiler* filer) {
     assertWriteEnabled();
+    if (filer->dwgForm() != nullptr) return filer->filerStatus();
     const bool isCopy = filer->filerType() == AcDb::kCopyFiler;
     if (!isCopy) {
         AcDbSoftPointerId owner;

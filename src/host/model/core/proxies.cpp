@@ -39,6 +39,8 @@ void ProxyData::dwgOut(AcDbDwgFiler& filer) const {
     filer.writeUInt32(static_cast<uint32_t>(parts.size()));
     for (const AcDbHardOwnershipId& part : parts)
         filer.writeHardOwnershipId(part);
+    filer.writeBool(bits != nullptr);
+    if (bits != nullptr) bits->dwgOut(filer);
 }
 
 Acad::ErrorStatus ProxyData::dwgIn(AcDbDwgFiler& filer) {
@@ -72,7 +74,10 @@ Acad::ErrorStatus ProxyData::dwgIn(AcDbDwgFiler& filer) {
         filer.readHardOwnershipId(&part);
         if (!part.isNull()) parts.push_back(part);
     }
-    return filer.filerStatus();
+    bool hasBits = false;
+    filer.readBool(&hasBits);
+    bits = hasBits ? std::make_unique<KeptBits>() : nullptr;
+    return hasBits ? bits->dwgIn(filer) : filer.filerStatus();
 }
 
 const ProxyData* proxyData(const AcDbObject& object) {

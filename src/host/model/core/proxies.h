@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "host/model/core/dwg_form.h"
 #include "host/model/core/group_data.h"
 #include "host/model/core/memory_filers.h"
 #include "platform/db/entity.h"
@@ -35,6 +36,9 @@ struct ProxyData {
     // What it writes to drawing files behind those fields. A proxy that a drawing file brought has
     // nothing else.
     GroupData groups;
+    // What it has in DWG files, where one of them brought it. Their reader sets the class and the
+    // flags, then calls dwgIn(), which finds the rest.
+    std::unique_ptr<KeptBits> bits;
     // Entities that stand behind it in drawing files up to the end of a sequence, that included.
     std::vector<AcDbHardOwnershipId> parts;
 

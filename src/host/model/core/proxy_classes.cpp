@@ -28,6 +28,20 @@ Acad::ErrorStatus writeProxyGroups(AcDbDxfFiler& filer, const wchar_t* marker, i
     return filer.filerStatus();
 }
 
+// In a drawing file's own form the object is what its class had there.
+Acad::ErrorStatus writeBits(AcDbDwgFiler& filer, const ProxyData& data) {
+    if (data.bits == nullptr || data.bits->release != filer.dwgVersion()) {
+        filer.setFilerStatus(Acad::eNotApplicable);
+        return filer.filerStatus();
+    }
+    return filer.dwgForm()->writeKept(*data.bits);
+}
+
+Acad::ErrorStatus readBits(AcDbDwgFiler& filer, ProxyData& data) {
+    data.bits = std::make_unique<sg::model::KeptBits>();
+    return filer.dwgForm()->keep(*data.bits);
+}
+
 // entmod changes what every object has, and leaves the rest.
 void readGroups(AcDbDxfFiler& filer, ProxyData& data) {
     if (filer.filerType() != AcDb::kFileFiler) return;
@@ -50,13 +64,15 @@ AcDbProxyObject::~AcDbProxyObject() = default;
 
 Acad::ErrorStatus AcDbProxyObject::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbObject::dwgOutFields(filer);
+    if (filer->dwgForm() != nullptr) return writeBits(*filer, data);
     data.dwgOut(*filer);
     return filer->filerStatus();
 }
 
 Acad::ErrorStatus AcDbProxyObject::dwgInFields(AcDbDwgFiler* filer) {
     const Acad::ErrorStatus status = AcDbObject::dwgInFields(filer);
-    return status != Acad::eOk ? status : data.dwgIn(*filer);
+    if (status != Acad::eOk) return status;
+    return filer->dwgForm() != nullptr ? readBits(*filer, data) : data.dwgIn(*filer);
 }
 
 Acad::ErrorStatus AcDbProxyObject::dxfInFields(AcDbDxfFiler* filer) {
@@ -139,6 +155,7 @@ Acad::ErrorStatus AcDbProxyEntity::subTransformBy(const AcGeMatrix3d& transform)
 
 Acad::ErrorStatus AcDbProxyEntity::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbEntity::dwgOutFields(filer);
+    if (filer->dwgForm() != nullptr) return writeBits(*filer, data);
     data.dwgOut(*filer);
     for (const auto& row : pending_.entry) {
         for (const double value : row)
@@ -149,6 +166,7 @@ Acad::ErrorStatus AcDbProxyEntity::dwgOutFields(AcDbDwgFiler* filer) const {
 
 Acad::ErrorStatus AcDbProxyEntity::dwgInFields(AcDbDwgFiler* filer) {
     AcDbEntity::dwgInFields(filer);
+    if (filer->dwgForm() != nullptr) return readBits(*filer, data);
     data.dwgIn(*filer);
     for (auto& row : pending_.entry) {
         for (double& value : row)

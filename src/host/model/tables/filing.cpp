@@ -1,5 +1,7 @@
 #include "host/model/tables/filing.h"
 
+#include "host/model/core/dwg_form.h"
+
 namespace sg::model {
 
 double FieldReader::real() const {
@@ -53,11 +55,13 @@ AcDbObjectId FieldReader::objectId() const {
 }
 
 Acad::ErrorStatus writeColor(AcDbDwgFiler* filer, const AcCmColor& color) {
+    if (DwgForm* const form = filer->dwgForm()) return form->writeColor(color);
     const uint32_t value = color.isByColor() ? color.rgb() : color.colorIndex();
     return filer->writeUInt32(static_cast<uint32_t>(color.colorMethod()) << 24 | value);
 }
 
 Acad::ErrorStatus readColor(AcDbDwgFiler* filer, AcCmColor& color) {
+    if (DwgForm* const form = filer->dwgForm()) return form->readColor(&color);
     uint32_t word = 0;
     const Acad::ErrorStatus status = filer->readUInt32(&word);
     if (status != Acad::eOk) return status;

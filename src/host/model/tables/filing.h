@@ -51,7 +51,7 @@ class SG_API FieldReader {
     resbuf group_{};
 };
 
-// A colour through a DWG filer, in one word.
+// A colour through a DWG filer: as files have it (CMC), else in one word.
 SG_API Acad::ErrorStatus writeColor(AcDbDwgFiler* filer, const AcCmColor& color);
 SG_API Acad::ErrorStatus readColor(AcDbDwgFiler* filer, AcCmColor& color);
 
