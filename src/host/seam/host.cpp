@@ -209,6 +209,7 @@ void Host::createInterpreter() {
     interpreter_->define(selectionFunctions());
     interpreter_->define(promptFunctions());
     interpreter_->define(commandFunctions());
+    interpreter_->define(dialogSupportFunctions());
 }
 
 void Host::createDocuments() {
