@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numbers>
 #include <span>
 
 #include "bridge/call_guard.h"
@@ -134,10 +135,10 @@ bool Takeoff::measureBranches() {
     return std::ranges::all_of(branches(), [this](Branch& branch) { return measure(branch); });
 }
 
-// False for a branch that runs along the main.
+// False for a branch that runs along the main, forth or back.
 bool Takeoff::measure(Branch& branch) const {
     const double angle = angleOfCosine(frame_.x().dotProduct(branch.frame.x()));
-    if (angle == 0.0) return false;
+    if (angle == 0.0 || angle == std::numbers::pi) return false;
     // A branch that rises or falls more steeply than the main's diagonal leaves through its top or
     // bottom.
     const double lift = angleOfSine(frame_.z().dotProduct(branch.frame.x()));

@@ -181,6 +181,28 @@ class Repl(ProgramTest):
         terminal.expect("nil")
         terminal.expect(PROMPT)
 
+    def test_drags_are_answered_at_the_terminal(self):
+        terminal = self.start()
+        terminal.enter("(qn_qn-createJigTimer 10)")  # runs while nothing is typed
+        terminal.expect(PROMPT)
+        terminal.enter("(RectangleJig 2.0 4.0 0 T)")
+        place = "Specify insertion point or [Corner/Middle]: "
+        for answer, told in ("c", ""), ("nowhere", ""), ("c", "Invalid point."), ("10,10", ""):
+            self.assertIn(told, terminal.expect(place))
+            terminal.enter(answer)
+        terminal.expect("Specify rotation: ")
+        terminal.enter("90")
+        self.assertIn("((9.0 12.0 0.0) (10.0 10.0 0.0) (8.0 14.0 0.0) 1.5708 1)",
+                      terminal.expect(PROMPT))
+        terminal.enter("(qn_qn-lineJig)")
+        terminal.expect("Specify start point: ")
+        terminal.enter("1,1")
+        terminal.expect("Specify next point: ")
+        terminal.type(CTRL_C)
+        self.assertIn("nil", terminal.expect(PROMPT))
+        terminal.enter("(+ 1 2)")
+        self.assertIn("3", terminal.expect(PROMPT))
+
 
 class Run(ProgramTest):
     def test_the_last_line_is_finished(self):

@@ -20,6 +20,7 @@ class DrawingReader {
     void orderEntities(const Links& links);
     void checkBlocks();
     void checkTables();
+    void numberBlocks();
     void enterBlocks();
     void findFixedRecords();
     void findDictionaries();

@@ -27,7 +27,7 @@ AcCmColor readColor(ReadStreams& from, const ReadContext& context);
 class ReadFiler final : public FileFiler {
   public:
     explicit ReadFiler(ReadContext& context)
-        : FileFiler(&context.database, context.release), context_(context) {}
+        : FileFiler(&context.database, context.release, context.codec), context_(context) {}
 
     // Turns to the class data of an object, which begins where the streams stand.
     void begin(const ReadStreams& streams, uint64_t handle);

@@ -121,6 +121,9 @@ class SG_API AcDbMText : public AcDbEntity {
         uint32_t transparency = 0;
     };
     Fill& needFill();
+    Acad::ErrorStatus writeFill(AcDbDwgFiler& filer) const;
+    Acad::ErrorStatus readFill(AcDbDwgFiler& filer);
+    Acad::ErrorStatus writeColumns(AcDbDwgFiler& filer) const;
     sg::text::TextLayout layOut() const;
     Acad::ErrorStatus takeField(AcDbDxfFiler* filer, const resbuf& group);
 

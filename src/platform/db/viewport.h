@@ -70,6 +70,8 @@ class SG_API AcDbViewport : public AcDbEntity {
     Acad::ErrorStatus assign(Value& member, const Value& value);
     template <class Visitor>
     void visitFields(Visitor&& visit);
+    template <class Visitor>
+    void visitFile(Visitor&& visit, AcDbDwgFiler* filer, uint32_t& frozen);
     std::array<AcGePoint3d, 4> corners() const;
     void takeField(AcDbDxfFiler* filer, const resbuf& group);
 

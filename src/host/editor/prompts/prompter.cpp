@@ -324,7 +324,8 @@ AcDbObjectId Prompter::entityOf(const PromptAnswer& answer, AcGePoint3d& at) {
         const AcDbObjectId id = model::DatabaseState::of(place_.database).findHandle(answer.handle);
         const auto* const entity = model::peek<AcDbEntity>(id);
         if (entity == nullptr || entity->isErased()) return {};
-        at = model::userToWorld(place_.database).inverse() * placeOf(*entity);
+        at = answer.hasPoint ? answer.point
+                             : model::userToWorld(place_.database).inverse() * placeOf(*entity);
         return id;
     }
     const DrawingSelection::Ids found = place_.selection.atPoint(at, pickReach());
@@ -363,6 +364,10 @@ PromptResult Prompter::pick(const std::wstring& prompt, const Keywords& keywords
     const bool isText = answer->kind == PromptAnswer::Kind::text;
     const std::wstring typed(trimmed(answer->text));
     if (isText && typed.empty()) return finish(PromptResult::null);
+    if (answer->kind == PromptAnswer::Kind::set) {
+        pick.set = answer->set;
+        return finish(PromptResult::value);
+    }
     if (answer->kind == PromptAnswer::Kind::entity) {
         pick.id = entityOf(*answer, pick.at);
         pick.isNamed = true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -84,6 +85,7 @@ class SG_API Prompter {
         bool isNamed = false;  // by its handle, not by its place
         bool isPoint = false;  // a place with nothing at it
         std::wstring word;     // that is no keyword
+        std::shared_ptr<const SelectionSet> set;  // a whole set in place of one entity
     };
     // Enter is null. A keyword without a word in `pick` is one of `keywords`.
     PromptResult pick(const std::wstring& prompt, const Keywords& keywords, Pick& pick);

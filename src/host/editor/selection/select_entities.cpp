@@ -107,7 +107,7 @@ DrawingSelection::Ids EntitySelector::kept(const Request& request, const Ids& fo
     Ids ids;
     for (const AcDbObjectId id : found) {
         const auto* const entity = model::peek<AcDbEntity>(id);
-        if (entity == nullptr) continue;
+        if (entity == nullptr || entity->isErased()) continue;
         if (request.mode.unlockedOnly && DrawingSelection::isOnLockedLayer(id)) continue;
         if (filter_.isEmpty() || filter_.takes(*entity)) ids.push_back(id);
     }
@@ -203,6 +203,10 @@ EntitySelector::Step EntitySelector::askOnce(const Request& request, SelectionSe
         default:
             return Step::cancelled;
     }
+    if (pick.set != nullptr) {
+        takeSet(request, *pick.set, set, adding);
+        return Step::next;
+    }
     if (pick.isPoint) {
         const bool isWindow = !request.mode.onlyPoints;
         return isWindow ? windowFrom(request, pick.at, set, adding) : Step::next;
@@ -230,9 +234,36 @@ void EntitySelector::change(const Request& request, const Ids& found, SelectedBy
         for (const AcDbObjectId id : ids)
             changed += set.remove(id) ? 1 : 0;
     }
-    std::wstring text = std::to_wstring(ids.size()) + L" found";
+    tell(ids.size(), changed, before, set, adding);
+}
+
+// What another set holds, each found as it was found there.
+void EntitySelector::takeSet(const Request& request, const SelectionSet& given, SelectionSet& set,
+                             bool adding) {
+    const size_t before = set.size();
+    size_t found = 0, changed = 0;
+    for (size_t at = 0; at < given.size();) {
+        const size_t method = given.methodAt(at);
+        Ids ids;
+        for (; at < given.size() && given.methodAt(at) == method; ++at)
+            ids.push_back(given.at(at));
+        ids = kept(request, ids);
+        found += ids.size();
+        if (adding) {
+            changed += set.add(ids, given.methods()[method]);
+        } else {
+            for (const AcDbObjectId id : ids)
+                changed += set.remove(id) ? 1 : 0;
+        }
+    }
+    tell(found, changed, before, set, adding);
+}
+
+void EntitySelector::tell(size_t found, size_t changed, size_t before, const SelectionSet& set,
+                          bool adding) {
+    std::wstring text = std::to_wstring(found) + L" found";
     if (!adding) text += L", " + std::to_wstring(changed) + L" removed";
-    const size_t again = adding ? ids.size() - changed : 0;
+    const size_t again = adding ? found - changed : 0;
     if (again > 0) text += L" (" + std::to_wstring(again) + L" duplicate)";
     if (before > 0) text += L", " + std::to_wstring(set.size()) + L" total";
     place_.output.print(text + L"\n");

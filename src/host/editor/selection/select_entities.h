@@ -73,6 +73,8 @@ class SG_API EntitySelector {
                     bool adding);
     void change(const Request& request, const Ids& found, SelectedBy how, SelectionSet& set,
                 bool adding);
+    void takeSet(const Request& request, const SelectionSet& given, SelectionSet& set, bool adding);
+    void tell(size_t found, size_t changed, size_t before, const SelectionSet& set, bool adding);
     Ids kept(const Request& request, const Ids& found);
     std::vector<AcGePoint3d> inWorld(const std::vector<AcGePoint3d>& points) const;
 
