@@ -4,11 +4,14 @@
 
 #include "base/replacement_file.h"
 #include "base/text.h"
+#include "host/dwg/files.h"
 #include "host/system/files.h"
 #include "host/system/paths.h"
 
 namespace sg::dxf {
 namespace {
+
+constexpr std::wstring_view kDxf = L".dxf", kDwg = L".dwg";
 
 std::wstring_view endingOf(const std::wstring& path) {
     const std::wstring_view name = lastComponent(path);
@@ -16,37 +19,54 @@ std::wstring_view endingOf(const std::wstring& path) {
     return dot == name.npos ? std::wstring_view() : name.substr(dot);
 }
 
-// DWG files begin with the release that $ACADVER tells in the others.
-bool isDwg(std::string_view content) {
-    return content.size() > 6 && content.starts_with("AC1") && content[6] == '\0';
-}
-
 }  // namespace
 
 std::vector<std::wstring> readFile(AcDbDatabase& database, const std::wstring& path) {
     const auto content = sg::readFile(path);
     if (!content) throw Error(path + L": the drawing cannot be read");
-    if (isDwg(*content)) {
-        throw Error(path +
-                    L": this is a DWG file, which this build does not read; save the drawing "
-                    L"as a DXF file");
-    }
+    if (dwg::isDrawing(*content)) return dwg::read(database, *content, path);
     if (!isDrawing(*content)) throw Error(path + L": this is no drawing file");
     return read(database, *content, path);
 }
 
 void checkCanWrite(const std::wstring& path) {
     const std::wstring_view ending = endingOf(path);
-    if (equalIgnoringCase(ending, L".dxf")) return;
-    throw Error(path + L": drawings are written as .dxf only by this build" +
+    if (equalIgnoringCase(ending, kDxf) || equalIgnoringCase(ending, kDwg)) return;
+    throw Error(path + L": drawings are written as .dwg and .dxf" +
                 (ending.empty() ? L"; the name has no ending" : L""));
 }
+
+namespace {
+
+// The release asked for when it can be written, else the next one that can.
+const Release& dwgRelease(const AcDbDatabase& database, const Release* wanted) {
+    if (wanted == nullptr) return dwg::ownRelease(database);
+    const Release* release = wanted;
+    while (!dwg::isWritten(*release))
+        release = &releaseOf(static_cast<AcDb::AcDbDwgVersion>(release->number + 1));
+    return *release;
+}
+
+void writeDwg(const AcDbDatabase& database, const std::wstring& path, const WriteOptions& options,
+              ReplacementFile& file) {
+    const dwg::Written written = dwg::write(database, dwgRelease(database, options.release));
+    for (const std::wstring& loss : written.losses) {
+        if (options.report) options.report(path + L": " + loss);
+    }
+    file.write({reinterpret_cast<const char*>(written.bytes.data()), written.bytes.size()});
+}
+
+}  // namespace
 
 void writeFile(const AcDbDatabase& database, const std::wstring& path,
                const WriteOptions& options) {
     checkCanWrite(path);
     ReplacementFile file(path);
-    write(database, options, [&](std::string_view bytes) { return file.write(bytes); });
+    if (equalIgnoringCase(endingOf(path), kDwg)) {
+        writeDwg(database, path, options, file);
+    } else {
+        write(database, options, [&](std::string_view bytes) { return file.write(bytes); });
+    }
     if (file.error() == 0 && file.commitKeeping(L".bak")) return;
     throw Error(path + L": the drawing cannot be written: " +
                 fromUtf8(std::strerror(file.error())));

@@ -23,14 +23,20 @@ class Handles {
     // New objects get the handles behind those of the file, or from `seed` on where that is more.
     void settle(uint64_t seed);
 
-    // The id of what a group refers to; the null id for the null handle.
-    AcDbObjectId refer(const Group& group) {
-        const uint64_t handle = group.handle;
+    // The id of a handle, which `isNew` if nothing referred to it before; the null id for the null
+    // handle.
+    AcDbObjectId refer(uint64_t handle, bool& isNew) {
+        isNew = false;
         if (handle == 0 || handle > kGreatest) return {};
-        AcDbObjectId id = state_.findHandle(handle);
-        if (!id.isNull()) return id;
-        id = state_.makeRecord(handle);
-        awaited_.push_back({id, group});
+        const AcDbObjectId id = state_.findHandle(handle);
+        isNew = id.isNull();
+        return isNew ? state_.makeRecord(handle) : id;
+    }
+    // The id of what a group refers to.
+    AcDbObjectId refer(const Group& group) {
+        bool isNew = false;
+        const AcDbObjectId id = refer(group.handle, isNew);
+        if (isNew) awaited_.push_back({id, group});
         return id;
     }
     static uint64_t of(AcDbObjectId id) {

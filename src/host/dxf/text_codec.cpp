@@ -160,17 +160,18 @@ void appendEscaped(std::wstring& text, wchar_t character) {
     }
 }
 
-void resolveEscapes(std::wstring_view raw, std::wstring& text) {
+void resolveEscapes(std::wstring_view raw, bool hasCarets, std::wstring& text) {
     while (!raw.empty()) {
         const size_t at = std::min(raw.find_first_of(L"\\^"), raw.size());
         text += raw.substr(0, at);
         raw.remove_prefix(at);
         if (raw.empty()) break;
         wchar_t character = 0;
-        if (raw[0] == L'^' && raw.size() > 1 && raw[1] == L' ') {
+        const bool isCaret = hasCarets && raw[0] == L'^' && raw.size() > 1;
+        if (isCaret && raw[1] == L' ') {
             text += L'^';
             raw.remove_prefix(2);
-        } else if (raw[0] == L'^' && raw.size() > 1 && raw[1] > L'@' && raw[1] <= L'_') {
+        } else if (isCaret && raw[1] > L'@' && raw[1] <= L'_') {
             text += static_cast<wchar_t>(raw[1] - L'@');
             raw.remove_prefix(2);
         } else if (const size_t unicode = unicodeEscape(raw, character)) {
@@ -198,10 +199,11 @@ void appendEscape(unsigned unit, std::string& bytes) {
 
 }  // namespace
 
-TextCodec::TextCodec(std::string_view codePage, bool isUtf8)
+TextCodec::TextCodec(std::string_view codePage, bool isUtf8, bool hasCarets)
     : codePage_(isKnown(codePage) ? codePage : kDefault),
       converter_(libraryName(codePage_)),
-      isUtf8_(isUtf8 || converter_ == "UTF-8") {
+      isUtf8_(isUtf8 || converter_ == "UTF-8"),
+      hasCarets_(hasCarets) {
     if (isUtf8) return;
     size_t known = 0;
     for (unsigned byte = 0; byte < 256; ++byte) {
@@ -246,7 +248,7 @@ void TextCodec::decode(std::string_view bytes, std::wstring& text) const {
         return;
     }
     std::wstring resolved;
-    resolveEscapes(decodePage(bytes), resolved);
+    resolveEscapes(decodePage(bytes), hasCarets_, resolved);
     text += resolved;
 }
 
@@ -277,9 +279,9 @@ void TextCodec::encodeCharacter(wchar_t character, std::string& bytes) const {
 
 void TextCodec::encode(std::wstring_view text, std::string& bytes) const {
     for (const wchar_t c : text) {
-        if (c == L'^') {
+        if (c == L'^' && hasCarets_) {
             bytes += "^ ";
-        } else if (c < 0x20) {
+        } else if (c < 0x20 && hasCarets_) {
             bytes += '^';
             bytes += static_cast<char>(c + '@');
         } else if (c < 0x80) {

@@ -12,7 +12,9 @@ namespace sg::dxf {
 class TextCodec {
   public:
     // `codePage` as $DWGCODEPAGE names it, such as ANSI_1252; an unknown one counts as that.
-    TextCodec(std::string_view codePage, bool isUtf8);
+    // Without carets control characters stand as they are, which is how files that are no text have
+    // them.
+    TextCodec(std::string_view codePage, bool isUtf8, bool hasCarets = true);
 
     static bool isKnown(std::string_view codePage);
     const std::string& codePage() const { return codePage_; }
@@ -34,6 +36,7 @@ class TextCodec {
     std::string codePage_;
     std::string converter_;  // the C library's name of the code page
     bool isUtf8_;
+    bool hasCarets_;
     bool isSingleByte_ = false;
     std::array<wchar_t, 256> toWide_{};  // of a code page of single bytes; 0 where it has none
 };

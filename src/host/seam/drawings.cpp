@@ -101,7 +101,9 @@ void Host::saveDrawing(Document& document, const std::wstring& path) {
     notifyReactors(*this, [&](AcEditorReactor& reactor) {
         reactor.beginSave(document.database(), target.c_str());
     });
-    withFileErrors([&] { dxf::writeFile(*document.database(), target); });
+    dxf::WriteOptions options;
+    options.report = [this](const std::wstring& text) { output_->reportError(text); };
+    withFileErrors([&] { dxf::writeFile(*document.database(), target, options); });
     if (!isOwn) document.setFile(target, std::move(lock));
     notifyReactors(*this, [&](AcEditorReactor& reactor) {
         reactor.saveComplete(document.database(), target.c_str());

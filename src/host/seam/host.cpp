@@ -10,6 +10,7 @@
 
 #include "base/encoding.h"
 #include "base/text.h"
+#include "host/dwg/files.h"
 #include "host/dxf/drawing_files.h"
 #include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
@@ -136,6 +137,7 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     services_ = std::make_unique<ApplicationServices>(*this);
     databases_ = std::make_unique<model::DatabaseTable>();
     databases_->readers().add(dxf::isDrawing, dxf::readForDatabase);
+    databases_->readers().add(dwg::isDrawing, dxf::readForDatabase);
     moduleState_ = std::make_unique<AFX_MODULE_STATE>();
     registerEditorClasses();
     model::registerDatabaseClasses();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -7,6 +8,8 @@
 #include "host/model/tables/header_variables.h"
 
 namespace sg::model {
+
+struct DwgOrigin;
 
 // What a drawing brought along from its file that is no object of it, for writing it again.
 struct FileOrigin {
@@ -50,6 +53,8 @@ struct FileOrigin {
     std::vector<Section> sections;
 
     std::vector<AcDbObjectId> objects;  // those of the objects' section, in their order
+
+    std::shared_ptr<DwgOrigin> dwg;  // of a drawing from a DWG file
 };
 
 }  // namespace sg::model
