@@ -86,7 +86,8 @@ DisplaySettings DisplaySettings::of(const AcDbDatabase& database) {
 
 EntityDraw::EntityDraw(Canvas& canvas, Looks& looks, const DisplaySettings& settings)
     : traits_(std::make_unique<Traits>(looks)),
-      geometry_(std::make_unique<Geometry>(*this, canvas, settings)) {}
+      geometry_(std::make_unique<Geometry>(*this, canvas, settings)),
+      isDragging_(settings.isDragging) {}
 
 EntityDraw::~EntityDraw() = default;
 
