@@ -100,6 +100,8 @@ class DwgForm {
     // The class data of the object that is read, all of it, wherever reading stands; nothing is
     // read by this.
     virtual Acad::ErrorStatus keep(KeptBits& bits) = 0;
+    // True when the class data has been read to its end.
+    virtual bool isRead() const { return true; }
     // Writes class data that a file of the same release had, in place of everything else.
     virtual Acad::ErrorStatus writeKept(const KeptBits& bits) = 0;
 };
