@@ -396,6 +396,14 @@ Acad::ErrorStatus AcDbViewport::dwgInFields(AcDbDwgFiler* filer) {
         readFrozen(filer, frozen, frozen_);
         return filer->filerStatus();
     }
+    // Before release 2000 the view is in extended data.
+    if (sg::model::isBefore(filer, AcDb::kDHL_1015)) {
+        AcDbHardPointerId header;
+        fill(center_);
+        fill(width_);
+        fill(height_);
+        return filer->readHardPointerId(&header);
+    }
     visitFile(fill, filer, frozen);
     readFrozen(filer, frozen, frozen_);
     fill(clipEntity_);
