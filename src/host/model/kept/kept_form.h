@@ -112,6 +112,9 @@ bool readKept(AcDbDwgFiler& filer, ProxyData& data);
 // Writes the proxy's groups as a DWG object. False, and nothing is written, when they have no
 // description or are not as it says.
 bool writeKept(AcDbDwgFiler& filer, const ProxyData& data);
+// True when the bits that the proxy keeps are what a file of the release has too: it is their own,
+// or a later one in which nothing of the class is otherwise.
+bool keepsBitsFor(const ProxyData& data, AcDb::AcDbDwgVersion release);
 // True when writeKept() would.
 bool canWriteKept(const ProxyData& data, AcDb::AcDbDwgVersion release);
 
