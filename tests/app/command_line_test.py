@@ -251,20 +251,18 @@ class Help(ProgramTest):
         code, output, _ = self.run_program("help", "--missing")
         names = output.splitlines()
         self.assertEqual((code, len(names), names[0], names[-1]),
-                         (0, 10, "ed_editMultilineText", "qn_qn-LayerSystemOptionsHVAC"))
+                         (0, 4, "ed_editMultilineText", "qn_qn-safeContinue"))
         self.assertEqual(self.run_program("help", "--missing", "--no-module"), (0, "", ""))
 
     def test_a_function_is_explained(self):
         for name, said in [("car", "car\n\n"), ("caddr", "cdr\n\n"), ("CAR", "car\n\n"), ("host-send", "host-send\n\n"),
                            ("SG_APPEND", "sg_append\n\n"),
-                           ("QN_QN-SUBMITBUG", "qn_qn-submitBug: not part of this build\n"),
-                           ("acdbcurve::getlength", "length of a curve"),
-                           ("qn_qn-drawHanger", "the hanger of a level duct")]:
+                           ("QN_QN-LINEJIG", "qn_qn-lineJig: not part of this build\n"),
+                           ("acdbcurve::getlength", "length of a curve")]:
             with self.subTest(name):
                 code, output, errors = self.run_program("help", name)
                 self.assertEqual((code, errors), (0, ""))
                 self.assertIn(said, output)
-                self.assertNotIn("![", output)  # pictures are for readers of the page
 
     def test_an_unknown_function_has_suggestions(self):
         for name, suggestion in [("sg_apend", "sg_append"), ("host-sned", "host-send"),
