@@ -89,7 +89,6 @@ class Library final : public exchange::StepLibrary {
                 if (!addShape(document, item)) return false;
             }
             STEPCAFControl_Writer writer;
-            Interface_Static::SetCVal("xstep.cascade.unit", unit.c_str());
             Interface_Static::SetCVal("write.step.unit", unit.c_str());
             writer.SetNameMode(true);
             writer.SetLayerMode(true);

@@ -103,7 +103,7 @@ class ShadingTest : public RenderTest {
     }
     // A line up, at a place of the picture from the front.
     void pole(double x, double y) {
-        draw("(entmake '((0 . \"LINE\") (62 . 1) (10 " + std::to_string(x) + " " +
+        draw("(entmake '((0 . \"LINE\") (62 . 1) (370 . 100) (10 " + std::to_string(x) + " " +
              std::to_string(y) + " 10.0) (11 " + std::to_string(x) + " " + std::to_string(y) +
              " 140.0)))");
     }
