@@ -82,7 +82,7 @@ TEST_F(SolidEntityTest, ReadsDamagedBytesWithoutHarm) {
         if (!companion::fromBytes(changed, steps)) continue;
         companion::ShapePtr shape;
         for (const companion::Step& step : steps)
-            shape = companion::solidKernel()->apply(shape, step);
+            shape = companion::solidKernel()->apply(shape, step, at % 2 == 0);
     }
     EXPECT_TRUE(companion::fromBytes(bytes, steps));
 }
