@@ -8,6 +8,7 @@
 #include "host/dxf/flatten.h"
 #include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
+#include "host/exchange/step_file.h"
 #include "host/seam/file_error.h"
 #include "host/system/file_lock.h"
 #include "host/system/paths.h"
@@ -49,6 +50,17 @@ void convertFlat(Session& session, const DrawingArguments& arguments) {
     writeDrawing(session, database, arguments);
 }
 
+// Modules bring the classes of entities that are solids.
+void convertToStep(Session& session, const DrawingArguments& arguments) {
+    session.start();
+    AcDbDatabase database(false, true);
+    readDrawing(session, database, arguments.file);
+    const exchange::StepResult written =
+        exchange::writeStepFile(database, resolvePath(absolutePath(arguments.output)).path);
+    for (const auto& [name, count] : written.left)
+        session.complain(fmt::format(L"not in the file: {} {}", count, name));
+}
+
 }  // namespace
 
 int convert(const Arguments& arguments) {
@@ -56,6 +68,10 @@ int convert(const Arguments& arguments) {
     return session.conclude([&] {
         try {
             const DrawingArguments& drawing = arguments.drawingFile;
+            if (exchange::isStepName(drawing.output)) {
+                convertToStep(session, drawing);
+                return kDone;
+            }
             dxf::checkCanWrite(drawing.output);
             if (drawing.isFlat) {
                 convertFlat(session, drawing);
