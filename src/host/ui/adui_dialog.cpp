@@ -58,7 +58,8 @@ void CAdUiDialog::FreezeLayout() {
     layout()->activate();
     laidOut_ = layout()->sizeHint().expandedTo(layout()->minimumSize());
     resize(laidOut_);
-    layout()->activate();
+    // A layout follows its dialog's size when that is seen, which is too late here.
+    layout()->setGeometry({{}, laidOut_});
     layout()->setEnabled(false);
     setMinimumSize(laidOut_);
     setSizeGripEnabled(true);

@@ -223,14 +223,4 @@ void CLayerSystemOptionsHVAC::OnOK() {
     CAcUiDialog::OnOK();
 }
 
-void CLayerSystemOptionsHVAC::OnPlace() {
-    CAcUiDialog::OnPlace();
-    grid_->ExpandToFit();
-}
-
-void CLayerSystemOptionsHVAC::resizeEvent(QResizeEvent* event) {
-    CAcUiDialog::resizeEvent(event);
-    grid_->ExpandToFit();
-}
-
 }  // namespace sg
