@@ -138,7 +138,7 @@ class Leaving(DialogTest):
             "(qn_qn-customizeLayers)",
             # Down to the first system; Alt and the letters of the buttons.
             "key 1051 Down\nkey 1051 Ctrl+Tab\nkey 1054 Space\nkey 1049 Right F2 Return\n"
-            "key 1050 End Return\nkey 1050 Esc\nkey 1050 Home Down Right Right Right Space\n"
+            "key 1050 End Return\nkey 1050 Esc\nkey 1050 Ctrl+Home Down Right Right Right Space\n"
             "key 1 Return\n")
         self.assertIn("[answered: OK]", errors)
         self.assertEqual(self.rows("SELECT bPlot FROM tblLayer WHERE sName = 'B'"), [["1"]])
