@@ -92,12 +92,24 @@ void TypedWords::set(std::wstring_view line) {
     rest_ = trimmed(line);
 }
 
+void TypedWords::setLines(std::wstring_view text) {
+    rest_ = text;
+    skipBlanks();
+}
+
+void TypedWords::skipBlanks() {
+    const auto isSpace = [](wchar_t c) { return c != L'\n' && isBlank(c); };
+    rest_.erase(rest_.begin(), std::find_if_not(rest_.begin(), rest_.end(), isSpace));
+}
+
 Answer<std::wstring> TypedWords::text(const TextRequest& request) {
     if (rest_.empty()) return {};
-    const auto end =
-        request.wholeLine ? rest_.end() : std::find_if(rest_.begin(), rest_.end(), isBlank);
-    std::wstring word(rest_.begin(), end);
-    rest_ = trimmed(std::wstring(end, rest_.end()));
+    const auto ends = [&](wchar_t c) { return c == L'\n' || (!request.wholeLine && isBlank(c)); };
+    const auto end = std::find_if(rest_.begin(), rest_.end(), ends);
+    std::wstring word(trimmedRight(std::wstring_view(rest_.begin(), end)));
+    const bool endsLine = end != rest_.end() && *end == L'\n';
+    rest_.erase(rest_.begin(), endsLine ? end + 1 : end);
+    skipBlanks();
     return Answer<std::wstring>::of(std::move(word));
 }
 

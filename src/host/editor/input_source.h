@@ -19,6 +19,8 @@ class ScriptedDialog;
 
 namespace sg {
 
+class SelectionSet;
+
 // What becomes of a request.
 enum class Outcome {
     answered,
@@ -56,11 +58,14 @@ struct PromptAnswer {
         point,   // a place on the display, in user coordinates
         pick,    // an entity is picked where `text` says, as a point is typed
         entity,  // the entity of a handle
+        set,     // the entities of a selection set
     };
     Kind kind = Kind::text;
     std::wstring text;
     AcGePoint3d point;
     uint64_t handle = 0;
+    bool hasPoint = false;  // an entity's: where it is picked, in user coordinates
+    std::shared_ptr<const SelectionSet> set;
 };
 
 // A step of a drag.
@@ -138,14 +143,20 @@ class SG_API InputChain {
 class SG_API TypedWords : public InputSource {
   public:
     void set(std::wstring_view line);  // replaces what is left
+    // The same with the lines behind it: the end of a line ends an answer, and where none has begun
+    // it is Enter.
+    void setLines(std::wstring_view text);
     void clear() { rest_.clear(); }
     bool empty() const { return rest_.empty(); }
+    size_t left() const { return rest_.size(); }  // characters that have not answered yet
 
-    // The next word, or all that is left for a whole line.
+    // The next word, or all that is left of a line for a whole line.
     Answer<std::wstring> text(const TextRequest& request) override;
 
   private:
-    std::wstring rest_;  // trimmed
+    void skipBlanks();
+
+    std::wstring rest_;  // without blanks in front
 };
 
 // The person at the display, where there is one, closes dialogs and answers the boxes that come up

@@ -30,6 +30,7 @@
 #include "host/rx/dictionary.h"
 #include "host/rx/module_loader.h"
 #include "host/seam/command_line.h"
+#include "host/seam/command_runner.h"
 #include "host/seam/external_functions.h"
 #include "host/seam/lisp_functions.h"
 #include "host/seam/system_variable_values.h"
@@ -161,6 +162,7 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     createModuleLoader();
     externals_ = std::make_unique<ExternalFunctions>(*interpreter_, *modules_);
     commandLine_ = std::make_unique<CommandLine>(*this);
+    commands_ = std::make_unique<CommandRunner>(*this);
     provideSystemVariables();
 }
 
@@ -206,6 +208,8 @@ void Host::createInterpreter() {
     interpreter_->define(tableFunctions());
     interpreter_->define(selectionFunctions());
     interpreter_->define(promptFunctions());
+    interpreter_->define(inputFunctions());
+    interpreter_->define(commandFunctions());
     interpreter_->define(dialogSupportFunctions());
 }
 

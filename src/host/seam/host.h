@@ -23,10 +23,14 @@ namespace sg {
 namespace lisp {
 class Interpreter;
 }
+namespace dxf {
+struct WriteOptions;
+}
 namespace model {
 class DatabaseTable;
 }
 class CommandLine;
+class CommandRunner;
 class Cryptography;
 class Document;
 class DocumentManager;
@@ -97,6 +101,7 @@ class SG_API Host {
     ModuleLoader& modules() { return *modules_; }
     ExternalFunctions& externals() { return *externals_; }
     CommandLine& commandLine() { return *commandLine_; }
+    CommandRunner& commands() { return *commands_; }
     Editor& editor() { return *editor_; }
     Output& output() { return *output_; }
     RegistryStore& registry() { return *registry_; }
@@ -138,6 +143,8 @@ class SG_API Host {
     // Writes a document's drawing, under its own name or, with a path, under that, which is its
     // name from then on; reactors hear of it. Throws FileError and leaves the file as it was.
     void saveDrawing(Document& document, const std::wstring& path);
+    void saveDrawing(Document& document, const std::wstring& path,
+                     const dxf::WriteOptions& options);
 
     // The system variables as the current document sees them.
     SystemVariables& systemVariables();
@@ -185,6 +192,7 @@ class SG_API Host {
     std::unique_ptr<ModuleLoader> modules_;
     std::unique_ptr<ExternalFunctions> externals_;
     std::unique_ptr<CommandLine> commandLine_;
+    std::unique_ptr<CommandRunner> commands_;
 };
 
 }  // namespace sg

@@ -2,6 +2,7 @@
 #include <string>
 
 #include "host/seam/host.h"
+#include "host/system/companion_library.h"
 #include "host/system/registry.h"
 #include "host/system/registry_handles.h"
 #include "host/system/system_libraries.h"
@@ -79,6 +80,10 @@ FARPROC GetProcAddress(HMODULE library, const char* name) {
     }
     const auto found = library->functions.find(std::string_view(name));
     return found != library->functions.end() ? found->second : nullptr;
+}
+
+void* sgOwnLibrarySymbol(const char* library, const char* symbol) {
+    return sg::companionSymbol(library, symbol);
 }
 
 CWinApp* AfxGetApp() {
