@@ -176,6 +176,20 @@ class Csv(DialogTest):
             self.assertIn("The file holds no layer keys", errors)
 
 
+class Start(DialogTest):
+    def test_the_toolkit_is_opened_by_the_first_dialog(self):
+        output, _ = self.dialog("""
+(defun toolkit (/ maps line found)
+  (setq maps (open "/proc/self/maps" "r"))
+  (while (setq line (read-line maps)) (if (wcmatch line "*Qt6Widgets*") (setq found T)))
+  (close maps)
+  found)
+(print (toolkit))
+(qn_qn-LayerSystemOptionsPlumb 1)
+(print (toolkit))""")
+        self.assertEqual(output.split(), ["nil", "T"])
+
+
 class Examples(DialogTest):
     def test_the_examples_of_the_page_run(self):
         self.assertGreater(self.check_examples("standards.md"), 6)
