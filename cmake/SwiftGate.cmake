@@ -8,11 +8,12 @@ if(SWIFTGATE_SANITIZE)
                          -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
   target_link_options(sg_settings INTERFACE -fsanitize=address,undefined)
 endif()
-# What the sources of tests have besides. Under the sanitizers it is the product's code that is looked
-# at: a test's own is compiled quickly, without the checks that cost the compiler most.
+# What the sources of tests have besides. It is the product's code that is looked at: a test's own is
+# compiled quickly, and under the sanitizers without the checks that cost the compiler most.
 add_library(sg_test_settings INTERFACE)
+target_compile_options(sg_test_settings INTERFACE -O0)
 if(SWIFTGATE_SANITIZE)
-  target_compile_options(sg_test_settings INTERFACE -O0 -fno-sanitize=undefined)
+  target_compile_options(sg_test_settings INTERFACE -fno-sanitize=undefined)
 endif()
 
 if(SWIFTGATE_FUZZ)

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "app/columns.h"
 #include "app/commands.h"
 #include "app/exit_codes.h"
-#include "app/function_pages.h"
 #include "app/nearest_names.h"
 #include "app/process.h"
 #include "app/session.h"
@@ -17,6 +17,7 @@
 #include "host/lisp/objects.h"
 #include "host/seam/external_functions.h"
 #include "host/seam/file_error.h"
+#include "host/system/function_pages.h"
 #include "host/system/paths.h"
 
 namespace sg::app {
@@ -48,6 +49,16 @@ bool isDefinedByModule(Session& session, std::wstring_view name) {
     const lisp::Value value =
         interpreter.valueIn(session.document().variables(), static_cast<uint32_t>(slot));
     return value.isObject() && value.asObject()->kind() == lisp::ObjectKind::ExternalFunction;
+}
+
+std::vector<std::wstring> explainedNames(const FunctionPages& pages) {
+    std::vector<std::wstring> names;
+    for (const FunctionPages::Family& family : pages.families()) {
+        for (const FunctionPages::Section& section : family.sections) {
+            names.insert(names.end(), section.names.begin(), section.names.end());
+        }
+    }
+    return names;
 }
 
 void printOverview(Output& output, const FunctionPages& pages) {
@@ -85,7 +96,7 @@ int printFunction(Session& session, const std::wstring& name, const FunctionPage
         return kDone;
     }
     session.complain(L"no function \"" + name + L"\"" +
-                     suggestion(pages.nearest(name, kMostSuggestions)));
+                     suggestion(nearestNames(explainedNames(pages), name, kMostSuggestions)));
     return kWrongUsage;
 }
 

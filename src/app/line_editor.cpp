@@ -9,9 +9,8 @@
 #include <cwchar>
 #include <utility>
 
-#include "app/function_pages.h"
+#include "app/columns.h"
 #include "app/process.h"
-#include "app/signals.h"
 #include "base/encoding.h"
 #include "base/text.h"
 #include "host/lisp/interpreter.h"
@@ -59,7 +58,7 @@ struct LineEditor::Library {
         for (;;) {
             char byte = 0;
             const bool typedAhead = std::exchange(self.library_->atFirst, false) && hasInput();
-            if (!waitForInput(self.interpreter_)) return -1;
+            if (!waitForInput(self.interpreter_, self.work_)) return -1;
             const ssize_t count = ::read(STDIN_FILENO, &byte, 1);
             if (count <= 0) return static_cast<int>(count);
             // A Ctrl-D that was typed before this line editor took the terminal over has become a
@@ -95,10 +94,11 @@ struct LineEditor::Library {
 };
 
 LineEditor::LineEditor(const lisp::Interpreter& interpreter, std::wstring historyFile,
-                       Complete complete)
+                       Complete complete, WaitingWork work)
     : interpreter_(interpreter),
       historyFile_(std::move(historyFile)),
       complete_(std::move(complete)),
+      work_(std::move(work)),
       library_(std::make_unique<Library>()) {
     // The library converts characters by the process's locale; nothing else here depends on it.
     if (std::setlocale(LC_CTYPE, "C.UTF-8") == nullptr) std::setlocale(LC_CTYPE, "");

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "app/signals.h"
+
 namespace sg::lisp {
 class Interpreter;
 }
@@ -19,8 +21,9 @@ class LineEditor {
     using Complete = std::function<std::vector<std::wstring>(std::wstring_view word)>;
 
     // Takes the lines of earlier sessions from `historyFile` and leaves them there; an empty name
-    // keeps them for this session only.
-    LineEditor(const lisp::Interpreter& interpreter, std::wstring historyFile, Complete complete);
+    // keeps them for this session only. `work` is done while nothing is typed.
+    LineEditor(const lisp::Interpreter& interpreter, std::wstring historyFile, Complete complete,
+               WaitingWork work);
     ~LineEditor();
     LineEditor(const LineEditor&) = delete;
     LineEditor& operator=(const LineEditor&) = delete;
@@ -48,6 +51,7 @@ class LineEditor {
     const lisp::Interpreter& interpreter_;
     const std::wstring historyFile_;
     const Complete complete_;
+    const WaitingWork work_;
     std::unique_ptr<Library> library_;
 };
 

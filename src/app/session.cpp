@@ -3,21 +3,25 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "app/exit_codes.h"
 #include "app/process.h"
+#include "app/progress_bar.h"
 #include "base/encoding.h"
 #include "base/text.h"
 #include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
 #include "host/editor/script_input.h"
+#include "host/editor/status_bar.h"
 #include "host/editor/terminal_input.h"
 #include "host/lisp/interpreter.h"
 #include "host/seam/file_error.h"
 #include "host/system/files.h"
 #include "host/system/paths.h"
+#include "host/system/timers.h"
 
 namespace sg::app {
 namespace {
@@ -29,6 +33,7 @@ HostOptions hostOptions(const Arguments& arguments) {
     options.supportPath = arguments.folders;
     options.supportPath.push_back(
         absolutePath(executableFolder() + L"/../share/swiftgate/support"));
+    options.helpFolder = absolutePath(executableFolder() + L"/../share/swiftgate");
     options.moduleFolder = absolutePath(executableFolder() + L"/../modules");
     if (!arguments.noModule) options.modules = {kModule};
     options.failEngine = arguments.failEngine;
@@ -65,6 +70,24 @@ void finishErrorLine(Output& output) {
     output.print(L"\n");
 }
 
+// The progress meter of programs as a bar on the terminal. Where other text stands at the cursor
+// there is none, since it would be overwritten.
+class TerminalMeter final : public ProgressDisplay {
+  public:
+    explicit TerminalMeter(const Output& output) : output_(output) {}
+    void begin(const std::wstring& label) override { bar_.emplace(label); }
+    void show(uint64_t done, uint64_t total) override {
+        if (bar_ && output_.errorAtLineStart()) bar_->show(done, total);
+    }
+    void hide() override {
+        if (bar_) bar_->erase();
+    }
+
+  private:
+    const Output& output_;
+    std::optional<ProgressBar> bar_;
+};
+
 }  // namespace
 
 Session::Session(const Arguments& arguments, bool interactive)
@@ -72,6 +95,7 @@ Session::Session(const Arguments& arguments, bool interactive)
       signals_(host_.interpreter()),
       terminal_(interactive && isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1) {
     setInput(arguments);
+    host_.statusBar().setDisplay(std::make_unique<TerminalMeter>(host_.output()));
 }
 
 void Session::start() {
@@ -91,6 +115,7 @@ void Session::setInput(const Arguments& arguments) {
         if (script == nullptr) throw FileError(error);
         sources.push_back(std::move(script));
     }
+    sources.push_back(std::make_shared<DisplayInput>());
     if (terminal_) {
         sources.push_back(std::make_shared<TerminalInput>(
             [this](const std::wstring& prompt) -> Answer<std::wstring> {
@@ -117,11 +142,16 @@ Document& Session::document() {
 }
 
 LineEditor& Session::editor() {
+    host_.statusBar().hide();  // the line is read where the bar may show
     if (editor_ == nullptr) {
         const std::wstring folder = stateFolder();
         editor_ = std::make_unique<LineEditor>(
             host_.interpreter(), folder.empty() ? folder : folder + L"/history",
-            [this](std::wstring_view word) { return symbolsThatBegin(host_, word); });
+            [this](std::wstring_view word) { return symbolsThatBegin(host_, word); },
+            [this] {
+                host_.timers().runDue();
+                return host_.timers().untilDue();
+            });
     }
     return *editor_;
 }

@@ -63,7 +63,7 @@ bool hasInput() {
     return poll(&input, 1, 0) > 0;
 }
 
-bool waitForInput(const lisp::Interpreter& interpreter) {
+bool waitForInput(const lisp::Interpreter& interpreter, const WaitingWork& work) {
     // The signal is let through only while ppoll waits, so that none falls between the look at the
     // interpreter and the wait.
     sigset_t blocked, before;
@@ -72,8 +72,11 @@ bool waitForInput(const lisp::Interpreter& interpreter) {
     pthread_sigmask(SIG_BLOCK, &blocked, &before);
     bool ready = false;
     while (!ready && !interpreter.interruptPending()) {
+        const auto pause = work ? work() : std::nullopt;
+        const auto milliseconds = pause.value_or(std::chrono::milliseconds(0)).count();
+        const timespec most = {milliseconds / 1000, milliseconds % 1000 * 1'000'000};
         pollfd input = {STDIN_FILENO, POLLIN, 0};
-        const int count = ppoll(&input, 1, nullptr, &before);
+        const int count = ppoll(&input, 1, pause ? &most : nullptr, &before);
         ready = count > 0 || (count < 0 && errno != EINTR);
     }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);

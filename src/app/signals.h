@@ -1,5 +1,9 @@
 #pragma once
 
+#include <chrono>
+#include <functional>
+#include <optional>
+
 namespace sg::lisp {
 class Interpreter;
 }
@@ -24,7 +28,9 @@ class Signals {
 bool hasInput();
 
 // Waits until standard input has something to read. False when Ctrl-C came first, or had come
-// before and no program has noticed it.
-bool waitForInput(const lisp::Interpreter& interpreter);
+// before and no program has noticed it. `work` is done ahead of every wait, and answers after what
+// time there is more to do.
+using WaitingWork = std::function<std::optional<std::chrono::milliseconds>()>;
+bool waitForInput(const lisp::Interpreter& interpreter, const WaitingWork& work);
 
 }  // namespace sg::app

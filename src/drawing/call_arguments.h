@@ -1,5 +1,6 @@
 #pragma once
 
+#include "bridge/marshal_readers.h"
 #include "platform/db/object.h"
 #include "platform/ge/point3d.h"
 #include "platform/lisp/external_functions.h"
@@ -21,6 +22,14 @@ class CallArguments {
   public:
     const resbuf* next;  // null behind the last one
 };
+
+// Reads an entity name as the id of its object; as the null id when it stands for nothing.
+inline bool nextNamedObject(const resbuf*& position, AcDbObjectId& id) {
+    ads_name name;
+    if (!nextEntityName(position, name)) return false;
+    if (acdbGetObjectId(id, name) != Acad::eOk) id.setNull();
+    return true;
+}
 
 // An object of a class, open for as long as this lives; null when it cannot be opened.
 template <class Class>

@@ -1,7 +1,8 @@
 #pragma once
 
-// The LISP functions that ask and change entities and layers of the current drawing. Each is an
-// implementation as the call guard runs it; docs/functions/drawing.md tells what they do.
+// The LISP functions that ask and change entities and layers of the current drawing, and those that
+// ask the user and the system. Each is an implementation as the call guard runs it;
+// docs/functions/drawing.md, selection.md and shell.md tell what they do.
 namespace sg {
 
 // Curves.
@@ -64,5 +65,33 @@ int promptCorner();
 int intersectArcArc();
 int intersectArcLine();
 int intersectLineArc();
+
+// The shell, folders and the system.
+int showHelp();
+int folderPath();
+int openFolderAndSelect();
+int shellExecute();
+int screenWidth();
+int screenHeight();
+int computerName();
+int pathIsNetworkPath();
+int isFileReadOnly();
+int temporaryFolder();
+int registryKeys();
+int newCompressedGuid();
+
+// The main window and its status bar.
+int enableMainWindow();
+int disableMainWindow();
+int mainWindowText();
+int setMainWindowText();
+int startProgressMeter();
+int moveProgressMeter();
+int restoreStatusBar();
+
+// Work for another drawing.
+int setToDoDrawing();
+int getToDoDrawing();
+int executeToDo();
 
 }  // namespace sg

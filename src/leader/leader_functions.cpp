@@ -29,14 +29,6 @@ double atDrawingScale(double plotted) {
     return plotted * currentDatabase()->dimscale();
 }
 
-// The object of an entity name; null for a name that stands for nothing.
-bool nextNamedObject(const resbuf*& position, AcDbObjectId& id) {
-    ads_name name;
-    if (!nextEntityName(position, name)) return false;
-    if (acdbGetObjectId(id, name) != Acad::eOk) id.setNull();
-    return true;
-}
-
 // Opens the leader that the first argument names before the other arguments are read. `change`
 // reads those; false of it is a wrong argument.
 template <class Change>

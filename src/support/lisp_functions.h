@@ -1,6 +1,7 @@
 #pragma once
 
-// The LISP functions for archives, downloads and signatures, as implementations for the call guard.
+// The LISP functions for archives, downloads, signatures, files and folders, as implementations for
+// the call guard.
 namespace sg {
 
 // (CreateZip archive patterns): T when every pattern was appended, also when the archive could then
@@ -18,5 +19,12 @@ int signString();
 
 // (verifyString text public-key signature): T when the signature is valid, otherwise nil.
 int verifyString();
+
+// (CFileDialog open title path extensions [confirm-replacing] [must-exist]): the chosen file's full
+// path, or no value.
+int fileDialog();
+
+// (XFolderDialog title folder): the chosen folder's full path, or no value.
+int folderDialog();
 
 }  // namespace sg

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 
 #include "base/encoding.h"
 
@@ -23,6 +24,13 @@ Output::Sink descriptorSink(int descriptor) {
         }
         return true;
     };
+}
+
+// The console of the machine itself has no window, and would print the sequence.
+bool terminalHasWindow() {
+    const char* const kind = std::getenv("TERM");
+    const std::string_view name = kind != nullptr ? kind : "";
+    return !name.empty() && name != "dumb" && name != "linux";
 }
 
 // Both lead to one terminal, pipe or file: "2>&1" too.
@@ -45,6 +53,7 @@ Output::Output(Sink standardOutput, Sink standardError, bool sharedCursor, bool 
 
 Output::~Output() {
     flush();
+    if (titled_) control("\033[23;2t");
 }
 
 void Output::put(Stream& stream, std::string_view bytes) {
@@ -55,6 +64,7 @@ void Output::put(Stream& stream, std::string_view bytes) {
 }
 
 void Output::write(Stream& stream) {
+    if (!stream.buffer.empty() && beforeWrite_) beforeWrite_();
     if (!stream.buffer.empty() && !stream.failed) stream.failed = !stream.sink(stream.buffer);
     stream.buffer.clear();
 }
@@ -85,11 +95,25 @@ void Output::reportError(std::wstring_view text) {
     printError(bytes);
 }
 
-// The bell is no character of the text: where the cursor stands is left alone.
-void Output::bell() {
-    if (!immediate_) return;
-    output_.buffer += '\a';
+// What controls the terminal is no text: where the cursor stands is left alone.
+void Output::control(std::string_view sequence) {
+    output_.buffer += sequence;
     write(output_);
+}
+
+void Output::bell() {
+    if (immediate_) control("\a");
+}
+
+void Output::setTitle(std::wstring_view text) {
+    if (!immediate_ || !terminalHasWindow()) return;
+    if (!titled_) control("\033[22;2t");
+    titled_ = true;
+    std::wstring title(text);
+    for (wchar_t& c : title) {
+        if (c < 0x20 || (c >= 0x7F && c < 0xA0)) c = L' ';
+    }
+    control("\033]2;" + toUtf8(title) + "\a");
 }
 
 bool Output::flush() {

@@ -36,6 +36,16 @@ class SG_API Output {
     // Rings the bell of the terminal that standard output is; silent when it is none.
     void bell();
 
+    // Names the window of the terminal that standard output is, which has its own name back in the
+    // end; without effect where there is none, or one that has no window. Control characters in the
+    // text become blanks.
+    void setTitle(std::wstring_view text);
+
+    // Called before bytes go out, by what shows something else at the cursor and has to clear it.
+    void setBeforeWrite(std::function<void()> beforeWrite) {
+        beforeWrite_ = std::move(beforeWrite);
+    }
+
     // Writes what is buffered. False when anything printed so far to standard output is lost.
     bool flush();
 
@@ -82,10 +92,13 @@ class SG_API Output {
     void put(Stream& stream, std::string_view bytes);
     void write(Stream& stream);
     void printError(std::string_view bytes);
+    void control(std::string_view sequence);
 
     Stream output_, error_;
     const bool sharedCursor_;
     const bool immediate_;
+    std::function<void()> beforeWrite_;
+    bool titled_ = false;  // the window's own name is put aside
     int loading_ = 0;
     std::vector<Capture*> captures_;  // innermost last
 };

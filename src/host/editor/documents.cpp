@@ -4,10 +4,13 @@
 
 #include <algorithm>
 
+#include "host/editor/commands/active_command.h"
 #include "host/editor/drawing_variables.h"
 #include "host/editor/program_drawing.h"
 #include "host/editor/selection/drawing_selection.h"
 #include "host/editor/system_variables.h"
+#include "host/editor/undo_history.h"
+#include "host/editor/variable_undo.h"
 #include "host/lisp/interpreter.h"
 #include "host/system/paths.h"
 
@@ -62,9 +65,12 @@ Document::Document(std::wstring fileName, std::unique_ptr<AcDbDatabase> database
       namespace_(std::move(ns)),
       systemVariables_(std::make_unique<SystemVariables>(std::move(application))),
       programs_(std::make_unique<ProgramDrawing>(*database_)),
-      selection_(std::make_unique<DrawingSelection>(*database_)) {
+      selection_(std::make_unique<DrawingSelection>(*database_)),
+      undo_(std::make_unique<UndoHistory>(*database_)) {
     SystemVariables& variables = *systemVariables_;
     joinDrawingVariables(variables, *database_);
+    joinUndo(variables, *undo_);
+    joinView(variables, *database_);
     variables.setProvider(L"DWGNAME", [this] { return SystemVariableValue(title_); });
     variables.setProvider(L"DWGTITLED", [this] { return SystemVariableValue(int16_t{titled_}); });
     variables.setProvider(L"WRITESTAT",
@@ -75,7 +81,9 @@ Document::Document(std::wstring fileName, std::unique_ptr<AcDbDatabase> database
     });
 }
 
-Document::~Document() = default;
+Document::~Document() {
+    command.reset();  // it works with all the others
+}
 
 AcAp::DocLockMode Document::lockMode() const {
     AcAp::DocLockMode strongest = AcAp::kNone;

@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "host/editor/commands/memory.h"
 #include "host/system/file_lock.h"
 #include "platform/ap/documents.h"
 #include "platform/db/database.h"
@@ -17,9 +18,11 @@ namespace lisp {
 class Interpreter;
 struct Namespace;
 }  // namespace lisp
+class ActiveCommand;
 class DrawingSelection;
 struct ProgramDrawing;
 class SystemVariables;
+class UndoHistory;
 
 // One open drawing: its database, its LISP namespace, its system variables, its locks and what
 // waits to be typed into it.
@@ -51,6 +54,7 @@ class SG_API Document final : public AcApDocument {
     SystemVariables& systemVariables() { return *systemVariables_; }
     ProgramDrawing& programs() { return *programs_; }
     DrawingSelection& selection() { return *selection_; }
+    UndoHistory& undo() { return *undo_; }
 
     void lock(AcAp::DocLockMode mode) { locks_.push_back(mode); }
     bool unlock();
@@ -68,6 +72,8 @@ class SG_API Document final : public AcApDocument {
     };
 
     std::deque<std::wstring> typed;  // lines that wait to be run, oldest first
+    CommandMemory memory;
+    std::unique_ptr<ActiveCommand> command;  // the built-in command on its way; null for none
 
   private:
     std::wstring fileName_;
@@ -79,6 +85,7 @@ class SG_API Document final : public AcApDocument {
     std::unique_ptr<SystemVariables> systemVariables_;
     std::unique_ptr<ProgramDrawing> programs_;
     std::unique_ptr<DrawingSelection> selection_;
+    std::unique_ptr<UndoHistory> undo_;
     std::vector<AcAp::DocLockMode> locks_;
     int running_ = 0;
 };

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/ed/jig.h"
+
 ACRX_NO_CONS_DEFINE_MEMBERS(AcRxEventReactor, AcRxObject)
 ACRX_NO_CONS_DEFINE_MEMBERS(AcEditorReactor, AcRxEventReactor)
 ACRX_NO_CONS_DEFINE_MEMBERS(AcEditor, AcRxObject)
@@ -35,6 +37,7 @@ void registerEditorClasses() {
     AcRxEventReactor::rxInit();
     AcEditorReactor::rxInit();
     AcEditor::rxInit();
+    AcEdJig::rxInit();
     acrxBuildClassHierarchy();
 }
 

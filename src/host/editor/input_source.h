@@ -10,9 +10,16 @@
 #include <vector>
 
 #include "base/export.h"
+#include "host/editor/jig/drag_input.h"
 #include "platform/ge/point3d.h"
 
+namespace sg::ui {
+class ScriptedDialog;
+}
+
 namespace sg {
+
+class SelectionSet;
 
 // What becomes of a request.
 enum class Outcome {
@@ -51,17 +58,43 @@ struct PromptAnswer {
         point,   // a place on the display, in user coordinates
         pick,    // an entity is picked where `text` says, as a point is typed
         entity,  // the entity of a handle
+        set,     // the entities of a selection set
     };
     Kind kind = Kind::text;
     std::wstring text;
     AcGePoint3d point;
     uint64_t handle = 0;
+    bool hasPoint = false;  // an entity's: where it is picked, in user coordinates
+    std::shared_ptr<const SelectionSet> set;
+};
+
+// A step of a drag.
+struct DragAnswer {
+    bool isConfirmed = true;  // otherwise the place is only pointed at, and shown
+    PromptAnswer answer;      // a text or a point
 };
 
 struct BoxRequest {
     std::wstring title;
     std::wstring text;
     unsigned flags = 0;  // of MessageBoxW
+};
+
+// A dialog that is shown.
+struct DialogRequest {
+    ui::ScriptedDialog& dialog;
+    std::function<void(const std::wstring&)> print;  // to standard output
+};
+
+// A file or folder chooser.
+struct FileRequest {
+    enum class Kind { open, save, folder };
+    Kind kind = Kind::open;
+    std::wstring title;
+    std::wstring folder;               // in which it opens; empty: the current folder
+    std::wstring name;                 // what stands in its field at first
+    std::wstring filter;               // of a file: "DWG Files (*.dwg)|*.dwg||"; empty: any file
+    std::vector<std::wstring> recent;  // earlier answers that are offered again, the latest first
 };
 
 // Where answers come from: a script, the words behind a command, a terminal. Every kind of request
@@ -73,7 +106,14 @@ class SG_API InputSource {
     virtual Answer<std::wstring> text(const TextRequest& request);
     // The base version answers with text.
     virtual Answer<PromptAnswer> prompt(const PromptRequest& request);
+    // The base version confirms what prompt() answers.
+    virtual Answer<DragAnswer> drag(const DragRequest& request);
     virtual Answer<int> messageBox(const BoxRequest& request);  // the button's id
+    // Does to the dialog what there is to do; true when that has closed it. A source that leaves it
+    // open leaves it to the next one.
+    virtual bool dialog(const DialogRequest& request);
+    // A path as it was given, which may be relative to the request's folder, and empty.
+    virtual Answer<std::wstring> file(const FileRequest& request);
 };
 
 // Asks its sources in their order until one has an answer. The last one should be an
@@ -81,40 +121,70 @@ class SG_API InputSource {
 class SG_API InputChain {
   public:
     void add(std::shared_ptr<InputSource> source) { sources_.push_back(std::move(source)); }
+    // What is done ahead of each request: a program that waits for input hears its messages.
+    void setBeforeWaiting(std::function<void()> work) { beforeWaiting_ = std::move(work); }
 
     std::optional<std::wstring> text(const TextRequest& request);      // nullopt: cancelled
     std::optional<PromptAnswer> prompt(const PromptRequest& request);  // nullopt: cancelled
+    std::optional<DragAnswer> drag(const DragRequest& request);        // nullopt: cancelled
     int messageBox(const BoxRequest& request);
+    void dialog(const DialogRequest& request);                     // until it is closed
+    std::optional<std::wstring> file(const FileRequest& request);  // nullopt: cancelled
 
   private:
     template <class Value, class Ask>
     Answer<Value> firstAnswer(Ask ask);
 
     std::vector<std::shared_ptr<InputSource>> sources_;
+    std::function<void()> beforeWaiting_;
 };
 
 // The words that remain on a command line answer the prompts of its command.
 class SG_API TypedWords : public InputSource {
   public:
     void set(std::wstring_view line);  // replaces what is left
+    // The same with the lines behind it: the end of a line ends an answer, and where none has begun
+    // it is Enter.
+    void setLines(std::wstring_view text);
     void clear() { rest_.clear(); }
     bool empty() const { return rest_.empty(); }
+    size_t left() const { return rest_.size(); }  // characters that have not answered yet
 
-    // The next word, or all that is left for a whole line.
+    // The next word, or all that is left of a line for a whole line.
     Answer<std::wstring> text(const TextRequest& request) override;
 
   private:
-    std::wstring rest_;  // trimmed
+    void skipBlanks();
+
+    std::wstring rest_;  // without blanks in front
 };
 
-// Stands behind the last source: nobody is there. A prompt is cancelled, a box gets its default
-// button and is reported with its title, its text and the answer.
+// The person at the display, where there is one, closes dialogs and answers the boxes that come up
+// before them.
+class SG_API DisplayInput : public InputSource {
+  public:
+    Answer<int> messageBox(const BoxRequest& request) override;
+    bool dialog(const DialogRequest& request) override;
+
+  private:
+    std::vector<ui::ScriptedDialog*> open_;  // the last one is in front
+};
+
+// The lines that are reported of a box and a chooser that were answered without a person.
+std::wstring boxReport(const BoxRequest& request, int button);
+std::wstring fileReport(const FileRequest& request, const std::wstring& answer);
+
+// Stands behind the last source: nobody is there. A prompt and a dialog are cancelled, a box gets
+// its default button, a chooser is cancelled; all but prompts are reported with title, text and
+// answer.
 class SG_API UnattendedInput : public InputSource {
   public:
     explicit UnattendedInput(std::function<void(const std::wstring&)> report)
         : report_(std::move(report)) {}
     Answer<std::wstring> text(const TextRequest& request) override;
     Answer<int> messageBox(const BoxRequest& request) override;
+    bool dialog(const DialogRequest& request) override;
+    Answer<std::wstring> file(const FileRequest& request) override;
 
   private:
     const std::function<void(const std::wstring&)> report_;

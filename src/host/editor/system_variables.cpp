@@ -139,6 +139,7 @@ SetResult SystemVariables::store(std::wstring_view name, const SystemVariableVal
     if (elsewhere != set.elsewhere_.end() && elsewhere->second.keeper) {
         return elsewhere->second.keeper(*own) ? SetResult::ok : SetResult::outOfRange;
     }
+    if (checked && watch_) watch_(*row, *get(row->name));
     set.values_[row] = std::move(*own);
     return SetResult::ok;
 }

@@ -47,6 +47,11 @@ class SG_API SystemVariables {
     using Keeper = std::function<bool(const SystemVariableValue&)>;
     bool setProvider(std::wstring_view name, Provider value, Keeper keeper = {});
 
+    // Is told of each variable that set() is about to change in this set, or in the application's
+    // through it, with the value before; not of those that a keeper has.
+    using Watch = std::function<void(const SystemVariableRow&, const SystemVariableValue&)>;
+    void watch(Watch watch) { watch_ = std::move(watch); }
+
     // The names of all variables in alphabetical order.
     static std::vector<std::wstring> names();
 
@@ -61,6 +66,7 @@ class SG_API SystemVariables {
         Provider provider;
         Keeper keeper;
     };
+    Watch watch_;
     std::map<const SystemVariableRow*, Elsewhere> elsewhere_;  // whose values are not kept here
 };
 

@@ -1,5 +1,7 @@
 #include "host/editor/terminal_input.h"
 
+#include <algorithm>
+
 #include "base/text.h"
 #include "host/editor/message_buttons.h"
 
@@ -17,6 +19,22 @@ int chosenButton(std::wstring_view typed, unsigned flags) {
         chosen = button.id;
     }
     return chosen;
+}
+
+// The kinds of files that a filter names, without the patterns behind each.
+std::wstring kindsOf(std::wstring_view filter) {
+    std::wstring kinds;
+    bool isKind = true;
+    while (!filter.empty()) {
+        const size_t end = std::min(filter.find(L'|'), filter.size());
+        if (isKind && end > 0) {
+            if (!kinds.empty()) kinds += L", ";
+            kinds += filter.substr(0, end);
+        }
+        isKind = !isKind;
+        filter.remove_prefix(std::min(end + 1, filter.size()));
+    }
+    return kinds;
 }
 
 }  // namespace
@@ -46,6 +64,24 @@ Answer<int> TerminalInput::messageBox(const BoxRequest& request) {
         const int button = chosenButton(trimmed(line.value), request.flags);
         if (button != 0) return Answer<int>::of(button);
     }
+}
+
+Answer<std::wstring> TerminalInput::file(const FileRequest& request) {
+    const bool isFolder = request.kind == FileRequest::Kind::folder;
+    std::wstring shown = L"\n" + request.title + L"\n";
+    if (!request.folder.empty()) shown += L"Folder: " + request.folder + L"\n";
+    if (!request.filter.empty()) shown += kindsOf(request.filter) + L"\n";
+    for (const std::wstring& each : request.recent)
+        shown += L"  " + each + L"\n";
+    print_(shown);
+    const std::wstring byDefault = request.name.empty() ? L"" : L" <" + request.name + L">";
+    Answer<std::wstring> answer =
+        readLine_((isFolder ? L"Folder name" : L"File name") + byDefault + L": ");
+    if (answer.outcome != Outcome::answered) return answer;
+    answer.value = trimmed(answer.value);
+    if (!answer.value.empty()) return answer;
+    if (request.name.empty() && !isFolder) return Answer<std::wstring>::cancel();
+    return Answer<std::wstring>::of(request.name);
 }
 
 }  // namespace sg

@@ -26,6 +26,11 @@ class SG_API TerminalInput : public InputSource {
     // the default button. Asks again until the answer names one button.
     Answer<int> messageBox(const BoxRequest& request) override;
 
+    // Prints title, folder, kinds of files and recent answers, and asks for a name; an empty line
+    // is the name that stands there. A file chooser without such a name is cancelled by an empty
+    // line.
+    Answer<std::wstring> file(const FileRequest& request) override;
+
   private:
     const ReadLine readLine_;
     const Print print_;

@@ -85,8 +85,10 @@ DisplaySettings DisplaySettings::of(const AcDbDatabase& database) {
 // ---- The draw -----------------------------------------------------------------------------------
 
 EntityDraw::EntityDraw(Canvas& canvas, Looks& looks, const DisplaySettings& settings)
-    : traits_(std::make_unique<Traits>(looks)),
-      geometry_(std::make_unique<Geometry>(*this, canvas, settings)) {}
+    : canvas_(canvas),
+      traits_(std::make_unique<Traits>(looks)),
+      geometry_(std::make_unique<Geometry>(*this, canvas, settings)),
+      isDragging_(settings.isDragging) {}
 
 EntityDraw::~EntityDraw() = default;
 

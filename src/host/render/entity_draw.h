@@ -21,6 +21,7 @@ struct DisplaySettings {
     double pointSize = 0;        // PDSIZE
     uint32_t ground = 0xFFFFFF;  // 0xRRGGBB
     double viewHeight = 1;       // of the view, in drawing units: what relative points are sized by
+    bool isDragging = false;     // what is drawn follows the pointer
 
     static SG_API DisplaySettings of(const AcDbDatabase& database);
 };
@@ -40,9 +41,11 @@ class SG_API EntityDraw final : public AcGiWorldDraw {
 
     const Undrawn& undrawn() const;
 
-    AcGiRegenType regenType() const override { return kAcGiStandardDisplay; }
+    AcGiRegenType regenType() const override {
+        return canvas_.hasDepth() ? kAcGiShadedDisplay : kAcGiStandardDisplay;
+    }
     bool regenAbort() const override { return false; }
-    bool isDragging() const override { return false; }
+    bool isDragging() const override { return isDragging_; }
     double deviation(const AcGePoint3d& near) const override;
     AcGiGeometry& geometry() const override;
     AcGiSubEntityTraits& subEntityTraits() const override;
@@ -51,8 +54,10 @@ class SG_API EntityDraw final : public AcGiWorldDraw {
     class Geometry;
     class Traits;
 
+    Canvas& canvas_;
     std::unique_ptr<Traits> traits_;
     std::unique_ptr<Geometry> geometry_;
+    const bool isDragging_;
 };
 
 }  // namespace sg::render

@@ -79,6 +79,11 @@ Document& Host::openDrawing(const std::wstring& path) {
 }
 
 void Host::saveDrawing(Document& document, const std::wstring& path) {
+    saveDrawing(document, path, {});
+}
+
+void Host::saveDrawing(Document& document, const std::wstring& path,
+                       const dxf::WriteOptions& options) {
     if (path.empty() && !document.isTitled()) {
         throw FileError(fmt::format(L"{} has no file yet: name one", document.fileName()));
     }
@@ -101,9 +106,9 @@ void Host::saveDrawing(Document& document, const std::wstring& path) {
     notifyReactors(*this, [&](AcEditorReactor& reactor) {
         reactor.beginSave(document.database(), target.c_str());
     });
-    dxf::WriteOptions options;
-    options.report = [this](const std::wstring& text) { output_->reportError(text); };
-    withFileErrors([&] { dxf::writeFile(*document.database(), target, options); });
+    dxf::WriteOptions reporting = options;
+    reporting.report = [this](const std::wstring& text) { output_->reportError(text); };
+    withFileErrors([&] { dxf::writeFile(*document.database(), target, reporting); });
     if (!isOwn) document.setFile(target, std::move(lock));
     notifyReactors(*this, [&](AcEditorReactor& reactor) {
         reactor.saveComplete(document.database(), target.c_str());

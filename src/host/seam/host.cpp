@@ -16,8 +16,10 @@
 #include "host/editor/documents.h"
 #include "host/editor/editor.h"
 #include "host/editor/input_source.h"
+#include "host/editor/jig/drags.h"
 #include "host/editor/prompts/prompter.h"
 #include "host/editor/selection/selection_sets.h"
+#include "host/editor/status_bar.h"
 #include "host/editor/system_variables.h"
 #include "host/lisp/functions/program_state.h"
 #include "host/lisp/interpreter.h"
@@ -28,12 +30,15 @@
 #include "host/rx/dictionary.h"
 #include "host/rx/module_loader.h"
 #include "host/seam/command_line.h"
+#include "host/seam/command_runner.h"
 #include "host/seam/external_functions.h"
 #include "host/seam/lisp_functions.h"
 #include "host/seam/system_variable_values.h"
 #include "host/system/cryptography.h"
 #include "host/system/date_time.h"
 #include "host/system/folders.h"
+#include "host/system/installation.h"
+#include "host/system/main_window.h"
 #include "host/system/mutexes.h"
 #include "host/system/paths.h"
 #include "host/system/random.h"
@@ -41,9 +46,11 @@
 #include "host/system/registry_handles.h"
 #include "host/system/shell.h"
 #include "host/system/system_libraries.h"
+#include "host/system/timers.h"
 #include "platform/dao/engine.h"
 #include "platform/db/database.h"
 #include "platform/variant/date_text.h"
+#include "platform/win/window.h"
 
 namespace sg {
 namespace {
@@ -115,6 +122,8 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     typedWords_ = std::make_shared<TypedWords>();
     prompts_ = std::make_unique<PromptState>();
     selectionSets_ = std::make_unique<SelectionSets>();
+    drags_ = std::make_unique<Drags>();
+    timers_ = std::make_unique<Timers>();
     setInput({});
     applicationVariables_ = std::make_shared<SystemVariables>();
     registry_ = std::make_unique<RegistryStore>(
@@ -126,6 +135,10 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     for (const std::wstring& folder : options_.supportPath)
         supportPath_->add(folder);
     shell_ = std::make_unique<Shell>();
+    mainWindow_ = std::make_unique<MainWindow>();
+    frame_ = std::make_unique<CMDIFrameWnd>(&mainWindow_->window);
+    statusBar_ = std::make_unique<StatusBar>();
+    output_->setBeforeWrite([this] { statusBar_->hide(); });
     mutexes_ = std::make_unique<NamedMutexes>();
     random_ = std::make_unique<RandomGenerator>();
     sleep = [](uint32_t milliseconds) {
@@ -149,6 +162,7 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     createModuleLoader();
     externals_ = std::make_unique<ExternalFunctions>(*interpreter_, *modules_);
     commandLine_ = std::make_unique<CommandLine>(*this);
+    commands_ = std::make_unique<CommandRunner>(*this);
     provideSystemVariables();
 }
 
@@ -166,6 +180,7 @@ Host::~Host() {
     interpreter_.reset();
     editor_.reset();
     databases_.reset();
+    output_->setBeforeWrite({});
     theHost = nullptr;
 }
 
@@ -193,6 +208,9 @@ void Host::createInterpreter() {
     interpreter_->define(tableFunctions());
     interpreter_->define(selectionFunctions());
     interpreter_->define(promptFunctions());
+    interpreter_->define(inputFunctions());
+    interpreter_->define(commandFunctions());
+    interpreter_->define(dialogSupportFunctions());
 }
 
 void Host::createDocuments() {
@@ -248,6 +266,7 @@ void Host::createModuleLoader() {
     };
     environment.released = [this](const Module& module) {
         externals_->forgetModule(module, documents_->all());
+        timers_->killAllOf(&module);
     };
     modules_ = std::make_unique<ModuleLoader>(std::move(environment));
     for (const auto& [name, entryPoint] : options_.staticModules) {
@@ -257,6 +276,7 @@ void Host::createModuleLoader() {
 
 void Host::start() {
     const Output::LoadingScope scope(*output_);
+    installSections(*registry_);
     if (options_.drawing.empty()) {
         documents_->create();
     } else {
@@ -295,6 +315,7 @@ void Host::provideSystemVariables() {
 
 void Host::setInput(const std::vector<std::shared_ptr<InputSource>>& sources) {
     input_ = std::make_unique<InputChain>();
+    input_->setBeforeWaiting([this] { timers_->runDue(); });
     input_->add(typedWords_);
     for (const auto& source : sources)
         input_->add(source);

@@ -15,6 +15,7 @@
 class AcDbHostApplicationServices;
 class AcEditor;
 class AcRxClassRegistry;
+class CMDIFrameWnd;
 struct AFX_MODULE_STATE;
 
 namespace sg {
@@ -22,17 +23,23 @@ namespace sg {
 namespace lisp {
 class Interpreter;
 }
+namespace dxf {
+struct WriteOptions;
+}
 namespace model {
 class DatabaseTable;
 }
 class CommandLine;
+class CommandRunner;
 class Cryptography;
 class Document;
 class DocumentManager;
+class Drags;
 class Editor;
 class ExternalFunctions;
 class InputChain;
 class InputSource;
+struct MainWindow;
 class ModuleLoader;
 class NamedMutexes;
 class Output;
@@ -42,10 +49,12 @@ class RegistryHandles;
 class RegistryStore;
 class SelectionSets;
 class Shell;
+class StatusBar;
 class SupportPath;
 class SystemLibraries;
 class SystemRegistry;
 class SystemVariables;
+class Timers;
 class TypedWords;
 
 struct HostOptions {
@@ -60,6 +69,7 @@ struct HostOptions {
     std::wstring drawing;      // the drawing that start() opens; empty: a new one
     std::vector<std::wstring> arguments;  // what (host-arguments) answers
     std::wstring registryFile;            // empty: the user's own
+    std::wstring helpFolder;  // the product's documents: guide.md, and the folder functions
     // Take what is printed and reported in place of the process's standard output and standard
     // error, as UTF-8; false when it could not be written. Both or neither.
     std::function<bool(std::string_view bytes)> standardOutput, standardError;
@@ -80,7 +90,8 @@ class SG_API Host {
     static Host& the();
     static bool exists();
 
-    // Opens the first document and loads the modules. A module that does not load is reported, and
+    // Opens the first document and loads the modules; the first time for a user it also makes what
+    // an installer would (host/system/installation.h). A module that does not load is reported, and
     // the host goes on without it. Throws FileError when the drawing cannot be opened.
     void start();
 
@@ -90,6 +101,7 @@ class SG_API Host {
     ModuleLoader& modules() { return *modules_; }
     ExternalFunctions& externals() { return *externals_; }
     CommandLine& commandLine() { return *commandLine_; }
+    CommandRunner& commands() { return *commands_; }
     Editor& editor() { return *editor_; }
     Output& output() { return *output_; }
     RegistryStore& registry() { return *registry_; }
@@ -97,6 +109,9 @@ class SG_API Host {
     SystemLibraries& libraries() { return *libraries_; }
     SupportPath& supportPath() { return *supportPath_; }
     Shell& shell() { return *shell_; }
+    MainWindow& mainWindow() { return *mainWindow_; }
+    CMDIFrameWnd& frame() { return *frame_; }
+    StatusBar& statusBar() { return *statusBar_; }
     NamedMutexes& mutexes() { return *mutexes_; }
     RandomGenerator& random() { return *random_; }
     Cryptography& cryptography() { return *cryptography_; }
@@ -113,6 +128,9 @@ class SG_API Host {
     TypedWords& typedWords() { return *typedWords_; }
     PromptState& prompts() { return *prompts_; }
     SelectionSets& selectionSets() { return *selectionSets_; }
+    Drags& drags() { return *drags_; }
+    // They are called ahead of every request for input.
+    Timers& timers() { return *timers_; }
 
     // The full path of a file that a program names: as it stands, seen from the current folder,
     // else on the support path.
@@ -125,6 +143,8 @@ class SG_API Host {
     // Writes a document's drawing, under its own name or, with a path, under that, which is its
     // name from then on; reactors hear of it. Throws FileError and leaves the file as it was.
     void saveDrawing(Document& document, const std::wstring& path);
+    void saveDrawing(Document& document, const std::wstring& path,
+                     const dxf::WriteOptions& options);
 
     // The system variables as the current document sees them.
     SystemVariables& systemVariables();
@@ -147,12 +167,17 @@ class SG_API Host {
     std::shared_ptr<TypedWords> typedWords_;
     std::unique_ptr<PromptState> prompts_;
     std::unique_ptr<SelectionSets> selectionSets_;
+    std::unique_ptr<Drags> drags_;
+    std::unique_ptr<Timers> timers_;
     std::shared_ptr<SystemVariables> applicationVariables_;
     std::unique_ptr<RegistryStore> registry_;
     std::unique_ptr<RegistryHandles> registryHandles_;
     std::unique_ptr<SystemLibraries> libraries_;
     std::unique_ptr<SupportPath> supportPath_;
     std::unique_ptr<Shell> shell_;
+    std::unique_ptr<MainWindow> mainWindow_;
+    std::unique_ptr<CMDIFrameWnd> frame_;
+    std::unique_ptr<StatusBar> statusBar_;
     std::unique_ptr<NamedMutexes> mutexes_;
     std::unique_ptr<RandomGenerator> random_;
     std::unique_ptr<Cryptography> cryptography_;
@@ -167,6 +192,7 @@ class SG_API Host {
     std::unique_ptr<ModuleLoader> modules_;
     std::unique_ptr<ExternalFunctions> externals_;
     std::unique_ptr<CommandLine> commandLine_;
+    std::unique_ptr<CommandRunner> commands_;
 };
 
 }  // namespace sg

@@ -1,3 +1,5 @@
+#include <sys/random.h>
+
 #include <algorithm>
 
 #include "host/editor/command_line_output.h"
@@ -8,44 +10,31 @@
 #include "host/system/folders.h"
 #include "host/system/mutexes.h"
 #include "host/system/random.h"
-#include "host/system/shell.h"
 #include "platform/win/download.h"
+#include "platform/win/identifiers.h"
 #include "platform/win/message_box.h"
-#include "platform/win/shell.h"
 #include "platform/win/sound.h"
 #include "platform/win/system.h"
-#include "platform/win/window.h"
 
-// platform/win on the Host, which has no windows of its own.
+// platform/win on the Host: boxes, sounds, errors, mutexes, names and numbers.
 
 using sg::Host;
-
-HWND GetActiveWindow() {
-    return nullptr;
-}
-HWND SetActiveWindow(HWND) {
-    return nullptr;
-}
-HWND adsw_acadMainWnd() {
-    return nullptr;
-}
 
 int MessageBoxW(HWND, const wchar_t* text, const wchar_t* title, unsigned flags) {
     return Host::the().input().messageBox(
         {title != nullptr ? title : L"Error", text != nullptr ? text : L"", flags});
 }
 
+int AfxMessageBox(const wchar_t* text, unsigned flags) {
+    constexpr unsigned kIcons = 0xF0;
+    return MessageBoxW(nullptr, text, L"AutoCAD",
+                       (flags & kIcons) == 0 ? flags | MB_ICONWARNING : flags);
+}
+
 // A terminal has one sound for all kinds.
 bool MessageBeep(unsigned) {
     Host::the().output().bell();
     return true;
-}
-
-intptr_t ShellExecuteW(HWND, const wchar_t* operation, const wchar_t* file,
-                       const wchar_t* parameters, const wchar_t* directory, int) {
-    const auto orEmpty = [](const wchar_t* text) { return text != nullptr ? text : L""; };
-    return Host::the().shell().execute(orEmpty(operation), orEmpty(file), orEmpty(parameters),
-                                       orEmpty(directory));
 }
 
 uint32_t GetLastError() {
@@ -78,6 +67,20 @@ bool GetComputerNameW(wchar_t* name, uint32_t* size) {
     std::copy_n(machine.c_str(), length + 1, name);
     *size = length;
     return true;
+}
+
+// A random identifier (RFC 9562, version 4).
+HRESULT CoCreateGuid(GUID* guid) {
+    constexpr auto kFailed = static_cast<HRESULT>(0x80004005);
+    if (guid == nullptr) return kFailed;
+    *guid = {};
+    if (::getrandom(guid, sizeof(*guid), 0) != static_cast<ssize_t>(sizeof(*guid))) {
+        *guid = {};
+        return kFailed;
+    }
+    guid->Data3 = static_cast<uint16_t>((guid->Data3 & 0x0FFF) | 0x4000);
+    guid->Data4[0] = static_cast<uint8_t>((guid->Data4[0] & 0x3F) | 0x80);
+    return S_OK;
 }
 
 int sgRandom() {

@@ -40,6 +40,13 @@ std::wstring belowHome(const wchar_t* name) {
     return joinPath(home(), name);
 }
 
+std::wstring sharedData() {
+    const char* const folders = std::getenv("XDG_DATA_DIRS");
+    const std::wstring all = fromUtf8(folders != nullptr ? folders : "");
+    const std::wstring first = all.substr(0, all.find(L':'));
+    return first.starts_with(L'/') ? absolutePath(first) : L"/usr/local/share";
+}
+
 // A line of user-dirs.dirs: XDG_DESKTOP_DIR="$HOME/Desktop".
 std::wstring userFolder(std::wstring_view key, const wchar_t* otherwise) {
     const std::wstring file = joinPath(knownFolder(KnownFolder::configuration), L"user-dirs.dirs");
@@ -87,12 +94,20 @@ std::wstring knownFolder(KnownFolder folder) {
             return firstOf({"XDG_DATA_HOME"}, belowHome(L".local/share"));
         case KnownFolder::cache:
             return firstOf({"XDG_CACHE_HOME"}, belowHome(L".cache"));
+        case KnownFolder::state:
+            return firstOf({"XDG_STATE_HOME"}, belowHome(L".local/state"));
         case KnownFolder::temporary:
             return firstOf({"TMPDIR", "TMP", "TEMP"}, L"/tmp");
         case KnownFolder::desktop:
             return userFolder(L"XDG_DESKTOP_DIR", L"Desktop");
         case KnownFolder::documents:
             return userFolder(L"XDG_DOCUMENTS_DIR", L"Documents");
+        case KnownFolder::pictures:
+            return userFolder(L"XDG_PICTURES_DIR", L"Pictures");
+        case KnownFolder::publicShare:
+            return userFolder(L"XDG_PUBLICSHARE_DIR", L"Public");
+        case KnownFolder::sharedData:
+            return sharedData();
     }
     return {};
 }

@@ -14,9 +14,13 @@ enum class KnownFolder {
     configuration,  // XDG_CONFIG_HOME, else ~/.config
     data,           // XDG_DATA_HOME, else ~/.local/share
     cache,          // XDG_CACHE_HOME, else ~/.cache
+    state,          // XDG_STATE_HOME, else ~/.local/state
     temporary,      // TMPDIR, TMP or TEMP, else /tmp
-    desktop,        // these two as the user's user-dirs.dirs names them, else ~/Desktop
-    documents,      // and ~/Documents
+    desktop,        // these four as the user's user-dirs.dirs names them, else ~/Desktop,
+    documents,      // ~/Documents,
+    pictures,       // ~/Pictures
+    publicShare,    // and ~/Public
+    sharedData,     // the first of XDG_DATA_DIRS, else /usr/local/share
 };
 
 // The folder's absolute path, with no "/" at its end. It need not exist. Relative paths in the

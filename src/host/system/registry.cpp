@@ -187,10 +187,19 @@ std::optional<std::vector<std::wstring>> RegistryStore::valueNames(std::wstring_
 }
 
 RegistryError RegistryStore::createKey(std::wstring_view key) {
-    if (!RegistryTree::isValidPath(key)) return RegistryError::invalidParameter;
-    if (keyExists(key)) return RegistryError::none;
+    return createKeys({std::wstring(key)});
+}
+
+RegistryError RegistryStore::createKeys(const std::vector<std::wstring>& keys) {
+    if (!std::all_of(keys.begin(), keys.end(), RegistryTree::isValidPath)) {
+        return RegistryError::invalidParameter;
+    }
+    if (std::all_of(keys.begin(), keys.end(), [&](const auto& key) { return keyExists(key); })) {
+        return RegistryError::none;
+    }
     return change([&](RegistryTree& tree) {
-        tree.create(key);
+        for (const std::wstring& key : keys)
+            tree.create(key);
         return RegistryError::none;
     });
 }

@@ -49,6 +49,8 @@ class SG_API RegistryStore {
 
     // Makes the key and those above it; one that exists is a success.
     RegistryError createKey(std::wstring_view key);
+    // The same for several keys in one change.
+    RegistryError createKeys(const std::vector<std::wstring>& keys);
     // Sets a value of a key that exists; with `create` the key is made first.
     RegistryError write(std::wstring_view key, std::wstring_view name, RegistryData data,
                         bool create = false);

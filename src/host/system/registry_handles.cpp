@@ -74,6 +74,17 @@ uint32_t RegistryHandles::set(HKEY key, std::wstring_view name, uint32_t type,
     return static_cast<uint32_t>(store_.write(open->path, name, registryDataOf(type, bytes)));
 }
 
+uint32_t RegistryHandles::subkey(HKEY key, size_t index, std::wstring& name) {
+    const SgOpenKey* const open = find(key);
+    if (open == nullptr) return ERROR_INVALID_HANDLE;
+    if ((open->access & KEY_ENUMERATE_SUB_KEYS) == 0) return ERROR_ACCESS_DENIED;
+    const auto names = store_.subkeys(open->path);
+    if (!names) return ERROR_FILE_NOT_FOUND;
+    if (index >= names->size()) return ERROR_NO_MORE_ITEMS;
+    name = (*names)[index];
+    return ERROR_SUCCESS;
+}
+
 uint32_t RegistryHandles::close(HKEY key) {
     if (rootOf(key) != nullptr) return ERROR_SUCCESS;
     const size_t before = keys_.size();

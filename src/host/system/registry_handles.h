@@ -30,6 +30,8 @@ class SG_API RegistryHandles {
     uint32_t open(HKEY parent, std::wstring_view subkey, uint32_t access, HKEY& key);
     uint32_t query(HKEY key, std::wstring_view name, uint32_t* type, uint8_t* data, uint32_t* size);
     uint32_t set(HKEY key, std::wstring_view name, uint32_t type, std::vector<uint8_t> bytes);
+    // The name of the `index`-th subkey.
+    uint32_t subkey(HKEY key, size_t index, std::wstring& name);
     uint32_t close(HKEY key);
 
     size_t openKeys() const { return keys_.size(); }

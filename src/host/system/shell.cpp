@@ -141,6 +141,23 @@ int spawn(const std::vector<std::string>& words, std::wstring_view directory, pi
     return error;
 }
 
+// The address of a file, as the desktop's programs exchange them (RFC 3986, RFC 8089).
+std::wstring fileAddress(const std::wstring& path) {
+    constexpr std::string_view kPlain =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    std::string address = "file://";
+    for (const char c : toUtf8(path)) {
+        if (kPlain.find(c) != std::string_view::npos) {
+            address += c;
+        } else {
+            const auto byte = static_cast<unsigned char>(c);
+            address += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+        }
+    }
+    return fromUtf8(address);
+}
+
 std::wstring substitute() {
     return environmentVariable(L"SWIFTGATE_SHELL").value_or(L"");
 }
@@ -170,8 +187,9 @@ intptr_t Shell::run(Verb verb, const std::vector<std::wstring>& command,
                     std::wstring_view directory) {
     reap();
     const std::wstring inPlace = substitute();
+    constexpr const char* kNames[] = {"open", "select", "start"};
     std::vector<std::string> words;
-    if (!inPlace.empty()) words = {toUtf8(inPlace), verb == Verb::open ? "open" : "start"};
+    if (!inPlace.empty()) words = {toUtf8(inPlace), kNames[static_cast<size_t>(verb)]};
     const size_t skipped = !inPlace.empty() && verb == Verb::open ? 1 : 0;  // the opener itself
     for (size_t i = skipped; i < command.size(); ++i)
         words.push_back(toUtf8(command[i]));
@@ -182,7 +200,7 @@ intptr_t Shell::run(Verb verb, const std::vector<std::wstring>& command,
         const intptr_t status = exitStatus(child, -1).value_or(0);
         return status == 0 ? intptr_t{kStarted} : status;
     }
-    if (verb == Verb::open) {
+    if (verb != Verb::start) {
         if (const auto status = exitStatus(child, kPatienceMilliseconds)) {
             // xdg-open's own numbers: 2 is a missing file, the others a missing or failing program.
             return *status == 0 ? kStarted : *status == 2 ? kFileNotFound : kNoProgram;
@@ -216,6 +234,32 @@ intptr_t Shell::execute(std::wstring_view operation, std::wstring_view file,
     // Some file systems call every file executable; what the system cannot run is a document.
     const intptr_t answer = startProgram(path, words(parameters), directory);
     return answer == kNoProgram ? open(path) : answer;
+}
+
+intptr_t Shell::select(const std::wstring& folder, const std::vector<std::wstring>& files) {
+    if (files.empty()) return open(folder);
+    if (!substitute().empty()) {
+        std::vector<std::wstring> command = {folder};
+        command.insert(command.end(), files.begin(), files.end());
+        return run(Verb::select, command, {});
+    }
+    if (const std::wstring sender = findProgram(L"dbus-send"); !sender.empty()) {
+        std::wstring items = L"array:string:";
+        for (const std::wstring& file : files)
+            items += (&file == &files.front() ? L"" : L",") + fileAddress(file);
+        const std::vector<std::wstring> message = {sender,
+                                                   L"--session",
+                                                   L"--print-reply",
+                                                   L"--dest=org.freedesktop.FileManager1",
+                                                   L"/org/freedesktop/FileManager1",
+                                                   L"org.freedesktop.FileManager1.ShowItems",
+                                                   items,
+                                                   L"string:"};
+        if (const intptr_t answer = run(Verb::select, message, {}); answer == kStarted) {
+            return answer;
+        }
+    }
+    return open(folder);
 }
 
 intptr_t Shell::start(std::wstring_view command, std::wstring_view argument) {

@@ -15,8 +15,9 @@ namespace sg {
 // no terminal, and is not waited for beyond a second, in which an opener tells that it failed.
 //
 // When the environment variable SWIFTGATE_SHELL names a program, that one is run in place of each,
-// and waited for: with "open" and the file or address, or with "start", the program (which need not
-// be there) and its arguments. Its exit status is the answer, 0 standing for success.
+// and waited for: with "open" and the file or address, with "select", the folder and the files, or
+// with "start", the program (which need not be there) and its arguments. Its exit status is the
+// answer, 0 standing for success.
 class SG_API Shell {
   public:
     // The answers of ShellExecuteW that are used; above 32 is a success.
@@ -46,6 +47,10 @@ class SG_API Shell {
     // "explorer.exe /select,PATH" opens the folder that PATH is in, "explorer.exe PATH" the folder.
     intptr_t start(std::wstring_view command, std::wstring_view argument);
 
+    // Shows a folder in the file manager with files selected, each an absolute path; without files,
+    // or where the file manager cannot select, the folder alone.
+    intptr_t select(const std::wstring& folder, const std::vector<std::wstring>& files);
+
     // Takes note of what has ended by itself. The other operations do so too.
     void reap();
 
@@ -53,7 +58,7 @@ class SG_API Shell {
     static std::vector<std::wstring> words(std::wstring_view commandLine);
 
   private:
-    enum class Verb { open, start };
+    enum class Verb { open, select, start };
 
     intptr_t open(const std::wstring& target);
     intptr_t startProgram(std::wstring_view program, std::vector<std::wstring> arguments,

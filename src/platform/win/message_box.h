@@ -33,3 +33,6 @@ enum : int {
 // Shows a box and answers the button that was pressed. Where nobody can answer, the default button
 // is, and the box is reported on standard error.
 SG_API int MessageBoxW(HWND owner, const wchar_t* text, const wchar_t* title, unsigned flags);
+
+// A box of the program itself, with a warning sign unless the flags have another one.
+SG_API int AfxMessageBox(const wchar_t* text, unsigned flags = MB_OK);

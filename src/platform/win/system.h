@@ -21,6 +21,7 @@ enum : uint32_t {
     ERROR_BUFFER_OVERFLOW = 111,
     ERROR_ALREADY_EXISTS = 183,
     ERROR_MORE_DATA = 234,
+    ERROR_NO_MORE_ITEMS = 259,
 };
 
 // A named mutex; a second one of the same name is the same mutex, and sets ERROR_ALREADY_EXISTS.

@@ -61,14 +61,19 @@ Keywords::Keywords(std::wstring_view text) {
         global_.push_back(all_[i]);
 }
 
-std::optional<std::wstring> Keywords::find(std::wstring_view typed) const {
+std::optional<size_t> Keywords::findPlace(std::wstring_view typed) const {
     const bool onlyGlobal = typed.starts_with(L'_') && typed.size() > 1;
     if (onlyGlobal) typed.remove_prefix(1);
     if (typed.empty()) return std::nullopt;
     for (size_t i = 0; i < all_.size(); ++i) {
-        if ((onlyGlobal ? global_ : all_)[i].matches(typed)) return global_[i].whole;
+        if ((onlyGlobal ? global_ : all_)[i].matches(typed)) return i;
     }
     return std::nullopt;
+}
+
+std::optional<std::wstring> Keywords::find(std::wstring_view typed) const {
+    const std::optional<size_t> place = findPlace(typed);
+    return place ? std::optional(global_[*place].whole) : std::nullopt;
 }
 
 std::wstring Keywords::shown() const {

@@ -22,6 +22,9 @@ class SG_API Keywords {
     // The keyword that `typed` stands for, in the language of programs; nullopt for none. Case does
     // not count; with "_" in front only the program's words are looked at.
     std::optional<std::wstring> find(std::wstring_view typed) const;
+    // Its place among the keywords, from 0.
+    std::optional<size_t> findPlace(std::wstring_view typed) const;
+    size_t size() const { return all_.size(); }
     // "Corner/Middle"
     std::wstring shown() const;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -79,11 +80,12 @@ class SG_API Prompter {
     // What a selection takes next: an entity, a place or a word.
     // A place without an entity counts as a miss for "ERRNO".
     struct Pick {
-        AcDbObjectId id;       // where one was picked
-        AcGePoint3d at;        // where
-        bool isNamed = false;  // by its handle, not by its place
-        bool isPoint = false;  // a place with nothing at it
-        std::wstring word;     // that is no keyword
+        AcDbObjectId id;                          // where one was picked
+        AcGePoint3d at;                           // where
+        bool isNamed = false;                     // by its handle, not by its place
+        bool isPoint = false;                     // a place with nothing at it
+        std::wstring word;                        // that is no keyword
+        std::shared_ptr<const SelectionSet> set;  // a whole set in place of one entity
     };
     // Enter is null. A keyword without a word in `pick` is one of `keywords`.
     PromptResult pick(const std::wstring& prompt, const Keywords& keywords, Pick& pick);
@@ -92,22 +94,26 @@ class SG_API Prompter {
     // Half of the side of the square that picking looks at, in drawing units.
     double pickReach() const;
 
-  private:
-    enum class Parsed { done, wrong, cancelled };
+    // --- Parts of a prompt, for what asks in a way of its own.
 
-    PromptResult finish(PromptResult result);
-    void tell(const std::wstring& message);
-    int number(const wchar_t* variable) const;
+    PromptResult finish(PromptResult result);  // sets "ERRNO"
+    void tell(const std::wstring& message);    // on a line of its own
+    // False when the answer is no point.
+    bool pointOf(const PromptAnswer& answer, AcGePoint3d& point);
     TypedContext context() const;
     AcGePoint3d lastPoint() const;
     void setLastPoint(const AcGePoint3d& point);
+    int number(const wchar_t* variable) const;  // of a system variable that is an integer
+
+  private:
+    enum class Parsed { done, wrong, cancelled };
 
     template <class Take>
     PromptResult ask(PromptRequest request, const Allowed& allowed, const wchar_t* complaint,
                      const Take& take);
-    bool pointOf(const PromptAnswer& answer, AcGePoint3d& point);
     std::optional<AcGePoint3d> snapped(const std::wstring& modes, bool& isSnap);
     bool fits(double value, const Allowed& allowed);
+    bool isWithinLimits(const AcGePoint3d& point) const;
     AcDbObjectId entityOf(const PromptAnswer& answer, AcGePoint3d& at);
     PromptResult askPoint(const std::wstring& prompt, const Point& base, bool isCorner,
                           const Allowed& allowed, AcGePoint3d& result);

@@ -348,12 +348,24 @@ Ids DrawingSelection::withGroups(AcDbObjectId id) {
     return ids;
 }
 
-Ids DrawingSelection::previous() const {
+namespace {
+
+Ids withoutErased(const Ids& all) {
     Ids ids;
-    for (const AcDbObjectId id : previous_) {
+    for (const AcDbObjectId id : all) {
         if (!id.isErased()) ids.push_back(id);
     }
     return ids;
+}
+
+}  // namespace
+
+Ids DrawingSelection::previous() const {
+    return withoutErased(previous_);
+}
+
+Ids DrawingSelection::implied() const {
+    return withoutErased(implied_);
 }
 
 bool DrawingSelection::nestedAt(AcDbObjectId reference, const AcGePoint3d& point, double half,

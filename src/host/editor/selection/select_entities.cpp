@@ -107,7 +107,7 @@ DrawingSelection::Ids EntitySelector::kept(const Request& request, const Ids& fo
     Ids ids;
     for (const AcDbObjectId id : found) {
         const auto* const entity = model::peek<AcDbEntity>(id);
-        if (entity == nullptr) continue;
+        if (entity == nullptr || entity->isErased()) continue;
         if (request.mode.unlockedOnly && DrawingSelection::isOnLockedLayer(id)) continue;
         if (filter_.isEmpty() || filter_.takes(*entity)) ids.push_back(id);
     }
@@ -116,11 +116,23 @@ DrawingSelection::Ids EntitySelector::kept(const Request& request, const Ids& fo
 
 SelectionOutcome EntitySelector::select(const Request& request, SelectionSet& set) {
     const bool asks = request.mode.method.empty() && request.points.empty();
-    const SelectionOutcome outcome = asks ? ask(request, set) : selectDirectly(request, set);
+    const SelectionOutcome outcome = !asks                       ? selectDirectly(request, set)
+                                     : takeImplied(request, set) ? SelectionOutcome::found
+                                                                 : ask(request, set);
     if (outcome != SelectionOutcome::found && outcome != SelectionOutcome::nothing) return outcome;
     if (set.size() == 0) return SelectionOutcome::nothing;
     if (request.mode.method != L"X") place_.selection.setPrevious(set.ids());
     return SelectionOutcome::found;
+}
+
+bool EntitySelector::takeImplied(const Request& request, SelectionSet& set) {
+    const auto picksFirst = place_.variables.get(L"PICKFIRST");
+    const auto* const number = picksFirst ? std::get_if<int16_t>(&*picksFirst) : nullptr;
+    const Ids ids = place_.selection.implied();
+    if (ids.empty() || (number != nullptr && *number == 0)) return false;
+    place_.selection.setImplied({});
+    change(request, ids, {}, set, true);
+    return true;
 }
 
 // ---- Without asking -----------------------------------------------------------------------------
@@ -160,7 +172,9 @@ SelectionOutcome EntitySelector::selectDirectly(const Request& request, Selectio
         found = selection.all();
     } else if (method == L"G") {
         selection.group(request.group, found);
-    } else if (method != L"I") {
+    } else if (method == L"I") {
+        found = selection.implied();
+    } else {
         return SelectionOutcome::malformed;
     }
     set.add(kept(request, found), std::move(how));
@@ -203,6 +217,10 @@ EntitySelector::Step EntitySelector::askOnce(const Request& request, SelectionSe
         default:
             return Step::cancelled;
     }
+    if (pick.set != nullptr) {
+        takeSet(request, *pick.set, set, adding);
+        return Step::next;
+    }
     if (pick.isPoint) {
         const bool isWindow = !request.mode.onlyPoints;
         return isWindow ? windowFrom(request, pick.at, set, adding) : Step::next;
@@ -230,9 +248,36 @@ void EntitySelector::change(const Request& request, const Ids& found, SelectedBy
         for (const AcDbObjectId id : ids)
             changed += set.remove(id) ? 1 : 0;
     }
-    std::wstring text = std::to_wstring(ids.size()) + L" found";
+    tell(ids.size(), changed, before, set, adding);
+}
+
+// What another set holds, each found as it was found there.
+void EntitySelector::takeSet(const Request& request, const SelectionSet& given, SelectionSet& set,
+                             bool adding) {
+    const size_t before = set.size();
+    size_t found = 0, changed = 0;
+    for (size_t at = 0; at < given.size();) {
+        const size_t method = given.methodAt(at);
+        Ids ids;
+        for (; at < given.size() && given.methodAt(at) == method; ++at)
+            ids.push_back(given.at(at));
+        ids = kept(request, ids);
+        found += ids.size();
+        if (adding) {
+            changed += set.add(ids, given.methods()[method]);
+        } else {
+            for (const AcDbObjectId id : ids)
+                changed += set.remove(id) ? 1 : 0;
+        }
+    }
+    tell(found, changed, before, set, adding);
+}
+
+void EntitySelector::tell(size_t found, size_t changed, size_t before, const SelectionSet& set,
+                          bool adding) {
+    std::wstring text = std::to_wstring(found) + L" found";
     if (!adding) text += L", " + std::to_wstring(changed) + L" removed";
-    const size_t again = adding ? ids.size() - changed : 0;
+    const size_t again = adding ? found - changed : 0;
     if (again > 0) text += L" (" + std::to_wstring(again) + L" duplicate)";
     if (before > 0) text += L", " + std::to_wstring(set.size()) + L" total";
     place_.output.print(text + L"\n");

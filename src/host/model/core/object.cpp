@@ -191,7 +191,7 @@ Acad::ErrorStatus AcDbObject::cancel() {
     DatabaseState* const state = DatabaseState::of(*this);
     const bool isNew = (flags_ & kNew) != 0;
     if (state != nullptr && !isNew) {
-        if ((flags_ & kRecorded) != 0) state->undo.cancelSession(*this);
+        if ((flags_ & kCancelable) != 0) state->undo.cancelSession(*this);
         if ((flags_ & kEraseToggled) != 0) state->setErased(*this, !isErased());
     }
     endWriting(*this);

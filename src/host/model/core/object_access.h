@@ -5,6 +5,7 @@
 #include "host/model/core/database_table.h"
 #include "host/model/core/extras.h"
 #include "platform/db/block_table.h"
+#include "platform/db/dictionary.h"
 #include "platform/db/entity.h"
 #include "platform/db/object.h"
 #include "platform/db/symbol_table.h"
@@ -94,6 +95,16 @@ struct SG_API ObjectAccess {
     static std::vector<AcDbObjectId> partsOf(const AcDbEntity& whole);
     using TableRecords = AcDbSymbolTable::Records;
     static TableRecords& records(const AcDbSymbolTable& table) { return *table.records_; }
+    // An entry of a dictionary: its name as it is written there, its object (null: there is no
+    // such entry), and its place in the order of the entries.
+    struct DictionaryEntry {
+        std::wstring name;
+        AcDbObjectId id;
+        uint64_t order = 0;
+    };
+    static DictionaryEntry entry(const AcDbDictionary& dictionary, const std::wstring& name);
+    // Makes the entry what it was, without keeping anything for undo.
+    static void setEntry(AcDbDictionary& dictionary, const DictionaryEntry& entry);
     // Without asking whether the name will do; the record's table finds it under the new name.
     static void setName(AcDbSymbolTableRecord& record, std::wstring name);
     static bool mayBeNameless(const AcDbSymbolTableRecord& record) {

@@ -57,6 +57,17 @@ void UndoLog::newStep(const Entry& entry) {
     steps_.entries.push_back(entry);
 }
 
+bool UndoLog::isKept(AcDbObjectId id) const {
+    const size_t index = indexOf(id);
+    return index < kept_.size() && kept_[index] == span_;
+}
+
+void UndoLog::setKept(AcDbObjectId id) {
+    const size_t index = indexOf(id);
+    if (index >= kept_.size()) kept_.resize(std::max<size_t>(index + 1, 2 * kept_.size()));
+    kept_[index] = span_;
+}
+
 // True for the first record of an open.
 bool UndoLog::beginSession(AcDbObject& object) {
     const bool isFirst = !ObjectAccess::has(object, ObjectAccess::kCancelable);
@@ -78,17 +89,32 @@ void UndoLog::pushState(Steps& steps, AcDbObject& object, Kind kind, uint64_t pa
     object.dwgOutFields(&writer);
 }
 
+void UndoLog::pushEntry(Steps& steps, AcDbDictionary& dictionary, const std::wstring& name,
+                        uint64_t flags) {
+    steps.entries.push_back({dictionary.objectId(), flags, steps.bytes.size(), Kind::entry});
+    const ObjectAccess::DictionaryEntry entry = ObjectAccess::entry(dictionary, name);
+    MemoryWriter writer(steps.bytes, AcDb::kUndoFiler, &state_.database);
+    writer.writeInt64(static_cast<int64_t>(entry.id.asOldId()));
+    writer.writeInt64(static_cast<int64_t>(entry.order));
+    writer.writeString(entry.name);
+}
+
 void UndoLog::stateChanges(AcDbObject& object) {
     state_.tellChange(object.objectId());
     if (ObjectAccess::has(object, ObjectAccess::kRecorded | ObjectAccess::kUndoing)) return;
-    const bool isFirst = beginSession(object);
+    uint64_t flags = beginSession(object) ? kFirst : 0;
+    if (isKeeping()) {
+        if (isKept(object.objectId())) flags |= kForSession;
+        setKept(object.objectId());
+    }
     forgetRedo();
-    pushState(steps_, object, Kind::state, isFirst);
+    pushState(steps_, object, Kind::state, flags);
 }
 
 void UndoLog::objectAppended(AcDbObject& object) {
     state_.tellChange(object.objectId());
     beginSession(object);
+    if (isKeeping()) setKept(object.objectId());
     newStep({object.objectId(), 0, 0, Kind::appended});
 }
 
@@ -114,23 +140,52 @@ void UndoLog::objectReplaced(AcDbObject& object) {
     pushState(steps_, object, Kind::replaced, payloadOf(object.isA()));
 }
 
+void UndoLog::entryChanges(AcDbDictionary& dictionary, const std::wstring& name) {
+    state_.tellChange(dictionary.objectId());
+    constexpr uint16_t kCovered = ObjectAccess::kRecorded | ObjectAccess::kUndoing;
+    if (ObjectAccess::has(dictionary, kCovered)) return;
+    const bool isFirst = !ObjectAccess::has(dictionary, ObjectAccess::kCancelable);
+    ObjectAccess::flags(dictionary) |= ObjectAccess::kCancelable;
+    if (isFirst) ++sessions_;
+    forgetRedo();
+    pushEntry(steps_, dictionary, name, isFirst ? kFirst : 0);
+}
+
 void UndoLog::headerChanges() {
-    if (!isKeeping()) return;
+    if (!isKeeping() || headerKept_ == span_) return;
+    headerKept_ = span_;
     newStep({{}, payloadOf(new HeaderVariables(state_.header())), 0, Kind::header});
+}
+
+void UndoLog::outsideChanges(std::unique_ptr<OutsideChange> change) {
+    if (isKeeping()) newStep({{}, payloadOf(change.release()), 0, Kind::outside});
 }
 
 void UndoLog::sessionEnded(AcDbObject& object) {
     endSession(object);
+    if (!steps_.entries.empty()) {
+        const Entry last = steps_.entries.back();
+        if (last.id == object.objectId() && last.kind == Kind::state &&
+            (last.payload & kForSession) != 0) {
+            steps_.bytes.resize(last.offset);
+            steps_.entries.pop_back();
+        }
+    }
     if (sessions_ == 0 && !isKeeping()) dispose(steps_, 0);
 }
 
 void UndoLog::cancelSession(AcDbObject& object) {
     for (size_t at = steps_.entries.size(); at-- > 0;) {
-        const Entry& entry = steps_.entries[at];
-        if (entry.id != object.objectId() || entry.kind != Kind::state) continue;
-        if (entry.payload == 0) continue;  // recorded again within the session
-        restore(object, bytesOf(steps_, entry));
-        return;
+        Entry& entry = steps_.entries[at];
+        if (entry.id != object.objectId()) continue;
+        if (entry.kind == Kind::entry) {
+            restoreEntry(*AcDbDictionary::cast(&object), bytesOf(steps_, entry), nullptr);
+            entry.id.setNull();
+            if ((entry.payload & kFirst) != 0) return;
+        } else if (entry.kind == Kind::state && (entry.payload & kFirst) != 0) {
+            restore(object, bytesOf(steps_, entry));
+            return;
+        }
     }
 }
 
@@ -148,6 +203,7 @@ void UndoLog::recordAnew() {
 
 void UndoLog::beginScope() {
     recordAnew();
+    ++span_;
     scopes_.push_back(steps_.entries.size());
 }
 
@@ -158,19 +214,58 @@ void UndoLog::endScope() {
 
 void UndoLog::abortScope() {
     takeBack(steps_, scopes_.back(), nullptr);
+    ++span_;
     endScope();
 }
 
 void UndoLog::startUndoRecord() {
     if (disabled_) return;
     recordAnew();
+    ++span_;
     marks_.push_back(steps_.entries.size());
+}
+
+bool UndoLog::dropEmptyRecord() {
+    if (marks_.empty() || marks_.back() < steps_.entries.size()) return false;
+    marks_.pop_back();
+    return true;
+}
+
+void UndoLog::keepMarks(size_t count) {
+    if (count < marks_.size()) marks_.resize(count);
+}
+
+void UndoLog::forgetBefore(size_t mark) {
+    if (mark >= marks_.size() || !scopes_.empty() || sessions_ != 0) return;
+    const size_t first = marks_[mark];
+    const auto entries = steps_.entries.begin();
+    const auto kept = entries + static_cast<std::ptrdiff_t>(first);
+    std::for_each(entries, kept, [this](const Entry& entry) { release(entry); });
+    const auto withBytes = std::find_if(kept, steps_.entries.end(), hasBytes);
+    const size_t bytes =
+        withBytes == steps_.entries.end() ? steps_.bytes.size() : withBytes->offset;
+    steps_.entries.erase(entries, kept);
+    steps_.bytes.erase(steps_.bytes.begin(),
+                       steps_.bytes.begin() + static_cast<std::ptrdiff_t>(bytes));
+    for (Entry& entry : steps_.entries) {
+        if (hasBytes(entry)) entry.offset -= bytes;
+    }
+    marks_.erase(marks_.begin(), marks_.begin() + static_cast<std::ptrdiff_t>(mark));
+    for (size_t& each : marks_)
+        each -= first;
+    closed_ -= std::min(closed_, first);
+    ++span_;
+}
+
+size_t UndoLog::byteCount() const {
+    return steps_.bytes.size() + steps_.entries.size() * sizeof(Entry);
 }
 
 bool UndoLog::undo() {
     if (marks_.empty() || !scopes_.empty()) return false;
     Steps inverse;
     takeBack(steps_, marks_.back(), &inverse);
+    ++span_;
     marks_.pop_back();
     redo_.push_back(std::move(inverse));
     return true;
@@ -182,6 +277,7 @@ bool UndoLog::redo() {
     redo_.pop_back();
     marks_.push_back(steps_.entries.size());
     takeBack(again, 0, &steps_);
+    ++span_;
     return true;
 }
 
@@ -206,6 +302,21 @@ void UndoLog::restore(AcDbObject& object, std::span<const uint8_t> bytes) {
     object.dwgInFields(&reader);
 }
 
+void UndoLog::restoreEntry(AcDbDictionary& dictionary, std::span<const uint8_t> bytes,
+                           Steps* inverse) {
+    state_.tellChange(dictionary.objectId());
+    ObjectAccess::DictionaryEntry entry;
+    int64_t id = 0, order = 0;
+    MemoryReader reader(bytes, AcDb::kUndoFiler, &state_.database);
+    reader.readInt64(&id);
+    reader.readInt64(&order);
+    reader.readString(entry.name);
+    entry.id = AcDbObjectId(static_cast<uint64_t>(id));
+    entry.order = static_cast<uint64_t>(order);
+    if (inverse != nullptr) pushEntry(*inverse, dictionary, entry.name, 0);
+    ObjectAccess::setEntry(dictionary, entry);
+}
+
 // Takes back the steps from `position` on, the last one first. What would take each one back again
 // goes to `inverse`; without it what was new is gone for good.
 void UndoLog::takeBack(Steps& steps, size_t position, Steps* inverse) {
@@ -213,9 +324,7 @@ void UndoLog::takeBack(Steps& steps, size_t position, Steps* inverse) {
         const Entry entry = steps.entries.back();
         steps.entries.pop_back();
         apply(steps, entry, inverse);
-        if (entry.kind == Kind::state || entry.kind == Kind::replaced) {
-            steps.bytes.resize(entry.offset);
-        }
+        if (hasBytes(entry)) steps.bytes.resize(entry.offset);
     }
     closed_ = std::min(closed_, steps_.entries.size());
 }
@@ -237,8 +346,19 @@ void UndoLog::apply(Steps& steps, const Entry& entry, Steps* inverse) {
             restore(*object, bytesOf(steps, entry));
             // Its next change is recorded again, by the scope around the one that is taken back.
             ObjectAccess::clear(*object, ObjectAccess::kRecorded);
-            if (entry.payload != 0) endSession(*object);
+            if ((entry.payload & kFirst) != 0) endSession(*object);
             break;
+        case Kind::entry:
+            if (object == nullptr) break;
+            restoreEntry(*AcDbDictionary::cast(object), bytesOf(steps, entry), inverse);
+            if ((entry.payload & kFirst) != 0) endSession(*object);
+            break;
+        case Kind::outside: {
+            const std::unique_ptr<OutsideChange> change(pointerOf<OutsideChange>(entry.payload));
+            std::unique_ptr<OutsideChange> again = change->takeBack();
+            if (inverse != nullptr) keep(Kind::outside, payloadOf(again.release()));
+            break;
+        }
         case Kind::appended:
             if (object == nullptr) break;
             record->object = nullptr;
@@ -298,15 +418,23 @@ void UndoLog::putBackClass(Steps& steps, const Entry& entry, Steps* inverse) {
 
 // ---- Forgetting ---------------------------------------------------------------------------------
 
-void UndoLog::dispose(Steps& steps, size_t from) {
-    for (size_t at = from; at < steps.entries.size(); ++at) {
-        const Entry& entry = steps.entries[at];
-        if (entry.kind == Kind::taken) {
-            state_.discard(pointerOf<AcDbObject>(entry.payload));
-        } else if (entry.kind == Kind::header) {
-            delete pointerOf<HeaderVariables>(entry.payload);
-        }
+bool UndoLog::hasBytes(const Entry& entry) {
+    return entry.kind == Kind::state || entry.kind == Kind::replaced || entry.kind == Kind::entry;
+}
+
+void UndoLog::release(const Entry& entry) {
+    if (entry.kind == Kind::taken) {
+        state_.discard(pointerOf<AcDbObject>(entry.payload));
+    } else if (entry.kind == Kind::header) {
+        delete pointerOf<HeaderVariables>(entry.payload);
+    } else if (entry.kind == Kind::outside) {
+        delete pointerOf<OutsideChange>(entry.payload);
     }
+}
+
+void UndoLog::dispose(Steps& steps, size_t from) {
+    for (size_t at = from; at < steps.entries.size(); ++at)
+        release(steps.entries[at]);
     if (from < steps.entries.size() && from == 0) steps.bytes.clear();
     steps.entries.resize(from);
     closed_ = std::min(closed_, steps_.entries.size());
@@ -314,10 +442,9 @@ void UndoLog::dispose(Steps& steps, size_t from) {
 
 void UndoLog::forgetStates(AcDbObjectId id) {
     forgetRedo();
+    ++span_;
     for (Entry& entry : steps_.entries) {
-        if (entry.id == id && (entry.kind == Kind::state || entry.kind == Kind::replaced)) {
-            entry.id.setNull();
-        }
+        if (entry.id == id && hasBytes(entry)) entry.id.setNull();
     }
 }
 

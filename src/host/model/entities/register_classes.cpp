@@ -8,6 +8,7 @@
 #include "platform/db/annotative.h"
 #include "platform/db/attribute.h"
 #include "platform/db/block_reference.h"
+#include "platform/db/exact_shape.h"
 #include "platform/db/face.h"
 #include "platform/db/leader.h"
 #include "platform/db/mtext.h"
@@ -32,7 +33,7 @@ void registerEntityClasses() {
                 AcDbRadialDimension, AcDbDiametricDimension, AcDbOrdinateDimension>();
     registerAll<AcDbRasterImage, AcDbWipeout, AcDbRasterImageDef, AcDbRasterImageDefReactor,
                 AcDbRasterVariables, AcDbWipeoutVariables, AcDbOle2Frame, AcDbOleFrame>();
-    AcDbAnnotativeObjectPE::rxInit();
+    registerAll<AcDbAnnotativeObjectPE, sgExactShapePE>();
 }
 
 }  // namespace sg::model

@@ -4,11 +4,15 @@
 #include <unordered_map>
 
 #include "base/text.h"
+#include "host/model/core/database_state.h"
 #include "host/model/core/dwg_form.h"
+#include "host/model/core/object_access.h"
 #include "host/model/tables/filing.h"
 #include "platform/db/database.h"
 
+using sg::model::DatabaseState;
 using sg::model::FieldReader;
+using sg::model::ObjectAccess;
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbDictionary, AcDbObject, 0, 0, L"DICTIONARY", nullptr)
 
@@ -17,12 +21,14 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbDictionary, AcDbObject, 0, 0, L"DICTIONARY", nullptr
 struct AcDbDictionary::Entries {
     struct Entry {
         std::wstring name;
-        AcDbObjectId id;  // null where the entry is gone
+        AcDbObjectId id;     // null where the entry is gone
+        uint64_t order = 0;  // rises from entry to entry
     };
 
     std::vector<Entry> list;
     std::unordered_map<std::wstring, size_t> places;  // by the folded name
     size_t gone = 0;
+    uint64_t nextOrder = 0;
 
     const Entry* find(std::wstring_view name) const {
         const auto found = places.find(sg::upperCased(name));
@@ -32,9 +38,30 @@ struct AcDbDictionary::Entries {
     void set(std::wstring_view name, AcDbObjectId id) {
         const auto [place, added] = places.try_emplace(sg::upperCased(name), list.size());
         if (added) {
-            list.push_back({std::wstring(name), id});
+            list.push_back({std::wstring(name), id, nextOrder++});
         } else {
             list[place->second].id = id;
+        }
+    }
+
+    // Puts an entry that was there before back to its place.
+    void putBack(std::wstring_view name, AcDbObjectId id, uint64_t order) {
+        const auto behind = [](const Entry& entry, uint64_t wanted) {
+            return entry.order < wanted;
+        };
+        const auto at = std::lower_bound(list.begin(), list.end(), order, behind);
+        nextOrder = std::max(nextOrder, order + 1);
+        const bool isFree = at != list.end() && at->order == order && at->id.isNull();
+        if (isFree) {
+            *at = {std::wstring(name), id, order};
+            places[sg::upperCased(name)] = static_cast<size_t>(at - list.begin());
+            --gone;
+        } else if (at == list.end()) {
+            places[sg::upperCased(name)] = list.size();
+            list.push_back({std::wstring(name), id, order});
+        } else {
+            list.insert(at, {std::wstring(name), id, order});
+            sweep();
         }
     }
 
@@ -163,7 +190,8 @@ Acad::ErrorStatus AcDbDictionary::setAt(const wchar_t* name, AcDbObject* object,
     AcDbDatabase* const home = database();
     if (home == nullptr) return Acad::eNotInDatabase;
     if (object->database() != nullptr && object->database() != home) return Acad::eWrongDatabase;
-    assertWriteEnabled();
+    assertWriteEnabled(false);
+    DatabaseState::of(*this)->undo.entryChanges(*this, name);
     if (object->objectId().isNull()) {
         const Acad::ErrorStatus added = home->addAcDbObject(object);
         if (added != Acad::eOk) return added;
@@ -180,7 +208,10 @@ Acad::ErrorStatus AcDbDictionary::setAt(const wchar_t* name, AcDbObject* object,
 Acad::ErrorStatus AcDbDictionary::remove(const wchar_t* name) {
     AcDbObjectId id;
     if (const Acad::ErrorStatus status = getAt(name, id); status != Acad::eOk) return status;
-    assertWriteEnabled();
+    assertWriteEnabled(false);
+    if (DatabaseState* const state = DatabaseState::of(*this)) {
+        state->undo.entryChanges(*this, name);
+    }
     entries_->remove(name);
     if (hard_) {
         sg::model::eraseObject(id);
@@ -257,6 +288,9 @@ Acad::ErrorStatus AcDbDictionary::dwgOutFields(AcDbDwgFiler* filer) const {
     for (const Entries::Entry& entry : entries_->list) {
         if (!isFiled(entry)) continue;
         filer->writeString(entry.name);
+        if (filer->filerType() == AcDb::kUndoFiler) {
+            filer->writeInt64(static_cast<int64_t>(entry.order));
+        }
         if (hard_) {
             filer->writeHardOwnershipId(entry.id);
         } else {
@@ -280,14 +314,21 @@ Acad::ErrorStatus AcDbDictionary::dwgInFields(AcDbDwgFiler* filer) {
         std::wstring name;
         AcDbHardOwnershipId hard;
         AcDbSoftOwnershipId soft;
+        int64_t order = -1;
         filer->readString(name);
+        if (filer->filerType() == AcDb::kUndoFiler) filer->readInt64(&order);
         if (hard_) {
             filer->readHardOwnershipId(&hard);
         } else {
             filer->readSoftOwnershipId(&soft);
         }
         const AcDbObjectId id = hard_ ? AcDbObjectId(hard) : AcDbObjectId(soft);
-        if (!id.isNull()) entries_->set(name, id);
+        if (id.isNull()) continue;
+        if (order < 0) {
+            entries_->set(name, id);
+        } else {
+            entries_->putBack(name, id, static_cast<uint64_t>(order));
+        }
     }
     return filer->filerStatus();
 }
@@ -346,4 +387,24 @@ Acad::ErrorStatus AcDbDictionary::subErase(bool erasing) {
     for (const Entries::Entry& entry : entries_->list)
         sg::model::eraseObject(entry.id, erasing);
     return Acad::eOk;
+}
+
+// ---- For undo -----------------------------------------------------------------------------------
+
+ObjectAccess::DictionaryEntry ObjectAccess::entry(const AcDbDictionary& dictionary,
+                                                  const std::wstring& name) {
+    const AcDbDictionary::Entries::Entry* const found = dictionary.entries_->find(name);
+    if (found == nullptr) return {name, {}, 0};
+    return {found->name, found->id, found->order};
+}
+
+void ObjectAccess::setEntry(AcDbDictionary& dictionary, const DictionaryEntry& entry) {
+    AcDbDictionary::Entries& entries = *dictionary.entries_;
+    if (entries.find(entry.name) == nullptr) {
+        if (!entry.id.isNull()) entries.putBack(entry.name, entry.id, entry.order);
+    } else if (entry.id.isNull()) {
+        entries.remove(entry.name);
+    } else {
+        entries.set(entry.name, entry.id);
+    }
 }

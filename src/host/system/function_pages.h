@@ -5,16 +5,18 @@
 #include <string_view>
 #include <vector>
 
-namespace sg::app {
+#include "base/export.h"
+
+namespace sg {
 
 // The function reference: Markdown files of one family each. A file's "# " heading is the family's
 // title; each "### " heading holds the names of the functions that the text below it, up to the
 // next heading, explains, each name in backquotes.
-class FunctionPages {
+class SG_API FunctionPages {
   public:
     struct Section {
         std::vector<std::wstring> names;
-        std::wstring text;  // without the heading and without blank lines around it
+        std::wstring text;  // without heading, pictures, and blank lines around it
     };
     struct Family {
         std::wstring file;  // the file's name without .md
@@ -38,14 +40,14 @@ class FunctionPages {
     // of car and cdr are explained with cdr.
     std::optional<Found> find(std::wstring_view name) const;
 
-    // Names that `name` may be a slip for, the nearest first, at most `most`.
-    std::vector<std::wstring> nearest(std::wstring_view name, size_t most) const;
+    // The file, its folder in front, that has the page of a topic: a function's name, or a page's
+    // own name with or without folders, an ending and "#place" around it, as help files of the
+    // system of origin name theirs. Empty when there is none.
+    std::wstring fileOf(std::wstring_view topic) const;
 
   private:
+    std::wstring folder_;
     std::vector<Family> families_;
 };
 
-// Names in columns of equal width, filled downwards, each line indented by two blanks.
-std::wstring inColumns(const std::vector<std::wstring>& names, int width);
-
-}  // namespace sg::app
+}  // namespace sg

@@ -1,15 +1,14 @@
-#include "app/function_pages.h"
+#include "host/system/function_pages.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "app/nearest_names.h"
 #include "base/encoding.h"
 #include "base/text.h"
 #include "host/system/files.h"
 #include "host/system/paths.h"
 
-namespace sg::app {
+namespace sg {
 namespace {
 
 // The texts between backquotes.
@@ -41,6 +40,7 @@ bool isCombination(std::wstring_view name) {
 
 FunctionPages FunctionPages::read(const std::wstring& folder) {
     FunctionPages pages;
+    pages.folder_ = folder;
     for (const std::wstring& name : listFolder(folder, L"*.md", ListedEntries::filesOnly)) {
         const auto bytes = readFile(joinPath(folder, name));
         if (bytes) pages.add(name.substr(0, name.size() - 3), decodeTextFile(*bytes));
@@ -64,7 +64,8 @@ void FunctionPages::add(const std::wstring& file, std::wstring_view text) {
             if (marks == 3) family.sections.push_back({quotedNames(line), {}});
             if (marks <= 3) continue;
         }
-        if (inSection) family.sections.back().text += std::wstring(line) + L'\n';
+        const bool isPicture = !fenced && line.starts_with(L"![");
+        if (inSection && !isPicture) family.sections.back().text += std::wstring(line) + L'\n';
     }
     for (Section& section : family.sections)
         trimBlankLines(section.text);
@@ -84,31 +85,17 @@ std::optional<FunctionPages::Found> FunctionPages::find(std::wstring_view name) 
     return std::nullopt;
 }
 
-std::vector<std::wstring> FunctionPages::nearest(std::wstring_view name, size_t most) const {
-    std::vector<std::wstring> names;
+std::wstring FunctionPages::fileOf(std::wstring_view topic) const {
+    const auto path = [&](const Family& family) { return joinPath(folder_, family.file + L".md"); };
+    if (const auto found = find(topic)) return path(*found->family);
+    std::wstring_view name = lastComponent(topic);
+    name = name.substr(0, name.find(L'#'));
+    name = name.substr(0, name.rfind(L'.'));
+    if (const auto found = find(name)) return path(*found->family);
     for (const Family& family : families_) {
-        for (const Section& section : family.sections) {
-            names.insert(names.end(), section.names.begin(), section.names.end());
-        }
+        if (equalIgnoringCase(family.file, name)) return path(family);
     }
-    return nearestNames(names, name, most);
+    return {};
 }
 
-std::wstring inColumns(const std::vector<std::wstring>& names, int width) {
-    size_t widest = 0;
-    for (const std::wstring& name : names)
-        widest = std::max(widest, name.size());
-    const size_t columns = std::max<size_t>(1, static_cast<size_t>(width) / (widest + 2));
-    const size_t rows = (names.size() + columns - 1) / columns;
-    std::wstring text;
-    for (size_t row = 0; row < rows; ++row) {
-        std::wstring line;
-        for (size_t at = row; at < names.size(); at += rows) {
-            line += L"  " + names[at] + std::wstring(widest - names[at].size(), L' ');
-        }
-        text += std::wstring(trimmedRight(line)) + L'\n';
-    }
-    return text;
-}
-
-}  // namespace sg::app
+}  // namespace sg

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/db/color.h"
+
+// Colours as users write them.
+namespace sg::commands {
+
+// A number from 1 to 255, one of the names red, yellow, green, cyan, blue, magenta and white, or
+// red, green and blue from 0 to 255 with commas between them.
+std::optional<AcCmColor> colorNamed(std::wstring_view text);
+
+// "1 (red)", "8", "10,20,30".
+std::wstring colorText(const AcCmColor& color);
+
+}  // namespace sg::commands

@@ -1,0 +1,97 @@
+#include "host/seam/command_runner.h"
+
+#include <stdexcept>
+
+#include "base/encoding.h"
+#include "host/dxf/drawing_files.h"
+#include "host/editor/commands/active_command.h"
+#include "host/editor/documents.h"
+#include "host/editor/system_variables.h"
+#include "host/seam/file_error.h"
+#include "host/seam/host.h"
+#include "host/seam/prompting.h"
+
+namespace sg {
+
+void CommandRunner::startRow(Document& document, const CommandRow& row, bool fromProgram) {
+    CommandFiles files;
+    files.open = [this](const std::wstring& path) { open(path); };
+    files.save = [this](Document& saved, const std::wstring& path, const std::wstring& release) {
+        save(saved, path, release);
+    };
+    const Command::Setting setting{
+        document, promptPlace(host_, document), std::move(files), fromProgram, {}};
+    document.command = std::make_unique<ActiveCommand>(row, setting);
+    if (document.command->isDone()) document.command.reset();
+}
+
+bool CommandRunner::start(Document& document, std::wstring_view name, bool fromProgram) {
+    if (document.command != nullptr) return false;
+    if (const CommandRow* const row = findCommand(name)) {
+        startRow(document, *row, fromProgram);
+        return true;
+    }
+    while (name.starts_with(L'_') || name.starts_with(L'.') || name.starts_with(L'\''))
+        name.remove_prefix(1);
+    if (findSystemVariable(name) == nullptr) return false;
+    startRow(document, *findCommand(L"SETVAR"), fromProgram);
+    PromptAnswer variable;
+    variable.text = name;
+    answer(document, std::move(variable));
+    return true;
+}
+
+void CommandRunner::answer(Document& document, std::optional<PromptAnswer> answer) {
+    if (document.command == nullptr) return;
+    document.command->answer(std::move(answer));
+    if (document.command->isDone()) document.command.reset();
+}
+
+bool CommandRunner::askUser(Document& document) {
+    if (document.command == nullptr) return false;
+    const ActiveCommand::Waiting waiting = document.command->waiting();
+    std::optional<PromptAnswer> given;
+    if (!waiting.isText) {
+        given = host_.input().prompt(waiting.prompt);
+    } else if (auto typed = host_.input().text(waiting.text)) {
+        given.emplace();
+        given->text = std::move(*typed);
+    }
+    const bool answered = given.has_value();
+    answer(document, std::move(given));
+    return answered;
+}
+
+void CommandRunner::finish(Document& document) {
+    while (document.command != nullptr)
+        askUser(document);
+}
+
+void CommandRunner::cancel(Document& document) {
+    while (document.command != nullptr)
+        answer(document, std::nullopt);
+}
+
+// ---- Files --------------------------------------------------------------------------------------
+
+void CommandRunner::open(const std::wstring& path) {
+    try {
+        host_.openDrawing(path);
+    } catch (const FileError& error) {
+        throw std::runtime_error(toUtf8(error.text()));
+    }
+}
+
+void CommandRunner::save(Document& document, const std::wstring& path,
+                         const std::wstring& release) {
+    dxf::WriteOptions options;
+    options.isBinary = release == L"binary";
+    options.release = dxf::releaseNamed(toUtf8(release));
+    try {
+        host_.saveDrawing(document, path, options);
+    } catch (const FileError& error) {
+        throw std::runtime_error(toUtf8(error.text()));
+    }
+}
+
+}  // namespace sg

@@ -1,0 +1,195 @@
+#include <fmt/xchar.h>
+
+#include <charconv>
+
+#include "base/encoding.h"
+#include "base/text.h"
+#include "host/editor/command_line_output.h"
+#include "host/editor/commands/active_command.h"
+#include "host/editor/selection/selection_sets.h"
+#include "host/editor/system_variables.h"
+#include "host/seam/command_runner.h"
+#include "host/seam/entity_lists.h"
+#include "host/seam/lisp_drawing.h"
+#include "host/seam/lisp_functions.h"
+#include "host/seam/lisp_points.h"
+#include "host/seam/prompting.h"
+
+// AutoLISP's functions that run commands.
+
+namespace sg {
+namespace {
+
+using lisp::Args;
+using lisp::FunctionRow;
+using lisp::Interpreter;
+using lisp::Value;
+
+constexpr std::wstring_view kPause = L"\\";
+
+// With all its digits and without an exponent, as one may type it.
+std::wstring numberText(double number) {
+    char digits[400];
+    const auto [end, error] =
+        std::to_chars(digits, digits + sizeof(digits), number, std::chars_format::fixed);
+    return fromUtf8({digits, static_cast<size_t>(end - digits)});
+}
+
+// Gives the arguments of one call to the commands of the current drawing, one after the other.
+class CommandFeed {
+  public:
+    explicit CommandFeed(Interpreter& in) : in_(in), host_(Host::the()) {
+        const auto echo = host_.systemVariables().get(L"CMDECHO");
+        const auto* const number = echo ? std::get_if<int16_t>(&*echo) : nullptr;
+        echoes_ = number == nullptr || *number != 0;
+    }
+
+    void take(Value value);
+    void cancel() {
+        quietly([&](Document& document) { host_.commands().cancel(document); });
+    }
+    // Whether every argument found its command, and no command was cancelled.
+    bool succeeded() const { return succeeded_; }
+    bool isWaiting() { return document().command != nullptr; }
+
+  private:
+    Document& document() { return requireDocument(in_); }
+    void startCommand(Value value);
+    void pause();
+    PromptAnswer answerOf(Value value, bool isText);
+    void echo(const std::wstring& text);
+
+    // What a command prints shows only when commands echo.
+    template <class Body>
+    void quietly(const Body& body) {
+        Document& current = document();
+        if (echoes_) return body(current);
+        const Output::Capture dropped(host_.output());
+        body(current);
+    }
+
+    Interpreter& in_;
+    Host& host_;
+    bool echoes_ = true;
+    bool succeeded_ = true;
+};
+
+void CommandFeed::echo(const std::wstring& text) {
+    if (!echoes_) return;
+    Output& output = host_.output();
+    if (!output.atLineStart()) output.print(L"\n");
+    output.print(text + L"\n");
+}
+
+void CommandFeed::startCommand(Value value) {
+    const std::wstring name =
+        value.isString() ? std::wstring(trimmed(in_.str(value))) : in_.toQuotedText(value);
+    if (name.empty()) return;  // Enter
+    echo(name);
+    bool isKnown = false;
+    quietly([&](Document& document) { isKnown = host_.commands().start(document, name, true); });
+    if (isKnown) return;
+    succeeded_ = false;
+    Output& output = host_.output();
+    if (!output.atLineStart()) output.print(L"\n");
+    output.print(fmt::format(L"Unknown command \"{}\".\n", upperCased(name)));
+}
+
+// An entity may come with the place where it is picked, as entsel answers it.
+PromptAnswer CommandFeed::answerOf(Value value, bool isText) {
+    PromptAnswer answer;
+    if (value.isString()) {
+        answer.text = in_.str(value);
+    } else if (value.isInt()) {
+        answer.text = std::to_wstring(value.asInt());
+    } else if (value.isNumber()) {
+        answer.text = numberText(value.asNumber());
+    } else if (isPoint(value)) {
+        answer.kind = PromptAnswer::Kind::point;
+        answer.point = pointArgument(in_, value);
+        if (isText) {
+            answer.text = numberText(answer.point.x) + L"," + numberText(answer.point.y) + L"," +
+                          numberText(answer.point.z);
+        }
+    } else if (lisp::asPickSet(value) != nullptr) {
+        answer.kind = PromptAnswer::Kind::set;
+        const SelectionSet* const set = host_.selectionSets().find(lisp::asPickSet(value)->name);
+        answer.set = std::make_shared<SelectionSet>(set == nullptr ? SelectionSet() : *set);
+    } else {
+        const bool hasPlace = value.isCons() && value.asCons()->cdr.isCons() &&
+                              isPoint(value.asCons()->cdr.asCons()->car);
+        const Value name = hasPlace ? value.asCons()->car : value;
+        const AcDbObjectId id = entityArgument(in_, name);
+        answer.kind = PromptAnswer::Kind::entity;
+        answer.handle = static_cast<uint64_t>(id.handle());
+        answer.hasPoint = hasPlace;
+        if (hasPlace) answer.point = pointArgument(in_, value.asCons()->cdr.asCons()->car);
+    }
+    return answer;
+}
+
+void CommandFeed::pause() {
+    if (host_.commands().askUser(document())) return;
+    succeeded_ = false;
+    in_.cancel();
+}
+
+void CommandFeed::take(Value value) {
+    ActiveCommand* const command = document().command.get();
+    if (value.isNil()) return cancel();
+    if (command == nullptr) return startCommand(value);
+    if (value.isString() && in_.text(value) == kPause) return pause();
+    const ActiveCommand::Waiting& waiting = command->waiting();
+    PromptAnswer answer = answerOf(value, waiting.isText);
+    echo(waiting.message() + answer.text);
+    quietly([&](Document& document) { host_.commands().answer(document, std::move(answer)); });
+}
+
+void feed(CommandFeed& feed, Args a) {
+    for (size_t i = 0; i < a.size(); ++i)
+        feed.take(a[i]);
+    if (a.size() == 0) feed.cancel();
+}
+
+// (command argument ...): without any, what is on its way is cancelled.
+Value fnCommand(Interpreter& in, Args a) {
+    CommandFeed commands(in);
+    feed(commands, a);
+    return Value::nil();
+}
+
+// (vl-cmdf argument ...): T when all went well.
+Value fnVlCmdf(Interpreter& in, Args a) {
+    CommandFeed commands(in);
+    feed(commands, a);
+    return commands.succeeded() ? in.t() : Value::nil();
+}
+
+// (command-s argument ...): whole commands.
+Value fnCommandS(Interpreter& in, Args a) {
+    CommandFeed commands(in);
+    for (size_t i = 0; i < a.size(); ++i) {
+        if (a[i].isString() && in.text(a[i]) == kPause) in.fail(L"command-s takes no pause");
+    }
+    feed(commands, a);
+    if (commands.isWaiting()) {
+        commands.cancel();
+        in.fail(L"command-s: the command needs more arguments");
+    }
+    if (!commands.succeeded()) in.fail(L"command-s: unknown command");
+    return Value::nil();
+}
+
+constexpr FunctionRow kRows[] = {
+    {L"command", fnCommand, 0, lisp::kAnyCount},
+    {L"command-s", fnCommandS, 0, lisp::kAnyCount},
+    {L"vl-cmdf", fnVlCmdf, 0, lisp::kAnyCount},
+};
+
+}  // namespace
+
+std::span<const FunctionRow> commandFunctions() {
+    return kRows;
+}
+
+}  // namespace sg
