@@ -137,8 +137,7 @@ AcDb::LineWeight lineWeightOf(uint8_t code) {
 
 bool hasDwgForm(const AcDbObject& object, AcDb::AcDbDwgVersion release) {
     const ProxyData* const data = proxyData(object);
-    if (data == nullptr || (data->bits != nullptr && data->bits->release == release)) return true;
-    return canWriteKept(*data, release);
+    return data == nullptr || keepsBitsFor(*data, release) || canWriteKept(*data, release);
 }
 
 }  // namespace sg::model

@@ -32,7 +32,7 @@ Acad::ErrorStatus writeProxyGroups(AcDbDxfFiler& filer, const wchar_t* marker, i
 // In a drawing file's own form the object is what its class had there, in another release's what
 // its groups say.
 Acad::ErrorStatus writeBits(AcDbDwgFiler& filer, const ProxyData& data) {
-    if (data.bits != nullptr && data.bits->release == filer.dwgVersion()) {
+    if (sg::model::keepsBitsFor(data, filer.dwgVersion())) {
         return filer.dwgForm()->writeKept(*data.bits);
     }
     if (!sg::model::writeKept(filer, data)) filer.setFilerStatus(Acad::eNotApplicable);

@@ -19,8 +19,23 @@ namespace sg::model {
 
 // ---- Values -------------------------------------------------------------------------------------
 
+// A colour with its method in the highest byte (AcCmColor::Method, or kNoColor) and its value in
+// the others, so that what is none stays that.
+struct KeptColor {
+    static constexpr uint32_t kNoColor = 0xC8;
+
+    uint32_t raw = uint32_t(AcCmColor::kByLayer) << 24;
+
+    static KeptColor ofIndex(int64_t index);  // 0 by block, 256 by layer, 257 none
+    static KeptColor ofTrue(uint32_t rgb);
+    uint32_t method() const { return raw >> 24; }
+    bool isTrue() const { return method() == AcCmColor::kByColor; }
+    int64_t index() const;  // of a true colour that of the nearest
+    friend bool operator==(const KeptColor&, const KeptColor&) = default;
+};
+
 // Whole numbers, reals, points (2D with z 0), texts in UTF-8, objects, colours.
-using KeptValue = std::variant<int64_t, double, AcGePoint3d, std::string, AcDbObjectId, AcCmColor>;
+using KeptValue = std::variant<int64_t, double, AcGePoint3d, std::string, AcDbObjectId, KeptColor>;
 
 // The values of an object, or of one row of a list in it, by keys; mostly the codes of their
 // groups.
@@ -41,6 +56,7 @@ enum class KeptCoding : uint8_t {
     point,      // 3BD
     text,       // T
     color,      // CMC
+    fullColor,  // CMC as from release 2004 on, in every release
     id,         // H
     rows,       // the steps of a row, as often as the number under the key says
     none,       // what no description tells: the object is left as it is
@@ -79,9 +95,11 @@ struct GroupKeptStep {
     std::optional<KeptValue> otherwise = {};  // left out when it is this, and this when left out
     std::string text = {};                    // of a marker
     NamedIn table = NamedIn::nothing;
-    int second = 0;     // the code of a true colour; the key of what a name stands beside
-    int64_t added = 0;  // bits that the group has, and the value has not
+    int second = 0;       // the code of a true colour; the key of what a name stands beside
+    int64_t added = 0;    // bits that the group has, and the value has not
+    bool isReal = false;  // a whole number as a real one
     int times = 0;
+    bool isMatrix = false;  // rows that are left out where they are the unit matrix
     std::vector<GroupKeptStep> row = {};
 };
 
@@ -112,6 +130,9 @@ bool readKept(AcDbDwgFiler& filer, ProxyData& data);
 // Writes the proxy's groups as a DWG object. False, and nothing is written, when they have no
 // description or are not as it says.
 bool writeKept(AcDbDwgFiler& filer, const ProxyData& data);
+// True when the bits that the proxy keeps are what a file of the release has too: it is their own,
+// or a later one in which nothing of the class is otherwise.
+bool keepsBitsFor(const ProxyData& data, AcDb::AcDbDwgVersion release);
 // True when writeKept() would.
 bool canWriteKept(const ProxyData& data, AcDb::AcDbDwgVersion release);
 

@@ -150,6 +150,7 @@ constexpr MaterialMap kOpacityMap = {141, 175, 7, 176, 177, 178, 142};
 constexpr MaterialMap kBumpMap = {143, 179, 8, 270, 271, 272, 144};
 constexpr MaterialMap kRefractionMap = {146, 273, 9, 274, 275, 276, 147};
 constexpr int kMatrixSize = 16;
+constexpr int kBox = 2;  // how a map is projected
 
 std::vector<Step> stepsOf(const MaterialColor& color) {
     return {byte(color.flag), real(color.factor),
@@ -172,13 +173,10 @@ std::vector<Item> itemsOf(const MaterialColor& color) {
 std::vector<Item> itemsOf(const MaterialMap& map, double blend, std::optional<KeptValue> source) {
     Item from = group(map.source);
     from.otherwise = std::move(source);
-    return {group(map.blend, blend),
-            from,
-            group(map.file, std::string()),
-            group(map.projection, number(1)),
-            group(map.tiling, number(1)),
-            group(map.transform, number(1)),
-            rows(map.matrix, {group(map.matrix)}, kMatrixSize)};
+    return {group(map.blend, blend),        from,
+            group(map.file, std::string()), group(map.projection, number(kBox)),
+            group(map.tiling, number(1)),   group(map.transform, number(1)),
+            matrix(map.matrix, kMatrixSize)};
 }
 
 KeptForm material() {
@@ -260,6 +258,59 @@ Item propertyItem(char kind, int key) {
     }
 }
 
+// The form of releases before 2010, which has no operations.
+KeptForm oldVisualStyle() {
+    KeptForm form{L"VISUALSTYLE",
+                  nullptr,
+                  {text(2),    int32(70), int32(71),  int32(72),
+                   int32(73),  real(40),  real(41),   color(63),
+                   int32(90),  int32(74), int32(91),  color(64),
+                   color(65),  int32(75), real(42),   int32(92),
+                   color(66),  real(43),  int16(76),  int16(77),
+                   int32(78),  color(67), int16(79),  byte(170),
+                   int16(171), bit(290),  int16(174), int16(175),
+                   int32(93),  int32(44), int32(173), real(45, kDHL_1021),
+                   bit(291)},
+                  {{0,
+                    {marker("AcDbVisualStyle"),
+                     group(2),
+                     group(70),
+                     group(71),
+                     group(72),
+                     group(73),
+                     group(90),
+                     group(40),
+                     group(41),
+                     constant(62, number(5)),
+                     indexColor(63, 421),
+                     group(74),
+                     group(91),
+                     indexColor(64, 422),
+                     indexColor(65, 423),
+                     group(75),
+                     group(175),
+                     group(42),
+                     group(92),
+                     indexColor(66, 424),
+                     group(43),
+                     group(76),
+                     group(77),
+                     group(78),
+                     indexColor(67, 425),
+                     group(79),
+                     group(170),
+                     group(171),
+                     group(290),
+                     group(174),
+                     group(93),
+                     wholeAsReal(44),
+                     group(173),
+                     group(291),
+                     group(45, 0.0)}}}};
+    form.until = kDHL_1024;
+    return form;
+}
+
 KeptForm visualStyle() {
     KeptForm form{L"VISUALSTYLE", nullptr, {}, {}};
     const std::string all = std::string(kFirst) + std::string(kLater);
@@ -290,7 +341,7 @@ constexpr int kBorders = 6;
 // The form of releases before 2010.
 KeptForm tableStyle() {
     constexpr int kRow = 1;
-    std::vector<Step> row = {id(7), real(140), int16(170), color(62), color(63), bit(283)};
+    std::vector<Step> row = {id(7), real(140), int16(170), fullColor(62), fullColor(63), bit(283)};
     std::vector<Item> items = {named(7, 7, NamedIn::textStyles),
                                group(140),
                                group(170),
@@ -298,7 +349,7 @@ KeptForm tableStyle() {
                                indexColor(63, 421),
                                group(283)};
     for (int border = 0; border < kBorders; ++border) {
-        append(row, {int16(274 + border), bit(284 + border), color(64 + border)});
+        append(row, {int16(274 + border), bit(284 + border), fullColor(64 + border)});
         append(items, {group(274 + border), group(284 + border), indexColor(64 + border)});
     }
     KeptForm form{L"TABLESTYLE",
@@ -315,8 +366,8 @@ KeptForm tableStyle() {
 }  // namespace
 
 const std::vector<KeptForm>& keptObjectForms() {
-    static const std::vector<KeptForm> kForms = {scale(), leaderStyle(), material(), visualStyle(),
-                                                 tableStyle()};
+    static const std::vector<KeptForm> kForms = {scale(),          leaderStyle(), material(),
+                                                 oldVisualStyle(), visualStyle(), tableStyle()};
     return kForms;
 }
 
