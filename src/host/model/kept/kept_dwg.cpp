@@ -169,6 +169,9 @@ class Writer {
         return value == nullptr ? Value{} : *value;
     }
     static int64_t whole(int key, const KeptValues& values) { return get<int64_t>(key, values); }
+    static int64_t whole(const DwgKeptStep& step, const KeptValues& values) {
+        return values.values.contains(step.key) ? whole(step.key, values) : step.otherwise;
+    }
     static double real(int key, const KeptValues& values) {
         const double value = get<double>(key, values);
         return isAngleGroup(key) ? fromFileDegrees(value) : value;
@@ -176,16 +179,16 @@ class Writer {
     void write(const DwgKeptStep& step, const KeptValues& values) {
         switch (step.coding) {
             case KeptCoding::bit:
-                filer_.writeBool(whole(step.key, values) != 0);
+                filer_.writeBool(whole(step, values) != 0);
                 break;
             case KeptCoding::byte:
-                filer_.writeUInt8(static_cast<uint8_t>(whole(step.key, values)));
+                filer_.writeUInt8(static_cast<uint8_t>(whole(step, values)));
                 break;
             case KeptCoding::int16:
-                filer_.writeInt16(static_cast<int16_t>(whole(step.key, values)));
+                filer_.writeInt16(static_cast<int16_t>(whole(step, values)));
                 break;
             case KeptCoding::int32:
-                filer_.writeInt32(static_cast<int32_t>(whole(step.key, values)));
+                filer_.writeInt32(static_cast<int32_t>(whole(step, values)));
                 break;
             case KeptCoding::real:
                 filer_.writeDouble(real(step.key, values));

@@ -71,7 +71,8 @@ struct DwgKeptStep {
     Reference kind = Reference::hardPointer;
     int onlyIf = 0;  // a key whose number must be `equals`
     int64_t equals = 1;
-    int times = 0;  // of rows that are always as many
+    int times = 0;          // of rows that are always as many
+    int64_t otherwise = 0;  // a whole number that the groups have not
     std::vector<DwgKeptStep> row = {};
 };
 

@@ -54,6 +54,10 @@ inline Step onlyIf(int key, int64_t equals, Step made) {
     made.equals = equals;
     return made;
 }
+inline Step otherwise(int64_t value, Step made) {
+    made.otherwise = value;
+    return made;
+}
 inline Step rows(int key, std::vector<Step> row, int times = 0) {
     Step made = step(KeptCoding::rows, key);
     made.row = std::move(row);

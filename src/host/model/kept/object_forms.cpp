@@ -27,11 +27,26 @@ KeptForm scale() {
         {{0, {marker("AcDbScale"), group(70), group(300), group(140), group(141), group(290)}}}};
 }
 
+// Files from release 2010 on begin with a version, and end in how texts are attached.
+std::vector<Item> leaderStyleItems(bool isNew) {
+    std::vector<Item> items = {marker("AcDbMLeaderStyle")};
+    if (isNew) items.push_back(group(179));
+    append(items, {group(170),  group(171),   group(172),  group(90),   group(40),   group(41),
+                   group(173),  rawColor(91), object(340), group(92),   group(290),  group(42),
+                   group(291),  group(43),    group(3),    object(341), group(44),   group(300),
+                   object(342), group(174),   group(178),  group(175),  group(176),  rawColor(93),
+                   group(45),   group(292),   group(297),  group(46),   object(343), rawColor(94),
+                   group(47),   group(49),    group(140),  group(293),  group(141),  group(294),
+                   group(177),  group(142),   group(295),  group(296),  group(143)});
+    if (!isNew) return items;
+    append(items, {group(271), group(272), group(273), group(298, number(0))});
+    return items;
+}
+
 KeptForm leaderStyle() {
-    const KeptValue none = AcDbObjectId();
     return {L"MLEADERSTYLE",
             nullptr,
-            {int16(179, kDHL_1024),
+            {otherwise(2, int16(179, kDHL_1024)),
              int16(170),
              int16(171),
              int16(172),
@@ -70,61 +85,14 @@ KeptForm leaderStyle() {
              bit(294),
              int16(177),
              real(142),
-             bit(295),
              bit(296),
+             bit(295),
              real(143),
              int16(271, kDHL_1024),
-             int16(273, kDHL_1024),
-             int16(272, kDHL_1024),
+             otherwise(9, int16(273, kDHL_1024)),
+             otherwise(9, int16(272, kDHL_1024)),
              bit(298, kDHL_1027)},
-            {{0,
-              {marker("AcDbMLeaderStyle"),
-               Item{Kind::value, 179, 179, number(2)},
-               group(170),
-               group(171),
-               group(172),
-               group(90),
-               group(40),
-               group(41),
-               group(173),
-               rawColor(91),
-               object(340),
-               group(92),
-               group(290),
-               group(42),
-               group(291),
-               group(43),
-               group(3),
-               object(341),
-               group(44),
-               group(300),
-               object(342),
-               group(174),
-               group(178),
-               group(175),
-               group(176),
-               rawColor(93),
-               group(45),
-               group(292),
-               group(297),
-               group(46),
-               object(343),
-               rawColor(94),
-               group(47),
-               group(49),
-               group(140),
-               group(293),
-               group(141),
-               group(294),
-               group(177),
-               group(142),
-               group(295),
-               group(296),
-               group(143),
-               group(271, number(0)),
-               group(272, number(9)),
-               group(273, number(9)),
-               group(298, number(0))}}}};
+            {{0, leaderStyleItems(false)}, {kDHL_1024, leaderStyleItems(true)}}};
 }
 
 // ---- Materials ----------------------------------------------------------------------------------
@@ -150,6 +118,7 @@ constexpr MaterialMap kOpacityMap = {141, 175, 7, 176, 177, 178, 142};
 constexpr MaterialMap kBumpMap = {143, 179, 8, 270, 271, 272, 144};
 constexpr MaterialMap kRefractionMap = {146, 273, 9, 274, 275, 276, 147};
 constexpr int kMatrixSize = 16;
+constexpr int kAllChannels = 127;
 constexpr int kBox = 2;  // how a map is projected
 
 std::vector<Step> stepsOf(const MaterialColor& color) {
@@ -211,7 +180,7 @@ KeptForm material() {
     append(items, {group(145, 1.0)});
     append(items, itemsOf(kRefractionMap, 1, number(0)));
     append(items, {group(148, 0.0), group(149, 0.0), group(468, 0.0), group(93, number(0)),
-                   group(94, number(0)), group(282, number(0))});
+                   group(94, number(kAllChannels)), group(282, number(0))});
     form.layouts = {{0, std::move(items)}};
     return form;
 }
