@@ -23,7 +23,8 @@ void readDrawing(Session& session, AcDbDatabase& database, const std::wstring& n
         session.host().output().reportError(warning);
 }
 
-void writeDrawing(const AcDbDatabase& database, const DrawingArguments& arguments) {
+void writeDrawing(Session& session, const AcDbDatabase& database,
+                  const DrawingArguments& arguments) {
     const std::wstring target = resolvePath(absolutePath(arguments.output)).path;
     dxf::checkCanWrite(target);
     const FileLock lock(target);
@@ -33,6 +34,7 @@ void writeDrawing(const AcDbDatabase& database, const DrawingArguments& argument
     dxf::WriteOptions options;
     if (!arguments.release.empty()) options.release = dxf::releaseNamed(toUtf8(arguments.release));
     options.isBinary = arguments.isBinary;
+    options.report = [&](const std::wstring& text) { session.host().output().reportError(text); };
     dxf::writeFile(database, target, options);
 }
 
@@ -44,7 +46,7 @@ void convertFlat(Session& session, const DrawingArguments& arguments) {
         session.complain(
             fmt::format(L"{} {} cannot be taken apart and stay as they are", count, name));
     }
-    writeDrawing(database, arguments);
+    writeDrawing(session, database, arguments);
 }
 
 }  // namespace
@@ -61,7 +63,7 @@ int convert(const Arguments& arguments) {
             }
             AcDbDatabase database(false, true);
             readDrawing(session, database, drawing.file);
-            writeDrawing(database, drawing);
+            writeDrawing(session, database, drawing);
         } catch (const dxf::Error& error) {
             throw FileError(error.text());
         }

@@ -1,6 +1,9 @@
 #include "jigs/block_contents.h"
 
+#include <fmt/xchar.h>
+
 #include <array>
+#include <numbers>
 #include <string>
 
 #include "drawing/call_arguments.h"
@@ -118,21 +121,40 @@ AcDbMText::AttachmentPoint attachmentOf(const AcDbText& text) {
     }
 }
 
-// A definition's text is plain; in a text of several lines these characters begin formatting.
-std::wstring asContents(const std::wstring& plain) {
-    std::wstring contents;
-    for (const wchar_t c : plain) {
+// A definition's text is plain; in a text of several lines these characters begin formatting, and
+// formatting says how wide and how slanted the letters are.
+std::wstring contentsOf(const AcDbAttributeDefinition& definition) {
+    constexpr double kDegree = std::numbers::pi / 180;
+    std::wstring contents =
+        fmt::format(L"\\W{};\\Q{};", definition.widthFactor(), definition.oblique() / kDegree);
+    for (const wchar_t c : definition.textString()) {
         if (c == L'\\' || c == L'{' || c == L'}') contents += L'\\';
         contents += c;
     }
     return contents;
 }
 
+// The point of the text that its attachment names. What is attached by its bottom stands on its
+// baseline, on which a definition's own point need not be.
+AcGePoint3d anchorOf(const AcDbAttributeDefinition& definition) {
+    const AcGePoint3d start = definition.position();
+    if (definition.isDefaultAlignment() || definition.horizontalMode() == AcDb::kTextFit) {
+        return start;
+    }
+    const AcGePoint3d point = definition.alignmentPoint();
+    if (definition.horizontalMode() == AcDb::kTextAlign) return start + (point - start) / 2;
+    const bool isOnBaseline = definition.verticalMode() == AcDb::kTextBase ||
+                              definition.verticalMode() == AcDb::kTextBottom;
+    if (!isOnBaseline) return point;
+    AcGeVector3d up = definition.normal().crossProduct(definition.normal().perpVector());
+    up.rotateBy(definition.rotation(), definition.normal());
+    return point + up * (start - point).dotProduct(up);
+}
+
 void drawConstant(const AcDbAttributeDefinition& definition, const Target& target) {
-    const AcGePoint3d at =
-        definition.isDefaultAlignment() ? definition.position() : definition.alignmentPoint();
+    const AcGePoint3d at = anchorOf(definition);
     AcDbMText text;
-    text.setContents(asContents(definition.textString()).c_str());
+    text.setContents(contentsOf(definition).c_str());
     text.setLocation(at);
     text.setTextHeight(definition.height());
     text.setTextStyle(definition.textStyle());

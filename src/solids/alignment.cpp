@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <utility>
 
 #include "platform/ge/matrix3d.h"
@@ -9,7 +10,7 @@
 namespace sg {
 namespace {
 
-// Of a cosine of 1: a few units in its last place.
+// A few units in the last place of 1.
 constexpr double kCosineRounding = 1e-15;
 
 // As coarse as the runs that programs draw.
@@ -50,7 +51,8 @@ SectionFrame turned(const SectionFrame& first, const SectionFrame& second,
 
 double angleOfCosine(double cosine) {
     if (cosine > 1 - kCosineRounding) return 0;
-    return std::acos(std::max(cosine, -1.0));
+    if (cosine < -1 + kCosineRounding) return std::numbers::pi;
+    return std::acos(cosine);
 }
 
 double angleOfSine(double sine) {

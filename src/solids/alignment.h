@@ -5,8 +5,8 @@
 namespace sg {
 
 // The angle of a cosine or a sine that was computed from unit vectors, in radians. Such a value can
-// miss the range from -1 to 1 by its last digits, and cannot tell an angle below a few hundred
-// millionths from none.
+// miss the range from -1 to 1 by its last digits. A cosine so near 1 or -1 that no digits are left
+// to tell a small angle from none is exactly that of 0 or pi.
 double angleOfCosine(double cosine);
 double angleOfSine(double sine);
 

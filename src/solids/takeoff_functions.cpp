@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numbers>
 #include <span>
 
 #include "bridge/call_guard.h"
@@ -134,10 +135,10 @@ bool Takeoff::measureBranches() {
     return std::ranges::all_of(branches(), [this](Branch& branch) { return measure(branch); });
 }
 
-// False for a branch that runs along the main.
+// False for a branch that runs along the main, forth or back.
 bool Takeoff::measure(Branch& branch) const {
     const double angle = angleOfCosine(frame_.x().dotProduct(branch.frame.x()));
-    if (angle == 0.0) return false;
+    if (angle == 0.0 || angle == std::numbers::pi) return false;
     // A branch that rises or falls more steeply than the main's diagonal leaves through its top or
     // bottom.
     const double lift = angleOfSine(frame_.z().dotProduct(branch.frame.x()));
@@ -209,8 +210,8 @@ bool Takeoff::addStub(const Branch& branch) {
                          {branch.tip, profile, branch.frame}, bodyOption_);
 }
 
-// What the stub added last has beyond the main piece's ends. Of two stubs the first is left as it
-// is.
+// Cuts off what the stub added last has beyond the main piece's ends. That the first of two
+// stubs stays as it is is deliberate.
 void Takeoff::trimLastStub() {
     fitting_->sliceLast(start_, start_ + frame_.y(), start_ + frame_.z(), end_);
     fitting_->sliceLast(end_, end_ + frame_.y(), end_ + frame_.z(), start_);

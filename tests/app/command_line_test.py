@@ -251,7 +251,7 @@ class Help(ProgramTest):
         code, output, _ = self.run_program("help", "--missing")
         names = output.splitlines()
         self.assertEqual((code, len(names), names[0], names[-1]),
-                         (0, 43, "AcDbBlockReference::Jig", "qn_qn-setAcadWindowText"))
+                         (0, 4, "ed_editMultilineText", "qn_qn-safeContinue"))
         self.assertEqual(self.run_program("help", "--missing", "--no-module"), (0, "", ""))
 
     def test_a_function_is_explained(self):

@@ -5,7 +5,8 @@ import unittest
 
 from program import ProgramTest
 
-HELPERS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "lisp", "helpers")
+HELPERS = os.path.join(
+    os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "lisp", "helpers")
 
 
 class Manual(ProgramTest):
@@ -14,6 +15,12 @@ class Manual(ProgramTest):
 
     def test_functions_on_entities(self):
         self.assertGreater(self.check_examples("entities.md"), 20)
+
+    def test_functions_of_the_shell(self):
+        self.assertGreater(self.check_examples("shell.md"), 10)
+
+    def test_functions_on_solids(self):
+        self.assertGreater(self.check_examples("solids.md"), 9)
 
 
 class Arguments(ProgramTest):
@@ -24,6 +31,13 @@ class Arguments(ProgramTest):
         self.assertEqual((code, errors), (0, ""))
         self.assertEqual([line.strip() for line in output.splitlines() if line.startswith("(")],
                          ["(CALLED T)", "(MADE T)"])
+
+    def test_no_section_stops_a_program_or_leaves_a_piece_of_a_fitting(self):
+        code, output, errors = self.run_program(
+            "run", os.path.join(HELPERS, "odd_sections.lsp"), "--path", os.path.dirname(HELPERS))
+        self.assertEqual((code, errors), (0, ""))
+        self.assertEqual([line.strip() for line in output.splitlines() if line.startswith("(")],
+                         ["(CALLED T)", "(MADE T)", "(WRONG nil)"])
 
 
 if __name__ == "__main__":

@@ -28,10 +28,12 @@ class SupportTest(ProgramTest):
         return done.stdout
 
     def files(self, *folder):
-        """Every file below the folder, hidden ones too."""
+        """Every file below the folder, hidden ones too, but for the user's registry."""
         root = os.path.join(self.folder, *folder)
+        settings = self.path(".config")
         return sorted(os.path.relpath(os.path.join(at, name), root)
-                      for at, _, names in os.walk(root) for name in names)
+                      for at, _, names in os.walk(root) for name in names
+                      if not at.startswith(settings))
 
     def content(self, name):
         with open(self.path(name), "rb") as file:

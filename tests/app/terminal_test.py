@@ -208,6 +208,28 @@ class Repl(ProgramTest):
         terminal.expect("nil")
         terminal.expect(PROMPT)
 
+    def test_drags_are_answered_at_the_terminal(self):
+        terminal = self.start()
+        terminal.enter("(qn_qn-createJigTimer 10)")  # runs while nothing is typed
+        terminal.expect(PROMPT)
+        terminal.enter("(RectangleJig 2.0 4.0 0 T)")
+        place = "Specify insertion point or [Corner/Middle]: "
+        for answer, told in ("c", ""), ("nowhere", ""), ("c", "Invalid point."), ("10,10", ""):
+            self.assertIn(told, terminal.expect(place))
+            terminal.enter(answer)
+        terminal.expect("Specify rotation: ")
+        terminal.enter("90")
+        self.assertIn("((9.0 12.0 0.0) (10.0 10.0 0.0) (8.0 14.0 0.0) 1.5708 1)",
+                      terminal.expect(PROMPT))
+        terminal.enter("(qn_qn-lineJig)")
+        terminal.expect("Specify start point: ")
+        terminal.enter("1,1")
+        terminal.expect("Specify next point: ")
+        terminal.type(CTRL_C)
+        self.assertIn("nil", terminal.expect(PROMPT))
+        terminal.enter("(+ 1 2)")
+        self.assertIn("3", terminal.expect(PROMPT))
+
 
 class Run(ProgramTest):
     def test_the_last_line_is_finished(self):
@@ -244,6 +266,59 @@ class Run(ProgramTest):
             terminal.process.send_signal(signal.SIGINT)
             terminal.read(0.05)
         self.assertEqual(terminal.process.wait(timeout=PATIENCE), -signal.SIGINT)
+
+
+class Dialogs(ProgramTest):
+    def test_a_file_is_asked_for_until_there_is_one(self):
+        self.write("jobs/plan.dxf", "")
+        terminal = Terminal(self, "repl")
+        terminal.expect(PROMPT)
+        terminal.enter('(CFileDialog T "Open a job" "jobs" "dxf;dwg" T T)')
+        terminal.expect("Open a job\r\nFolder: " + self.path("jobs") +
+                        "\r\nDXF Files (*.dxf), DWG Files (*.dwg)\r\nFile name: ")
+        terminal.enter("none")
+        terminal.expect("none.dxf\r\nFile not found.\r\nCheck the file name and try again.\r\n[OK] <OK>: ")
+        terminal.enter("")
+        terminal.expect("File name: ")
+        terminal.enter("PLAN")
+        terminal.expect('"' + self.path("jobs/plan.dxf") + '"')
+        terminal.expect(PROMPT)
+        terminal.enter('(XFolderDialog "" "jobs")')
+        terminal.expect("Select Folder\r\nFolder: jobs\r\nFolder name: ")
+        terminal.type(CTRL_C)
+        terminal.expect("nil")
+
+
+class StatusBar(ProgramTest):
+    PROGRAM = """
+        (acedSetStatusBarProgressMeter "Ducts" 0 4)
+        (setq step 0 start (getvar "MILLISECS"))
+        (while (< step 4)
+          (if (> (- (getvar "MILLISECS") start) (* (1+ step) 400))
+            (acedSetStatusBarProgressMeterPos (setq step (1+ step)))))
+        %s
+        (qn_qn-setAcadWindowText "Job 12")
+        (princ)
+    """
+
+    def test_a_bar_on_the_terminal_goes_before_text_comes(self):
+        terminal = Terminal(self, "run", self.write("bar.lsp", self.PROGRAM % '(princ "done\\n")'))
+        terminal.expect("\rDucts [##########")
+        terminal.expect("] 100%\x1b[K")
+        terminal.expect("\r\x1b[Kdone\r\n")
+        terminal.expect("\x1b[22;2t\x1b]2;Job 12\x07")
+        code, shown = terminal.finish()
+        self.assertEqual((code, shown), (0, "\x1b[23;2t"))
+
+    def test_no_bar_writes_over_text(self):
+        terminal = Terminal(self, "run", self.write(
+            "bar.lsp", '(princ "Working...")' + self.PROGRAM % ""))
+        _, shown = terminal.finish()
+        self.assertIn("Working...", shown)
+        self.assertNotIn("Ducts", shown)
+
+    def test_a_pipe_shows_nothing(self):
+        self.assertEqual(self.run_program("run", self.write("bar.lsp", self.PROGRAM % "")), (0, "", ""))
 
 
 if __name__ == "__main__":

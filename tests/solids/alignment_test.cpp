@@ -104,7 +104,10 @@ TEST(Alignment, CosinesAndSinesBeyondOneAreAngles) {
     const double beyond = std::nextafter(1.0, 2.0);
     EXPECT_EQ(angleOfCosine(beyond), 0.0);
     EXPECT_EQ(angleOfCosine(std::nextafter(1.0, 0.0)), 0.0);
-    EXPECT_DOUBLE_EQ(angleOfCosine(-beyond), kPi);
+    EXPECT_EQ(angleOfCosine(-beyond), kPi);
+    EXPECT_EQ(angleOfCosine(std::nextafter(-1.0, 0.0)), kPi);
+    EXPECT_LT(angleOfCosine(-1 + 1e-14), kPi);
+    EXPECT_GT(angleOfCosine(1 - 1e-14), 0.0);
     EXPECT_DOUBLE_EQ(angleOfCosine(0.5), kPi / 3);
     EXPECT_DOUBLE_EQ(angleOfSine(beyond), kPi / 2);
     EXPECT_DOUBLE_EQ(angleOfSine(-beyond), -kPi / 2);

@@ -180,13 +180,14 @@ TEST_F(TakeoffTest, ARefusedBodyIsNilAndLeavesNothing) {
 TEST_F(TakeoffTest, ABranchAlongTheMainIsNil) {
     EXPECT_EQ(takeoff("(run 50 0 0 90 0 0 10 10)"), "nil");
     EXPECT_EQ(takeoff("(run 50 0 0 50 40 0 10 10) (run 50 0 0 90 0 0 10 10)"), "nil");
+    EXPECT_EQ(takeoff("(run 50 0 0 10 0 0 10 10)"), "nil");
     // Directions whose unit vectors are not exact.
     for (const char* end : {"1 1 0", "1 2 3", "-7 3 0.1", "0.3 0.1 0"}) {
         const std::string to = end;
-        EXPECT_EQ(takeoff("(run 0 0 0 "s + to + " 10 10)", "(run 0 0 0 9 0 0 20 10)",
-                          "(run 0 0 0 " + to + " 20 10)"),
-                  "nil")
-            << to;
+        const std::string main = "(run 0 0 0 " + to + " 20 10)";
+        const std::string behind = "(run 0 0 0 9 0 0 20 10)";
+        EXPECT_EQ(takeoff("(run 0 0 0 " + to + " 10 10)", behind, main), "nil") << to;
+        EXPECT_EQ(takeoff("(run " + to + " 0 0 0 10 10)", behind, main), "nil") << to;
     }
     EXPECT_EQ(solids.made, 0);
 }

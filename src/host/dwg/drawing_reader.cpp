@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "base/encoding.h"
+#include "base/text.h"
 #include "host/dwg/code_pages.h"
 #include "host/dwg/header_roots.h"
 #include "host/dwg/header_section.h"
@@ -48,10 +49,15 @@ std::vector<std::wstring> DrawingReader::read() {
     readOrigin();
     reading_.context.handles.begin();
     reading_.classes = readClasses(reading_.content, reading_.file, reading_.context);
+    const std::vector<ObjectPlace> places = readObjectMap(reading_.content, reading_.file);
+    // Ids are in the order of handles, wherever they are met first.
+    for (const ObjectPlace& place : places)
+        reading_.context.refer({kHardPointer, place.handle});
     readHeader(reading_);
     readTemplate();
-    readObjects();
+    readObjects(places);
     checkTables();
+    numberBlocks();
     model::completeTables(reading_.database);
     enterBlocks();
     findFixedRecords();
@@ -88,8 +94,7 @@ void DrawingReader::readTemplate() {
 
 // ---- Objects ------------------------------------------------------------------------------------
 
-void DrawingReader::readObjects() {
-    const std::vector<ObjectPlace> places = readObjectMap(reading_.content, reading_.file);
+void DrawingReader::readObjects(const std::vector<ObjectPlace>& places) {
     ObjectReader reader(reading_);
     loadAll(reader, places);
     orderEntities(reader.links());
@@ -179,6 +184,34 @@ void DrawingReader::checkTables() {
         records.assign(std::move(present));
         records.namesChanged();
     }
+}
+
+// Files have no numbers in the names of nameless blocks and further paper spaces: a nameless
+// block's is its place among the blocks that are neither model nor paper space, paper spaces count
+// from 0.
+void DrawingReader::numberBlocks() {
+    const model::DatabaseRoots& roots = reading_.state.roots;
+    const auto* const table = peek<AcDbSymbolTable>(roots.blockTable);
+    if (table == nullptr) return;
+    const std::vector<AcDbObjectId>& ids = ObjectAccess::records(*table).ids;
+    std::unordered_set<std::wstring> names;
+    for (const AcDbObjectId id : ids)
+        names.insert(peek<AcDbSymbolTableRecord>(id)->name());
+    size_t place = 0;
+    size_t paper = 0;
+    for (const AcDbObjectId id : ids) {
+        if (id == roots.modelSpace || id == roots.paperSpace) continue;
+        auto* const block = peek<AcDbSymbolTableRecord>(id);
+        const std::wstring bare = block->name();
+        const bool isPaper = equalIgnoringCase(bare, ACDB_PAPER_SPACE);
+        size_t number = isPaper ? paper++ : place;
+        ++place;
+        if (!isPaper && (bare.size() != 2 || bare[0] != L'*')) continue;
+        while (!names.insert(bare + std::to_wstring(number)).second)
+            number += ids.size();
+        ObjectAccess::setName(*block, bare + std::to_wstring(number));
+    }
+    ObjectAccess::records(*table).namesChanged();
 }
 
 void DrawingReader::enterBlocks() {

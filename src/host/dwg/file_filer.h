@@ -1,10 +1,11 @@
 #pragma once
 
-#include <functional>
+#include <span>
 #include <string>
 
 #include "host/dwg/bit_reader.h"
 #include "host/dwg/bit_writer.h"
+#include "host/dwg/code_pages.h"
 #include "host/dxf/handles.h"
 #include "host/dxf/text_codec.h"
 #include "host/model/core/dwg_form.h"
@@ -19,8 +20,8 @@ struct ReadStreams {
 // What file filers share.
 class FileFiler : public AcDbDwgFiler, public model::DwgForm {
   public:
-    FileFiler(AcDbDatabase* database, AcDb::AcDbDwgVersion release)
-        : database_(database), release_(release) {}
+    FileFiler(AcDbDatabase* database, AcDb::AcDbDwgVersion release, const dxf::TextCodec& codec)
+        : database_(database), release_(release), codec_(codec) {}
 
     AcDb::FilerType filerType() const final { return AcDb::kFileFiler; }
     Acad::ErrorStatus filerStatus() const final { return status_; }
@@ -29,6 +30,12 @@ class FileFiler : public AcDbDwgFiler, public model::DwgForm {
     AcDb::AcDbDwgVersion dwgVersion() const final { return release_; }
     AcDbDatabase* database() const final { return database_; }
     model::DwgForm* dwgForm() final { return this; }
+
+    std::string encode(const std::wstring& text) const final;
+    std::wstring decode(std::string_view bytes, uint8_t codePage) const final;
+    uint8_t codePage() const final {
+        return static_cast<uint8_t>(codePageNumber(codec_.codePage()));
+    }
 
   protected:
     Acad::ErrorStatus refuse() {
@@ -39,6 +46,7 @@ class FileFiler : public AcDbDwgFiler, public model::DwgForm {
 
     AcDbDatabase* database_;
     AcDb::AcDbDwgVersion release_;
+    const dxf::TextCodec& codec_;
     Acad::ErrorStatus status_ = Acad::eOk;
 };
 

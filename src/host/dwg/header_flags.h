@@ -2,8 +2,6 @@
 
 #include <cstdint>
 
-#include "host/dwg/line_weights.h"
-
 namespace sg::dwg {
 
 // The variables that share one number of the header, with the bits of each. Bits that are `turned`

@@ -2,7 +2,6 @@
 
 #include "host/dwg/checksums.h"
 #include "host/dwg/extended_data.h"
-#include "host/dwg/line_weights.h"
 #include "host/dwg/section_streams.h"
 #include "host/model/core/proxies.h"
 #include "platform/rx/rxdictionary.h"
@@ -254,7 +253,7 @@ void ObjectReader::readEntityData(Common& common, Flags& flags) {
     }
     if ((data.bitShort() & 1) != 0) entity.visibility = AcDb::kInvisible;
     if (release() >= AcDb::kDHL_1015) {
-        entity.lineWeight = static_cast<AcDb::LineWeight>(lineWeightOf(data.rawChar()));
+        entity.lineWeight = model::lineWeightOf(data.rawChar());
     }
 }
 

@@ -1,3 +1,5 @@
+#include <ctime>
+
 #include "host/dwg/header_fields.h"
 #include "host/dwg/header_flags.h"
 #include "host/dwg/header_roots.h"
@@ -121,7 +123,7 @@ class HeaderReader {
             take(flag.name, static_cast<int32_t>(flag.isTurned ? bits == 0 : bits));
         }
         const auto weight = static_cast<uint8_t>(flags & kHeaderWeightMask);
-        take(kHeaderWeight, static_cast<int32_t>(lineWeightOf(weight)));
+        take(kHeaderWeight, static_cast<int32_t>(model::lineWeightOf(weight)));
         keep(L"*FLAGS", flags);
     }
 
@@ -139,8 +141,25 @@ class HeaderReader {
 
 }  // namespace
 
+namespace {
+
+// What a time of the world is on this machine's clock.
+double localTime(double days) {
+    constexpr double kEpoch = 2440587.5;  // the Julian day on which the clock begins
+    constexpr double kSecondsADay = 86'400;
+    const auto seconds = static_cast<std::time_t>((days - kEpoch) * kSecondsADay);
+    std::tm local{};
+    if (days <= kEpoch || localtime_r(&seconds, &local) == nullptr) return days;
+    return days + static_cast<double>(local.tm_gmtoff) / kSecondsADay;
+}
+
+}  // namespace
+
 void readHeader(Reading& reading) {
     HeaderReader(reading).read();
+    model::HeaderVariables& header = reading.state.changeHeader();
+    header.set(L"TDCREATE", localTime(header.get<double>(L"TDUCREATE")));
+    header.set(L"TDUPDATE", localTime(header.get<double>(L"TDUUPDATE")));
 }
 
 // A multiline style is known by the name that it has in its dictionary.

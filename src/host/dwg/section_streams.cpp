@@ -100,7 +100,7 @@ Bytes closeSection(AcDb::AcDbDwgVersion release, const Sentinel& start, BitWrite
     BitWriter section;
     section.rawBytes(start.data(), start.size());
     section.rawLong(static_cast<uint32_t>(bytes.size()));
-    if (sizeBytes(release, 0) == 8) section.rawLong(0);
+    if (sizeBytes(release, maintenanceOf(release)) == 8) section.rawLong(0);
     section.rawBytes(bytes.data(), bytes.size());
     section.rawShort(crc16(kSectionSeed, ByteSpan(section.bytes()).subspan(kSentinelSize)));
     const Sentinel end = endOf(start);

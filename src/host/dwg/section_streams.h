@@ -6,6 +6,13 @@
 
 namespace sg::dwg {
 
+// The maintenance number that files of a release are written with. It tells how long some sizes
+// are.
+constexpr uint8_t maintenanceOf(AcDb::AcDbDwgVersion release) {
+    if (release < AcDb::kDHL_1018) return 15;
+    return release == AcDb::kDHL_1024 || release == AcDb::kDHL_1027 ? 8 : 0;
+}
+
 // The stream of texts lies at the end of data that end at `end`: their last bit tells whether there
 // are any, and the size of the stream stands ahead of it. Takes the texts off the data.
 void takeTexts(ReadStreams& streams, size_t end);

@@ -87,6 +87,12 @@ Acad::ErrorStatus WriteFiler::writeColor(const AcCmColor& value) {
     return status_;
 }
 
+std::span<const AcDbObjectId> WriteFiler::referencesTo(AcDbObjectId block) const {
+    const auto found = context_.references.find(block);
+    if (found == context_.references.end()) return {};
+    return found->second;
+}
+
 Acad::ErrorStatus WriteFiler::writeKept(const model::KeptBits& bits) {
     data().bitsOf(bits.data, bits.dataBits);
     streams_.texts.bitsOf(bits.texts, bits.textBits);

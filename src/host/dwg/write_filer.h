@@ -1,5 +1,8 @@
 #pragma once
 
+#include <functional>
+#include <unordered_map>
+
 #include "host/dwg/file_filer.h"
 
 namespace sg::dwg {
@@ -14,6 +17,8 @@ struct WriteContext {
     dxf::TextCodec codec;  // for files before release 2007
     // The handle that stands for an object in the file; 0 for one that is not written.
     std::function<uint64_t(AcDbObjectId)> handleOf;
+    // The block references that show a block.
+    std::unordered_map<AcDbObjectId, std::vector<AcDbObjectId>> references;
 };
 
 // The three rows of bits of an object. Until release 2004 texts go among the data.
@@ -34,7 +39,9 @@ void writeColor(BitWriter& to, const WriteContext& context, const AcCmColor& col
 class WriteFiler final : public FileFiler {
   public:
     WriteFiler(WriteContext& context, WriteStreams& streams)
-        : FileFiler(&context.database, context.release), context_(context), streams_(streams) {}
+        : FileFiler(&context.database, context.release, context.codec),
+          context_(context),
+          streams_(streams) {}
 
     Acad::ErrorStatus writeHardOwnershipId(const AcDbHardOwnershipId& id) override {
         return reference(kHardOwner, id);
@@ -125,6 +132,7 @@ class WriteFiler final : public FileFiler {
     Acad::ErrorStatus writeExtrusion(const AcGeVector3d& value) override;
     Acad::ErrorStatus writeColor(const AcCmColor& value) override;
     Acad::ErrorStatus writeKept(const model::KeptBits& bits) override;
+    std::span<const AcDbObjectId> referencesTo(AcDbObjectId block) const override;
 
     Acad::ErrorStatus readHardOwnershipId(AcDbHardOwnershipId*) override { return refuse(); }
     Acad::ErrorStatus readSoftOwnershipId(AcDbSoftOwnershipId*) override { return refuse(); }

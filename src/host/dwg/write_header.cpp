@@ -181,8 +181,9 @@ class HeaderWriter {
             flags &= ~(flag.mask << flag.shift);
             flags |= (value & flag.mask) << flag.shift;
         }
-        const auto weight = static_cast<int16_t>(state_.header().get<int32_t>(kHeaderWeight));
-        return (flags & ~kHeaderWeightMask) | numberOfLineWeight(weight);
+        const auto weight =
+            static_cast<AcDb::LineWeight>(state_.header().get<int32_t>(kHeaderWeight));
+        return (flags & ~kHeaderWeightMask) | model::lineWeightCode(weight);
     }
 
     // A style that is not there is that of the layer.

@@ -6,14 +6,6 @@
 namespace sg::dxf {
 namespace {
 
-// Classes of the product itself that drawing files have to name.
-struct ProductClass {
-    const wchar_t* dxfName;
-    const wchar_t* className;
-    const wchar_t* applicationName;
-    int32_t flags;
-    bool isFixed = false;  // from release 2004 on files do without a record of it
-};
 constexpr const wchar_t* kObjects = L"ObjectDBX Classes";
 constexpr ProductClass kProductClasses[] = {
     {L"ACDBDICTIONARYWDFLT", L"AcDbDictionaryWithDefault", kObjects, 0},
@@ -31,6 +23,13 @@ constexpr ProductClass kProductClasses[] = {
 constexpr int kCount = 91;
 
 }  // namespace
+
+const ProductClass* productClass(std::wstring_view dxfName) {
+    for (const ProductClass& known : kProductClasses) {
+        if (known.dxfName == dxfName) return &known;
+    }
+    return nullptr;
+}
 
 std::map<std::wstring, ClassRecords::Use> ClassRecords::usedClasses() const {
     std::map<const AcRxClass*, Use> byType;

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 
 #include "host/dxf/group_output.h"
 #include "host/dxf/releases.h"
@@ -9,6 +10,17 @@
 #include "host/model/core/file_origin.h"
 
 namespace sg::dxf {
+
+// A class of the product itself that drawing files have to name.
+struct ProductClass {
+    const wchar_t* dxfName;
+    const wchar_t* className;
+    const wchar_t* applicationName;
+    int32_t flags;
+    bool isFixed = false;  // from release 2004 on files do without a record of it
+};
+// Null for a name of none.
+const ProductClass* productClass(std::wstring_view dxfName);
 
 // The section of classes: those of the drawing's file, and those that its objects need besides,
 // which are the classes of applications and some of the product's own.

@@ -11,6 +11,8 @@
 namespace sg::dxf {
 namespace {
 
+constexpr std::wstring_view kDxf = L".dxf", kDwg = L".dwg";
+
 std::wstring_view endingOf(const std::wstring& path) {
     const std::wstring_view name = lastComponent(path);
     const size_t dot = name.rfind(L'.');
@@ -29,16 +31,46 @@ std::vector<std::wstring> readFile(AcDbDatabase& database, const std::wstring& p
 
 void checkCanWrite(const std::wstring& path) {
     const std::wstring_view ending = endingOf(path);
-    if (equalIgnoringCase(ending, L".dxf")) return;
-    throw Error(path + L": drawings are written as .dxf only by this build" +
+    if (equalIgnoringCase(ending, kDxf) || equalIgnoringCase(ending, kDwg)) return;
+    throw Error(path + L": drawings are written as .dwg and .dxf" +
                 (ending.empty() ? L"; the name has no ending" : L""));
 }
+
+namespace {
+
+// The release asked for when it can be written, else the next one that can.
+const Release& dwgRelease(const AcDbDatabase& database, const Release* wanted) {
+    if (wanted == nullptr) return dwg::ownRelease(database);
+    const Release* release = wanted;
+    while (!dwg::isWritten(*release))
+        release = &releaseOf(static_cast<AcDb::AcDbDwgVersion>(release->number + 1));
+    return *release;
+}
+
+void writeDwg(const AcDbDatabase& database, const std::wstring& path, const WriteOptions& options,
+              ReplacementFile& file) {
+    const dwg::Written written = dwg::write(database, dwgRelease(database, options.release));
+    for (const std::wstring& loss : written.losses) {
+        if (options.report) options.report(path + L": " + loss);
+    }
+    file.write({reinterpret_cast<const char*>(written.bytes.data()), written.bytes.size()});
+}
+
+}  // namespace
 
 void writeFile(const AcDbDatabase& database, const std::wstring& path,
                const WriteOptions& options) {
     checkCanWrite(path);
     ReplacementFile file(path);
-    write(database, options, [&](std::string_view bytes) { return file.write(bytes); });
+    if (equalIgnoringCase(endingOf(path), kDwg)) {
+        writeDwg(database, path, options, file);
+    } else {
+        WriteOptions told = options;
+        if (options.report) {
+            told.report = [&](const std::wstring& loss) { options.report(path + L": " + loss); };
+        }
+        write(database, told, [&](std::string_view bytes) { return file.write(bytes); });
+    }
     if (file.error() == 0 && file.commitKeeping(L".bak")) return;
     throw Error(path + L": the drawing cannot be written: " +
                 fromUtf8(std::strerror(file.error())));

@@ -11,9 +11,9 @@ SG_API std::vector<std::wstring> readFile(AcDbDatabase& database, const std::wst
 // Throws Error, with the reason, for a file whose ending names a format that is not written.
 SG_API void checkCanWrite(const std::wstring& path);
 
-// Writes a drawing file. The old file is kept under the same name with the ending .bak, and until
-// the new one is whole and on the disk the name leads to the old one. Throws Error; the old file is
-// then as it was.
+// Writes a drawing file, in the format that its ending names. The old file is kept under the same
+// name with the ending .bak, and until the new one is whole and on the disk the name leads to the
+// old one. Throws Error; the old file is then as it was.
 SG_API void writeFile(const AcDbDatabase& database, const std::wstring& path,
                       const WriteOptions& options = {});
 

@@ -6,6 +6,9 @@
 #include "host/dxf/file_form.h"
 #include "host/model/core/group_writer.h"
 #include "host/model/core/object_access.h"
+#include "host/model/core/proxies.h"
+#include "host/render/proxy_graphics.h"
+#include "platform/db/entity.h"
 
 namespace sg::dxf {
 namespace {
@@ -13,7 +16,11 @@ namespace {
 using model::GroupData;
 using model::ObjectAccess;
 
+constexpr std::string_view kEntitySection = "AcDbEntity";
 constexpr int kMarker = 100;
+constexpr int kGraphics = 310;
+constexpr int kGraphicsSize = 160;
+constexpr int kGraphicsSizeBefore2010 = 92;
 constexpr int kApplicationName = 1001;
 
 struct CodeSince {
@@ -31,14 +38,25 @@ constexpr CodeSince kCodes[] = {
     {"AcDbLayerTableRecord", 347, 348, AcDb::kDHL_1021},
 };
 
-// Passes an object's groups on, with the name of a table behind its group 0, without what the
-// release does not have, and with the groups of its file that its class does not know at the ends
-// of their sections.
+bool contains(const std::vector<int>& codes, int code) {
+    return std::find(codes.begin(), codes.end(), code) != codes.end();
+}
+
+// What goes into an object's groups besides those that its class writes.
+struct Additions {
+    std::string_view tableName;          // behind its group 0
+    const GroupData* unknown = nullptr;  // of its file: what its class does not know
+    std::string graphics;                // for programs that do not know its class
+
+    bool isEmpty() const { return tableName.empty() && unknown == nullptr && graphics.empty(); }
+};
+
+// Passes an object's groups on, without what the release does not have, and with additions at the
+// ends of their sections.
 class ChangingSink {
   public:
-    ChangingSink(GroupOutput& output, const Release& release, std::string_view tableName,
-                 const GroupData* unknown)
-        : output_(output), release_(release), tableName_(tableName), unknown_(unknown) {}
+    ChangingSink(GroupOutput& output, const Release& release, Additions additions)
+        : output_(output), release_(release), additions_(std::move(additions)) {}
 
     void text(int code, std::wstring_view text) {
         if (code == kMarker) {
@@ -49,7 +67,7 @@ class ChangingSink {
         }
         if (!take(code)) return;
         output_.text(code, text);
-        if (code == 0 && !tableName_.empty()) output_.name(2, tableName_);
+        if (code == 0 && !additions_.tableName.empty()) output_.name(2, additions_.tableName);
     }
     void real(int code, double value) {
         if (take(code)) output_.real(code, value);
@@ -77,6 +95,10 @@ class ChangingSink {
 
   private:
     bool isGraphics(int code) const;
+    void writeUnknown();
+    void writeKeptGraphics(const GroupData::Group& group);
+    int graphicsSizeCode() const;
+    void writeGraphics();
     // False for a group that the release does not have.
     bool take(int code) {
         for (const CodeSince& since : kCodes) {
@@ -85,38 +107,80 @@ class ChangingSink {
                 return false;
             }
         }
-        if (unknown_ != nullptr) written_.push_back(code);
+        if (additions_.unknown != nullptr) written_.push_back(code);
         return true;
     }
 
     GroupOutput& output_;
     const Release& release_;
-    std::string_view tableName_;
-    const GroupData* unknown_;
+    const Additions additions_;
     std::string section_;
     std::vector<int> written_;  // codes of the section
 };
 
-// Graphics of an entity have another group for their length before release 2010.
 bool ChangingSink::isGraphics(int code) const {
-    return (code == 160 || code == 310) && section_ == "AcDbEntity";
+    return section_ == kEntitySection &&
+           (code == kGraphicsSize || code == kGraphicsSizeBefore2010 || code == kGraphics);
 }
 
-void ChangingSink::endSection() {
-    if (unknown_ == nullptr || section_.empty()) return;
+// Graphics of the file are old where there are new ones.
+void ChangingSink::writeUnknown() {
     bool isHere = false;
-    for (GroupData::Walk walk(*unknown_); walk.next();) {
+    for (GroupData::Walk walk(*additions_.unknown); walk.next();) {
         const GroupData::Group& group = walk.group();
         if (group.code == kMarker) {
             isHere = group.text == section_;
-        } else if (isHere &&
-                   std::find(written_.begin(), written_.end(), group.code) == written_.end()) {
-            if (release_.number < AcDb::kDHL_1024 && isGraphics(group.code)) continue;
+            continue;
+        }
+        if (!isHere || contains(written_, group.code)) continue;
+        if (!isGraphics(group.code)) {
             output_.group(group);
+        } else if (additions_.graphics.empty()) {
+            writeKeptGraphics(group);
         }
     }
+}
+
+int ChangingSink::graphicsSizeCode() const {
+    return release_.number < AcDb::kDHL_1024 ? kGraphicsSizeBefore2010 : kGraphicsSize;
+}
+
+void ChangingSink::writeKeptGraphics(const GroupData::Group& group) {
+    if (group.code == kGraphics) {
+        output_.group(group);
+    } else {
+        output_.whole(graphicsSizeCode(), group.whole);
+    }
+}
+
+void ChangingSink::writeGraphics() {
+    constexpr size_t kPiece = 127;  // bytes, as other programs write them
+    std::string_view rest = additions_.graphics;
+    output_.whole(graphicsSizeCode(), static_cast<int64_t>(rest.size()));
+    for (; !rest.empty(); rest.remove_prefix(std::min(kPiece, rest.size())))
+        output_.binary(kGraphics, rest.substr(0, kPiece));
+}
+
+void ChangingSink::endSection() {
+    if (section_.empty()) return;
+    if (additions_.unknown != nullptr) writeUnknown();
+    if (section_ == kEntitySection && !additions_.graphics.empty()) writeGraphics();
     written_.clear();
     section_.clear();
+}
+
+// How an entity of an application's class looks; nothing for other objects.
+std::string graphicsOf(const AcDbObject& object) {
+    const AcRxClass* const type = object.isA();
+    if (*type->appName() == L'\0' || !type->isDerivedFrom(AcDbEntity::desc()) ||
+        model::proxyData(object) != nullptr) {
+        return {};
+    }
+    AcDbEntity* entity = nullptr;
+    if (acdbOpenObject(entity, object.objectId()) != Acad::eOk) return {};
+    std::string graphics = render::recordProxyGraphics(*entity);
+    entity->close();
+    return graphics;
 }
 
 }  // namespace
@@ -143,13 +207,15 @@ void ObjectOutput::writeAnew(const AcDbObject& object, std::string_view tableNam
     const bool keepsUnknown =
         form != nullptr && !form->unknown.empty() &&
         (release_.number >= form->release || release_.number >= AcDb::kDHL_1021);
+    const Additions additions{tableName, keepsUnknown ? &form->unknown : nullptr,
+                              graphicsOf(object)};
     const model::Unguarded guard(object);
-    if (tableName.empty() && !keepsUnknown && release_.number >= AcDb::kDHL_1021) {
+    if (additions.isEmpty() && release_.number >= AcDb::kDHL_1021) {
         model::GroupWriter<GroupOutput> writer(output_, object.database(), release_.number);
         object.dxfOut(&writer);
         return;
     }
-    ChangingSink sink(output_, release_, tableName, keepsUnknown ? &form->unknown : nullptr);
+    ChangingSink sink(output_, release_, additions);
     model::GroupWriter<ChangingSink> writer(sink, object.database(), release_.number);
     object.dxfOut(&writer);
     sink.endSection();

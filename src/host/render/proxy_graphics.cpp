@@ -7,41 +7,14 @@
 #include <optional>
 #include <vector>
 
+#include "base/encoding.h"
+#include "host/render/proxy_format.h"
 #include "host/text/line.h"
-
-// The format is the published one of drawing files: a length and a number of
-// calls, then each call with its length, its kind and its arguments, little-endian, padded to four
-// bytes.
 
 namespace sg::render {
 namespace {
 
-enum Call : int32_t {
-    kCircle = 2,
-    kCircleOfPoints = 3,
-    kArc = 4,
-    kArcOfPoints = 5,
-    kPolyline = 6,
-    kPolygon = 7,
-    kMesh = 8,
-    kShell = 9,
-    kText = 10,
-    kStyledText = 11,
-    kXline = 12,
-    kRay = 13,
-    kColor = 14,
-    kFill = 20,
-    kTrueColor = 22,
-    kLineWeight = 23,
-    kLinetypeScale = 24,
-    kThickness = 25,
-    kPushTransform = 29,
-    kPushOtherTransform = 30,
-    kPopTransform = 31,
-    kPolylineWithNormal = 32,
-    kWideText = 36,
-    kWideStyledText = 38,
-};
+using namespace proxy;
 
 // The arguments of a call. Behind their end everything is zero, and the call is damaged.
 class Arguments {
@@ -89,17 +62,17 @@ class Arguments {
         return text;
     }
     std::wstring wideText() {
-        std::wstring text;
+        std::u16string units;
         size_t at = 0;
         while (at + 1 < rest_.size()) {
-            const auto unit = static_cast<wchar_t>(static_cast<unsigned char>(rest_[at]) |
-                                                   static_cast<unsigned char>(rest_[at + 1]) << 8);
+            const auto unit = static_cast<char16_t>(static_cast<unsigned char>(rest_[at]) |
+                                                    static_cast<unsigned char>(rest_[at + 1]) << 8);
             at += 2;
             if (unit == 0) break;
-            text += unit;
+            units += unit;
         }
         skipPadded(at);
-        return text;
+        return fromUtf16(units);
     }
 
   private:
@@ -116,7 +89,8 @@ class Arguments {
         return value;
     }
     void skipPadded(size_t bytes) {
-        rest_.remove_prefix(std::min((bytes + 3) / 4 * 4, rest_.size()));
+        rest_.remove_prefix(
+            std::min((bytes + kAlignment - 1) / kAlignment * kAlignment, rest_.size()));
     }
 
     std::string_view rest_;
@@ -340,6 +314,7 @@ class Player {
         const AcGeVector3d direction = from.vector();
         AcGiTextStyle style;
         std::wstring text;
+        bool hasCodes = true;
         if (call == kText || call == kWideText) {
             style.height = from.real();
             style.widthFactor = from.real();
@@ -348,7 +323,7 @@ class Player {
         } else {
             text = isWide ? from.wideText() : from.narrowText();
             from.whole();  // its length
-            from.whole();  // whether codes in it mean nothing
+            hasCodes = from.whole() == 0;
             style.height = from.real();
             style.widthFactor = from.real();
             style.oblique = from.real();
@@ -356,9 +331,26 @@ class Player {
             style.backward = from.whole() != 0;
             style.upsideDown = from.whole() != 0;
             style.vertical = from.whole() != 0;
+            if (isWide) takeFont(from, style);
         }
         if (from.isDamaged() || normal.isZeroLength() || direction.isZeroLength()) return;
-        geometry_.text(position, normal.normal(), direction, text::decodeLine(text).text, style);
+        if (hasCodes) text = text::decodeLine(text).text;
+        geometry_.text(position, normal.normal(), direction, text, style);
+    }
+
+    // Not every program writes this.
+    static void takeFont(Arguments& from, AcGiTextStyle& style) {
+        constexpr size_t kFlags = 6 * sizeof(int32_t);
+        if (from.left() < kFlags) return;
+        from.whole();  // underlined
+        from.whole();  // overlined
+        style.bold = from.whole() != 0;
+        style.italic = from.whole() != 0;
+        from.whole();  // character set
+        from.whole();  // pitch and family
+        style.typeface = from.wideText();
+        style.fontFile = from.wideText();
+        style.bigFontFile = from.wideText();
     }
 
     void drawEndless(int32_t call, Arguments& from) {
@@ -386,14 +378,14 @@ int32_t wholeAt(std::string_view bytes) {
 }  // namespace
 
 bool playProxyGraphics(AcGiWorldDraw& draw, std::string_view graphics) {
-    constexpr size_t kHead = 8;  // of the list, and of each call
-    if (graphics.size() < kHead) return false;
+    if (graphics.size() < kHeadBytes) return false;
     Player player(draw);
-    for (std::string_view rest = graphics.substr(kHead); rest.size() >= kHead;) {
+    for (std::string_view rest = graphics.substr(kHeadBytes); rest.size() >= kHeadBytes;) {
         const int32_t size = wholeAt(rest);
-        if (size < static_cast<int32_t>(kHead) || static_cast<size_t>(size) > rest.size()) break;
+        if (size < static_cast<int32_t>(kHeadBytes) || static_cast<size_t>(size) > rest.size())
+            break;
         player.play(wholeAt(rest.substr(4)),
-                    Arguments(rest.substr(kHead, static_cast<size_t>(size) - kHead)));
+                    Arguments(rest.substr(kHeadBytes, static_cast<size_t>(size) - kHeadBytes)));
         rest.remove_prefix(static_cast<size_t>(size));
     }
     return true;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
+#include "platform/db/entity.h"
 #include "platform/gi/draw.h"
 
 namespace sg::render {
@@ -10,5 +12,11 @@ namespace sg::render {
 // calls. What is not understood in it is passed over, and a damaged list ends where the damage is.
 // False for what is no such list.
 SG_API bool playProxyGraphics(AcGiWorldDraw& draw, std::string_view graphics);
+
+// Writes down how an entity draws itself, as such a list. What is by layer is that of the entity's
+// own layer, so that it follows that in other programs; what stands on other layers in its blocks
+// has the looks that those have now. Linetypes are not kept, and of a list that grows beyond a
+// megabyte its beginning is. Empty when the entity draws nothing.
+SG_API std::string recordProxyGraphics(AcDbEntity& entity);
 
 }  // namespace sg::render

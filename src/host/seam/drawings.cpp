@@ -106,7 +106,9 @@ void Host::saveDrawing(Document& document, const std::wstring& path,
     notifyReactors(*this, [&](AcEditorReactor& reactor) {
         reactor.beginSave(document.database(), target.c_str());
     });
-    withFileErrors([&] { dxf::writeFile(*document.database(), target, options); });
+    dxf::WriteOptions reporting = options;
+    reporting.report = [this](const std::wstring& text) { output_->reportError(text); };
+    withFileErrors([&] { dxf::writeFile(*document.database(), target, reporting); });
     if (!isOwn) document.setFile(target, std::move(lock));
     notifyReactors(*this, [&](AcEditorReactor& reactor) {
         reactor.saveComplete(document.database(), target.c_str());

@@ -210,6 +210,7 @@ void Host::createInterpreter() {
     interpreter_->define(promptFunctions());
     interpreter_->define(inputFunctions());
     interpreter_->define(commandFunctions());
+    interpreter_->define(dialogSupportFunctions());
 }
 
 void Host::createDocuments() {

@@ -2,6 +2,7 @@
 #include <string>
 
 #include "host/seam/host.h"
+#include "host/system/companion_library.h"
 #include "host/system/registry.h"
 #include "host/system/registry_handles.h"
 #include "host/system/system_libraries.h"
@@ -68,10 +69,21 @@ HMODULE GetModuleHandleW(const wchar_t* name) {
     return Host::the().libraries().find(orEmpty(name));
 }
 
+HMODULE LoadLibraryW(const wchar_t* name) {
+    return Host::the().libraries().open(orEmpty(name));
+}
+
 FARPROC GetProcAddress(HMODULE library, const char* name) {
     if (library == nullptr || name == nullptr) return nullptr;
+    if (!library->companion.empty()) {
+        return reinterpret_cast<FARPROC>(sg::companionSymbol(library->companion.c_str(), name));
+    }
     const auto found = library->functions.find(std::string_view(name));
     return found != library->functions.end() ? found->second : nullptr;
+}
+
+void* sgOwnLibrarySymbol(const char* library, const char* symbol) {
+    return sg::companionSymbol(library, symbol);
 }
 
 CWinApp* AfxGetApp() {

@@ -64,7 +64,8 @@ void FunctionPages::add(const std::wstring& file, std::wstring_view text) {
             if (marks == 3) family.sections.push_back({quotedNames(line), {}});
             if (marks <= 3) continue;
         }
-        if (inSection) family.sections.back().text += std::wstring(line) + L'\n';
+        const bool isPicture = !fenced && line.starts_with(L"![");
+        if (inSection && !isPicture) family.sections.back().text += std::wstring(line) + L'\n';
     }
     for (Section& section : family.sections)
         trimBlankLines(section.text);

@@ -16,7 +16,7 @@ class SG_API FunctionPages {
   public:
     struct Section {
         std::vector<std::wstring> names;
-        std::wstring text;  // without the heading and without blank lines around it
+        std::wstring text;  // without heading, pictures, and blank lines around it
     };
     struct Family {
         std::wstring file;  // the file's name without .md

@@ -5,9 +5,6 @@
 
 namespace sg {
 
-Timers::Timers(std::function<Clock::time_point()> now)
-    : now_(now ? std::move(now) : [] { return Clock::now(); }) {}
-
 uintptr_t Timers::set(uintptr_t replaced, std::chrono::milliseconds period, const void* owner,
                       Call call) {
     const uintptr_t id = timers_.count(replaced) != 0 ? replaced : ++last_;

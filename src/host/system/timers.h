@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <utility>
 
 #include "base/export.h"
 
@@ -17,8 +18,8 @@ class SG_API Timers {
     using Clock = std::chrono::steady_clock;
     using Call = std::function<void(uintptr_t id, Clock::time_point now)>;
 
-    // `now` is the clock; the usual one when empty.
-    explicit Timers(std::function<Clock::time_point()> now = {});
+    // In place of the usual clock, ahead of the first timer.
+    void setClock(std::function<Clock::time_point()> now) { now_ = std::move(now); }
 
     // A new timer, or one in place of that with the id `replaced`; answers its id, which is above
     // 0. `owner` says whose code it calls.
@@ -42,7 +43,7 @@ class SG_API Timers {
         Call call;
     };
 
-    const std::function<Clock::time_point()> now_;
+    std::function<Clock::time_point()> now_ = Clock::now;
     std::map<uintptr_t, Timer> timers_;
     uintptr_t last_ = 0;
     bool isRunning_ = false;

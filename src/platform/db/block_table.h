@@ -83,6 +83,9 @@ class SG_API AcDbBlockTableRecord : public AcDbSymbolTableRecord {
     friend struct sg::model::ObjectAccess;
     struct Contents;
 
+    Acad::ErrorStatus writeFile(AcDbDwgFiler& filer) const;
+    Acad::ErrorStatus readFile(AcDbDwgFiler& filer);
+
     std::unique_ptr<Contents> contents_;
     AcGePoint3d origin_;
     AcDbHardPointerId layout_;
@@ -96,6 +99,9 @@ class SG_API AcDbBlockTable : public AcDbSymbolTableOf<AcDbBlockTableRecord> {
     ACRX_DECLARE_MEMBERS(AcDbBlockTable)
     AcDbBlockTable();
     ~AcDbBlockTable() override;
+
+  protected:
+    std::span<const wchar_t* const> fixedRecords() const override;
 };
 
 extern SG_API const wchar_t* const ACDB_MODEL_SPACE;  // "*Model_Space"

@@ -52,6 +52,8 @@ class SG_API AcDbLayerTableRecord : public AcDbSymbolTableRecord {
   private:
     friend struct sg::model::ObjectAccess;
 
+    void takePacked(int16_t values);
+
     AcCmColor color_;  // index 7
     AcDbHardPointerId linetype_;
     AcDbHardPointerId plotStyle_;

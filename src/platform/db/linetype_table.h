@@ -39,6 +39,9 @@ class SG_API AcDbLinetypeTableRecord : public AcDbSymbolTableRecord {
   private:
     friend struct sg::model::ObjectAccess;
 
+    Acad::ErrorStatus writeFile(AcDbDwgFiler& filer) const;
+    Acad::ErrorStatus readFile(AcDbDwgFiler& filer);
+
     std::wstring comments_;
     double patternLength_ = 0;
     std::vector<Dash> dashes_;
@@ -49,4 +52,7 @@ class SG_API AcDbLinetypeTable : public AcDbSymbolTableOf<AcDbLinetypeTableRecor
     ACRX_DECLARE_MEMBERS(AcDbLinetypeTable)
     AcDbLinetypeTable();
     ~AcDbLinetypeTable() override;
+
+  protected:
+    std::span<const wchar_t* const> fixedRecords() const override;
 };

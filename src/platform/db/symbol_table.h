@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
 
 #include "platform/db/object.h"
@@ -59,10 +60,15 @@ class SG_API AcDbSymbolTable : public AcDbObject {
     Acad::ErrorStatus subErase(bool erasing) override;
     // True for a table in which several records may have a name.
     virtual bool allowsSameNames() const { return false; }
+    // The names of records that every drawing has, and DWG files keep apart from the others.
+    virtual std::span<const wchar_t* const> fixedRecords() const { return {}; }
 
   private:
     friend struct sg::model::ObjectAccess;
     struct Records;
+
+    Acad::ErrorStatus writeFile(AcDbDwgFiler& filer) const;
+    Acad::ErrorStatus readFile(AcDbDwgFiler& filer);
 
     std::unique_ptr<Records> records_;
 };

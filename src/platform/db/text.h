@@ -103,6 +103,9 @@ class SG_API AcDbText : public AcDbEntity {
     void subList() const override;
 
   private:
+    Acad::ErrorStatus writeFile(AcDbDwgFiler& filer, sg::model::DwgForm& form) const;
+    Acad::ErrorStatus readFile(AcDbDwgFiler& filer, sg::model::DwgForm& form);
+    Acad::ErrorStatus readOldFile(AcDbDwgFiler& filer);
     Acad::ErrorStatus fitBetween();
 
     AcGePoint3d position_, alignmentPoint_;

@@ -45,14 +45,15 @@ class SG_API VertexCurve : public AcDbCurve {
     Acad::ErrorStatus setTransparency(uint32_t transparency, bool doSubents = true) override;
     Acad::ErrorStatus setMaterial(AcDbObjectId material, bool doSubents = true) override;
 
-    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
-    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
-
   protected:
     VertexCurve();
 
-    // A new vertex as dwgInFields makes them.
+    // A new vertex as readVertices() makes them.
     virtual std::unique_ptr<AcDbEntity> newVertex() const = 0;
+
+    // Files the vertices, behind what the class has of its own.
+    Acad::ErrorStatus readVertices(AcDbDwgFiler* filer);
+    Acad::ErrorStatus writeVertices(AcDbDwgFiler* filer) const;
 
     // The vertex belongs to the database, and stays open for write, or to this from here on.
     Acad::ErrorStatus appendVertexEntity(AcDbObjectId& id, AcDbEntity* vertex);
@@ -107,6 +108,8 @@ class SG_API VertexCurve : public AcDbCurve {
         if (status == Acad::eOk && doSubents) visitForWrite(change);
         return status;
     }
+    Acad::ErrorStatus writeIds(AcDbDwgFiler* filer) const;
+    Acad::ErrorStatus readIds(AcDbDwgFiler* filer);
     // Gives the database what this still owns.
     void moveIntoDatabase();
     void addSequenceEnd();

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "host/system/temporary_folder.h"
+
 namespace sg {
 namespace {
 
@@ -129,6 +131,43 @@ TEST(OutputTest, AFailedSinkIsNotedAndLeftAlone) {
     output.print(L"late");
     EXPECT_FALSE(output.flush());
     EXPECT_EQ(recorder.out, "");
+}
+
+TEST(OutputTest, ATitleGoesToTerminalsWithWindows) {
+    const struct {
+        const char* terminal;
+        bool immediate;
+        const char* written;
+    } cases[] = {
+        {"xterm-256color", true, "\033[22;2t\033]2;Job 12\a\033]2; ]2;x  \u00e9\a\033[23;2t"},
+        {"xterm", false, ""},
+        {"linux", true, ""},
+        {"dumb", true, ""},
+        {"", true, ""},
+    };
+    for (const auto& [terminal, immediate, written] : cases) {
+        const WithEnvironment set("TERM", terminal);
+        Recorder recorder;
+        {
+            Output output(recorder.output(), recorder.error(), false, immediate);
+            output.setTitle(L"Job 12");
+            output.setTitle(L"\033]2;x\a\u009c\u00e9");
+            EXPECT_TRUE(output.atLineStart());
+        }
+        EXPECT_EQ(recorder.out, written) << terminal;
+    }
+}
+
+TEST(OutputTest, WhatIsInTheWayIsToldBeforeBytesGoOut) {
+    Recorder recorder;
+    Output output(recorder.output(), recorder.error());
+    output.setBeforeWrite([&] { recorder.order += '!'; });
+    output.print(L"a");
+    output.print(L"b");
+    EXPECT_EQ(recorder.order, "");
+    output.reportError(L"c");
+    output.flush();
+    EXPECT_EQ(recorder.order, "!1!2");
 }
 
 }  // namespace

@@ -163,6 +163,19 @@ TEST_F(ScriptInputTest, AWrongLineIsReportedAndAnswersAsEsc) {
                     "(Yes, No); the script has \"box retry\", which answers as Esc"));
 }
 
+TEST_F(ScriptInputTest, FileLinesAnswerChoosers) {
+    const auto script = parse(L"file /a/b c.dxf\nfile CANCEL\ntext x\nfile /d");
+    const FileRequest file{FileRequest::Kind::save, L"Save", L"/a", L"b", L"", {}};
+    EXPECT_EQ(script->file(file).value, L"/a/b c.dxf");
+    EXPECT_EQ(script->file(file).outcome, Outcome::cancelled);
+    EXPECT_EQ(script->file(file).outcome, Outcome::cancelled);
+    EXPECT_EQ(script->text({L"Name: "}).outcome, Outcome::cancelled) << "a file is no text";
+    EXPECT_EQ(script->file(file).outcome, Outcome::none);
+    EXPECT_THAT(reports_,
+                ElementsAre(HasSubstr("in.txt:3: the program asked for a file (\"Save\")"),
+                            HasSubstr("in.txt:4: ")));
+}
+
 TEST(MessageButtonsTest, DefaultAndEscape) {
     const struct {
         unsigned flags;
@@ -221,6 +234,32 @@ TEST_F(TerminalTest, BoxesTakeNamesAndTheirStarts) {
     EXPECT_THAT(toUtf8(printed_), HasSubstr("\nQuillon\nGo on?\n"));
 }
 
+TEST_F(TerminalTest, ChoosersShowWhereTheyAre) {
+    FileRequest file{FileRequest::Kind::open,
+                     L"Open",
+                     L"/jobs",
+                     L"",
+                     L"DWG Files (*.dwg)|*.dwg|DXF Files (*.dxf)|*.dxf||",
+                     {}};
+    lines_ = {L" a b.dwg ", L"", L"^C"};
+    EXPECT_EQ(terminal_.file(file).value, L"a b.dwg");
+    EXPECT_EQ(toUtf8(printed_), "\nOpen\nFolder: /jobs\nDWG Files (*.dwg), DXF Files (*.dxf)\n");
+    EXPECT_EQ(terminal_.file(file).outcome, Outcome::cancelled) << "Enter without a name";
+    EXPECT_EQ(terminal_.file(file).outcome, Outcome::cancelled);
+    EXPECT_EQ(terminal_.file(file).outcome, Outcome::none);
+
+    FileRequest folder{FileRequest::Kind::folder, L"Where?", L"", L"/jobs", L"", {L"/jobs", L"/x"}};
+    lines_ = {L"", L""};
+    printed_.clear();
+    EXPECT_EQ(terminal_.file(folder).value, L"/jobs");
+    EXPECT_EQ(toUtf8(printed_), "\nWhere?\n  /jobs\n  /x\n");
+    EXPECT_EQ(prompts_.back(), L"Folder name </jobs>: ");
+    folder.name.clear();
+    const auto empty = terminal_.file(folder);
+    EXPECT_EQ(empty.outcome, Outcome::answered) << "which the dialog refuses with its own words";
+    EXPECT_EQ(empty.value, L"");
+}
+
 TEST(TypedWordsTest, WordsAndTheRestOfTheLine) {
     TypedWords words;
     words.set(L"  10,20   two words  ");
@@ -249,7 +288,12 @@ TEST(InputChainTest, EachSourceAnswersWhatTheOnesBeforeDoNot) {
     EXPECT_EQ(chain.text({L"?"}), std::nullopt);
     EXPECT_THAT(reports, IsEmpty());
     EXPECT_EQ(chain.messageBox({L"Title", L"Text", MB_YESNO | MB_DEFBUTTON2}), int{IDNO});
-    EXPECT_THAT(reports, ElementsAre("message box \"Title\": Text [answered: No]"));
+    EXPECT_EQ(chain.file({FileRequest::Kind::save, L"Save", L"/a", L"b", L"", {}}), std::nullopt);
+    EXPECT_EQ(chain.file({FileRequest::Kind::folder, L"Where", L"", L"", L"", {}}), std::nullopt);
+    EXPECT_THAT(reports,
+                ElementsAre("message box \"Title\": Text [answered: No]",
+                            "file dialog \"Save\": b in /a [answered: Cancel]",
+                            "folder dialog \"Where\": in the current folder [answered: Cancel]"));
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "host/system/registry.h"
 
 #include <gmock/gmock.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -140,6 +141,51 @@ TEST_F(RegistryTest, ProcessesThatWriteAtOnceLoseNothing) {
         EXPECT_EQ(status, 0);
     }
     EXPECT_EQ(open().valueNames(kShared)->size(), size_t{kProcesses * kValues});
+}
+
+// A writer is killed at places all over its work; each time the registry is whole, has every value
+// that the writer had been told is stored, and is not kept locked.
+TEST_F(RegistryTest, AKilledWriterLeavesTheRegistryWhole) {
+    constexpr int kKills = 16;
+    int stored = 0;
+    for (int kill = 0; kill < kKills; ++kill) {
+        int ready[2];
+        ASSERT_EQ(pipe(ready), 0);
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            RegistryStore store(path("conf/registry"));
+            for (uint32_t i = static_cast<uint32_t>(stored) + 1;; ++i) {
+                const std::wstring filling(100 + i % 700, L'x');
+                store.write(kShared, L"filling", text(filling.c_str()), true);
+                store.write(kShared, L"count", i, true);
+                if (::write(ready[1], &i, sizeof(i)) != sizeof(i)) _exit(1);
+            }
+        }
+        close(ready[1]);
+        uint32_t told = 0, next = 0;
+        for (int rounds = kill % 4; rounds >= 0; --rounds)
+            ASSERT_EQ(::read(ready[0], &told, sizeof(told)), ssize_t{sizeof(told)});
+        usleep(static_cast<useconds_t>(kill * 53 % 700));  // where in the next round it is killed
+        ::kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        while (::read(ready[0], &next, sizeof(next)) == ssize_t{sizeof(next)})
+            told = next;
+        close(ready[0]);
+
+        RegistryStore store = open();
+        const auto count = store.read(kShared, L"count");
+        ASSERT_TRUE(count && std::holds_alternative<uint32_t>(*count));
+        EXPECT_GE(std::get<uint32_t>(*count), told);
+        EXPECT_LE(std::get<uint32_t>(*count), told + 1);
+        EXPECT_THAT(reports_, IsEmpty());
+        ASSERT_EQ(store.write(kShared, L"count", uint32_t{told}), RegistryError::none);
+        stored = static_cast<int>(told);
+    }
+    size_t files = 0;
+    for ([[maybe_unused]] const auto& each : std::filesystem::directory_iterator(folder_ / "conf"))
+        ++files;
+    EXPECT_LE(files, size_t{2 + kKills}) << "a kill leaves one file at most beside the registry";
 }
 
 TEST_F(RegistryTest, EditsByHandAreSeen) {

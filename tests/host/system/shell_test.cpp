@@ -86,6 +86,34 @@ TEST_F(ShellTest, TheFileManagerOpensTheFolderOfWhatItSelects) {
     EXPECT_EQ(shell_.start(L"explorer.exe /select," + path("none/x"), L""), Shell::kFileNotFound);
 }
 
+TEST_F(ShellTest, TheFileManagerSelects) {
+    EXPECT_EQ(shell_.select(L"/jobs", {L"/jobs/a b.dxf", L"/jobs/c.dxf"}), Shell::kStarted);
+    EXPECT_THAT(recorded(), ElementsAre("select", "/jobs", "/jobs/a b.dxf", "/jobs/c.dxf"));
+    EXPECT_EQ(shell_.select(L"/jobs", {}), Shell::kStarted);
+    EXPECT_THAT(recorded(), ElementsAre("open", "/jobs"));
+}
+
+TEST_F(ShellTest, WhereTheFileManagerCannotSelectItOpensTheFolder) {
+    const WithEnvironment none("SWIFTGATE_SHELL", "");
+    const WithEnvironment onlyHere("PATH", folder_.string() + ":/bin:/usr/bin");
+    write("xdg-open", "#!/bin/sh\nprintf '%s' \"$1\" > '" + full("opened") + "'\n");
+    write("dbus-send", "#!/bin/sh\nprintf '%s\\n' \"$@\" > '" + full("log") + "'\nexit 1\n");
+    makeExecutable("xdg-open");
+    makeExecutable("dbus-send");
+    EXPECT_EQ(shell_.select(path(), {L"/jobs/a b,\u00e9.dxf", L"/c"}), Shell::kStarted);
+    EXPECT_THAT(
+        recorded(),
+        ElementsAre("--session", "--print-reply", "--dest=org.freedesktop.FileManager1",
+                    "/org/freedesktop/FileManager1", "org.freedesktop.FileManager1.ShowItems",
+                    "array:string:file:///jobs/a%20b%2C%C3%A9.dxf,file:///c", "string:"));
+    EXPECT_EQ(read("opened"), folder_.string());
+
+    std::filesystem::remove(folder_ / "opened");
+    write("dbus-send", "#!/bin/sh\nexit 0\n");
+    EXPECT_EQ(shell_.select(path(), {L"/c"}), Shell::kStarted);
+    EXPECT_FALSE(exists("opened"));
+}
+
 TEST_F(ShellTest, WithoutTheSubstituteThingsReallyRun) {
     const WithEnvironment none("SWIFTGATE_SHELL", "");
     const WithEnvironment onlyHere("PATH", folder_.string());

@@ -10,7 +10,7 @@ CanvasDisplay::CanvasDisplay(render::Canvas& canvas, uint32_t ground)
 CanvasDisplay::~CanvasDisplay() = default;
 
 void CanvasDisplay::begin(AcDbDatabase& database) {
-    clear();
+    database_ = &database;
     render::DisplaySettings settings = render::DisplaySettings::of(database);
     settings.ground = ground_;
     settings.isDragging = true;
@@ -18,13 +18,15 @@ void CanvasDisplay::begin(AcDbDatabase& database) {
     draw_ = std::make_unique<render::EntityDraw>(canvas_, *looks_, settings);
 }
 
-void CanvasDisplay::show(AcGiDrawable& dragged) {
-    if (draw_ != nullptr) draw_->geometry().draw(&dragged);
+void CanvasDisplay::show(AcDbDatabase& database, AcGiDrawable& dragged) {
+    if (database_ != &database) begin(database);
+    draw_->geometry().draw(&dragged);
 }
 
 void CanvasDisplay::clear() {
     draw_.reset();
     looks_.reset();
+    database_ = nullptr;
 }
 
 void CountingCanvas::line(const render::Look&, std::span<const AcGePoint3d> given, bool,

@@ -17,14 +17,16 @@ class SG_API CanvasDisplay : public DragDisplay {
     CanvasDisplay(render::Canvas& canvas, uint32_t ground);
     ~CanvasDisplay() override;
 
-    void begin(AcDbDatabase& database) override;
-    void show(AcGiDrawable& dragged) override;
+    void show(AcDbDatabase& database, AcGiDrawable& dragged) override;
     void clear() override;
 
   private:
+    void begin(AcDbDatabase& database);
+
     render::Canvas& canvas_;
     const uint32_t ground_;
-    std::unique_ptr<render::Looks> looks_;  // null when nothing is being dragged
+    AcDbDatabase* database_ = nullptr;  // null when nothing shows; then there is no draw either
+    std::unique_ptr<render::Looks> looks_;
     std::unique_ptr<render::EntityDraw> draw_;
 };
 
@@ -55,8 +57,9 @@ class SG_API CountingCanvas final : public render::Canvas {
 class SG_API HeadlessDisplay final : public DragDisplay {
   public:
     HeadlessDisplay() : display_(canvas_, 0xFFFFFF) {}
-    void begin(AcDbDatabase& database) override { display_.begin(database); }
-    void show(AcGiDrawable& dragged) override { display_.show(dragged); }
+    void show(AcDbDatabase& database, AcGiDrawable& dragged) override {
+        display_.show(database, dragged);
+    }
     void clear() override { display_.clear(); }
 
   private:

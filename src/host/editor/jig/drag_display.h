@@ -12,10 +12,9 @@ namespace sg {
 class SG_API DragDisplay {
   public:
     virtual ~DragDisplay() = default;
-    // A drag in a drawing begins. Until it ends the drawing's tables stay as they are.
-    virtual void begin(AcDbDatabase& database) = 0;
-    // Shows the drawable in place of what was shown before. It may change afterwards.
-    virtual void show(AcGiDrawable& dragged) = 0;
+    // Shows the drawable, as one of this drawing, in place of what was shown before. It may change
+    // afterwards. The drawing's tables stay as they are until clear().
+    virtual void show(AcDbDatabase& database, AcGiDrawable& dragged) = 0;
     // Nothing shows any more; the drawable that was shown may be gone.
     virtual void clear() = 0;
 };

@@ -43,9 +43,7 @@ PromptResult resultOf(DragStatus status) {
 // Takes what is dragged off the screen however the drag ends.
 class Shown {
   public:
-    Shown(DragDisplay& display, AcDbDatabase& database) : display_(display) {
-        display_.begin(database);
-    }
+    explicit Shown(DragDisplay& display) : display_(display) {}
     ~Shown() { display_.clear(); }
     Shown(const Shown&) = delete;
     Shown& operator=(const Shown&) = delete;
@@ -71,7 +69,7 @@ JigDrag::JigDrag(AcEdJig& jig, const Prompter::Place& place, DragDisplay& displa
 // ---- The order of a drag ------------------------------------------------------------------------
 
 DragStatus JigDrag::run() {
-    const Shown shown(display_, place_.database);
+    const Shown shown(display_);
     ++counts_.drags;
     for (;;) {
         sample_.reset();
@@ -85,7 +83,7 @@ DragStatus JigDrag::run() {
 // A sample; kNormal when it is not confirmed and the drag goes on.
 DragStatus JigDrag::step() {
     ++counts_.samplers;
-    DragStatus status = jig_.sampler();
+    const DragStatus status = jig_.sampler();
     // A jig that has asked for nothing waits for the user all the same: else nothing could end it.
     const Sample& sample = acquire(Kind::point, std::nullopt);
     const bool isNormal = status == AcEdJig::kNormal || status == AcEdJig::kNoChange;
@@ -101,7 +99,7 @@ void JigDrag::show() {
     AcDbEntity* const entity = jig_.entity();
     if (entity == nullptr) return;
     ++counts_.redraws;
-    display_.show(*entity);
+    display_.show(place_.database, *entity);
 }
 
 // ---- What the sampler asks for ------------------------------------------------------------------
@@ -163,7 +161,7 @@ const JigDrag::Sample& JigDrag::acquire(Kind kind, const std::optional<AcGePoint
     if (sample_) return *sample_;
     const DragRequest request{kind, jig_.dispPrompt(),        jig_.keywordList(),
                               base, jig_.specialCursorType(), jig_.userInputControls()};
-    sample_.emplace();
+    sample_ = Sample();
     for (;;) {
         std::optional<DragAnswer> answer = place_.input.drag(request);
         if (!answer) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -11,7 +12,8 @@ struct AcDbBlockTableRecord::Contents {
     std::vector<AcDbObjectId> entities;  // in the order in which they were appended
     AcDbHardOwnershipId begin, end;
     std::wstring comments;
-    std::wstring path;  // of an external reference
+    std::wstring path;             // of an external reference
+    std::vector<uint8_t> preview;  // a picture of it, as files have it
 
     static constexpr size_t kNotFound = static_cast<size_t>(-1);
 

@@ -9,6 +9,9 @@ class SG_API AcDbBlockBegin : public AcDbEntity {
     ACRX_DECLARE_MEMBERS(AcDbBlockBegin)
     AcDbBlockBegin() = default;
 
+    // In DWG files it has the block's name.
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
     // The groups of the block that it begins: name, flags, base point, comments.
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;

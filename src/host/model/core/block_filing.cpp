@@ -1,4 +1,5 @@
 #include "host/model/core/block_contents.h"
+#include "host/model/core/dwg_form.h"
 #include "host/model/core/object_access.h"
 #include "host/model/tables/filing.h"
 
@@ -16,6 +17,7 @@ bool isFiledAlone(const AcDbDwgFiler& filer) {
 
 Acad::ErrorStatus AcDbBlockTableRecord::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbSymbolTableRecord::dwgOutFields(filer);
+    if (filer->dwgForm() != nullptr) return writeFile(*filer);
     filer->writePoint3d(origin_);
     filer->writeString(contents_->comments);
     filer->writeString(contents_->path);
@@ -23,6 +25,8 @@ Acad::ErrorStatus AcDbBlockTableRecord::dwgOutFields(AcDbDwgFiler* filer) const 
     filer->writeInt16(units_);
     filer->writeBool(explodable_);
     filer->writeBool(scaleUniformly_);
+    filer->writeUInt32(static_cast<uint32_t>(contents_->preview.size()));
+    filer->writeBytes(contents_->preview.data(), contents_->preview.size());
     if (isFiledAlone(*filer)) return filer->filerStatus();
     filer->writeHardOwnershipId(contents_->begin);
     filer->writeHardOwnershipId(contents_->end);
@@ -39,6 +43,7 @@ Acad::ErrorStatus AcDbBlockTableRecord::dwgOutFields(AcDbDwgFiler* filer) const 
 
 Acad::ErrorStatus AcDbBlockTableRecord::dwgInFields(AcDbDwgFiler* filer) {
     AcDbSymbolTableRecord::dwgInFields(filer);
+    if (filer->dwgForm() != nullptr) return readFile(*filer);
     filer->readPoint3d(&origin_);
     filer->readString(contents_->comments);
     filer->readString(contents_->path);
@@ -46,6 +51,7 @@ Acad::ErrorStatus AcDbBlockTableRecord::dwgInFields(AcDbDwgFiler* filer) {
     filer->readInt16(&units_);
     filer->readBool(&explodable_);
     filer->readBool(&scaleUniformly_);
+    sg::model::readBytes(filer, contents_->preview);
     if (isFiledAlone(*filer)) return filer->filerStatus();
     filer->readHardOwnershipId(&contents_->begin);
     filer->readHardOwnershipId(&contents_->end);

@@ -33,6 +33,11 @@ const AcRxClass* registeredClass(const wchar_t* name) {
 AcDbBlockTable::AcDbBlockTable() = default;
 AcDbBlockTable::~AcDbBlockTable() = default;
 
+std::span<const wchar_t* const> AcDbBlockTable::fixedRecords() const {
+    static constexpr const wchar_t* kSpaces[] = {L"*Model_Space", L"*Paper_Space"};
+    return kSpaces;
+}
+
 AcDbBlockTableRecord::AcDbBlockTableRecord() : contents_(std::make_unique<Contents>()) {}
 AcDbBlockTableRecord::~AcDbBlockTableRecord() = default;
 

@@ -1,6 +1,10 @@
 #include "host/model/core/dwg_form.h"
 
+#include <algorithm>
+#include <array>
+
 #include "host/model/core/proxies.h"
+#include "host/model/kept/kept_form.h"
 
 namespace sg::model {
 namespace {
@@ -12,11 +16,8 @@ void writeStream(AcDbDwgFiler& filer, const std::vector<uint8_t>& bytes, uint32_
 }
 
 void readStream(AcDbDwgFiler& filer, std::vector<uint8_t>& bytes, uint32_t& bits) {
-    uint32_t size = 0;
     filer.readUInt32(&bits);
-    filer.readUInt32(&size);
-    bytes.resize(filer.filerStatus() == Acad::eOk ? size : 0);
-    filer.readBytes(bytes.data(), bytes.size());
+    readBytes(&filer, bytes);
 }
 
 }  // namespace
@@ -51,9 +52,92 @@ Acad::ErrorStatus KeptBits::dwgIn(AcDbDwgFiler& filer) {
     return filer.filerStatus();
 }
 
+// ---- Bytes --------------------------------------------------------------------------------------
+
+Acad::ErrorStatus readBytes(AcDbDwgFiler* filer, std::vector<uint8_t>& bytes) {
+    constexpr size_t kPart = 1 << 16;
+    uint32_t rest = 0;
+    filer->readUInt32(&rest);
+    bytes.clear();
+    while (rest > 0 && filer->filerStatus() == Acad::eOk) {
+        const size_t part = std::min<size_t>(rest, kPart);
+        bytes.resize(bytes.size() + part);
+        filer->readBytes(bytes.data() + bytes.size() - part, part);
+        rest -= static_cast<uint32_t>(part);
+    }
+    return filer->filerStatus();
+}
+
+// ---- Parts of a whole ---------------------------------------------------------------------------
+
+Acad::ErrorStatus writePartCount(AcDbDwgFiler* filer, size_t count) {
+    if (hasLinkedParts(filer)) return filer->filerStatus();
+    return filer->writeUInt32(static_cast<uint32_t>(count));
+}
+
+Acad::ErrorStatus readPartCount(AcDbDwgFiler* filer, uint32_t& count) {
+    count = 0;
+    return hasLinkedParts(filer) ? filer->filerStatus() : filer->readUInt32(&count);
+}
+
+Acad::ErrorStatus writePartIds(AcDbDwgFiler* filer, const std::vector<AcDbHardOwnershipId>& parts) {
+    if (hasLinkedParts(filer)) {
+        const AcDbHardOwnershipId none;
+        filer->writeSoftPointerId(AcDbObjectId(parts.empty() ? none : parts.front()));
+        return filer->writeSoftPointerId(AcDbObjectId(parts.empty() ? none : parts.back()));
+    }
+    for (const AcDbHardOwnershipId& part : parts)
+        filer->writeHardOwnershipId(part);
+    return filer->filerStatus();
+}
+
+Acad::ErrorStatus readPartIds(AcDbDwgFiler* filer, uint32_t count,
+                              std::vector<AcDbHardOwnershipId>& parts) {
+    parts.clear();
+    if (hasLinkedParts(filer)) {
+        AcDbSoftPointerId first, last;
+        filer->readSoftPointerId(&first);
+        return filer->readSoftPointerId(&last);
+    }
+    while (count-- > 0 && filer->filerStatus() == Acad::eOk) {
+        AcDbHardOwnershipId part;
+        filer->readHardOwnershipId(&part);
+        if (!part.isNull()) parts.push_back(part);
+    }
+    return filer->filerStatus();
+}
+
+// ---- Line weights -------------------------------------------------------------------------------
+
+namespace {
+
+// By their numbers.
+constexpr std::array<int16_t, 24> kWeights = {0,  5,   9,   13,  15,  18,  20,  25,
+                                              30, 35,  40,  50,  53,  60,  70,  80,
+                                              90, 100, 106, 120, 140, 158, 200, 211};
+constexpr uint8_t kByLayer = 29;
+constexpr uint8_t kByBlock = 30;
+constexpr uint8_t kDefault = 31;
+
+}  // namespace
+
+uint8_t lineWeightCode(AcDb::LineWeight weight) {
+    if (weight == AcDb::kLnWtByLayer) return kByLayer;
+    if (weight == AcDb::kLnWtByBlock) return kByBlock;
+    const auto found = std::find(kWeights.begin(), kWeights.end(), weight);
+    return found == kWeights.end() ? kDefault : static_cast<uint8_t>(found - kWeights.begin());
+}
+
+AcDb::LineWeight lineWeightOf(uint8_t code) {
+    if (code == kByLayer) return AcDb::kLnWtByLayer;
+    if (code == kByBlock) return AcDb::kLnWtByBlock;
+    return code < kWeights.size() ? static_cast<AcDb::LineWeight>(kWeights[code])
+                                  : AcDb::kLnWtByLwDefault;
+}
+
 bool hasDwgForm(const AcDbObject& object, AcDb::AcDbDwgVersion release) {
     const ProxyData* const data = proxyData(object);
-    return data == nullptr || (data->bits != nullptr && data->bits->release == release);
+    return data == nullptr || keepsBitsFor(*data, release) || canWriteKept(*data, release);
 }
 
 }  // namespace sg::model

@@ -2,10 +2,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/model/core/memory_filers.h"
 #include "platform/db/color.h"
+#include "platform/db/entity.h"
 #include "platform/db/filers.h"
 
 // The form that objects have in DWG files.
@@ -35,7 +39,7 @@
 // the last of them; a class then writes these, reads and drops them, and the reader of DWG objects
 // puts the parts that it has read into place in the order of their links
 // (ObjectAccess::adoptPart(), BlockContents::append()). An end of the sequence is read in all
-// releases.
+// releases. Ids are read whatever kind they have in the file.
 namespace sg::model {
 
 // The class data of an object that no class reads, as a file has it.
@@ -84,10 +88,22 @@ class DwgForm {
     virtual Acad::ErrorStatus readColor(AcCmColor* value) = 0;  // CMC
     virtual Acad::ErrorStatus writeColor(const AcCmColor& value) = 0;
 
+    // A text that stands among bytes: in UTF-16 (little-endian) from release 2007 on, else in the
+    // file's code page, whose number in DWG files is codePage().
+    virtual std::string encode(const std::wstring& text) const = 0;
+    virtual std::wstring decode(std::string_view bytes, uint8_t codePage) const = 0;
+    virtual uint8_t codePage() const = 0;
+
+    // The block references that show a block, for writing it; in any order.
+    virtual std::span<const AcDbObjectId> referencesTo(AcDbObjectId) const { return {}; }
+
     // The class data of the object that is read, all of it, wherever reading stands; nothing is
     // read by this.
     virtual Acad::ErrorStatus keep(KeptBits& bits) = 0;
-    // Writes class data that a file of the same release had, in place of everything else.
+    // True when the class data has been read to its end.
+    virtual bool isRead() const { return true; }
+    // Writes class data that a file had, in place of everything else. Its release is the filer's,
+    // or an earlier one from 2007 on in which the class has the same form.
     virtual Acad::ErrorStatus writeKept(const KeptBits& bits) = 0;
 };
 
@@ -151,6 +167,29 @@ Acad::ErrorStatus readInt32As(AcDbDwgFiler* filer, Value& value) {
     return status;
 }
 
+// Bytes behind their number in 32 bits. They are read in parts, so that a damaged number asks for
+// no more memory than there is data.
+SG_API Acad::ErrorStatus readBytes(AcDbDwgFiler* filer, std::vector<uint8_t>& bytes);
+
+// ---- Parts of a whole ---------------------------------------------------------------------------
+
+// How many parts follow. Files before 2004 have no number.
+SG_API Acad::ErrorStatus writePartCount(AcDbDwgFiler* filer, size_t count);
+SG_API Acad::ErrorStatus readPartCount(AcDbDwgFiler* filer, uint32_t& count);
+// The parts' ids: all of them, in files before 2004 the first and the last, which are read for
+// nothing.
+SG_API Acad::ErrorStatus writePartIds(AcDbDwgFiler* filer,
+                                      const std::vector<AcDbHardOwnershipId>& parts);
+SG_API Acad::ErrorStatus readPartIds(AcDbDwgFiler* filer, uint32_t count,
+                                     std::vector<AcDbHardOwnershipId>& parts);
+
+// ---- Line weights -------------------------------------------------------------------------------
+
+// A line weight as the number that it has in entities and layers of DWG files, and back; what is
+// none is the default.
+SG_API uint8_t lineWeightCode(AcDb::LineWeight weight);
+SG_API AcDb::LineWeight lineWeightOf(uint8_t code);
+
 // ---- Releases -----------------------------------------------------------------------------------
 
 // In memory everything is in the form of the last release.
@@ -158,8 +197,13 @@ inline bool isBefore(const AcDbDwgFiler* filer, AcDb::AcDbDwgVersion release) {
     return filer->dwgVersion() < release;
 }
 
-// False for a proxy that a file of the release has no room for: neither does it keep bits of that
-// release, nor is the form of its class known.
+// True for a file that knows of its parts just the first and the last.
+inline bool hasLinkedParts(AcDbDwgFiler* filer) {
+    return filer->dwgForm() != nullptr && isBefore(filer, AcDb::kDHL_1018);
+}
+
+// False for a proxy that a file of the release has no room for: neither does it keep bits that will
+// do for it, nor is the form of its class known.
 SG_API bool hasDwgForm(const AcDbObject& object, AcDb::AcDbDwgVersion release);
 
 }  // namespace sg::model

@@ -4,6 +4,7 @@
 
 #include "base/text.h"
 #include "host/model/core/database_state.h"
+#include "host/model/core/dwg_form.h"
 #include "host/model/core/memory_filers.h"
 #include "host/model/core/object_access.h"
 #include "host/model/core/symbol_records.h"
@@ -249,6 +250,7 @@ Acad::ErrorStatus AcDbSymbolTable::subErase(bool) {
 Acad::ErrorStatus AcDbSymbolTable::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbObject::dwgOutFields(filer);
     if (filer->filerType() == AcDb::kUndoFiler) return filer->filerStatus();
+    if (filer->dwgForm() != nullptr) return writeFile(*filer);
     filer->writeUInt32(static_cast<uint32_t>(records_->ids.size()));
     for (const AcDbObjectId id : records_->ids)
         filer->writeSoftOwnershipId(id);
@@ -258,6 +260,7 @@ Acad::ErrorStatus AcDbSymbolTable::dwgOutFields(AcDbDwgFiler* filer) const {
 Acad::ErrorStatus AcDbSymbolTable::dwgInFields(AcDbDwgFiler* filer) {
     AcDbObject::dwgInFields(filer);
     if (filer->filerType() == AcDb::kUndoFiler) return filer->filerStatus();
+    if (filer->dwgForm() != nullptr) return readFile(*filer);
     uint32_t count = 0;
     filer->readUInt32(&count);
     std::vector<AcDbObjectId> ids;
@@ -268,6 +271,44 @@ Acad::ErrorStatus AcDbSymbolTable::dwgInFields(AcDbDwgFiler* filer) {
     }
     records_->assign(std::move(ids));
     return filer->filerStatus();
+}
+
+// Files have the fixed records behind the others, and count them not.
+Acad::ErrorStatus AcDbSymbolTable::writeFile(AcDbDwgFiler& filer) const {
+    std::vector<AcDbObjectId> fixed;
+    for (const wchar_t* const name : fixedRecords())
+        fixed.push_back(records_->find(name, false));
+    std::vector<AcDbObjectId> others;
+    for (const AcDbObjectId id : records_->ids) {
+        const bool isFixed = std::find(fixed.begin(), fixed.end(), id) != fixed.end();
+        if (!isFixed && !id.isErased()) others.push_back(id);
+    }
+    filer.writeUInt32(static_cast<uint32_t>(others.size()));
+    for (const AcDbObjectId id : others)
+        filer.writeSoftOwnershipId(id);
+    for (const AcDbObjectId id : fixed)
+        filer.writeHardOwnershipId(id);
+    return filer.filerStatus();
+}
+
+Acad::ErrorStatus AcDbSymbolTable::readFile(AcDbDwgFiler& filer) {
+    uint32_t count = 0;
+    filer.readUInt32(&count);
+    std::vector<AcDbObjectId> ids;
+    while (count-- > 0 && filer.filerStatus() == Acad::eOk) {
+        AcDbSoftOwnershipId id;
+        filer.readSoftOwnershipId(&id);
+        if (!id.isNull()) ids.push_back(id);
+    }
+    std::vector<AcDbObjectId> fixed;
+    for (size_t i = 0; i < fixedRecords().size(); ++i) {
+        AcDbHardOwnershipId id;
+        filer.readHardOwnershipId(&id);
+        if (!id.isNull()) fixed.push_back(id);
+    }
+    ids.insert(ids.begin(), fixed.begin(), fixed.end());
+    records_->assign(std::move(ids));
+    return filer.filerStatus();
 }
 
 Acad::ErrorStatus AcDbSymbolTable::dxfOutFields(AcDbDxfFiler* filer) const {

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "host/model/core/dwg_form.h"
 #include "host/model/curves/circular.h"
 #include "host/model/curves/ellipse.h"
 #include "host/model/curves/filing_groups.h"
@@ -225,10 +226,10 @@ Acad::ErrorStatus AcDbArc::dwgInFields(AcDbDwgFiler* filer) {
     if (status != Acad::eOk) return status;
     filer->readPoint3d(&center_);
     filer->readDouble(&radius_);
+    readThickness(filer, thickness_);
+    readExtrusion(filer, normal_);
     filer->readDouble(&start_);
     filer->readDouble(&end_);
-    filer->readVector3d(&normal_);
-    filer->readDouble(&thickness_);
     return filer->filerStatus();
 }
 
@@ -238,10 +239,10 @@ Acad::ErrorStatus AcDbArc::dwgOutFields(AcDbDwgFiler* filer) const {
     if (status != Acad::eOk) return status;
     filer->writePoint3d(center_);
     filer->writeDouble(radius_);
+    sg::model::writeThickness(filer, thickness_);
+    writeExtrusion(filer, normal_);
     filer->writeDouble(start_);
     filer->writeDouble(end_);
-    filer->writeVector3d(normal_);
-    filer->writeDouble(thickness_);
     return filer->filerStatus();
 }
 

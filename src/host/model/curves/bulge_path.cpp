@@ -140,18 +140,16 @@ BulgePath BulgePath::reversed() const {
     return result;
 }
 
-BulgePath BulgePath::transformed(const PlanarTransform& change) const {
-    BulgePath result = *this;
-    result.elevation = (change.ocs * AcGePoint3d(0, 0, elevation)).z;
-    result.normal = change.normal;
-    result.thickness = thickness * change.thicknessScale;
-    for (BulgeVertex& vertex : result.vertices) {
+void BulgePath::transformBy(const PlanarTransform& change) {
+    for (BulgeVertex& vertex : vertices) {
         vertex.point = flat(change.ocs * AcGePoint3d(vertex.point.x, vertex.point.y, elevation));
         if (change.turnsOver) vertex.bulge = -vertex.bulge;
         vertex.startWidth *= change.scale;
         vertex.endWidth *= change.scale;
     }
-    return result;
+    elevation = (change.ocs * AcGePoint3d(0, 0, elevation)).z;
+    normal = change.normal;
+    thickness *= change.thicknessScale;
 }
 
 void BulgePath::explode(AcDbVoidPtrArray& entities) const {

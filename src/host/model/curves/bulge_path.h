@@ -29,8 +29,8 @@ struct BulgePath {
     // The path between two parameters (vertex index and fraction); open.
     BulgePath part(double from, double to) const;
     BulgePath reversed() const;
-    // What the transform, which keeps arcs, makes of it.
-    BulgePath transformed(const PlanarTransform& change) const;
+    // By a transform that keeps arcs.
+    void transformBy(const PlanarTransform& change);
 
     bool hasWidth() const;
     void addExtents(AcDbExtents& extents) const;  // with widths and thickness

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "host/model/core/dwg_form.h"
 #include "host/model/curves/circular.h"
 #include "host/model/curves/ellipse.h"
 #include "host/model/curves/filing_groups.h"
@@ -150,8 +151,8 @@ Acad::ErrorStatus AcDbCircle::dwgInFields(AcDbDwgFiler* filer) {
     if (status != Acad::eOk) return status;
     filer->readPoint3d(&center_);
     filer->readDouble(&radius_);
-    filer->readVector3d(&normal_);
-    filer->readDouble(&thickness_);
+    readThickness(filer, thickness_);
+    readExtrusion(filer, normal_);
     return filer->filerStatus();
 }
 
@@ -161,8 +162,8 @@ Acad::ErrorStatus AcDbCircle::dwgOutFields(AcDbDwgFiler* filer) const {
     if (status != Acad::eOk) return status;
     filer->writePoint3d(center_);
     filer->writeDouble(radius_);
-    filer->writeVector3d(normal_);
-    filer->writeDouble(thickness_);
+    sg::model::writeThickness(filer, thickness_);
+    writeExtrusion(filer, normal_);
     return filer->filerStatus();
 }
 

@@ -251,8 +251,8 @@ Acad::ErrorStatus AcDbEllipse::dwgInFields(AcDbDwgFiler* filer) {
     const Acad::ErrorStatus status = AcDbCurve::dwgInFields(filer);
     if (status != Acad::eOk) return status;
     filer->readPoint3d(&center_);
-    filer->readVector3d(&normal_);
     filer->readVector3d(&major_);
+    filer->readVector3d(&normal_);
     filer->readDouble(&ratio_);
     filer->readDouble(&start_);
     filer->readDouble(&end_);
@@ -264,8 +264,8 @@ Acad::ErrorStatus AcDbEllipse::dwgOutFields(AcDbDwgFiler* filer) const {
     const Acad::ErrorStatus status = AcDbCurve::dwgOutFields(filer);
     if (status != Acad::eOk) return status;
     filer->writePoint3d(center_);
-    filer->writeVector3d(normal_);
     filer->writeVector3d(major_);
+    filer->writeVector3d(normal_);
     filer->writeDouble(ratio_);
     filer->writeDouble(start_);
     filer->writeDouble(end_);

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "host/model/core/dwg_form.h"
 #include "host/model/curves/filing_groups.h"
 #include "host/model/curves/listing.h"
 #include "host/model/curves/math/shape.h"
@@ -128,14 +129,50 @@ void AcDbLine::subList() const {
     listNormal(normal_);
 }
 
+namespace {
+
+// In files the ends are near to each other, and mostly on the ground.
+void writeEnds(DwgForm& form, AcDbDwgFiler& filer, const AcGePoint3d& start,
+               const AcGePoint3d& end) {
+    const bool isFlat = start.z == 0 && end.z == 0;
+    filer.writeBool(isFlat);
+    form.writeRawDouble(start.x);
+    form.writeNear(end.x, start.x);
+    form.writeRawDouble(start.y);
+    form.writeNear(end.y, start.y);
+    if (isFlat) return;
+    form.writeRawDouble(start.z);
+    form.writeNear(end.z, start.z);
+}
+
+void readEnds(DwgForm& form, AcDbDwgFiler& filer, AcGePoint3d& start, AcGePoint3d& end) {
+    bool isFlat = false;
+    filer.readBool(&isFlat);
+    form.readRawDouble(&start.x);
+    form.readNear(&end.x, start.x);
+    form.readRawDouble(&start.y);
+    form.readNear(&end.y, start.y);
+    start.z = end.z = 0;
+    if (isFlat) return;
+    form.readRawDouble(&start.z);
+    form.readNear(&end.z, start.z);
+}
+
+}  // namespace
+
 Acad::ErrorStatus AcDbLine::dwgInFields(AcDbDwgFiler* filer) {
     assertWriteEnabled();
     const Acad::ErrorStatus status = AcDbCurve::dwgInFields(filer);
     if (status != Acad::eOk) return status;
-    filer->readPoint3d(&start_);
-    filer->readPoint3d(&end_);
-    filer->readVector3d(&normal_);
-    filer->readDouble(&thickness_);
+    DwgForm* const form = filer->dwgForm();
+    if (form != nullptr && !isBefore(filer, AcDb::kDHL_1015)) {
+        readEnds(*form, *filer, start_, end_);
+    } else {
+        filer->readPoint3d(&start_);
+        filer->readPoint3d(&end_);
+    }
+    readThickness(filer, thickness_);
+    readExtrusion(filer, normal_);
     return filer->filerStatus();
 }
 
@@ -143,10 +180,14 @@ Acad::ErrorStatus AcDbLine::dwgOutFields(AcDbDwgFiler* filer) const {
     assertReadEnabled();
     const Acad::ErrorStatus status = AcDbCurve::dwgOutFields(filer);
     if (status != Acad::eOk) return status;
-    filer->writePoint3d(start_);
-    filer->writePoint3d(end_);
-    filer->writeVector3d(normal_);
-    filer->writeDouble(thickness_);
+    if (DwgForm* const form = filer->dwgForm()) {
+        writeEnds(*form, *filer, start_, end_);
+    } else {
+        filer->writePoint3d(start_);
+        filer->writePoint3d(end_);
+    }
+    sg::model::writeThickness(filer, thickness_);
+    writeExtrusion(filer, normal_);
     return filer->filerStatus();
 }
 

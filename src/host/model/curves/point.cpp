@@ -1,4 +1,5 @@
 #include "host/model/curves/point.h"
+#include "host/model/core/dwg_form.h"
 
 #include <algorithm>
 
@@ -156,8 +157,8 @@ Acad::ErrorStatus AcDbPoint::dwgInFields(AcDbDwgFiler* filer) {
     const Acad::ErrorStatus status = AcDbEntity::dwgInFields(filer);
     if (status != Acad::eOk) return status;
     filer->readPoint3d(&position_);
-    filer->readVector3d(&normal_);
-    filer->readDouble(&thickness_);
+    readThickness(filer, thickness_);
+    readExtrusion(filer, normal_);
     filer->readDouble(&rotation_);
     return filer->filerStatus();
 }
@@ -167,8 +168,8 @@ Acad::ErrorStatus AcDbPoint::dwgOutFields(AcDbDwgFiler* filer) const {
     const Acad::ErrorStatus status = AcDbEntity::dwgOutFields(filer);
     if (status != Acad::eOk) return status;
     filer->writePoint3d(position_);
-    filer->writeVector3d(normal_);
-    filer->writeDouble(thickness_);
+    sg::model::writeThickness(filer, thickness_);
+    writeExtrusion(filer, normal_);
     filer->writeDouble(rotation_);
     return filer->filerStatus();
 }

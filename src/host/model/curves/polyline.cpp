@@ -233,7 +233,13 @@ Acad::ErrorStatus AcDbPolyline::subTransformBy(const AcGeMatrix3d& transform) {
     assertWriteEnabled();
     const PlanarTransform change(normal_, transform);
     if (!change.keepsArcs(thickness_)) return Acad::eCannotScaleNonUniformly;
-    setPath(path().transformed(change));
+    // Drags move many polylines many times: the vertices stay where they are in memory.
+    BulgePath moved{std::move(vertices_), closed_, elevation_, thickness_, normal_};
+    moved.transformBy(change);
+    vertices_ = std::move(moved.vertices);
+    elevation_ = moved.elevation;
+    thickness_ = moved.thickness;
+    normal_ = moved.normal;
     return Acad::eOk;
 }
 

@@ -1,5 +1,6 @@
 #include "platform/db/polyline_2d.h"
 
+#include "host/model/core/dwg_form.h"
 #include "host/model/curves/bulge_path.h"
 #include "host/model/curves/filing_groups.h"
 #include "host/model/curves/listing.h"
@@ -268,36 +269,6 @@ void AcDb2dPolyline::subList() const {
     listNormal(normal_);
 }
 
-Acad::ErrorStatus AcDb2dPolyline::dwgOutFields(AcDbDwgFiler* filer) const {
-    assertReadEnabled();
-    const Acad::ErrorStatus status = VertexCurve::dwgOutFields(filer);
-    if (status != Acad::eOk) return status;
-    for (const double value : {startWidth_, endWidth_, elevation_, thickness_}) {
-        filer->writeDouble(value);
-    }
-    filer->writeVector3d(normal_);
-    filer->writeUInt8(static_cast<uint8_t>(type_));
-    filer->writeBool(closed_);
-    filer->writeBool(plinegen_);
-    return filer->filerStatus();
-}
-
-Acad::ErrorStatus AcDb2dPolyline::dwgInFields(AcDbDwgFiler* filer) {
-    assertWriteEnabled();
-    const Acad::ErrorStatus status = VertexCurve::dwgInFields(filer);
-    if (status != Acad::eOk) return status;
-    for (double* const value : {&startWidth_, &endWidth_, &elevation_, &thickness_}) {
-        filer->readDouble(value);
-    }
-    filer->readVector3d(&normal_);
-    uint8_t type = 0;
-    filer->readUInt8(&type);
-    type_ = static_cast<AcDb::Poly2dType>(type & 3);
-    filer->readBool(&closed_);
-    filer->readBool(&plinegen_);
-    return filer->filerStatus();
-}
-
 namespace {
 
 enum PolylineFlag { kClosedFlag = 1, kFitFlag = 2, kSplineFlag = 4, kPlinegenFlag = 128 };
@@ -311,7 +282,56 @@ AcDb::Poly2dType polyTypeOf(int flags, int surface) {
     return (flags & kFitFlag) != 0 ? AcDb::k2dFitCurvePoly : AcDb::k2dSimplePoly;
 }
 
+bool isSpline(AcDb::Poly2dType type) {
+    return type == AcDb::k2dQuadSplinePoly || type == AcDb::k2dCubicSplinePoly;
+}
+
+int16_t flagsOf(const AcDb2dPolyline& line) {
+    int flags = (line.isClosed() ? kClosedFlag : 0) | (isSpline(line.polyType()) ? kSplineFlag : 0);
+    if (line.polyType() == AcDb::k2dFitCurvePoly) flags |= kFitFlag;
+    if (line.isLinetypeGenerationOn()) flags |= kPlinegenFlag;
+    return static_cast<int16_t>(flags);
+}
+
+int16_t surfaceOf(AcDb::Poly2dType type) {
+    if (!isSpline(type)) return 0;
+    return type == AcDb::k2dQuadSplinePoly ? kQuadratic : kCubic;
+}
+
 }  // namespace
+
+Acad::ErrorStatus AcDb2dPolyline::dwgOutFields(AcDbDwgFiler* filer) const {
+    assertReadEnabled();
+    const Acad::ErrorStatus status = VertexCurve::dwgOutFields(filer);
+    if (status != Acad::eOk) return status;
+    filer->writeInt16(flagsOf(*this));
+    filer->writeInt16(surfaceOf(type_));
+    filer->writeDouble(startWidth_);
+    filer->writeDouble(endWidth_);
+    sg::model::writeThickness(filer, thickness_);
+    filer->writeDouble(elevation_);
+    writeExtrusion(filer, normal_);
+    return writeVertices(filer);
+}
+
+Acad::ErrorStatus AcDb2dPolyline::dwgInFields(AcDbDwgFiler* filer) {
+    assertWriteEnabled();
+    const Acad::ErrorStatus status = VertexCurve::dwgInFields(filer);
+    if (status != Acad::eOk) return status;
+    int16_t flags = 0;
+    int16_t surface = 0;
+    filer->readInt16(&flags);
+    filer->readInt16(&surface);
+    type_ = polyTypeOf(flags, surface);
+    closed_ = (flags & kClosedFlag) != 0;
+    plinegen_ = (flags & kPlinegenFlag) != 0;
+    filer->readDouble(&startWidth_);
+    filer->readDouble(&endWidth_);
+    readThickness(filer, thickness_);
+    filer->readDouble(&elevation_);
+    readExtrusion(filer, normal_);
+    return readVertices(filer);
+}
 
 Acad::ErrorStatus AcDb2dPolyline::dxfInFields(AcDbDxfFiler* filer) {
     assertWriteEnabled();
@@ -362,17 +382,13 @@ Acad::ErrorStatus AcDb2dPolyline::dxfOutFields(AcDbDxfFiler* filer) const {
     const Acad::ErrorStatus status = VertexCurve::dxfOutFields(filer);
     if (status != Acad::eOk) return status;
     const bool all = showsDefaults(filer);
-    const bool quadratic = type_ == AcDb::k2dQuadSplinePoly;
-    const bool spline = quadratic || type_ == AcDb::k2dCubicSplinePoly;
-    const int flags = (closed_ ? kClosedFlag : 0) |
-                      (type_ == AcDb::k2dFitCurvePoly ? kFitFlag : 0) | (spline ? kSplineFlag : 0) |
-                      (plinegen_ ? kPlinegenFlag : 0);
-    const int surface = spline ? (quadratic ? kQuadratic : kCubic) : 0;
+    const int16_t flags = flagsOf(*this);
+    const int16_t surface = surfaceOf(type_);
     filer->writeString(100, L"AcDb2dPolyline");
     filer->writeInt16(66, 1);
     filer->writePoint3d(10, {0, 0, elevation_});
     writeThickness(filer, thickness_);
-    if (all || flags != 0) filer->writeInt16(70, static_cast<int16_t>(flags));
+    if (all || flags != 0) filer->writeInt16(70, flags);
     if (all || startWidth_ != 0 || endWidth_ != 0) {
         filer->writeDouble(40, startWidth_);
         filer->writeDouble(41, endWidth_);
@@ -382,6 +398,6 @@ Acad::ErrorStatus AcDb2dPolyline::dxfOutFields(AcDbDxfFiler* filer) const {
         for (const int code : {71, 72, 73, 74})
             filer->writeInt16(code, 0);
     }
-    if (all || surface != 0) filer->writeInt16(75, static_cast<int16_t>(surface));
+    if (all || surface != 0) filer->writeInt16(75, surface);
     return filer->filerStatus();
 }

@@ -1,3 +1,4 @@
+#include "host/model/core/dwg_form.h"
 #include "host/model/curves/filing_groups.h"
 #include "host/model/curves/polyline_3d.h"
 #include "host/model/tables/filing.h"
@@ -18,27 +19,37 @@ enum Polyline3dFlag { kClosedFlag = 1, kSplineFlag = 4, kPolylineIn3d = 8 };
 constexpr int kQuadratic = 5;  // of group 75
 constexpr int kCubic = 6;
 
+AcDb::Vertex3dType typeOf(int flags) {
+    if ((flags & kFrame) != 0) return AcDb::k3dControlVertex;
+    return (flags & kSplineFitted) != 0 ? AcDb::k3dFitVertex : AcDb::k3dSimpleVertex;
+}
+
+int flagsOf(AcDb::Vertex3dType type) {
+    if (type == AcDb::k3dControlVertex) return kVertexIn3d | kFrame;
+    return type == AcDb::k3dFitVertex ? kVertexIn3d | kSplineFitted : kVertexIn3d;
+}
+
+// How a DWG object has the polyline's spline.
+enum SplineBit : uint8_t { kQuadraticBit = 1, kCubicBit = 2 };
+
 }  // namespace
 
 Acad::ErrorStatus AcDb3dPolylineVertex::dwgOutFields(AcDbDwgFiler* filer) const {
     assertReadEnabled();
     const Acad::ErrorStatus status = AcDbVertex::dwgOutFields(filer);
     if (status != Acad::eOk) return status;
-    filer->writePoint3d(position_);
-    filer->writeUInt8(static_cast<uint8_t>(type_));
-    return filer->filerStatus();
+    filer->writeUInt8(static_cast<uint8_t>(flagsOf(type_)));
+    return filer->writePoint3d(position_);
 }
 
 Acad::ErrorStatus AcDb3dPolylineVertex::dwgInFields(AcDbDwgFiler* filer) {
     assertWriteEnabled();
     const Acad::ErrorStatus status = AcDbVertex::dwgInFields(filer);
     if (status != Acad::eOk) return status;
-    uint8_t type = 0;
-    filer->readPoint3d(&position_);
-    filer->readUInt8(&type);
-    type_ =
-        type <= AcDb::k3dFitVertex ? static_cast<AcDb::Vertex3dType>(type) : AcDb::k3dSimpleVertex;
-    return filer->filerStatus();
+    uint8_t flags = 0;
+    filer->readUInt8(&flags);
+    type_ = typeOf(flags);
+    return filer->readPoint3d(&position_);
 }
 
 Acad::ErrorStatus AcDb3dPolylineVertex::dxfInFields(AcDbDxfFiler* filer) {
@@ -49,10 +60,7 @@ Acad::ErrorStatus AcDb3dPolylineVertex::dxfInFields(AcDbDxfFiler* filer) {
     while (fields.next()) {
         if (fields.code() == 10) position_ = fields.point();
         if (fields.code() != 70) continue;
-        const int flags = fields.integer();
-        type_ = (flags & kFrame) != 0          ? AcDb::k3dControlVertex
-                : (flags & kSplineFitted) != 0 ? AcDb::k3dFitVertex
-                                               : AcDb::k3dSimpleVertex;
+        type_ = typeOf(fields.integer());
     }
     return filer->filerStatus();
 }
@@ -62,16 +70,13 @@ Acad::ErrorStatus AcDb3dPolylineVertex::dxfOutFields(AcDbDxfFiler* filer) const 
     const Acad::ErrorStatus status = AcDbVertex::dxfOutFields(filer);
     if (status != Acad::eOk) return status;
     const bool all = showsDefaults(filer);
-    const int kind = type_ == AcDb::k3dControlVertex ? kFrame
-                     : type_ == AcDb::k3dFitVertex   ? kSplineFitted
-                                                     : 0;
     filer->writeString(100, L"AcDb3dPolylineVertex");
     filer->writePoint3d(10, position_);
     if (all) {
         for (const int code : {40, 41, 42})
             filer->writeDouble(code, 0);
     }
-    filer->writeInt16(70, static_cast<int16_t>(kVertexIn3d | kind));
+    filer->writeInt16(70, static_cast<int16_t>(flagsOf(type_)));
     if (all) {
         filer->writeDouble(50, 0);
         for (const int code : {71, 72, 73, 74})
@@ -84,21 +89,26 @@ Acad::ErrorStatus AcDb3dPolyline::dwgOutFields(AcDbDwgFiler* filer) const {
     assertReadEnabled();
     const Acad::ErrorStatus status = VertexCurve::dwgOutFields(filer);
     if (status != Acad::eOk) return status;
-    filer->writeUInt8(static_cast<uint8_t>(type_));
-    filer->writeBool(closed_);
-    return filer->filerStatus();
+    filer->writeUInt8(type_ == AcDb::k3dQuadSplinePoly    ? kQuadraticBit
+                      : type_ == AcDb::k3dCubicSplinePoly ? kCubicBit
+                                                          : 0);
+    filer->writeUInt8(closed_ ? kClosedFlag : 0);
+    return writeVertices(filer);
 }
 
 Acad::ErrorStatus AcDb3dPolyline::dwgInFields(AcDbDwgFiler* filer) {
     assertWriteEnabled();
     const Acad::ErrorStatus status = VertexCurve::dwgInFields(filer);
     if (status != Acad::eOk) return status;
-    uint8_t type = 0;
-    filer->readUInt8(&type);
-    type_ = type <= AcDb::k3dCubicSplinePoly ? static_cast<AcDb::Poly3dType>(type)
-                                             : AcDb::k3dSimplePoly;
-    filer->readBool(&closed_);
-    return filer->filerStatus();
+    uint8_t spline = 0;
+    uint8_t flags = 0;
+    filer->readUInt8(&spline);
+    filer->readUInt8(&flags);
+    type_ = (spline & kQuadraticBit) != 0 ? AcDb::k3dQuadSplinePoly
+            : (spline & kCubicBit) != 0   ? AcDb::k3dCubicSplinePoly
+                                          : AcDb::k3dSimplePoly;
+    closed_ = (flags & kClosedFlag) != 0;
+    return readVertices(filer);
 }
 
 Acad::ErrorStatus AcDb3dPolyline::dxfInFields(AcDbDxfFiler* filer) {

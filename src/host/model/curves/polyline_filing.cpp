@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "host/model/core/dwg_form.h"
 #include "host/model/curves/filing_groups.h"
 #include "host/model/curves/planar.h"
 #include "host/model/tables/filing.h"
@@ -8,28 +9,114 @@
 using namespace sg::model;
 
 namespace {
+
 enum PolylineFlag { kClosedFlag = 1, kPlinegenFlag = 128 };  // of group 70
+
+// What a DWG object has of the polyline.
+enum Present : int16_t {
+    kNormal = 1,
+    kThickness = 2,
+    kConstantWidth = 4,
+    kElevation = 8,
+    kBulges = 16,
+    kWidths = 32,
+    kPlinegen = 256,
+    kClosed = 512,
+    kIdentifiers = 1024,  // from release 2010 on
+};
+
+// Filers in memory get everything, so that nothing comes back otherwise than it was.
+int presentOf(AcDbDwgFiler* filer, const AcDbPolyline& line, bool hasIdentifiers) {
+    int present = (line.hasPlinegen() ? kPlinegen : 0) | (line.isClosed() ? kClosed : 0);
+    if (hasIdentifiers && !isBefore(filer, AcDb::kDHL_1024)) present |= kIdentifiers;
+    if (filer->dwgForm() == nullptr) {
+        return present | kNormal | kThickness | kElevation | kBulges | kWidths;
+    }
+    if (line.normal() != AcGeVector3d::kZAxis) present |= kNormal;
+    if (line.thickness() != 0) present |= kThickness;
+    if (line.elevation() != 0) present |= kElevation;
+    if (line.hasBulges()) present |= kBulges;
+    double width = 0;
+    const bool isConstant = line.getConstantWidth(width) == Acad::eOk;
+    if (isConstant && width != 0) present |= kConstantWidth;
+    if (!isConstant && line.hasWidth()) present |= kWidths;
+    return present;
 }
+
+// From release 2000 on a file has each point near to the one before.
+void writePoints(AcDbDwgFiler& filer, const std::vector<BulgeVertex>& vertices) {
+    DwgForm* const form = isBefore(&filer, AcDb::kDHL_1015) ? nullptr : filer.dwgForm();
+    for (size_t i = 0; i < vertices.size(); ++i) {
+        const AcGePoint2d& point = vertices[i].point;
+        if (form == nullptr || i == 0) {
+            filer.writePoint2d(point);
+            continue;
+        }
+        form->writeNear(point.x, vertices[i - 1].point.x);
+        form->writeNear(point.y, vertices[i - 1].point.y);
+    }
+}
+
+void readPoints(AcDbDwgFiler& filer, uint32_t count, std::vector<BulgeVertex>& vertices) {
+    DwgForm* const form = isBefore(&filer, AcDb::kDHL_1015) ? nullptr : filer.dwgForm();
+    vertices.clear();
+    AcGePoint2d point;
+    for (uint32_t i = 0; i < count && filer.filerStatus() == Acad::eOk; ++i) {
+        if (form == nullptr || i == 0) {
+            filer.readPoint2d(&point);
+        } else {
+            form->readNear(&point.x, point.x);
+            form->readNear(&point.y, point.y);
+        }
+        vertices.emplace_back().point = point;
+    }
+}
+
+// A list with its own length, of which there may be as many as there are vertices.
+uint32_t readLength(AcDbDwgFiler& filer, int present, Present part) {
+    uint32_t length = 0;
+    if ((present & part) != 0) filer.readUInt32(&length);
+    return length;
+}
+
+// Items beyond the last vertex are read and left.
+template <class Item, class Read>
+void readInto(AcDbDwgFiler& filer, uint32_t length, std::vector<Item>& items, const Read& read) {
+    Item unused{};
+    for (uint32_t i = 0; i < length && filer.filerStatus() == Acad::eOk; ++i)
+        read(i < items.size() ? items[i] : unused);
+}
+
+}  // namespace
 
 Acad::ErrorStatus AcDbPolyline::dwgOutFields(AcDbDwgFiler* filer) const {
     assertReadEnabled();
     const Acad::ErrorStatus status = AcDbCurve::dwgOutFields(filer);
     if (status != Acad::eOk) return status;
-    filer->writeBool(closed_);
-    filer->writeBool(plinegen_);
-    filer->writeDouble(elevation_);
-    filer->writeDouble(thickness_);
-    filer->writeVector3d(normal_);
+    const int present = presentOf(filer, *this, !identifiers_.empty());
+    filer->writeInt16(static_cast<int16_t>(present));
+    if ((present & kConstantWidth) != 0) filer->writeDouble(vertices_.front().startWidth);
+    if ((present & kElevation) != 0) filer->writeDouble(elevation_);
+    if ((present & kThickness) != 0) filer->writeDouble(thickness_);
+    if ((present & kNormal) != 0) filer->writeVector3d(normal_);
     filer->writeUInt32(numVerts());
+    for (const Present list : {kBulges, kIdentifiers, kWidths}) {
+        if ((present & list) != 0) filer->writeUInt32(numVerts());
+    }
+    writePoints(*filer, vertices_);
+    if ((present & kBulges) != 0) {
+        for (const BulgeVertex& vertex : vertices_)
+            filer->writeDouble(vertex.bulge);
+    }
+    if ((present & kIdentifiers) != 0) {
+        for (const int32_t identifier : identifiers_)
+            filer->writeInt32(identifier);
+    }
+    if ((present & kWidths) == 0) return filer->filerStatus();
     for (const BulgeVertex& vertex : vertices_) {
-        filer->writePoint2d(vertex.point);
-        filer->writeDouble(vertex.bulge);
         filer->writeDouble(vertex.startWidth);
         filer->writeDouble(vertex.endWidth);
     }
-    filer->writeBool(!identifiers_.empty());
-    for (const int32_t identifier : identifiers_)
-        filer->writeInt32(identifier);
     return filer->filerStatus();
 }
 
@@ -37,26 +124,36 @@ Acad::ErrorStatus AcDbPolyline::dwgInFields(AcDbDwgFiler* filer) {
     assertWriteEnabled();
     const Acad::ErrorStatus status = AcDbCurve::dwgInFields(filer);
     if (status != Acad::eOk) return status;
-    filer->readBool(&closed_);
-    filer->readBool(&plinegen_);
-    filer->readDouble(&elevation_);
-    filer->readDouble(&thickness_);
-    filer->readVector3d(&normal_);
+    int16_t present = 0;
+    double width = 0;
     uint32_t count = 0;
+    elevation_ = thickness_ = 0;
+    normal_ = AcGeVector3d::kZAxis;
+    filer->readInt16(&present);
+    closed_ = (present & kClosed) != 0;
+    plinegen_ = (present & kPlinegen) != 0;
+    if ((present & kConstantWidth) != 0) filer->readDouble(&width);
+    if ((present & kElevation) != 0) filer->readDouble(&elevation_);
+    if ((present & kThickness) != 0) filer->readDouble(&thickness_);
+    if ((present & kNormal) != 0) filer->readVector3d(&normal_);
     filer->readUInt32(&count);
-    vertices_.clear();
-    for (uint32_t i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i) {
-        BulgeVertex& vertex = vertices_.emplace_back();
-        filer->readPoint2d(&vertex.point);
-        filer->readDouble(&vertex.bulge);
+    const uint32_t bulges = readLength(*filer, present, kBulges);
+    const uint32_t identifiers = readLength(*filer, present, kIdentifiers);
+    const uint32_t widths = readLength(*filer, present, kWidths);
+    readPoints(*filer, count, vertices_);
+    readInto(*filer, bulges, vertices_,
+             [&](BulgeVertex& vertex) { filer->readDouble(&vertex.bulge); });
+    identifiers_.assign((present & kIdentifiers) != 0 ? vertices_.size() : 0, 0);
+    readInto(*filer, identifiers, identifiers_,
+             [&](int32_t& identifier) { filer->readInt32(&identifier); });
+    if ((present & kWidths) == 0) {
+        for (BulgeVertex& vertex : vertices_)
+            vertex.startWidth = vertex.endWidth = width;
+    }
+    readInto(*filer, widths, vertices_, [&](BulgeVertex& vertex) {
         filer->readDouble(&vertex.startWidth);
         filer->readDouble(&vertex.endWidth);
-    }
-    bool identified = false;
-    filer->readBool(&identified);
-    identifiers_.assign(identified ? vertices_.size() : 0, 0);
-    for (int32_t& identifier : identifiers_)
-        filer->readInt32(&identifier);
+    });
     return filer->filerStatus();
 }
 

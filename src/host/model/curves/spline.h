@@ -75,6 +75,14 @@ class SG_API AcDbSpline : public AcDbCurve {
     }
     Acad::ErrorStatus movePoints(const AcDbIntArray& indices, const AcGeVector3d& offset);
     struct Groups;
+    // As files have it: by its control points or by its fit points.
+    bool isMadeByFit() const;
+    Acad::ErrorStatus writeFile(AcDbDwgFiler& filer) const;
+    Acad::ErrorStatus readFile(AcDbDwgFiler& filer);
+    void writeControls(AcDbDwgFiler& filer) const;
+    void readControls(AcDbDwgFiler& filer);
+    void writeFit(AcDbDwgFiler& filer) const;
+    void readFit(AcDbDwgFiler& filer);
 
     sg::model::Nurbs curve_;
     std::vector<AcGePoint3d> fitPoints_;

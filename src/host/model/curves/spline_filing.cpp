@@ -1,3 +1,6 @@
+#include <algorithm>
+
+#include "host/model/core/dwg_form.h"
 #include "host/model/curves/filing_groups.h"
 #include "host/model/curves/math/shape.h"
 #include "host/model/curves/spline.h"
@@ -35,6 +38,7 @@ Acad::ErrorStatus AcDbSpline::dwgOutFields(AcDbDwgFiler* filer) const {
     assertReadEnabled();
     const Acad::ErrorStatus status = AcDbCurve::dwgOutFields(filer);
     if (status != Acad::eOk) return status;
+    if (filer->dwgForm() != nullptr) return writeFile(*filer);
     const auto point = [&](const AcGePoint3d& value) { filer->writePoint3d(value); };
     const auto real = [&](double value) { filer->writeDouble(value); };
     filer->writeInt32(curve_.degree);
@@ -54,6 +58,7 @@ Acad::ErrorStatus AcDbSpline::dwgInFields(AcDbDwgFiler* filer) {
     assertWriteEnabled();
     const Acad::ErrorStatus status = AcDbCurve::dwgInFields(filer);
     if (status != Acad::eOk) return status;
+    if (filer->dwgForm() != nullptr) return readFile(*filer);
     const auto point = [&](AcGePoint3d& value) { filer->readPoint3d(&value); };
     const auto real = [&](double& value) { filer->readDouble(&value); };
     filer->readInt32(&curve_.degree);
@@ -67,6 +72,146 @@ Acad::ErrorStatus AcDbSpline::dwgInFields(AcDbDwgFiler* filer) {
     filer->readBool(&closed_);
     filer->readBool(&periodic_);
     return filer->filerStatus();
+}
+
+// ---- In files -----------------------------------------------------------------------------------
+
+namespace {
+
+enum Shaping { kByControls = 1, kByFit = 2 };
+// From release 2013 on.
+enum SplineBit { kFitMethod = 1, kClosedFit = 4, kUsesKnots = 8 };
+constexpr int32_t kChordKnots = 0;
+constexpr int32_t kCustomKnots = 15;
+
+bool areSame(const Nurbs& a, const Nurbs& b) {
+    constexpr double kNear = 1e-9;
+    if (a.degree != b.degree || a.controls.size() != b.controls.size()) return false;
+    double size = 1;
+    for (const AcGePoint3d& point : a.controls)
+        size = std::max(size, point.asVector().length());
+    for (size_t i = 0; i < a.controls.size(); ++i) {
+        if (a.controls[i].distanceTo(b.controls[i]) > kNear * size) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+// A file has either the control points or the fit points. The latter, where they make the curve
+// that the spline is.
+bool AcDbSpline::isMadeByFit() const {
+    if (fitPoints_.size() < 2 || periodic_) return false;
+    AcDbSpline again;
+    again.fitPoints_ = fitPoints_;
+    again.startTangent_ = startTangent_;
+    again.endTangent_ = endTangent_;
+    again.fitTolerance_ = fitTolerance_;
+    again.closed_ = closed_;
+    again.periodic_ = periodic_;
+    return again.refit() && areSame(again.curve_, curve_);
+}
+
+Acad::ErrorStatus AcDbSpline::writeFile(AcDbDwgFiler& filer) const {
+    // Whether a curve by fit points is closed is known from release 2013 on.
+    const bool isOld = isBefore(&filer, AcDb::kDHL_1027);
+    const bool isFit = !(isOld && closed_) && isMadeByFit();
+    filer.writeInt32(isFit ? kByFit : kByControls);
+    if (!isOld) {
+        const int bits = (isFit ? kFitMethod : 0) | (closed_ ? kClosedFit : 0) | kUsesKnots;
+        filer.writeInt32(bits);
+        filer.writeInt32(isFit ? kChordKnots : kCustomKnots);
+    }
+    filer.writeInt32(curve_.degree);
+    if (isFit) {
+        writeFit(filer);
+    } else {
+        writeControls(filer);
+    }
+    return filer.filerStatus();
+}
+
+Acad::ErrorStatus AcDbSpline::readFile(AcDbDwgFiler& filer) {
+    int32_t shaping = 0;
+    filer.readInt32(&shaping);
+    closed_ = periodic_ = false;
+    if (!isBefore(&filer, AcDb::kDHL_1027)) {
+        int32_t bits = 0;
+        int32_t knots = 0;
+        filer.readInt32(&bits);
+        filer.readInt32(&knots);
+        closed_ = (bits & kClosedFit) != 0;
+        if ((bits & kFitMethod) != 0) shaping = kByFit;
+        if (knots == kCustomKnots) shaping = kByControls;
+    }
+    filer.readInt32(&curve_.degree);
+    if ((shaping & kByControls) != 0) {
+        readControls(filer);
+    } else {
+        readFit(filer);
+    }
+    if (filer.filerStatus() == Acad::eOk && !curve_.isValid()) {
+        filer.setFilerStatus(Acad::eInvalidInput);
+    }
+    return filer.filerStatus();
+}
+
+void AcDbSpline::writeControls(AcDbDwgFiler& filer) const {
+    filer.writeBool(isRational());
+    filer.writeBool(closed_);
+    filer.writeBool(periodic_);
+    filer.writeDouble(AcGeContext::gTol.equalPoint());
+    filer.writeDouble(AcGeContext::gTol.equalPoint());
+    filer.writeUInt32(static_cast<uint32_t>(curve_.knots.size()));
+    filer.writeUInt32(static_cast<uint32_t>(curve_.controls.size()));
+    filer.writeBool(isRational());
+    for (const double knot : curve_.knots)
+        filer.writeDouble(knot);
+    for (size_t i = 0; i < curve_.controls.size(); ++i) {
+        filer.writePoint3d(curve_.controls[i]);
+        if (isRational()) filer.writeDouble(curve_.weights[i]);
+    }
+}
+
+void AcDbSpline::readControls(AcDbDwgFiler& filer) {
+    bool isRational = false;
+    bool hasWeights = false;
+    double tolerance = 0;
+    uint32_t knots = 0;
+    uint32_t controls = 0;
+    filer.readBool(&isRational);
+    filer.readBool(&closed_);
+    filer.readBool(&periodic_);
+    filer.readDouble(&tolerance);
+    filer.readDouble(&tolerance);
+    filer.readUInt32(&knots);
+    filer.readUInt32(&controls);
+    filer.readBool(&hasWeights);
+    fitPoints_.clear();
+    curve_.knots.clear();
+    curve_.controls.clear();
+    curve_.weights.clear();
+    for (uint32_t i = 0; i < knots && filer.filerStatus() == Acad::eOk; ++i)
+        filer.readDouble(&curve_.knots.emplace_back());
+    for (uint32_t i = 0; i < controls && filer.filerStatus() == Acad::eOk; ++i) {
+        filer.readPoint3d(&curve_.controls.emplace_back());
+        if (hasWeights) filer.readDouble(&curve_.weights.emplace_back());
+    }
+}
+
+void AcDbSpline::writeFit(AcDbDwgFiler& filer) const {
+    filer.writeDouble(fitTolerance_);
+    filer.writeVector3d(startTangent_);
+    filer.writeVector3d(endTangent_);
+    writeCounted(&filer, fitPoints_, [&](const AcGePoint3d& point) { filer.writePoint3d(point); });
+}
+
+void AcDbSpline::readFit(AcDbDwgFiler& filer) {
+    filer.readDouble(&fitTolerance_);
+    filer.readVector3d(&startTangent_);
+    filer.readVector3d(&endTangent_);
+    readCounted(&filer, fitPoints_, [&](AcGePoint3d& point) { filer.readPoint3d(&point); });
+    if (filer.filerStatus() == Acad::eOk && !refit()) filer.setFilerStatus(Acad::eInvalidInput);
 }
 
 Acad::ErrorStatus AcDbSpline::dxfOutFields(AcDbDxfFiler* filer) const {

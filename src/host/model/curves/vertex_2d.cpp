@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "host/model/core/dwg_form.h"
 #include "host/model/curves/filing_groups.h"
 #include "host/model/tables/filing.h"
 #include "platform/db/polyline_2d.h"
@@ -64,30 +65,35 @@ Acad::ErrorStatus AcDb2dVertex::dwgOutFields(AcDbDwgFiler* filer) const {
     assertReadEnabled();
     const Acad::ErrorStatus status = AcDbVertex::dwgOutFields(filer);
     if (status != Acad::eOk) return status;
+    filer->writeUInt8(static_cast<uint8_t>(flagOf(type_) | (tangentUsed_ ? kTangentUsed : 0)));
     filer->writePoint3d(position_);
-    for (const double value : {bulge_, startWidth_, endWidth_, tangent_}) {
-        filer->writeDouble(value);
-    }
-    filer->writeInt32(identifier_);
-    filer->writeUInt8(static_cast<uint8_t>(type_));
-    filer->writeBool(tangentUsed_);
-    return filer->filerStatus();
+    filer->writeDouble(startWidth_);
+    filer->writeDouble(endWidth_);
+    filer->writeDouble(bulge_);
+    if (!isBefore(filer, AcDb::kDHL_1024)) filer->writeInt32(identifier_);
+    return filer->writeDouble(tangent_);
 }
 
 Acad::ErrorStatus AcDb2dVertex::dwgInFields(AcDbDwgFiler* filer) {
     assertWriteEnabled();
     const Acad::ErrorStatus status = AcDbVertex::dwgInFields(filer);
     if (status != Acad::eOk) return status;
+    uint8_t flags = 0;
+    filer->readUInt8(&flags);
+    type_ = typeOf(flags);
+    tangentUsed_ = (flags & kTangentUsed) != 0;
     filer->readPoint3d(&position_);
-    for (double* const value : {&bulge_, &startWidth_, &endWidth_, &tangent_}) {
-        filer->readDouble(value);
+    filer->readDouble(&startWidth_);
+    // A width below 0 in a file stands for both.
+    if (startWidth_ < 0 && filer->dwgForm() != nullptr) {
+        startWidth_ = endWidth_ = -startWidth_;
+    } else {
+        filer->readDouble(&endWidth_);
     }
-    filer->readInt32(&identifier_);
-    uint8_t type = 0;
-    filer->readUInt8(&type);
-    type_ = static_cast<AcDb::Vertex2dType>(type & 3);
-    filer->readBool(&tangentUsed_);
-    return filer->filerStatus();
+    filer->readDouble(&bulge_);
+    identifier_ = 0;
+    if (!isBefore(filer, AcDb::kDHL_1024)) filer->readInt32(&identifier_);
+    return filer->readDouble(&tangent_);
 }
 
 Acad::ErrorStatus AcDb2dVertex::dxfInFields(AcDbDxfFiler* filer) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/model/core/dwg_form.h"
 #include "host/model/core/object_access.h"
 #include "host/model/curves/sequence_end.h"
 #include "host/model/tables/filing.h"
@@ -229,19 +230,11 @@ Acad::ErrorStatus VertexCurve::setMaterial(AcDbObjectId material, bool doSubents
 
 // The vertices go by their ids, which copies within and between databases translate. A copy that
 // belongs to no database has vertices of its own; so has a polyline outside one: they go whole.
-Acad::ErrorStatus VertexCurve::dwgOutFields(AcDbDwgFiler* filer) const {
-    assertReadEnabled();
-    const Acad::ErrorStatus status = AcDbCurve::dwgOutFields(filer);
-    if (status != Acad::eOk) return status;
-    const bool whole = objectId().isNull() || filer->filerType() == AcDb::kCopyFiler;
-    filer->writeBool(whole);
-    if (!whole) {
-        filer->writeUInt32(static_cast<uint32_t>(slots_.size()));
-        for (const VertexSlot& slot : slots_)
-            filer->writeHardOwnershipId(slot.id);
-        filer->writeHardOwnershipId(sequenceEnd_);
-        return filer->filerStatus();
-    }
+Acad::ErrorStatus VertexCurve::writeVertices(AcDbDwgFiler* filer) const {
+    const bool whole = filer->dwgForm() == nullptr &&
+                       (objectId().isNull() || filer->filerType() == AcDb::kCopyFiler);
+    if (filer->dwgForm() == nullptr) filer->writeBool(whole);
+    if (!whole) return writeIds(filer);
     uint32_t count = 0;
     forEachVertex<AcDbEntity>([&](const AcDbEntity&) { ++count; });
     filer->writeUInt32(count);
@@ -252,34 +245,49 @@ Acad::ErrorStatus VertexCurve::dwgOutFields(AcDbDwgFiler* filer) const {
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus VertexCurve::dwgInFields(AcDbDwgFiler* filer) {
-    assertWriteEnabled();
-    const Acad::ErrorStatus status = AcDbCurve::dwgInFields(filer);
-    if (status != Acad::eOk) return status;
+// A file has no erased vertices.
+Acad::ErrorStatus VertexCurve::writeIds(AcDbDwgFiler* filer) const {
+    std::vector<AcDbHardOwnershipId> ids;
+    ids.reserve(slots_.size());
+    for (const VertexSlot& slot : slots_) {
+        if (filer->dwgForm() == nullptr || !slot.id.isErased()) ids.emplace_back(slot.id);
+    }
+    writePartCount(filer, ids.size());
+    writePartIds(filer, ids);
+    return filer->writeHardOwnershipId(sequenceEnd_);
+}
+
+Acad::ErrorStatus VertexCurve::readVertices(AcDbDwgFiler* filer) {
     bool whole = false;
     uint32_t count = 0;
-    filer->readBool(&whole);
-    filer->readUInt32(&count);
+    if (filer->dwgForm() == nullptr) filer->readBool(&whole);
     slots_.clear();
+    sequenceEnd_.setNull();
+    if (!whole) return readIds(filer);
+    filer->readUInt32(&count);
     for (uint32_t i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i) {
         VertexSlot slot;
-        if (whole) {
-            slot.loose = newVertex();
-            slot.loose->dwgInFields(filer);
-        } else {
-            AcDbHardOwnershipId id;
-            filer->readHardOwnershipId(&id);
-            slot.id = id;
-        }
+        slot.loose = newVertex();
+        slot.loose->dwgInFields(filer);
         slots_.push_back(std::move(slot));
     }
-    sequenceEnd_.setNull();
-    if (!whole) {
-        AcDbHardOwnershipId end;
-        filer->readHardOwnershipId(&end);
-        sequenceEnd_ = end;
-    }
     return filer->filerStatus();
+}
+
+Acad::ErrorStatus VertexCurve::readIds(AcDbDwgFiler* filer) {
+    std::vector<AcDbHardOwnershipId> ids;
+    uint32_t count = 0;
+    readPartCount(filer, count);
+    readPartIds(filer, count, ids);
+    for (const AcDbHardOwnershipId& id : ids) {
+        VertexSlot slot;
+        slot.id = id;
+        slots_.push_back(std::move(slot));
+    }
+    AcDbHardOwnershipId end;
+    const Acad::ErrorStatus status = filer->readHardOwnershipId(&end);
+    sequenceEnd_ = end;
+    return status;
 }
 
 }  // namespace sg::model

@@ -1,6 +1,7 @@
 #include "platform/db/attribute.h"
 
 #include "base/text.h"
+#include "host/model/core/dwg_form.h"
 #include "host/model/curves/filing_groups.h"
 #include "host/model/entities/text_drawing.h"
 #include "host/model/tables/filing.h"
@@ -14,6 +15,20 @@ namespace {
 
 // Of what the class files; its group comes again, behind the others, with another meaning.
 constexpr int16_t kVersion = 0;
+
+// What kind of text the value is, in files from release 2018 on.
+constexpr uint8_t kOneLine = 1;
+
+void writeVersion(AcDbDwgFiler* filer) {
+    if (filer->dwgForm() == nullptr || sg::model::isBefore(filer, AcDb::kDHL_1024)) return;
+    filer->writeUInt8(kVersion);
+}
+
+void readVersion(AcDbDwgFiler* filer) {
+    uint8_t version = 0;
+    if (filer->dwgForm() == nullptr || sg::model::isBefore(filer, AcDb::kDHL_1024)) return;
+    filer->readUInt8(&version);
+}
 
 }  // namespace
 
@@ -30,16 +45,40 @@ void AttributeFields::setTag(const wchar_t* text) {
 }
 
 Acad::ErrorStatus AttributeFields::dwgOut(AcDbDwgFiler* filer) const {
+    const bool inFile = filer->dwgForm() != nullptr;
+    writeVersion(filer);
+    if (inFile && !isBefore(filer, AcDb::kDHL_1032)) filer->writeUInt8(kOneLine);
     filer->writeString(tag);
-    filer->writeInt16(flags);
     filer->writeUInt16(fieldLength);
+    if (inFile) {
+        filer->writeUInt8(static_cast<uint8_t>(flags));
+    } else {
+        filer->writeInt16(flags);
+    }
+    if (isBefore(filer, AcDb::kDHL_1021)) return filer->filerStatus();
     return filer->writeBool(lockPosition);
 }
 
 Acad::ErrorStatus AttributeFields::dwgIn(AcDbDwgFiler* filer) {
+    const bool inFile = filer->dwgForm() != nullptr;
+    readVersion(filer);
+    if (inFile && !isBefore(filer, AcDb::kDHL_1032)) {
+        uint8_t kind = kOneLine;
+        filer->readUInt8(&kind);
+        // A text of several lines, which attributes here have none of.
+        if (kind > kOneLine) return Acad::eMakeMeProxy;
+    }
     filer->readString(tag);
-    filer->readInt16(&flags);
     filer->readUInt16(&fieldLength);
+    if (inFile) {
+        uint8_t bits = 0;
+        filer->readUInt8(&bits);
+        flags = bits;
+    } else {
+        filer->readInt16(&flags);
+    }
+    lockPosition = false;
+    if (isBefore(filer, AcDb::kDHL_1021)) return filer->filerStatus();
     return filer->readBool(&lockPosition);
 }
 
@@ -144,14 +183,17 @@ bool AcDbAttributeDefinition::subWorldDraw(AcGiWorldDraw* draw) {
 
 Acad::ErrorStatus AcDbAttributeDefinition::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbText::dwgOutFields(filer);
-    filer->writeString(prompt_);
-    return fields_.dwgOut(filer);
+    fields_.dwgOut(filer);
+    writeVersion(filer);
+    return filer->writeString(prompt_);
 }
 
 Acad::ErrorStatus AcDbAttributeDefinition::dwgInFields(AcDbDwgFiler* filer) {
     AcDbText::dwgInFields(filer);
-    filer->readString(prompt_);
-    return fields_.dwgIn(filer);
+    const Acad::ErrorStatus status = fields_.dwgIn(filer);
+    if (status != Acad::eOk) return status;
+    readVersion(filer);
+    return filer->readString(prompt_);
 }
 
 Acad::ErrorStatus AcDbAttributeDefinition::dxfOutFields(AcDbDxfFiler* filer) const {

@@ -1,3 +1,4 @@
+#include "host/model/core/dwg_form.h"
 #include "host/model/curves/filing_groups.h"
 #include "host/model/tables/filing.h"
 #include "host/model/tables/references.h"
@@ -10,38 +11,93 @@ using sg::model::showsDefaults;
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbMInsertBlock, AcDbBlockReference, 0, 0, L"INSERT", nullptr)
 
+namespace {
+
+// How a DWG object has the scale.
+enum ScaleForm : uint8_t { kAllDiffer = 0, kFirstIsOne = 1, kAllAlike = 2, kAllAreOne = 3 };
+
+uint8_t scaleFormOf(const AcGeScale3d& scale) {
+    if (scale.sx == scale.sy && scale.sx == scale.sz) return scale.sx == 1 ? kAllAreOne : kAllAlike;
+    return scale.sx == 1 ? kFirstIsOne : kAllDiffer;
+}
+
+void writeScale(AcDbDwgFiler& filer, const AcGeScale3d& scale) {
+    sg::model::DwgForm* const form = filer.dwgForm();
+    if (form == nullptr) {
+        filer.writeScale3d(scale);
+        return;
+    }
+    const uint8_t kind = scaleFormOf(scale);
+    form->writeBits(kind, 2);
+    if (kind == kAllDiffer || kind == kAllAlike) form->writeRawDouble(scale.sx);
+    if (kind == kAllAlike || kind == kAllAreOne) return;
+    form->writeNear(scale.sy, scale.sx);
+    form->writeNear(scale.sz, scale.sx);
+}
+
+void readScale(AcDbDwgFiler& filer, AcGeScale3d& scale) {
+    sg::model::DwgForm* const form = filer.dwgForm();
+    if (form == nullptr || sg::model::isBefore(&filer, AcDb::kDHL_1015)) {
+        filer.readScale3d(&scale);
+        return;
+    }
+    uint8_t kind = kAllAreOne;
+    form->readBits(&kind, 2);
+    scale = AcGeScale3d(1, 1, 1);
+    if (kind == kAllDiffer || kind == kAllAlike) form->readRawDouble(&scale.sx);
+    scale.sy = scale.sz = scale.sx;
+    if (kind == kAllAlike || kind == kAllAreOne) return;
+    form->readNear(&scale.sy, scale.sx);
+    form->readNear(&scale.sz, scale.sx);
+}
+
+}  // namespace
+
+// A copy outside a database is without attributes; a file has no erased ones. There the point is in
+// the coordinates of the reference's plane.
 Acad::ErrorStatus AcDbBlockReference::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbEntity::dwgOutFields(filer);
-    filer->writeHardPointerId(block_);
-    filer->writePoint3d(position_);
-    filer->writeVector3d(normal_);
-    filer->writeScale3d(scale_);
-    filer->writeDouble(rotation_);
-    // A copy outside a database is without attributes.
+    const bool inFile = filer->dwgForm() != nullptr;
     const bool isCopy = filer->filerType() == AcDb::kCopyFiler;
-    filer->writeUInt32(isCopy ? 0 : static_cast<uint32_t>(attributes_.size()));
-    if (isCopy) return filer->filerStatus();
-    for (const AcDbHardOwnershipId& attribute : attributes_)
-        filer->writeHardOwnershipId(attribute);
+    std::vector<AcDbHardOwnershipId> present;
+    if (inFile) {
+        for (const AcDbHardOwnershipId& attribute : attributes_) {
+            if (!attribute.isErased()) present.push_back(attribute);
+        }
+    }
+    const std::vector<AcDbHardOwnershipId>& attributes = inFile ? present : attributes_;
+    const bool hasParts = !isCopy && (!attributes.empty() || (!inFile && !sequenceEnd_.isNull()));
+    filer->writePoint3d(inFile ? AcGeMatrix3d::worldToPlane(normal_) * position_ : position_);
+    writeScale(*filer, scale_);
+    filer->writeDouble(rotation_);
+    filer->writeVector3d(normal_);
+    filer->writeBool(hasParts);
+    filer->writeHardPointerId(block_);
+    if (!hasParts) return filer->filerStatus();
+    sg::model::writePartCount(filer, attributes.size());
+    sg::model::writePartIds(filer, attributes);
     return filer->writeHardOwnershipId(sequenceEnd_);
 }
 
 Acad::ErrorStatus AcDbBlockReference::dwgInFields(AcDbDwgFiler* filer) {
     AcDbEntity::dwgInFields(filer);
-    uint32_t count = 0;
-    filer->readHardPointerId(&block_);
+    bool hasParts = false;
     filer->readPoint3d(&position_);
-    filer->readVector3d(&normal_);
-    filer->readScale3d(&scale_);
+    readScale(*filer, scale_);
     filer->readDouble(&rotation_);
-    filer->readUInt32(&count);
+    filer->readVector3d(&normal_);
+    filer->readBool(&hasParts);
+    filer->readHardPointerId(&block_);
+    if (filer->dwgForm() != nullptr) {
+        position_ = AcGeMatrix3d::planeToWorld(normal_) * position_;
+    }
     if (filer->filerType() == AcDb::kCopyFiler) return filer->filerStatus();
     attributes_.clear();
-    for (uint32_t i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i) {
-        AcDbHardOwnershipId attribute;
-        filer->readHardOwnershipId(&attribute);
-        if (!attribute.isNull()) attributes_.push_back(attribute);
-    }
+    sequenceEnd_ = AcDbHardOwnershipId();
+    if (!hasParts) return filer->filerStatus();
+    uint32_t count = 0;
+    sg::model::readPartCount(filer, count);
+    sg::model::readPartIds(filer, count, attributes_);
     return filer->readHardOwnershipId(&sequenceEnd_);
 }
 

@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 
+#include "host/model/core/dwg_form.h"
 #include "host/model/curves/filing_groups.h"
 #include "host/model/curves/listing.h"
 #include "host/model/tables/filing.h"
@@ -144,18 +145,65 @@ void AcDbFace::subList() const {
         sg::model::listPoint(kLabels[i], corners_[i]);
 }
 
+namespace {
+
+// From release 2000 on a file has each corner near to the one before.
+void writeCorners(sg::model::DwgForm& form, AcDbDwgFiler& filer,
+                  const std::array<AcGePoint3d, 4>& corners) {
+    const bool isFlat = corners[0].z == 0;
+    filer.writeBool(isFlat);
+    form.writeRawDouble(corners[0].x);
+    form.writeRawDouble(corners[0].y);
+    if (!isFlat) form.writeRawDouble(corners[0].z);
+    for (size_t i = 1; i < corners.size(); ++i) {
+        form.writeNear(corners[i].x, corners[i - 1].x);
+        form.writeNear(corners[i].y, corners[i - 1].y);
+        form.writeNear(corners[i].z, corners[i - 1].z);
+    }
+}
+
+void readCorners(sg::model::DwgForm& form, AcDbDwgFiler& filer,
+                 std::array<AcGePoint3d, 4>& corners) {
+    bool isFlat = false;
+    filer.readBool(&isFlat);
+    corners[0] = AcGePoint3d();
+    form.readRawDouble(&corners[0].x);
+    form.readRawDouble(&corners[0].y);
+    if (!isFlat) form.readRawDouble(&corners[0].z);
+    for (size_t i = 1; i < corners.size(); ++i) {
+        form.readNear(&corners[i].x, corners[i - 1].x);
+        form.readNear(&corners[i].y, corners[i - 1].y);
+        form.readNear(&corners[i].z, corners[i - 1].z);
+    }
+}
+
+}  // namespace
+
 Acad::ErrorStatus AcDbFace::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbEntity::dwgOutFields(filer);
+    if (sg::model::DwgForm* const form = filer->dwgForm()) {
+        filer->writeBool(invisible_ == 0);
+        writeCorners(*form, *filer, corners_);
+        return invisible_ == 0 ? filer->filerStatus() : filer->writeInt16(invisible_);
+    }
     for (const AcGePoint3d& corner : corners_)
         filer->writePoint3d(corner);
-    return filer->writeUInt8(invisible_);
+    return filer->writeInt16(invisible_);
 }
 
 Acad::ErrorStatus AcDbFace::dwgInFields(AcDbDwgFiler* filer) {
     AcDbEntity::dwgInFields(filer);
-    for (AcGePoint3d& corner : corners_)
-        filer->readPoint3d(&corner);
-    return filer->readUInt8(&invisible_);
+    bool hasNone = false;
+    sg::model::DwgForm* const form = filer->dwgForm();
+    if (form != nullptr && !sg::model::isBefore(filer, AcDb::kDHL_1015)) {
+        filer->readBool(&hasNone);
+        readCorners(*form, *filer, corners_);
+    } else {
+        for (AcGePoint3d& corner : corners_)
+            filer->readPoint3d(&corner);
+    }
+    invisible_ = 0;
+    return hasNone ? filer->filerStatus() : sg::model::readInt16As(filer, invisible_);
 }
 
 Acad::ErrorStatus AcDbFace::dxfOutFields(AcDbDxfFiler* filer) const {

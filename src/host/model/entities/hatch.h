@@ -83,6 +83,13 @@ class SG_API AcDbHatch : public AcDbEntity {
   private:
     struct Groups;
 
+    // As DWG files have it.
+    Acad::ErrorStatus writeFile(AcDbDwgFiler& filer) const;
+    Acad::ErrorStatus readFile(AcDbDwgFiler& filer);
+    void writeFilePattern(AcDbDwgFiler& filer) const;
+    void readFilePattern(AcDbDwgFiler& filer);
+    bool hasDerivedLoop() const;
+
     AcGeMatrix3d toWorld() const;  // from the plane, its points at height 0
     void fill(AcGiWorldDraw* draw) const;
     void dxfOutPattern(AcDbDxfFiler* filer) const;

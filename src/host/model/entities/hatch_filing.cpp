@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "host/model/core/dwg_form.h"
 #include "host/model/curves/filing_groups.h"
 #include "host/model/entities/hatch.h"
 #include "host/model/tables/filing.h"
@@ -66,6 +67,7 @@ void readParts(AcDbDwgFiler* filer, std::vector<Part>& parts) {
 
 Acad::ErrorStatus AcDbHatch::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbEntity::dwgOutFields(filer);
+    if (filer->dwgForm() != nullptr) return writeFile(*filer);
     filer->writeString(pattern_);
     filer->writeInt16(patternType_);
     filer->writeDouble(angle_);
@@ -88,6 +90,7 @@ Acad::ErrorStatus AcDbHatch::dwgOutFields(AcDbDwgFiler* filer) const {
 
 Acad::ErrorStatus AcDbHatch::dwgInFields(AcDbDwgFiler* filer) {
     AcDbEntity::dwgInFields(filer);
+    if (filer->dwgForm() != nullptr) return readFile(*filer);
     int16_t type = 0;
     int16_t style = 0;
     uint32_t count = 0;
@@ -114,6 +117,91 @@ Acad::ErrorStatus AcDbHatch::dwgInFields(AcDbDwgFiler* filer) {
     return filer->filerStatus();
 }
 
+// ---- In files -----------------------------------------------------------------------------------
+
+bool AcDbHatch::hasDerivedLoop() const {
+    return std::any_of(loops_.begin(), loops_.end(), [](const HatchLoop& loop) {
+        return (loop.type & HatchLoop::kDerived) != 0;
+    });
+}
+
+Acad::ErrorStatus AcDbHatch::writeFile(AcDbDwgFiler& filer) const {
+    if (!isBefore(&filer, AcDb::kDHL_1018)) writeGradient(&filer, gradient_);
+    filer.writeDouble(elevation_);
+    filer.writeVector3d(normal_);
+    filer.writeString(pattern_);
+    filer.writeBool(solid_);
+    filer.writeBool(associative_);
+    filer.writeUInt32(static_cast<uint32_t>(loops_.size()));
+    for (const HatchLoop& loop : loops_)
+        loop.writeFile(filer);
+    filer.writeInt16(static_cast<int16_t>(style_));
+    filer.writeInt16(patternType_);
+    if (!solid_) writeFilePattern(filer);
+    if (hasDerivedLoop()) filer.writeDouble(pixelSize_);
+    filer.writeUInt32(static_cast<uint32_t>(seeds_.size()));
+    for (const AcGePoint2d& seed : seeds_)
+        filer.writePoint2d(seed);
+    return filer.filerStatus();
+}
+
+Acad::ErrorStatus AcDbHatch::readFile(AcDbDwgFiler& filer) {
+    uint32_t count = 0;
+    if (!isBefore(&filer, AcDb::kDHL_1018)) readGradient(&filer, gradient_);
+    filer.readDouble(&elevation_);
+    filer.readVector3d(&normal_);
+    filer.readString(pattern_);
+    filer.readBool(&solid_);
+    filer.readBool(&associative_);
+    filer.readUInt32(&count);
+    loops_.clear();
+    for (uint32_t i = 0; i < count && filer.filerStatus() == Acad::eOk; ++i)
+        loops_.emplace_back().readFile(filer);
+    readInt16As(&filer, style_);
+    readInt16As(&filer, patternType_);
+    lines_.clear();
+    if (!solid_) readFilePattern(filer);
+    if (hasDerivedLoop()) filer.readDouble(&pixelSize_);
+    filer.readUInt32(&count);
+    seeds_.clear();
+    for (uint32_t i = 0; i < count && filer.filerStatus() == Acad::eOk; ++i)
+        filer.readPoint2d(&seeds_.emplace_back());
+    return filer.filerStatus();
+}
+
+void AcDbHatch::writeFilePattern(AcDbDwgFiler& filer) const {
+    filer.writeDouble(angle_);
+    filer.writeDouble(scale_);
+    filer.writeBool(doubled_);
+    filer.writeInt16(static_cast<int16_t>(lines_.size()));
+    for (const HatchLine& line : lines_) {
+        for (const double value :
+             {line.angle, line.base.x, line.base.y, line.offset.x, line.offset.y})
+            filer.writeDouble(value);
+        filer.writeInt16(static_cast<int16_t>(line.dashes.size()));
+        for (const double dash : line.dashes)
+            filer.writeDouble(dash);
+    }
+}
+
+void AcDbHatch::readFilePattern(AcDbDwgFiler& filer) {
+    uint16_t lines = 0;
+    filer.readDouble(&angle_);
+    filer.readDouble(&scale_);
+    filer.readBool(&doubled_);
+    filer.readUInt16(&lines);
+    while (lines-- > 0 && filer.filerStatus() == Acad::eOk) {
+        HatchLine& line = lines_.emplace_back();
+        for (double* const value :
+             {&line.angle, &line.base.x, &line.base.y, &line.offset.x, &line.offset.y})
+            filer.readDouble(value);
+        uint16_t dashes = 0;
+        filer.readUInt16(&dashes);
+        while (dashes-- > 0 && filer.filerStatus() == Acad::eOk)
+            filer.readDouble(&line.dashes.emplace_back());
+    }
+}
+
 // ---- As groups ----------------------------------------------------------------------------------
 
 Acad::ErrorStatus AcDbHatch::dxfOutFields(AcDbDxfFiler* filer) const {
@@ -128,10 +216,7 @@ Acad::ErrorStatus AcDbHatch::dxfOutFields(AcDbDxfFiler* filer) const {
     for (const HatchLoop& loop : loops_)
         loop.dxfOut(filer);
     dxfOutPattern(filer);
-    const bool derived = std::any_of(loops_.begin(), loops_.end(), [](const HatchLoop& loop) {
-        return (loop.type & HatchLoop::kDerived) != 0;
-    });
-    if (derived) filer->writeDouble(47, pixelSize_);
+    if (hasDerivedLoop()) filer->writeDouble(47, pixelSize_);
     filer->writeInt32(98, static_cast<int32_t>(seeds_.size()));
     for (const AcGePoint2d& seed : seeds_)
         writePlanePoint(filer, 10, seed);

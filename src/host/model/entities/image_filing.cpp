@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "host/model/core/dwg_form.h"
 #include "host/model/entities/image.h"
 #include "host/model/tables/filing.h"
 #include "platform/db/database.h"
@@ -16,6 +17,18 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbWipeoutVariables, AcDbObject, 0, 0, L"WIPEOUTVARIABL
 
 // ---- Images -------------------------------------------------------------------------------------
 
+namespace {
+
+// A rectangle is in files without the number of its corners.
+constexpr uint32_t kRectangleCorners = 2;
+
+// The boundary around all pixels.
+std::vector<AcGePoint2d> wholeBoundary(const AcGeVector2d& size) {
+    return {{-0.5, -0.5}, {size.x - 0.5, size.y - 0.5}};
+}
+
+}  // namespace
+
 Acad::ErrorStatus AcDbRasterImage::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbEntity::dwgOutFields(filer);
     filer->writeInt32(version_);
@@ -29,13 +42,18 @@ Acad::ErrorStatus AcDbRasterImage::dwgOutFields(AcDbDwgFiler* filer) const {
                                                                        : reactor_);
     filer->writeInt16(display_);
     filer->writeBool(clipping_);
-    filer->writeBool(clipInverted_);
     filer->writeUInt8(brightness_);
     filer->writeUInt8(contrast_);
     filer->writeUInt8(fade_);
+    if (!sg::model::isBefore(filer, AcDb::kDHL_1024)) filer->writeBool(clipInverted_);
     filer->writeInt16(clipType_);
-    filer->writeUInt32(static_cast<uint32_t>(clip_.size()));
-    for (const AcGePoint2d& point : clip_)
+    const bool inFile = filer->dwgForm() != nullptr;
+    const bool isWhole = inFile && clipType_ == kRectangle && clip_.size() != kRectangleCorners;
+    const std::vector<AcGePoint2d> clip = isWhole ? wholeBoundary(size_) : clip_;
+    if (!inFile || clipType_ != kRectangle) {
+        filer->writeUInt32(static_cast<uint32_t>(clip.size()));
+    }
+    for (const AcGePoint2d& point : clip)
         filer->writePoint2d(point);
     return filer->filerStatus();
 }
@@ -53,13 +71,18 @@ Acad::ErrorStatus AcDbRasterImage::dwgInFields(AcDbDwgFiler* filer) {
     filer->readHardOwnershipId(&reactor_);
     filer->readInt16(&display_);
     filer->readBool(&clipping_);
-    filer->readBool(&clipInverted_);
     filer->readUInt8(&brightness_);
     filer->readUInt8(&contrast_);
     filer->readUInt8(&fade_);
+    clipInverted_ = false;
+    if (!sg::model::isBefore(filer, AcDb::kDHL_1024)) filer->readBool(&clipInverted_);
     filer->readInt16(&type);
     clipType_ = static_cast<ClipType>(type);
-    filer->readUInt32(&count);
+    if (filer->dwgForm() != nullptr && clipType_ == kRectangle) {
+        count = kRectangleCorners;
+    } else {
+        filer->readUInt32(&count);
+    }
     clip_.clear();
     for (uint32_t i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i)
         filer->readPoint2d(&clip_.emplace_back());
@@ -83,8 +106,7 @@ Acad::ErrorStatus AcDbRasterImage::dxfOutFields(AcDbDxfFiler* filer) const {
     filer->writeInt16(283, fade_);
     filer->writeObjectId(360, reactor_);
     filer->writeInt16(71, clipType_);
-    const std::vector<AcGePoint2d> whole = {{-0.5, -0.5}, {size_.x - 0.5, size_.y - 0.5}};
-    const std::vector<AcGePoint2d>& boundary = clip_.empty() ? whole : clip_;
+    const std::vector<AcGePoint2d> boundary = clip_.empty() ? wholeBoundary(size_) : clip_;
     filer->writeInt32(91, static_cast<int32_t>(boundary.size()));
     for (const AcGePoint2d& point : boundary)
         filer->writePoint2d(14, point);
@@ -195,21 +217,23 @@ AcDbObjectId AcDbRasterImageDef::imageDictionary(AcDbDatabase& database) {
 Acad::ErrorStatus AcDbRasterImageDef::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbObject::dwgOutFields(filer);
     filer->writeInt32(version_);
-    filer->writeString(file_);
     filer->writeVector2d(size_);
-    filer->writeVector2d(pixelSize_);
+    filer->writeString(file_);
     filer->writeBool(loaded_);
-    return filer->writeInt16(units_);
+    filer->writeUInt8(static_cast<uint8_t>(units_));
+    return filer->writeVector2d(pixelSize_);
 }
 
 Acad::ErrorStatus AcDbRasterImageDef::dwgInFields(AcDbDwgFiler* filer) {
     AcDbObject::dwgInFields(filer);
+    uint8_t units = 0;
     filer->readInt32(&version_);
-    filer->readString(file_);
     filer->readVector2d(&size_);
-    filer->readVector2d(&pixelSize_);
+    filer->readString(file_);
     filer->readBool(&loaded_);
-    return filer->readInt16(&units_);
+    filer->readUInt8(&units);
+    units_ = units;
+    return filer->readVector2d(&pixelSize_);
 }
 
 Acad::ErrorStatus AcDbRasterImageDef::dxfOutFields(AcDbDxfFiler* filer) const {
@@ -262,13 +286,17 @@ AcDbRasterImageDefReactor::~AcDbRasterImageDefReactor() = default;
 Acad::ErrorStatus AcDbRasterImageDefReactor::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbObject::dwgOutFields(filer);
     filer->writeInt32(version_);
+    // In files the image is the reactor's owner.
+    if (filer->dwgForm() != nullptr) return filer->filerStatus();
     return filer->writeSoftPointerId(image_);
 }
 
 Acad::ErrorStatus AcDbRasterImageDefReactor::dwgInFields(AcDbDwgFiler* filer) {
     AcDbObject::dwgInFields(filer);
     filer->readInt32(&version_);
-    return filer->readSoftPointerId(&image_);
+    if (filer->dwgForm() == nullptr) return filer->readSoftPointerId(&image_);
+    image_ = ownerId();
+    return filer->filerStatus();
 }
 
 Acad::ErrorStatus AcDbRasterImageDefReactor::dxfOutFields(AcDbDxfFiler* filer) const {

@@ -3,6 +3,7 @@
 #include <array>
 #include <optional>
 
+#include "host/model/core/dwg_form.h"
 #include "host/model/curves/curve_access.h"
 #include "host/model/curves/filing_groups.h"
 #include "host/model/curves/listing.h"
@@ -246,49 +247,105 @@ void AcDbLeader::subList() const {
 
 // ---- Filing -------------------------------------------------------------------------------------
 
+namespace {
+
+// Files from release 2010 on do without the annotation's.
+bool hasTextSize(AcDbDwgFiler* filer) {
+    return filer->dwgForm() == nullptr || sg::model::isBefore(filer, AcDb::kDHL_1024);
+}
+
+// Before release 2000: the arrow's kind and size, and a colour among what is not known.
+void readOldSettings(AcDbDwgFiler& filer, int16_t& color) {
+    int16_t number = 0;
+    double arrowSize = 0;
+    bool unused = false;
+    filer.readInt16(&number);
+    filer.readDouble(&arrowSize);
+    filer.readBool(&unused);
+    filer.readBool(&unused);
+    filer.readInt16(&number);
+    filer.readInt16(&color);
+    filer.readBool(&unused);
+    filer.readBool(&unused);
+}
+
+}  // namespace
+
+// What files have no place for is written in memory alone.
 Acad::ErrorStatus AcDbLeader::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbCurve::dwgOutFields(filer);
+    const bool inFile = filer->dwgForm() != nullptr;
+    if (inFile) filer->writeBool(false);
+    filer->writeInt16(annotationKind_);
+    filer->writeInt16(splined_ ? 1 : 0);
     filer->writeUInt32(static_cast<uint32_t>(vertices_.size()));
     for (const AcGePoint3d& vertex : vertices_)
         filer->writePoint3d(vertex);
+    if (inFile) filer->writePoint3d(vertices_.empty() ? AcGePoint3d() : vertices_.front());
     filer->writeVector3d(normal_);
     filer->writeVector3d(horizontal_);
     filer->writeVector3d(blockOffset_);
     filer->writeVector3d(annotationOffset_);
-    filer->writeHardPointerId(dimStyle_);
-    filer->writeHardPointerId(annotation_);
-    filer->writeInt16(annotationKind_);
-    filer->writeBool(arrow_);
-    filer->writeBool(splined_);
-    filer->writeBool(hookLine_);
+    if (hasTextSize(filer)) {
+        filer->writeDouble(textHeight_);
+        filer->writeDouble(textWidth_);
+    }
     filer->writeBool(hookLineAlongX_);
-    filer->writeDouble(textHeight_);
-    filer->writeDouble(textWidth_);
-    return filer->writeInt16(color_);
+    filer->writeBool(arrow_);
+    if (inFile) {
+        filer->writeInt16(0);
+        filer->writeBool(false);
+        filer->writeBool(false);
+    } else {
+        filer->writeBool(hookLine_);
+        filer->writeInt16(color_);
+    }
+    filer->writeHardPointerId(annotation_);
+    return filer->writeHardPointerId(dimStyle_);
 }
 
 Acad::ErrorStatus AcDbLeader::dwgInFields(AcDbDwgFiler* filer) {
     AcDbCurve::dwgInFields(filer);
+    const bool inFile = filer->dwgForm() != nullptr;
+    bool unused = false;
+    int16_t path = 0;
     uint32_t count = 0;
+    if (inFile) filer->readBool(&unused);
+    filer->readInt16(&annotationKind_);
+    filer->readInt16(&path);
+    splined_ = path != 0;
     filer->readUInt32(&count);
     vertices_.clear();
     for (uint32_t i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i) {
         filer->readPoint3d(&vertices_.emplace_back());
     }
+    AcGePoint3d origin;
+    if (inFile) filer->readPoint3d(&origin);
     filer->readVector3d(&normal_);
     filer->readVector3d(&horizontal_);
     filer->readVector3d(&blockOffset_);
     filer->readVector3d(&annotationOffset_);
-    filer->readHardPointerId(&dimStyle_);
-    filer->readHardPointerId(&annotation_);
-    filer->readInt16(&annotationKind_);
-    filer->readBool(&arrow_);
-    filer->readBool(&splined_);
-    filer->readBool(&hookLine_);
+    double gap = 0;
+    if (inFile && sg::model::isBefore(filer, AcDb::kDHL_1015)) filer->readDouble(&gap);
+    if (hasTextSize(filer)) {
+        filer->readDouble(&textHeight_);
+        filer->readDouble(&textWidth_);
+    }
     filer->readBool(&hookLineAlongX_);
-    filer->readDouble(&textHeight_);
-    filer->readDouble(&textWidth_);
-    return filer->readInt16(&color_);
+    filer->readBool(&arrow_);
+    if (inFile && sg::model::isBefore(filer, AcDb::kDHL_1015)) {
+        readOldSettings(*filer, color_);
+    } else if (inFile) {
+        int16_t arrowType = 0;
+        filer->readInt16(&arrowType);
+        filer->readBool(&unused);
+        filer->readBool(&unused);
+    } else {
+        filer->readBool(&hookLine_);
+        filer->readInt16(&color_);
+    }
+    filer->readHardPointerId(&annotation_);
+    return filer->readHardPointerId(&dimStyle_);
 }
 
 Acad::ErrorStatus AcDbLeader::dxfOutFields(AcDbDxfFiler* filer) const {

@@ -1,5 +1,7 @@
 #include <algorithm>
 
+#include "host/model/core/dwg_form.h"
+#include "host/model/core/symbol_records.h"
 #include "host/model/curves/filing_groups.h"
 #include "host/model/entities/text_setting.h"
 #include "host/model/tables/filing.h"
@@ -16,59 +18,174 @@ namespace {
 
 constexpr size_t kPieceLength = 250;  // of contents in one group
 
+// A fill's settings are in files only with these flags.
+constexpr int32_t kFilled = 1;
+constexpr int32_t kFramed = 16;  // from release 2018 on
+
+// Of files from release 2018 on.
+constexpr int16_t kVersion = 0;
+
+bool hasSettings(AcDbDwgFiler* filer, int32_t fillFlags) {
+    if (filer->dwgForm() == nullptr) return true;
+    const bool isOld = sg::model::isBefore(filer, AcDb::kDHL_1032);
+    return (fillFlags & (isOld ? kFilled : kFilled | kFramed)) != 0;
+}
+
 }  // namespace
+
+// What is not annotative repeats in newer files, with the columns, what stands ahead of it.
+Acad::ErrorStatus AcDbMText::writeRepeated(AcDbDwgFiler& filer) const {
+    filer.writeBool(true);
+    filer.writeInt16(kVersion);
+    filer.writeBool(true);
+    filer.writeHardPointerId(sg::model::findRegisteredApplication(filer.database(), L"ACAD"));
+    filer.writeInt32(attachment_);
+    filer.writeVector3d(direction_);
+    filer.writePoint3d(location_);
+    filer.writeDouble(width_);
+    filer.writeDouble(definedHeight_);
+    filer.writeDouble(actualWidth());
+    filer.writeDouble(actualHeight());
+    return writeColumns(filer);
+}
+
+Acad::ErrorStatus AcDbMText::readRepeated(AcDbDwgFiler& filer) {
+    bool isThere = false;
+    filer.readBool(&isThere);
+    if (!isThere) return filer.filerStatus();
+    int16_t version = 0;
+    bool isDefault = false;
+    AcDbHardPointerId application;
+    int32_t attachment = 0;
+    AcGeVector3d direction;
+    AcGePoint3d location;
+    double unused = 0;
+    filer.readInt16(&version);
+    filer.readBool(&isDefault);
+    filer.readHardPointerId(&application);
+    filer.readInt32(&attachment);
+    filer.readVector3d(&direction);
+    filer.readPoint3d(&location);
+    for (int i = 0; i < 4; ++i)
+        filer.readDouble(&unused);
+    return readColumns(filer);
+}
+
+namespace {
+
+enum ColumnType : int16_t { kNoColumns = 0, kDynamicColumns = 2 };
+
+}  // namespace
+
+Acad::ErrorStatus AcDbMText::writeColumns(AcDbDwgFiler& filer) const {
+    if (columns_ == nullptr) return filer.writeInt16(kNoColumns);
+    filer.writeInt16(columns_->type);
+    filer.writeInt32(columns_->count);
+    filer.writeDouble(columns_->width);
+    filer.writeDouble(columns_->gutter);
+    filer.writeBool(columns_->isAutomatic);
+    filer.writeBool(columns_->isReversed);
+    for (const double height : columns_->heights)
+        filer.writeDouble(height);
+    return filer.filerStatus();
+}
+
+Acad::ErrorStatus AcDbMText::readColumns(AcDbDwgFiler& filer) {
+    Columns columns;
+    columns_.reset();
+    filer.readInt16(&columns.type);
+    if (columns.type == kNoColumns || filer.filerStatus() != Acad::eOk) return filer.filerStatus();
+    filer.readInt32(&columns.count);
+    filer.readDouble(&columns.width);
+    filer.readDouble(&columns.gutter);
+    filer.readBool(&columns.isAutomatic);
+    filer.readBool(&columns.isReversed);
+    const bool hasHeights = !columns.isAutomatic && columns.type == kDynamicColumns;
+    for (int32_t left = hasHeights ? columns.count : 0; left > 0; --left) {
+        if (filer.readDouble(&columns.heights.emplace_back()) != Acad::eOk) break;
+    }
+    columns_ = std::make_unique<Columns>(std::move(columns));
+    return filer.filerStatus();
+}
+
+Acad::ErrorStatus AcDbMText::writeFill(AcDbDwgFiler& filer) const {
+    if (filer.dwgForm() == nullptr) filer.writeBool(fill_ != nullptr);
+    const int32_t flags = fill_ == nullptr ? 0 : fill_->flags;
+    if (fill_ != nullptr || filer.dwgForm() != nullptr) filer.writeInt32(flags);
+    if (fill_ == nullptr || !hasSettings(&filer, flags)) return filer.filerStatus();
+    filer.writeDouble(fill_->scale);
+    sg::model::writeColor(&filer, fill_->color);
+    return filer.writeUInt32(fill_->transparency);
+}
+
+Acad::ErrorStatus AcDbMText::readFill(AcDbDwgFiler& filer) {
+    bool hasFill = true;
+    int32_t flags = 0;
+    fill_.reset();
+    if (filer.dwgForm() == nullptr) filer.readBool(&hasFill);
+    if (hasFill) filer.readInt32(&flags);
+    if (!hasFill || (flags == 0 && filer.dwgForm() != nullptr)) return filer.filerStatus();
+    fill_ = std::make_unique<Fill>();
+    fill_->flags = flags;
+    if (!hasSettings(&filer, flags)) return filer.filerStatus();
+    filer.readDouble(&fill_->scale);
+    sg::model::readColor(&filer, fill_->color);
+    return filer.readUInt32(&fill_->transparency);
+}
 
 Acad::ErrorStatus AcDbMText::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbEntity::dwgOutFields(filer);
+    const bool inFile = filer->dwgForm() != nullptr;
     filer->writePoint3d(location_);
     filer->writeVector3d(normal_);
     filer->writeVector3d(direction_);
     filer->writeDouble(width_);
-    filer->writeDouble(definedHeight_);
+    if (!sg::model::isBefore(filer, AcDb::kDHL_1021)) filer->writeDouble(definedHeight_);
     filer->writeDouble(textHeight_);
-    filer->writeHardPointerId(style_);
-    filer->writeString(contents_);
-    filer->writeDouble(lineSpacingFactor_);
     filer->writeInt16(static_cast<int16_t>(attachment_));
     filer->writeInt16(static_cast<int16_t>(flow_));
+    if (inFile) {
+        filer->writeDouble(actualHeight());
+        filer->writeDouble(actualWidth());
+    }
+    filer->writeString(contents_);
+    filer->writeHardPointerId(style_);
     filer->writeInt16(static_cast<int16_t>(lineSpacingStyle_));
-    filer->writeBool(fill_ != nullptr);
-    if (fill_ == nullptr) return filer->filerStatus();
-    filer->writeInt32(fill_->flags);
-    sg::model::writeColor(filer, fill_->color);
-    filer->writeDouble(fill_->scale);
-    return filer->writeUInt32(fill_->transparency);
+    filer->writeDouble(lineSpacingFactor_);
+    if (inFile) filer->writeBool(false);
+    if (!sg::model::isBefore(filer, AcDb::kDHL_1018)) writeFill(*filer);
+    if (inFile && !sg::model::isBefore(filer, AcDb::kDHL_1032)) writeRepeated(*filer);
+    if (!inFile) writeColumns(*filer);
+    return filer->filerStatus();
 }
 
 Acad::ErrorStatus AcDbMText::dwgInFields(AcDbDwgFiler* filer) {
     AcDbEntity::dwgInFields(filer);
-    int16_t attachment = kTopLeft;
-    int16_t flow = kByStyle;
-    int16_t spacing = kAtLeast;
-    bool hasFill = false;
+    const bool inFile = filer->dwgForm() != nullptr;
     filer->readPoint3d(&location_);
     filer->readVector3d(&normal_);
     filer->readVector3d(&direction_);
     filer->readDouble(&width_);
-    filer->readDouble(&definedHeight_);
+    if (!sg::model::isBefore(filer, AcDb::kDHL_1021)) filer->readDouble(&definedHeight_);
     filer->readDouble(&textHeight_);
-    filer->readHardPointerId(&style_);
+    sg::model::readInt16As(filer, attachment_);
+    sg::model::readInt16As(filer, flow_);
+    if (inFile) {
+        double measured = 0;
+        filer->readDouble(&measured);
+        filer->readDouble(&measured);
+    }
     filer->readString(contents_);
+    filer->readHardPointerId(&style_);
+    if (sg::model::isBefore(filer, AcDb::kDHL_1015)) return filer->filerStatus();
+    sg::model::readInt16As(filer, lineSpacingStyle_);
     filer->readDouble(&lineSpacingFactor_);
-    filer->readInt16(&attachment);
-    filer->readInt16(&flow);
-    filer->readInt16(&spacing);
-    filer->readBool(&hasFill);
-    attachment_ = static_cast<AttachmentPoint>(attachment);
-    flow_ = static_cast<FlowDirection>(flow);
-    lineSpacingStyle_ = static_cast<LineSpacingStyle>(spacing);
-    fill_.reset();
-    if (!hasFill) return filer->filerStatus();
-    fill_ = std::make_unique<Fill>();
-    filer->readInt32(&fill_->flags);
-    sg::model::readColor(filer, fill_->color);
-    filer->readDouble(&fill_->scale);
-    return filer->readUInt32(&fill_->transparency);
+    bool unused = false;
+    if (inFile) filer->readBool(&unused);
+    if (!sg::model::isBefore(filer, AcDb::kDHL_1018)) readFill(*filer);
+    if (inFile && !sg::model::isBefore(filer, AcDb::kDHL_1032)) readRepeated(*filer);
+    if (!inFile) readColumns(*filer);
+    return filer->filerStatus();
 }
 
 namespace {

@@ -1,7 +1,10 @@
 #include "host/model/entities/ole_frame.h"
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 
+#include "host/model/core/dwg_form.h"
 #include "host/model/curves/listing.h"
 #include "host/model/tables/filing.h"
 #include "platform/gi/draw.h"
@@ -14,26 +17,14 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbOleFrame, AcDbEntity, 0, 0, L"OLEFRAME", nullptr)
 namespace {
 
 constexpr const wchar_t* kDataEnd = L"OLE";
+constexpr const wchar_t* kDescription = L"OLE";
+constexpr uint8_t kLocksAspect = 0;
 
 // ---- Data ---------------------------------------------------------------------------------------
 
 void writeData(AcDbDwgFiler* filer, const std::vector<uint8_t>& data) {
     filer->writeUInt32(static_cast<uint32_t>(data.size()));
     filer->writeBytes(data.data(), data.size());
-}
-
-// In parts, so that a damaged length asks for no more memory than there is data.
-void readData(AcDbDwgFiler* filer, std::vector<uint8_t>& data) {
-    constexpr size_t kPart = 1 << 16;
-    uint32_t rest = 0;
-    filer->readUInt32(&rest);
-    data.clear();
-    while (rest > 0 && filer->filerStatus() == Acad::eOk) {
-        const size_t part = std::min<size_t>(rest, kPart);
-        data.resize(data.size() + part);
-        filer->readBytes(data.data() + data.size() - part, part);
-        rest -= static_cast<uint32_t>(part);
-    }
 }
 
 // Programs do not see the data.
@@ -138,30 +129,56 @@ void AcDbOle2Frame::subList() const {
 
 // ---- Filing -------------------------------------------------------------------------------------
 
+namespace {
+
+// The data starts with a mark and the four corners, from the upper left one on clockwise.
+constexpr std::array<uint8_t, 2> kMark = {0x80, 0x55};
+constexpr size_t kCornerSize = 3 * sizeof(double);
+
+AcGePoint3d cornerAt(const std::vector<uint8_t>& data, size_t index) {
+    std::array<double, 3> values{};
+    std::memcpy(values.data(), data.data() + kMark.size() + index * kCornerSize, kCornerSize);
+    return {values[0], values[1], values[2]};
+}
+
+}  // namespace
+
+Acad::ErrorStatus AcDbOle2Frame::readFrame(AcDbDwgFiler& filer) {
+    uint8_t locksAspect = 0;
+    filer.readUInt8(&locksAspect);
+    description_ = kDescription;
+    const bool hasCorners = data_.size() >= kMark.size() + 4 * kCornerSize &&
+                            std::equal(kMark.begin(), kMark.end(), data_.begin());
+    if (!hasCorners) return filer.filerStatus();
+    upperLeft_ = cornerAt(data_, 0);
+    lowerRight_ = cornerAt(data_, 2);
+    return filer.filerStatus();
+}
+
 Acad::ErrorStatus AcDbOle2Frame::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbEntity::dwgOutFields(filer);
-    filer->writeInt16(version_);
-    filer->writeString(description_);
-    filer->writePoint3d(upperLeft_);
-    filer->writePoint3d(lowerRight_);
     filer->writeInt16(static_cast<int16_t>(type_));
     filer->writeInt16(tileMode_);
     writeData(filer, data_);
-    return filer->filerStatus();
+    if (filer->dwgForm() != nullptr) return filer->writeUInt8(kLocksAspect);
+    filer->writeInt16(version_);
+    filer->writeString(description_);
+    filer->writePoint3d(upperLeft_);
+    return filer->writePoint3d(lowerRight_);
 }
 
 Acad::ErrorStatus AcDbOle2Frame::dwgInFields(AcDbDwgFiler* filer) {
     AcDbEntity::dwgInFields(filer);
     int16_t type = 0;
+    filer->readInt16(&type);
+    type_ = static_cast<Type>(std::clamp<int16_t>(type, 1, 3));
+    if (!sg::model::isBefore(filer, AcDb::kDHL_1015)) filer->readInt16(&tileMode_);
+    sg::model::readBytes(filer, data_);
+    if (filer->dwgForm() != nullptr) return readFrame(*filer);
     filer->readInt16(&version_);
     filer->readString(description_);
     filer->readPoint3d(&upperLeft_);
-    filer->readPoint3d(&lowerRight_);
-    filer->readInt16(&type);
-    filer->readInt16(&tileMode_);
-    type_ = static_cast<Type>(type);
-    readData(filer, data_);
-    return filer->filerStatus();
+    return filer->readPoint3d(&lowerRight_);
 }
 
 Acad::ErrorStatus AcDbOle2Frame::dxfOutFields(AcDbDxfFiler* filer) const {
@@ -225,7 +242,7 @@ Acad::ErrorStatus AcDbOleFrame::dwgOutFields(AcDbDwgFiler* filer) const {
 Acad::ErrorStatus AcDbOleFrame::dwgInFields(AcDbDwgFiler* filer) {
     AcDbEntity::dwgInFields(filer);
     filer->readInt16(&version_);
-    readData(filer, data_);
+    sg::model::readBytes(filer, data_);
     return filer->filerStatus();
 }
 

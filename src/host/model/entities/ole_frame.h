@@ -42,6 +42,8 @@ class SG_API AcDbOle2Frame : public AcDbEntity {
 
   private:
     std::array<AcGePoint3d, 4> corners() const;
+    // Finds in the data of a DWG file where the frame is.
+    Acad::ErrorStatus readFrame(AcDbDwgFiler& filer);
 
     int16_t version_ = 2;
     std::wstring description_;

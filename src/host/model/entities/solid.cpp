@@ -1,5 +1,6 @@
 #include "host/model/entities/solid.h"
 
+#include "host/model/core/dwg_form.h"
 #include "host/model/curves/filing_groups.h"
 #include "host/model/curves/listing.h"
 #include "host/model/tables/filing.h"
@@ -132,18 +133,39 @@ void AcDbSolid::subList() const {
 
 Acad::ErrorStatus AcDbSolid::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbEntity::dwgOutFields(filer);
-    for (const AcGePoint3d& corner : corners_)
-        filer->writePoint3d(corner);
-    filer->writeDouble(thickness_);
-    return filer->writeVector3d(normal_);
+    sg::model::writeThickness(filer, thickness_);
+    if (filer->dwgForm() == nullptr) {
+        for (const AcGePoint3d& corner : corners_)
+            filer->writePoint3d(corner);
+        return filer->writeVector3d(normal_);
+    }
+    const AcGeMatrix3d toPlane = AcGeMatrix3d::worldToPlane(normal_);
+    filer->writeDouble((toPlane * corners_[0]).z);
+    for (const AcGePoint3d& corner : corners_) {
+        const AcGePoint3d flat = toPlane * corner;
+        filer->writePoint2d({flat.x, flat.y});
+    }
+    return sg::model::writeExtrusion(filer, normal_);
 }
 
 Acad::ErrorStatus AcDbSolid::dwgInFields(AcDbDwgFiler* filer) {
     AcDbEntity::dwgInFields(filer);
-    for (AcGePoint3d& corner : corners_)
-        filer->readPoint3d(&corner);
-    filer->readDouble(&thickness_);
-    return filer->readVector3d(&normal_);
+    sg::model::readThickness(filer, thickness_);
+    if (filer->dwgForm() == nullptr) {
+        for (AcGePoint3d& corner : corners_)
+            filer->readPoint3d(&corner);
+        return filer->readVector3d(&normal_);
+    }
+    double elevation = 0;
+    std::array<AcGePoint2d, 4> flat;
+    filer->readDouble(&elevation);
+    for (AcGePoint2d& corner : flat)
+        filer->readPoint2d(&corner);
+    const Acad::ErrorStatus status = sg::model::readExtrusion(filer, normal_);
+    const AcGeMatrix3d toWorld = AcGeMatrix3d::planeToWorld(normal_);
+    for (size_t i = 0; i < flat.size(); ++i)
+        corners_[i] = toWorld * AcGePoint3d(flat[i].x, flat[i].y, elevation);
+    return status;
 }
 
 Acad::ErrorStatus AcDbSolid::dxfOutFields(AcDbDxfFiler* filer) const {

@@ -1,3 +1,4 @@
+#include "host/model/core/dwg_form.h"
 #include "host/model/curves/filing_groups.h"
 #include "host/model/tables/filing.h"
 #include "host/model/tables/references.h"
@@ -10,6 +11,7 @@ using sg::model::showsDefaults;
 
 Acad::ErrorStatus AcDbText::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbEntity::dwgOutFields(filer);
+    if (sg::model::DwgForm* const form = filer->dwgForm()) return writeFile(*filer, *form);
     filer->writePoint3d(position_);
     filer->writePoint3d(alignmentPoint_);
     filer->writeVector3d(normal_);
@@ -27,6 +29,7 @@ Acad::ErrorStatus AcDbText::dwgOutFields(AcDbDwgFiler* filer) const {
 
 Acad::ErrorStatus AcDbText::dwgInFields(AcDbDwgFiler* filer) {
     AcDbEntity::dwgInFields(filer);
+    if (sg::model::DwgForm* const form = filer->dwgForm()) return readFile(*filer, *form);
     int16_t horizontal = 0;
     int16_t vertical = 0;
     filer->readPoint3d(&position_);
@@ -46,6 +49,150 @@ Acad::ErrorStatus AcDbText::dwgInFields(AcDbDwgFiler* filer) {
     verticalMode_ = static_cast<AcDb::TextVertMode>(vertical);
     return filer->filerStatus();
 }
+
+// ---- In files -----------------------------------------------------------------------------------
+
+namespace {
+
+// What a DWG object does without, being what it mostly is.
+enum Absent : uint8_t {
+    kNoElevation = 1,
+    kNoAlignment = 2,
+    kNoOblique = 4,
+    kNoRotation = 8,
+    kNoWidth = 16,
+    kNoGeneration = 32,
+    kNoHorizontal = 64,
+    kNoVertical = 128,
+};
+
+// A value that is there unless the flags say that it is not.
+class Optional {
+  public:
+    Optional(sg::model::DwgForm& form, AcDbDwgFiler& filer, int absent)
+        : form_(form), filer_(filer), absent_(absent) {}
+
+    bool has(Absent flag) const { return (absent_ & flag) == 0; }
+    void write(Absent flag, double value) const {
+        if (has(flag)) form_.writeRawDouble(value);
+    }
+    void write(Absent flag, int value) const {
+        if (has(flag)) filer_.writeInt16(static_cast<int16_t>(value));
+    }
+    void read(Absent flag, double& value, double otherwise) const {
+        value = otherwise;
+        if (has(flag)) form_.readRawDouble(&value);
+    }
+    int read(Absent flag) const {
+        int16_t value = 0;
+        if (has(flag)) filer_.readInt16(&value);
+        return value;
+    }
+
+  private:
+    sg::model::DwgForm& form_;
+    AcDbDwgFiler& filer_;
+    int absent_;
+};
+
+}  // namespace
+
+Acad::ErrorStatus AcDbText::writeFile(AcDbDwgFiler& filer, sg::model::DwgForm& form) const {
+    const AcGeMatrix3d toPlane = AcGeMatrix3d::worldToPlane(normal_);
+    const AcGePoint3d position = toPlane * position_;
+    const AcGePoint3d alignment = toPlane * alignmentPoint_;
+    int absent = 0;
+    if (position.z == 0) absent |= kNoElevation;
+    if (isDefaultAlignment()) absent |= kNoAlignment;
+    if (oblique_ == 0) absent |= kNoOblique;
+    if (rotation_ == 0) absent |= kNoRotation;
+    if (widthFactor_ == 1) absent |= kNoWidth;
+    if (generation_ == 0) absent |= kNoGeneration;
+    if (horizontalMode_ == AcDb::kTextLeft) absent |= kNoHorizontal;
+    if (verticalMode_ == AcDb::kTextBase) absent |= kNoVertical;
+    const Optional optional(form, filer, absent);
+    filer.writeUInt8(static_cast<uint8_t>(absent));
+    optional.write(kNoElevation, position.z);
+    filer.writePoint2d({position.x, position.y});
+    if (optional.has(kNoAlignment)) {
+        form.writeNear(alignment.x, position.x);
+        form.writeNear(alignment.y, position.y);
+    }
+    form.writeExtrusion(normal_);
+    form.writeThickness(thickness_);
+    optional.write(kNoOblique, oblique_);
+    optional.write(kNoRotation, rotation_);
+    form.writeRawDouble(height_);
+    optional.write(kNoWidth, widthFactor_);
+    filer.writeString(text_);
+    optional.write(kNoGeneration, generation_);
+    optional.write(kNoHorizontal, horizontalMode_);
+    optional.write(kNoVertical, verticalMode_);
+    return filer.writeHardPointerId(style_);
+}
+
+// Before release 2000 everything is there.
+Acad::ErrorStatus AcDbText::readOldFile(AcDbDwgFiler& filer) {
+    double elevation = 0;
+    AcGePoint2d position, alignment;
+    int16_t generation = 0;
+    int16_t horizontal = 0;
+    int16_t vertical = 0;
+    filer.readDouble(&elevation);
+    filer.readPoint2d(&position);
+    filer.readPoint2d(&alignment);
+    filer.readVector3d(&normal_);
+    for (double* const value : {&thickness_, &oblique_, &rotation_, &height_, &widthFactor_})
+        filer.readDouble(value);
+    filer.readString(text_);
+    filer.readInt16(&generation);
+    filer.readInt16(&horizontal);
+    filer.readInt16(&vertical);
+    generation_ = static_cast<uint8_t>(generation);
+    takeHorizontalMode(horizontal);
+    takeVerticalMode(vertical);
+    const AcGeMatrix3d toWorld = AcGeMatrix3d::planeToWorld(normal_);
+    position_ = toWorld * AcGePoint3d(position.x, position.y, elevation);
+    alignmentPoint_ = isDefaultAlignment()
+                          ? AcGePoint3d()
+                          : toWorld * AcGePoint3d(alignment.x, alignment.y, elevation);
+    return filer.readHardPointerId(&style_);
+}
+
+Acad::ErrorStatus AcDbText::readFile(AcDbDwgFiler& filer, sg::model::DwgForm& form) {
+    if (sg::model::isBefore(&filer, AcDb::kDHL_1015)) return readOldFile(filer);
+    uint8_t absent = 0;
+    filer.readUInt8(&absent);
+    const Optional optional(form, filer, absent);
+    double elevation = 0;
+    AcGePoint2d position;
+    optional.read(kNoElevation, elevation, 0);
+    filer.readPoint2d(&position);
+    AcGePoint3d alignment(0, 0, elevation);
+    if (optional.has(kNoAlignment)) {
+        form.readNear(&alignment.x, position.x);
+        form.readNear(&alignment.y, position.y);
+    }
+    form.readExtrusion(&normal_);
+    form.readThickness(&thickness_);
+    optional.read(kNoOblique, oblique_, 0);
+    optional.read(kNoRotation, rotation_, 0);
+    form.readRawDouble(&height_);
+    optional.read(kNoWidth, widthFactor_, 1);
+    filer.readString(text_);
+    generation_ = static_cast<uint8_t>(optional.read(kNoGeneration));
+    horizontalMode_ = AcDb::kTextLeft;
+    verticalMode_ = AcDb::kTextBase;
+    takeHorizontalMode(optional.read(kNoHorizontal));
+    takeVerticalMode(optional.read(kNoVertical));
+    filer.readHardPointerId(&style_);
+    const AcGeMatrix3d toWorld = AcGeMatrix3d::planeToWorld(normal_);
+    position_ = toWorld * AcGePoint3d(position.x, position.y, elevation);
+    alignmentPoint_ = optional.has(kNoAlignment) ? toWorld * alignment : AcGePoint3d();
+    return filer.filerStatus();
+}
+
+// ---- As groups ----------------------------------------------------------------------------------
 
 Acad::ErrorStatus AcDbText::dxfOutText(AcDbDxfFiler* filer) const {
     AcDbEntity::dxfOutFields(filer);

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "host/model/core/dwg_form.h"
 #include "host/model/curves/listing.h"
 #include "host/model/tables/filing.h"
 #include "platform/db/layer_table.h"
@@ -207,9 +208,18 @@ void AcDbViewport::visitFields(Visitor&& visit) {
     visit(clipEntity_);
     visit(ucs_);
     visit(baseUcs_);
+    visit(look_.majorGridLines);
+    visit(look_.shadePlot);
+    visitLight(visit);
+    visitLightObjects(visit);
 }
 
 namespace {
+
+// A whole number that files have in one byte.
+struct Byte {
+    int16_t& value;
+};
 
 struct FieldWriter {
     AcDbDwgFiler* filer;
@@ -219,9 +229,14 @@ struct FieldWriter {
     void operator()(double v) const { filer->writeDouble(v); }
     void operator()(int16_t v) const { filer->writeInt16(v); }
     void operator()(int32_t v) const { filer->writeInt32(v); }
+    void operator()(uint32_t v) const { filer->writeUInt32(v); }
+    void operator()(Byte v) const { filer->writeUInt8(static_cast<uint8_t>(v.value)); }
     void operator()(bool v) const { filer->writeBool(v); }
     void operator()(const std::wstring& v) const { filer->writeString(v); }
+    void operator()(const AcCmColor& v) const { sg::model::writeColor(filer, v); }
     void operator()(const AcDbHardPointerId& v) const { filer->writeHardPointerId(v); }
+    void operator()(const AcDbSoftPointerId& v) const { filer->writeSoftPointerId(v); }
+    void operator()(const AcDbHardOwnershipId& v) const { filer->writeHardOwnershipId(v); }
 };
 
 struct FieldFiller {
@@ -232,33 +247,156 @@ struct FieldFiller {
     void operator()(double& v) const { filer->readDouble(&v); }
     void operator()(int16_t& v) const { filer->readInt16(&v); }
     void operator()(int32_t& v) const { filer->readInt32(&v); }
+    void operator()(uint32_t& v) const { filer->readUInt32(&v); }
+    void operator()(Byte v) const {
+        uint8_t byte = 0;
+        filer->readUInt8(&byte);
+        v.value = byte;
+    }
     void operator()(bool& v) const { filer->readBool(&v); }
     void operator()(std::wstring& v) const { filer->readString(v); }
+    void operator()(AcCmColor& v) const { sg::model::readColor(filer, v); }
     void operator()(AcDbHardPointerId& v) const { filer->readHardPointerId(&v); }
+    void operator()(AcDbSoftPointerId& v) const { filer->readSoftPointerId(&v); }
+    void operator()(AcDbHardOwnershipId& v) const { filer->readHardOwnershipId(&v); }
 };
+
+}  // namespace
+
+template <class Visitor>
+void AcDbViewport::visitLight(Visitor&& visit) {
+    visit(look_.hasDefaultLights);
+    visit(Byte{look_.lights});
+    visit(look_.brightness);
+    visit(look_.contrast);
+    visit(look_.ambient);
+}
+
+template <class Visitor>
+void AcDbViewport::visitLightObjects(Visitor&& visit) {
+    visit(look_.background);
+    visit(look_.visualStyle);
+    visit(look_.shadePlotObject);
+    visit(look_.sun);
+}
+
+// The main data of a DWG object.
+template <class Visitor>
+void AcDbViewport::visitFile(Visitor&& visit, AcDbDwgFiler* filer, uint32_t& frozen) {
+    visit(center_);
+    visit(width_);
+    visit(height_);
+    visit(target_);
+    visit(direction_);
+    visit(twist_);
+    visit(viewHeight_);
+    visit(lensLength_);
+    visit(frontClip_);
+    visit(backClip_);
+    visit(snapAngle_);
+    visit(viewCenter_);
+    visit(snapBase_);
+    visit(snapSpacing_);
+    visit(gridSpacing_);
+    visit(circleSides_);
+    if (!sg::model::isBefore(filer, AcDb::kDHL_1021)) visit(look_.majorGridLines);
+    visit(frozen);
+    visit(statusFlags_);
+    visit(plotStyleSheet_);
+    visit(Byte{renderMode_});
+    bool ucsAtOrigin = false;
+    visit(ucsAtOrigin);
+    visit(ucsPerViewport_);
+    visit(ucsOrigin_);
+    visit(ucsXAxis_);
+    visit(ucsYAxis_);
+    visit(elevation_);
+    visit(ucsOrthographic_);
+    if (!sg::model::isBefore(filer, AcDb::kDHL_1018)) visit(look_.shadePlot);
+    if (!sg::model::isBefore(filer, AcDb::kDHL_1021)) visitLight(visit);
+}
+
+namespace {
+
+// Files before 2004 refer to frozen layers as to what must be there.
+bool refersHard(AcDbDwgFiler* filer) {
+    return filer->dwgForm() != nullptr && sg::model::isBefore(filer, AcDb::kDHL_1018);
+}
+
+void writeFrozen(AcDbDwgFiler* filer, const std::vector<AcDbSoftPointerId>& layers) {
+    for (const AcDbSoftPointerId& layer : layers) {
+        if (refersHard(filer)) {
+            filer->writeHardPointerId(AcDbObjectId(layer));
+        } else {
+            filer->writeSoftPointerId(layer);
+        }
+    }
+}
+
+void readFrozen(AcDbDwgFiler* filer, uint32_t count, std::vector<AcDbSoftPointerId>& layers) {
+    layers.clear();
+    for (uint32_t i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i) {
+        AcDbSoftPointerId layer;
+        filer->readSoftPointerId(&layer);
+        if (!layer.isNull()) layers.push_back(layer);
+    }
+}
+
+// What refers to a viewport's own table, which newer files have no more.
+template <class Visitor>
+void visitHeader(Visitor&& visit, AcDbDwgFiler* filer) {
+    AcDbHardPointerId header;
+    if (refersHard(filer)) visit(header);
+}
 
 }  // namespace
 
 Acad::ErrorStatus AcDbViewport::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbEntity::dwgOutFields(filer);
-    const_cast<AcDbViewport*>(this)->visitFields(FieldWriter{filer});
-    filer->writeUInt32(static_cast<uint32_t>(frozen_.size()));
-    for (const AcDbSoftPointerId& layer : frozen_)
-        filer->writeSoftPointerId(layer);
+    auto& self = const_cast<AcDbViewport&>(*this);
+    const FieldWriter write{filer};
+    auto frozen = static_cast<uint32_t>(frozen_.size());
+    if (filer->dwgForm() == nullptr) {
+        self.visitFields(write);
+        filer->writeUInt32(frozen);
+        writeFrozen(filer, frozen_);
+        return filer->filerStatus();
+    }
+    self.visitFile(write, filer, frozen);
+    writeFrozen(filer, frozen_);
+    write(clipEntity_);
+    visitHeader(write, filer);
+    write(ucs_);
+    write(baseUcs_);
+    if (!sg::model::isBefore(filer, AcDb::kDHL_1021)) self.visitLightObjects(write);
     return filer->filerStatus();
 }
 
 Acad::ErrorStatus AcDbViewport::dwgInFields(AcDbDwgFiler* filer) {
     AcDbEntity::dwgInFields(filer);
-    visitFields(FieldFiller{filer});
-    uint32_t count = 0;
-    filer->readUInt32(&count);
-    frozen_.clear();
-    for (uint32_t i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i) {
-        AcDbSoftPointerId layer;
-        filer->readSoftPointerId(&layer);
-        if (!layer.isNull()) frozen_.push_back(layer);
+    const FieldFiller fill{filer};
+    uint32_t frozen = 0;
+    if (filer->dwgForm() == nullptr) {
+        visitFields(fill);
+        filer->readUInt32(&frozen);
+        readFrozen(filer, frozen, frozen_);
+        return filer->filerStatus();
     }
+    // Before release 2000 the view is in extended data.
+    if (sg::model::isBefore(filer, AcDb::kDHL_1015)) {
+        AcDbHardPointerId header;
+        fill(center_);
+        fill(width_);
+        fill(height_);
+        return filer->readHardPointerId(&header);
+    }
+    visitFile(fill, filer, frozen);
+    readFrozen(filer, frozen, frozen_);
+    fill(clipEntity_);
+    visitHeader(fill, filer);
+    fill(ucs_);
+    fill(baseUcs_);
+    if (!sg::model::isBefore(filer, AcDb::kDHL_1021)) visitLightObjects(fill);
     return filer->filerStatus();
 }
 

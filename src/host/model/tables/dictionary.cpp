@@ -5,6 +5,7 @@
 
 #include "base/text.h"
 #include "host/model/core/database_state.h"
+#include "host/model/core/dwg_form.h"
 #include "host/model/core/object_access.h"
 #include "host/model/tables/filing.h"
 #include "platform/db/database.h"
@@ -276,10 +277,16 @@ AcDbObjectId AcDbDictionary::objectAfter(AcDbObjectId id) const {
 
 Acad::ErrorStatus AcDbDictionary::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbObject::dwgOutFields(filer);
-    filer->writeBool(hard_);
+    const bool inFile = filer->dwgForm() != nullptr;
+    const auto isFiled = [&](const Entries::Entry& entry) {
+        return !inFile || (!entry.id.isNull() && !entry.id.isErased());
+    };
+    filer->writeUInt32(static_cast<uint32_t>(
+        std::count_if(entries_->list.begin(), entries_->list.end(), isFiled)));
     filer->writeInt16(static_cast<int16_t>(mergeStyle_));
-    filer->writeUInt32(static_cast<uint32_t>(entries_->list.size()));
+    filer->writeUInt8(hard_ ? 1 : 0);
     for (const Entries::Entry& entry : entries_->list) {
+        if (!isFiled(entry)) continue;
         filer->writeString(entry.name);
         if (filer->filerType() == AcDb::kUndoFiler) {
             filer->writeInt64(static_cast<int64_t>(entry.order));
@@ -296,12 +303,12 @@ Acad::ErrorStatus AcDbDictionary::dwgOutFields(AcDbDwgFiler* filer) const {
 Acad::ErrorStatus AcDbDictionary::dwgInFields(AcDbDwgFiler* filer) {
     assertWriteEnabled();
     AcDbObject::dwgInFields(filer);
-    int16_t mergeStyle = 0;
+    uint8_t isHard = 0;
     uint32_t count = 0;
-    filer->readBool(&hard_);
-    filer->readInt16(&mergeStyle);
     filer->readUInt32(&count);
-    mergeStyle_ = static_cast<AcDb::DuplicateRecordCloning>(mergeStyle);
+    if (!sg::model::isBefore(filer, AcDb::kDHL_1015)) sg::model::readInt16As(filer, mergeStyle_);
+    filer->readUInt8(&isHard);
+    hard_ = isHard != 0;
     entries_->clear();
     for (uint32_t i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i) {
         std::wstring name;

@@ -1,7 +1,10 @@
 #include "host/model/tables/dim_style_table.h"
 
+#include <algorithm>
 #include <stdexcept>
 
+#include "host/model/core/dwg_form.h"
+#include "host/model/tables/dim_style_steps.h"
 #include "host/model/tables/filing.h"
 #include "host/model/tables/references.h"
 
@@ -28,6 +31,29 @@ std::span<const FieldRow> rows() {
 AcDbDimStyleTable::AcDbDimStyleTable() = default;
 AcDbDimStyleTable::~AcDbDimStyleTable() = default;
 
+// A DWG object, as groups do, names the records once more.
+Acad::ErrorStatus AcDbDimStyleTable::dwgOutFields(AcDbDwgFiler* filer) const {
+    const Acad::ErrorStatus status = AcDbSymbolTable::dwgOutFields(filer);
+    if (status != Acad::eOk || filer->dwgForm() == nullptr) return status;
+    constexpr int kMost = 255;
+    int left = std::min(numRecords(), kMost);
+    filer->writeUInt8(static_cast<uint8_t>(left));
+    for (auto each = newIterator(); !each->done() && left-- > 0; each->step())
+        filer->writeHardPointerId(each->getRecordId());
+    return filer->filerStatus();
+}
+
+Acad::ErrorStatus AcDbDimStyleTable::dwgInFields(AcDbDwgFiler* filer) {
+    const Acad::ErrorStatus status = AcDbSymbolTable::dwgInFields(filer);
+    if (status != Acad::eOk || filer->dwgForm() == nullptr) return status;
+    if (sg::model::isBefore(filer, AcDb::kDHL_1015)) return status;
+    uint8_t count = 0;
+    filer->readUInt8(&count);
+    while (count-- > 0 && filer->filerStatus() == Acad::eOk)
+        sg::model::readReference(*filer, sg::model::Reference::hardPointer);
+    return filer->filerStatus();
+}
+
 // The table names its records once more.
 Acad::ErrorStatus AcDbDimStyleTable::dxfOutFields(AcDbDxfFiler* filer) const {
     AcDbSymbolTable::dxfOutFields(filer);
@@ -53,12 +79,19 @@ void AcDbDimStyleTableRecord::setValue(size_t place, sg::model::VariableValue va
 
 Acad::ErrorStatus AcDbDimStyleTableRecord::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbSymbolTableRecord::dwgOutFields(filer);
-    return values_.writeDwg(filer);
+    values_.writeDwg(filer, sg::model::dimStyleSteps(*filer));
+    if (filer->dwgForm() == nullptr) return filer->filerStatus();
+    return filer->writeBool((standardFlags_ & 1) != 0);
 }
 
 Acad::ErrorStatus AcDbDimStyleTableRecord::dwgInFields(AcDbDwgFiler* filer) {
     AcDbSymbolTableRecord::dwgInFields(filer);
-    return values_.readDwg(filer);
+    values_.readDwg(filer, sg::model::dimStyleSteps(*filer));
+    if (filer->dwgForm() == nullptr) return filer->filerStatus();
+    bool isSet = false;
+    filer->readBool(&isSet);
+    if (isSet) standardFlags_ = static_cast<int16_t>(standardFlags_ | 1);
+    return filer->filerStatus();
 }
 
 Acad::ErrorStatus AcDbDimStyleTableRecord::dxfOutFields(AcDbDxfFiler* filer) const {

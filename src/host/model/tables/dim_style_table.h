@@ -32,5 +32,7 @@ class SG_API AcDbDimStyleTable : public AcDbSymbolTableOf<AcDbDimStyleTableRecor
     AcDbDimStyleTable();
     ~AcDbDimStyleTable() override;
 
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
 };

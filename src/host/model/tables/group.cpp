@@ -140,8 +140,8 @@ Acad::ErrorStatus AcDbGroup::subErase(bool erasing) {
 Acad::ErrorStatus AcDbGroup::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbObject::dwgOutFields(filer);
     filer->writeString(description_);
-    filer->writeBool(anonymous_);
-    filer->writeBool(selectable_);
+    filer->writeInt16(anonymous_ ? 1 : 0);
+    filer->writeInt16(selectable_ ? 1 : 0);
     filer->writeUInt32(static_cast<uint32_t>(entities_.size()));
     for (const AcDbHardPointerId& entity : entities_)
         filer->writeHardPointerId(entity);
@@ -151,9 +151,13 @@ Acad::ErrorStatus AcDbGroup::dwgOutFields(AcDbDwgFiler* filer) const {
 Acad::ErrorStatus AcDbGroup::dwgInFields(AcDbDwgFiler* filer) {
     AcDbObject::dwgInFields(filer);
     uint32_t count = 0;
+    int16_t isAnonymous = 0;
+    int16_t isSelectable = 0;
     filer->readString(description_);
-    filer->readBool(&anonymous_);
-    filer->readBool(&selectable_);
+    filer->readInt16(&isAnonymous);
+    filer->readInt16(&isSelectable);
+    anonymous_ = isAnonymous != 0;
+    selectable_ = isSelectable != 0;
     filer->readUInt32(&count);
     entities_.clear();
     for (uint32_t i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i) {

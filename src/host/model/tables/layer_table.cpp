@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "host/model/core/dwg_form.h"
 #include "host/model/tables/filing.h"
 #include "host/model/tables/references.h"
 #include "platform/db/database.h"
@@ -156,31 +157,98 @@ void AcDbLayerTableRecord::setDescription(const wchar_t* description) {
     acutRelRb(data);
 }
 
+namespace {
+
+// A DWG object has the settings and the line weight in one number.
+enum Packed : int16_t {
+    kPackedFrozen = 1,
+    kPackedOff = 2,
+    kPackedFrozenInNew = 4,
+    kPackedLocked = 8,
+    kPackedPlottable = 16,
+};
+constexpr int kWeightShift = 5;
+constexpr int kWeightMask = 0x1F;
+
+int16_t packed(const AcDbLayerTableRecord& layer) {
+    int values = sg::model::lineWeightCode(layer.lineWeight()) << kWeightShift;
+    if (layer.isFrozen()) values |= kPackedFrozen;
+    if (layer.isOff()) values |= kPackedOff;
+    if (layer.VPDFLT()) values |= kPackedFrozenInNew;
+    if (layer.isLocked()) values |= kPackedLocked;
+    if (layer.isPlottable()) values |= kPackedPlottable;
+    return static_cast<int16_t>(values);
+}
+
+int16_t readPacked(AcDbDwgFiler& filer) {
+    int16_t values = 0;
+    filer.readInt16(&values);
+    return values;
+}
+
+// Before release 2000 the settings are bits of their own, and nothing else is there.
+int16_t readSettings(AcDbDwgFiler& filer) {
+    int values = kPackedPlottable | sg::model::lineWeightCode(AcDb::kLnWtByLwDefault)
+                                        << kWeightShift;
+    for (const Packed setting : {kPackedFrozen, kPackedOff, kPackedFrozenInNew, kPackedLocked}) {
+        bool isSet = false;
+        filer.readBool(&isSet);
+        if (isSet) values |= setting;
+    }
+    return static_cast<int16_t>(values);
+}
+
+}  // namespace
+
+void AcDbLayerTableRecord::takePacked(int16_t values) {
+    const auto has = [&](Packed value) { return (values & value) != 0; };
+    off_ = has(kPackedOff);
+    plottable_ = has(kPackedPlottable);
+    standardFlags_ = withFlag(standardFlags_, kFrozen, has(kPackedFrozen));
+    standardFlags_ = withFlag(standardFlags_, kFrozenInNewViewports, has(kPackedFrozenInNew));
+    standardFlags_ = withFlag(standardFlags_, kLocked, has(kPackedLocked));
+    lineWeight_ =
+        sg::model::lineWeightOf(static_cast<uint8_t>(values >> kWeightShift & kWeightMask));
+}
+
 Acad::ErrorStatus AcDbLayerTableRecord::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbSymbolTableRecord::dwgOutFields(filer);
+    const bool inFile = filer->dwgForm() != nullptr;
+    if (inFile) {
+        filer->writeInt16(packed(*this));
+    } else {
+        filer->writeInt16(static_cast<int16_t>(lineWeight_));
+        filer->writeUInt32(transparency_);
+        filer->writeBool(off_);
+        filer->writeBool(plottable_);
+    }
     sg::model::writeColor(filer, color_);
-    filer->writeHardPointerId(linetype_);
     filer->writeHardPointerId(plotStyle_);
-    filer->writeHardPointerId(material_);
-    filer->writeInt16(static_cast<int16_t>(lineWeight_));
-    filer->writeUInt32(transparency_);
-    filer->writeBool(off_);
-    return filer->writeBool(plottable_);
+    if (!sg::model::isBefore(filer, AcDb::kDHL_1021)) filer->writeHardPointerId(material_);
+    filer->writeHardPointerId(linetype_);
+    if (!inFile || sg::model::isBefore(filer, AcDb::kDHL_1027)) return filer->filerStatus();
+    return filer->writeHardPointerId(AcDbObjectId());
 }
 
 Acad::ErrorStatus AcDbLayerTableRecord::dwgInFields(AcDbDwgFiler* filer) {
     AcDbSymbolTableRecord::dwgInFields(filer);
-    int16_t weight = 0;
+    const bool inFile = filer->dwgForm() != nullptr;
+    const bool isOld = inFile && sg::model::isBefore(filer, AcDb::kDHL_1015);
+    if (inFile) {
+        takePacked(isOld ? readSettings(*filer) : readPacked(*filer));
+    } else {
+        sg::model::readInt16As(filer, lineWeight_);
+        filer->readUInt32(&transparency_);
+        filer->readBool(&off_);
+        filer->readBool(&plottable_);
+    }
     sg::model::readColor(filer, color_);
+    if (!isOld) filer->readHardPointerId(&plotStyle_);
+    if (!sg::model::isBefore(filer, AcDb::kDHL_1021)) filer->readHardPointerId(&material_);
     filer->readHardPointerId(&linetype_);
-    filer->readHardPointerId(&plotStyle_);
-    filer->readHardPointerId(&material_);
-    filer->readInt16(&weight);
-    filer->readUInt32(&transparency_);
-    filer->readBool(&off_);
-    filer->readBool(&plottable_);
-    lineWeight_ = static_cast<AcDb::LineWeight>(weight);
-    return filer->filerStatus();
+    if (!inFile || sg::model::isBefore(filer, AcDb::kDHL_1027)) return filer->filerStatus();
+    AcDbHardPointerId visualStyle;
+    return filer->readHardPointerId(&visualStyle);
 }
 
 Acad::ErrorStatus AcDbLayerTableRecord::dxfOutFields(AcDbDxfFiler* filer) const {

@@ -2,6 +2,11 @@
 
 #include <vector>
 
+#include "host/model/core/dwg_form.h"
+#include "host/model/core/object_access.h"
+#include "host/model/tables/view_steps.h"
+#include "platform/db/viewport.h"
+
 using sg::model::FieldReader;
 using sg::model::FieldRow;
 using sg::model::Reference;
@@ -95,6 +100,21 @@ Acad::ErrorStatus takeSubclass(AcDbDxfFiler* filer, const wchar_t* marker,
     return filer->filerStatus();
 }
 
+// Files from release 2004 on list the viewports of a sheet's block.
+bool listsViewports(AcDbDwgFiler& filer) {
+    return filer.dwgForm() != nullptr && !sg::model::isBefore(&filer, AcDb::kDHL_1018);
+}
+
+std::vector<AcDbObjectId> viewportsOf(AcDbObjectId blockId) {
+    std::vector<AcDbObjectId> found;
+    const auto* const block = sg::model::peek<AcDbBlockTableRecord>(blockId);
+    if (block == nullptr) return found;
+    for (const AcDbObjectId id : block->entityIds()) {
+        if (!id.isErased() && sg::model::peek<AcDbViewport>(id) != nullptr) found.push_back(id);
+    }
+    return found;
+}
+
 }  // namespace
 
 AcDbPlotSettings::AcDbPlotSettings() : plot_(plotRows()) {}
@@ -107,12 +127,12 @@ sg::model::RecordFields& AcDbPlotSettings::plotFields() {
 
 Acad::ErrorStatus AcDbPlotSettings::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbObject::dwgOutFields(filer);
-    return plot_.writeDwg(filer);
+    return plot_.writeDwg(filer, sg::model::plotSteps());
 }
 
 Acad::ErrorStatus AcDbPlotSettings::dwgInFields(AcDbDwgFiler* filer) {
     AcDbObject::dwgInFields(filer);
-    return plot_.readDwg(filer);
+    return plot_.readDwg(filer, sg::model::plotSteps());
 }
 
 Acad::ErrorStatus AcDbPlotSettings::dxfOutFields(AcDbDxfFiler* filer) const {
@@ -156,12 +176,24 @@ sg::model::RecordFields& AcDbLayout::fields() {
 
 Acad::ErrorStatus AcDbLayout::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbPlotSettings::dwgOutFields(filer);
-    return fields_.writeDwg(filer);
+    fields_.writeDwg(filer, sg::model::layoutSteps());
+    if (!listsViewports(*filer)) return filer->filerStatus();
+    const std::vector<AcDbObjectId> viewports = viewportsOf(getBlockTableRecordId());
+    filer->writeUInt32(static_cast<uint32_t>(viewports.size()));
+    for (const AcDbObjectId viewport : viewports)
+        filer->writeSoftPointerId(viewport);
+    return filer->filerStatus();
 }
 
 Acad::ErrorStatus AcDbLayout::dwgInFields(AcDbDwgFiler* filer) {
     AcDbPlotSettings::dwgInFields(filer);
-    return fields_.readDwg(filer);
+    fields_.readDwg(filer, sg::model::layoutSteps());
+    if (!listsViewports(*filer)) return filer->filerStatus();
+    uint32_t count = 0;
+    filer->readUInt32(&count);
+    while (count-- > 0 && filer->filerStatus() == Acad::eOk)
+        sg::model::readReference(*filer, Reference::softPointer);
+    return filer->filerStatus();
 }
 
 Acad::ErrorStatus AcDbLayout::dxfOutFields(AcDbDxfFiler* filer) const {

@@ -67,6 +67,12 @@ void readDash(const FieldReader& fields, Dash& dash) {
 
 AcDbLinetypeTable::AcDbLinetypeTable() = default;
 AcDbLinetypeTable::~AcDbLinetypeTable() = default;
+
+std::span<const wchar_t* const> AcDbLinetypeTable::fixedRecords() const {
+    static constexpr const wchar_t* kBorrowed[] = {L"ByBlock", L"ByLayer"};
+    return kBorrowed;
+}
+
 AcDbLinetypeTableRecord::AcDbLinetypeTableRecord() = default;
 AcDbLinetypeTableRecord::~AcDbLinetypeTableRecord() = default;
 
@@ -85,6 +91,7 @@ void AcDbLinetypeTableRecord::setDashes(std::vector<Dash> dashes) {
 
 Acad::ErrorStatus AcDbLinetypeTableRecord::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbSymbolTableRecord::dwgOutFields(filer);
+    if (filer->dwgForm() != nullptr) return writeFile(*filer);
     filer->writeString(comments_);
     filer->writeDouble(patternLength_);
     filer->writeUInt32(static_cast<uint32_t>(dashes_.size()));
@@ -103,6 +110,7 @@ Acad::ErrorStatus AcDbLinetypeTableRecord::dwgOutFields(AcDbDwgFiler* filer) con
 
 Acad::ErrorStatus AcDbLinetypeTableRecord::dwgInFields(AcDbDwgFiler* filer) {
     AcDbSymbolTableRecord::dwgInFields(filer);
+    if (filer->dwgForm() != nullptr) return readFile(*filer);
     uint32_t count = 0;
     filer->readString(comments_);
     filer->readDouble(&patternLength_);

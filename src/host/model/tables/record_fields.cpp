@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "host/model/tables/field_steps.h"
+
 namespace sg::model {
 namespace {
 
@@ -59,11 +61,17 @@ RecordFields::RecordFields(std::span<const FieldRow> rows) : rows_(rows) {
         values_.push_back(row.initial);
 }
 
-size_t RecordFields::require(int code) const {
+std::optional<size_t> RecordFields::find(int code) const {
     const auto row =
         std::find_if(rows_.begin(), rows_.end(), [&](const FieldRow& r) { return r.code == code; });
-    if (row == rows_.end()) throw std::logic_error("no such field: " + std::to_string(code));
+    if (row == rows_.end()) return std::nullopt;
     return static_cast<size_t>(row - rows_.begin());
+}
+
+size_t RecordFields::require(int code) const {
+    const std::optional<size_t> place = find(code);
+    if (!place) throw std::logic_error("no such field: " + std::to_string(code));
+    return *place;
 }
 
 void RecordFields::set(int code, VariableValue value) {
@@ -93,7 +101,9 @@ bool RecordFields::takeDxf(const FieldReader& group) {
     return false;
 }
 
-Acad::ErrorStatus RecordFields::writeDwg(AcDbDwgFiler* filer) const {
+Acad::ErrorStatus RecordFields::writeDwg(AcDbDwgFiler* filer,
+                                         std::span<const DwgStep> steps) const {
+    if (filer->dwgForm() != nullptr) return writeSteps(*filer, *this, steps);
     for (size_t i = 0; i < rows_.size(); ++i) {
         std::visit(
             Overloaded{[&](int32_t whole) { filer->writeInt32(whole); },
@@ -107,7 +117,8 @@ Acad::ErrorStatus RecordFields::writeDwg(AcDbDwgFiler* filer) const {
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus RecordFields::readDwg(AcDbDwgFiler* filer) {
+Acad::ErrorStatus RecordFields::readDwg(AcDbDwgFiler* filer, std::span<const DwgStep> steps) {
+    if (filer->dwgForm() != nullptr) return readSteps(*filer, *this, steps);
     for (size_t i = 0; i < rows_.size(); ++i) {
         std::visit(
             Overloaded{[&](int32_t& whole) { filer->readInt32(&whole); },

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -17,6 +18,41 @@ struct FieldRow {
     bool optional = false;
     Reference pointer = Reference::hardPointer;
     bool flat = false;  // a 2D point
+};
+
+// How a DWG object has a field.
+enum class DwgCoding : uint8_t {
+    bit,        // B
+    byte,       // RC
+    int16,      // BS
+    int32,      // BL
+    real,       // BD
+    flatPoint,  // 2RD
+    point,      // 3BD
+    text,       // T
+    color,      // CMC, of a colour or of a whole number's index
+    id,         // H, of its row's kind
+    softId,
+    hardId,
+    ownedId,  // H of a field that the record does not keep
+    // Parts of what a view has in one number: see the record.
+    timesHeight,
+    viewMode,
+    follow,
+    icon,
+};
+
+// One step of a DWG object: the field and its coding, in files of the releases from `since` to
+// before `until`. A field that the record does not keep is written as `otherwise`.
+struct DwgStep {
+    static constexpr int16_t kOpen = 0x7FFF;
+
+    int16_t code;
+    DwgCoding coding;
+    int16_t since = 0;
+    int16_t until = kOpen;
+    double otherwise = 0;
+    int16_t onlyWith = 0;  // a field without which, being 0, the step is left out
 };
 
 // The fields of a record that is no more than their list: each once, in the order of its rows,
@@ -39,11 +75,15 @@ class SG_API RecordFields {
     void writeDxf(AcDbDxfFiler* filer) const;
     // Takes the group that the reader stands on; false when no row has its code.
     bool takeDxf(const FieldReader& group);
-    Acad::ErrorStatus writeDwg(AcDbDwgFiler* filer) const;
-    Acad::ErrorStatus readDwg(AcDbDwgFiler* filer);
+    // In files in the order of the steps, in memory in that of the rows.
+    Acad::ErrorStatus writeDwg(AcDbDwgFiler* filer, std::span<const DwgStep> steps) const;
+    Acad::ErrorStatus readDwg(AcDbDwgFiler* filer, std::span<const DwgStep> steps);
 
   private:
+    friend class FieldSteps;
+
     size_t require(int code) const;
+    std::optional<size_t> find(int code) const;
 
     std::span<const FieldRow> rows_;
     std::vector<VariableValue> values_;

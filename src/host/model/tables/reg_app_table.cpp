@@ -10,6 +10,18 @@ AcDbRegAppTable::~AcDbRegAppTable() = default;
 AcDbRegAppTableRecord::AcDbRegAppTableRecord() = default;
 AcDbRegAppTableRecord::~AcDbRegAppTableRecord() = default;
 
+// A DWG object has a byte more, which is always 0.
+Acad::ErrorStatus AcDbRegAppTableRecord::dwgOutFields(AcDbDwgFiler* filer) const {
+    const Acad::ErrorStatus status = AcDbSymbolTableRecord::dwgOutFields(filer);
+    return filer->dwgForm() == nullptr ? status : filer->writeUInt8(0);
+}
+
+Acad::ErrorStatus AcDbRegAppTableRecord::dwgInFields(AcDbDwgFiler* filer) {
+    const Acad::ErrorStatus status = AcDbSymbolTableRecord::dwgInFields(filer);
+    uint8_t unused = 0;
+    return filer->dwgForm() == nullptr ? status : filer->readUInt8(&unused);
+}
+
 Acad::ErrorStatus AcDbRegAppTableRecord::dxfOutFields(AcDbDxfFiler* filer) const {
     AcDbSymbolTableRecord::dxfOutFields(filer);
     filer->writeString(100, L"AcDbRegAppTableRecord");

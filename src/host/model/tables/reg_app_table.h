@@ -9,6 +9,8 @@ class SG_API AcDbRegAppTableRecord : public AcDbSymbolTableRecord {
     AcDbRegAppTableRecord();
     ~AcDbRegAppTableRecord() override;
 
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
 };

@@ -158,27 +158,26 @@ bool AcDbSortentsTable::firstEntityIsDrawnBeforeSecond(AcDbObjectId first,
 
 Acad::ErrorStatus AcDbSortentsTable::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbObject::dwgOutFields(filer);
-    filer->writeSoftPointerId(block_);
     filer->writeUInt32(static_cast<uint32_t>(entries_.size()));
-    for (const Entry& entry : entries_) {
-        filer->writeSoftPointerId(entry.entity);
+    for (const Entry& entry : entries_)
         filer->writeAcDbHandle(entry.sortHandle);
-    }
+    filer->writeSoftPointerId(block_);
+    for (const Entry& entry : entries_)
+        filer->writeSoftPointerId(entry.entity);
     return filer->filerStatus();
 }
 
 Acad::ErrorStatus AcDbSortentsTable::dwgInFields(AcDbDwgFiler* filer) {
     AcDbObject::dwgInFields(filer);
     uint32_t count = 0;
-    filer->readSoftPointerId(&block_);
     filer->readUInt32(&count);
     entries_.clear();
-    for (uint32_t i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i) {
-        Entry entry;
+    for (uint32_t i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i)
+        filer->readAcDbHandle(&entries_.emplace_back().sortHandle);
+    filer->readSoftPointerId(&block_);
+    for (Entry& entry : entries_)
         filer->readSoftPointerId(&entry.entity);
-        filer->readAcDbHandle(&entry.sortHandle);
-        if (!entry.entity.isNull()) entries_.push_back(entry);
-    }
+    std::erase_if(entries_, [](const Entry& entry) { return entry.entity.isNull(); });
     return filer->filerStatus();
 }
 

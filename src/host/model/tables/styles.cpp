@@ -1,9 +1,15 @@
 #include "host/model/tables/styles.h"
 
+#include <algorithm>
 #include <numbers>
 
+#include "host/model/core/database_state.h"
+#include "host/model/core/dwg_form.h"
+#include "host/model/core/object_access.h"
+#include "host/model/core/symbol_records.h"
 #include "host/model/tables/filing.h"
 #include "host/model/tables/references.h"
+#include "platform/db/database.h"
 
 using sg::model::FieldReader;
 
@@ -25,13 +31,15 @@ void AcDbDictionaryVar::setValue(const wchar_t* value) {
 
 Acad::ErrorStatus AcDbDictionaryVar::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbObject::dwgOutFields(filer);
-    filer->writeInt16(schema_);
+    filer->writeUInt8(static_cast<uint8_t>(schema_));
     return filer->writeString(value_);
 }
 
 Acad::ErrorStatus AcDbDictionaryVar::dwgInFields(AcDbDwgFiler* filer) {
     AcDbObject::dwgInFields(filer);
-    filer->readInt16(&schema_);
+    uint8_t schema = 0;
+    filer->readUInt8(&schema);
+    schema_ = schema;
     return filer->readString(value_);
 }
 
@@ -103,39 +111,116 @@ void AcDbMlineStyle::setElements(std::vector<Element> elements) {
     elements_ = std::move(elements);
 }
 
+namespace {
+
+constexpr size_t kMostElements = 255;
+
+// A DWG object has three pairs of flags the other way round than groups have them: joints and
+// fill, and of each end the round cap and the inner arcs.
+int16_t reordered(int16_t flags) {
+    constexpr std::pair<int, int> kPairs[] = {{1, 2}, {32, 64}, {512, 1024}};
+    int changed = flags;
+    for (const auto& [a, b] : kPairs) {
+        changed &= ~(a | b);
+        if ((flags & a) != 0) changed |= b;
+        if ((flags & b) != 0) changed |= a;
+    }
+    return static_cast<int16_t>(changed);
+}
+
+// Files before 2018 have an element's linetype by its place among those of the drawing.
+constexpr int16_t kByLayer = 32767;
+constexpr int16_t kByBlock = 32766;
+
+bool hasPlaces(AcDbDwgFiler& filer) {
+    return filer.dwgForm() != nullptr && sg::model::isBefore(&filer, AcDb::kDHL_1032);
+}
+
+// Those that count, in the order of their table.
+std::vector<AcDbObjectId> placedLinetypes(const AcDbDatabase& database) {
+    const auto* const table = sg::model::peek<AcDbSymbolTable>(database.linetypeTableId());
+    std::vector<AcDbObjectId> placed;
+    if (table == nullptr) return placed;
+    for (const AcDbObjectId id : sg::model::ObjectAccess::records(*table).ids) {
+        const bool isBorrowed =
+            id == database.byLayerLinetype() || id == database.byBlockLinetype();
+        if (!isBorrowed && !id.isErased()) placed.push_back(id);
+    }
+    return placed;
+}
+
+int16_t placeOf(const AcDbDatabase* database, AcDbObjectId linetype) {
+    if (database == nullptr || linetype.isNull() || linetype == database->byLayerLinetype()) {
+        return kByLayer;
+    }
+    if (linetype == database->byBlockLinetype()) return kByBlock;
+    const std::vector<AcDbObjectId> placed = placedLinetypes(*database);
+    const auto found = std::find(placed.begin(), placed.end(), linetype);
+    return found == placed.end() ? kByLayer : static_cast<int16_t>(found - placed.begin());
+}
+
+AcDbObjectId linetypeAt(const AcDbDatabase* database, int16_t place) {
+    if (database == nullptr || place == kByLayer) return {};
+    if (place == kByBlock) return database->byBlockLinetype();
+    const std::vector<AcDbObjectId> placed = placedLinetypes(*database);
+    const auto at = static_cast<size_t>(place);
+    return place >= 0 && at < placed.size() ? placed[at] : AcDbObjectId();
+}
+
+void writeLinetype(AcDbDwgFiler& filer, const AcDbHardPointerId& linetype) {
+    if (hasPlaces(filer)) {
+        filer.writeInt16(placeOf(filer.database(), linetype));
+    } else {
+        filer.writeHardPointerId(linetype);
+    }
+}
+
+void readLinetype(AcDbDwgFiler& filer, AcDbHardPointerId& linetype) {
+    if (!hasPlaces(filer)) {
+        filer.readHardPointerId(&linetype);
+        return;
+    }
+    int16_t place = kByLayer;
+    filer.readInt16(&place);
+    linetype = linetypeAt(filer.database(), place);
+}
+
+}  // namespace
+
 Acad::ErrorStatus AcDbMlineStyle::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbObject::dwgOutFields(filer);
     filer->writeString(name_);
     filer->writeString(description_);
-    filer->writeInt16(flags_);
+    filer->writeInt16(filer->dwgForm() == nullptr ? flags_ : reordered(flags_));
     sg::model::writeColor(filer, fill_);
     filer->writeDouble(startAngle_);
     filer->writeDouble(endAngle_);
-    filer->writeUInt32(static_cast<uint32_t>(elements_.size()));
-    for (const Element& element : elements_) {
-        filer->writeDouble(element.offset);
-        sg::model::writeColor(filer, element.color);
-        filer->writeHardPointerId(element.linetype);
+    filer->writeUInt8(static_cast<uint8_t>(std::min(elements_.size(), kMostElements)));
+    for (size_t i = 0; i < elements_.size() && i < kMostElements; ++i) {
+        filer->writeDouble(elements_[i].offset);
+        sg::model::writeColor(filer, elements_[i].color);
+        writeLinetype(*filer, elements_[i].linetype);
     }
     return filer->filerStatus();
 }
 
 Acad::ErrorStatus AcDbMlineStyle::dwgInFields(AcDbDwgFiler* filer) {
     AcDbObject::dwgInFields(filer);
-    uint32_t count = 0;
+    uint8_t count = 0;
     filer->readString(name_);
     filer->readString(description_);
     filer->readInt16(&flags_);
+    if (filer->dwgForm() != nullptr) flags_ = reordered(flags_);
     sg::model::readColor(filer, fill_);
     filer->readDouble(&startAngle_);
     filer->readDouble(&endAngle_);
-    filer->readUInt32(&count);
+    filer->readUInt8(&count);
     elements_.clear();
     for (uint32_t i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i) {
         Element& element = elements_.emplace_back();
         filer->readDouble(&element.offset);
         sg::model::readColor(filer, element.color);
-        filer->readHardPointerId(&element.linetype);
+        readLinetype(*filer, element.linetype);
     }
     return filer->filerStatus();
 }

@@ -2,6 +2,7 @@
 
 #include <numbers>
 
+#include "host/model/core/dwg_form.h"
 #include "host/model/tables/filing.h"
 #include "host/model/tables/references.h"
 #include "platform/db/database.h"
@@ -130,24 +131,35 @@ AcGiTextStyle AcDbTextStyleTableRecord::giTextStyle() const {
 
 Acad::ErrorStatus AcDbTextStyleTableRecord::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbSymbolTableRecord::dwgOutFields(filer);
-    filer->writeString(fileName_);
-    filer->writeString(bigFontFileName_);
+    if (filer->dwgForm() != nullptr) {
+        filer->writeBool((standardFlags_ & kShapes) != 0);
+        filer->writeBool((standardFlags_ & kVertical) != 0);
+    }
     filer->writeDouble(textSize_);
-    filer->writeDouble(priorSize_);
     filer->writeDouble(xScale_);
     filer->writeDouble(obliquingAngle_);
-    return filer->writeUInt8(flagBits_);
+    filer->writeUInt8(flagBits_);
+    filer->writeDouble(priorSize_);
+    filer->writeString(fileName_);
+    return filer->writeString(bigFontFileName_);
 }
 
 Acad::ErrorStatus AcDbTextStyleTableRecord::dwgInFields(AcDbDwgFiler* filer) {
     AcDbSymbolTableRecord::dwgInFields(filer);
-    filer->readString(fileName_);
-    filer->readString(bigFontFileName_);
+    if (filer->dwgForm() != nullptr) {
+        for (const int16_t flag : {kShapes, kVertical}) {
+            bool isSet = false;
+            filer->readBool(&isSet);
+            if (isSet) standardFlags_ = static_cast<int16_t>(standardFlags_ | flag);
+        }
+    }
     filer->readDouble(&textSize_);
-    filer->readDouble(&priorSize_);
     filer->readDouble(&xScale_);
     filer->readDouble(&obliquingAngle_);
-    return filer->readUInt8(&flagBits_);
+    filer->readUInt8(&flagBits_);
+    filer->readDouble(&priorSize_);
+    filer->readString(fileName_);
+    return filer->readString(bigFontFileName_);
 }
 
 Acad::ErrorStatus AcDbTextStyleTableRecord::dxfOutFields(AcDbDxfFiler* filer) const {

@@ -1,5 +1,7 @@
 #include "host/model/tables/view_tables.h"
 
+#include "host/model/tables/view_steps.h"
+
 using sg::model::FieldRow;
 using sg::model::Reference;
 
@@ -90,7 +92,9 @@ std::span<const FieldRow> viewportRows() {
                                                 real(146, 0),
                                                 object(345),
                                                 object(346),
+                                                object(332, Reference::softPointer),
                                                 object(348),
+                                                object(361, Reference::hardOwnership),
                                                 whole(60, 3, true),
                                                 whole(61, 5, true),
                                                 whole(292, 1, true),
@@ -111,8 +115,9 @@ std::span<const FieldRow> ucsRows() {
 
 }  // namespace
 
-AcDbFieldsTableRecord::AcDbFieldsTableRecord(const wchar_t* marker, std::span<const FieldRow> rows)
-    : marker_(marker), fields_(rows) {}
+AcDbFieldsTableRecord::AcDbFieldsTableRecord(const wchar_t* marker, std::span<const FieldRow> rows,
+                                             std::span<const sg::model::DwgStep> steps)
+    : marker_(marker), steps_(steps), fields_(rows) {}
 AcDbFieldsTableRecord::~AcDbFieldsTableRecord() = default;
 
 sg::model::RecordFields& AcDbFieldsTableRecord::fields() {
@@ -122,12 +127,12 @@ sg::model::RecordFields& AcDbFieldsTableRecord::fields() {
 
 Acad::ErrorStatus AcDbFieldsTableRecord::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbSymbolTableRecord::dwgOutFields(filer);
-    return fields_.writeDwg(filer);
+    return fields_.writeDwg(filer, steps_);
 }
 
 Acad::ErrorStatus AcDbFieldsTableRecord::dwgInFields(AcDbDwgFiler* filer) {
     AcDbSymbolTableRecord::dwgInFields(filer);
-    return fields_.readDwg(filer);
+    return fields_.readDwg(filer, steps_);
 }
 
 Acad::ErrorStatus AcDbFieldsTableRecord::dxfOutFields(AcDbDxfFiler* filer) const {
@@ -157,13 +162,14 @@ Acad::ErrorStatus AcDbFieldsTableRecord::dxfInFields(AcDbDxfFiler* filer) {
 }
 
 AcDbViewTableRecord::AcDbViewTableRecord()
-    : AcDbFieldsTableRecord(L"AcDbViewTableRecord", viewRows()) {}
+    : AcDbFieldsTableRecord(L"AcDbViewTableRecord", viewRows(), sg::model::viewSteps()) {}
 AcDbViewTableRecord::~AcDbViewTableRecord() = default;
 AcDbViewportTableRecord::AcDbViewportTableRecord()
-    : AcDbFieldsTableRecord(L"AcDbViewportTableRecord", viewportRows()) {}
+    : AcDbFieldsTableRecord(L"AcDbViewportTableRecord", viewportRows(),
+                            sg::model::viewportSteps()) {}
 AcDbViewportTableRecord::~AcDbViewportTableRecord() = default;
 AcDbUCSTableRecord::AcDbUCSTableRecord()
-    : AcDbFieldsTableRecord(L"AcDbUCSTableRecord", ucsRows()) {}
+    : AcDbFieldsTableRecord(L"AcDbUCSTableRecord", ucsRows(), sg::model::ucsSteps()) {}
 AcDbUCSTableRecord::~AcDbUCSTableRecord() = default;
 AcDbViewTable::AcDbViewTable() = default;
 AcDbViewTable::~AcDbViewTable() = default;

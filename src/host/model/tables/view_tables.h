@@ -20,10 +20,12 @@ class SG_API AcDbFieldsTableRecord : public AcDbSymbolTableRecord {
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
 
   protected:
-    AcDbFieldsTableRecord(const wchar_t* marker, std::span<const sg::model::FieldRow> rows);
+    AcDbFieldsTableRecord(const wchar_t* marker, std::span<const sg::model::FieldRow> rows,
+                          std::span<const sg::model::DwgStep> steps);
 
   private:
     const wchar_t* marker_;
+    std::span<const sg::model::DwgStep> steps_;
     sg::model::RecordFields fields_;
 };
 

@@ -1,5 +1,8 @@
 #include "host/model/tables/xrecord.h"
 
+#include "host/model/core/dwg_form.h"
+#include "host/model/core/group_bytes.h"
+
 #include "host/model/tables/filing.h"
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbXrecord, AcDbObject, 0, 0, L"XRECORD", nullptr)
@@ -47,16 +50,45 @@ void AcDbXrecord::setMergeStyle(AcDb::DuplicateRecordCloning style) {
 
 Acad::ErrorStatus AcDbXrecord::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbObject::dwgOutFields(filer);
+    if (filer->dwgForm() != nullptr) return writeFile(*filer);
     filer->writeInt16(static_cast<int16_t>(mergeStyle_));
     return groups_.dwgOut(*filer);
 }
 
 Acad::ErrorStatus AcDbXrecord::dwgInFields(AcDbDwgFiler* filer) {
     AcDbObject::dwgInFields(filer);
+    if (filer->dwgForm() != nullptr) return readFile(*filer);
     int16_t mergeStyle = 0;
     filer->readInt16(&mergeStyle);
     mergeStyle_ = static_cast<AcDb::DuplicateRecordCloning>(mergeStyle);
     return groups_.dwgIn(*filer);
+}
+
+// In files the groups are bytes, and the objects in them stand in the handle stream once more.
+Acad::ErrorStatus AcDbXrecord::writeFile(AcDbDwgFiler& filer) const {
+    const std::string bytes = sg::model::toFileBytes(groups_, *filer.dwgForm(), filer.dwgVersion());
+    filer.writeUInt32(static_cast<uint32_t>(bytes.size()));
+    filer.writeBytes(bytes.data(), bytes.size());
+    filer.writeInt16(static_cast<int16_t>(mergeStyle_));
+    for (sg::model::GroupData::Walk walk(groups_); walk.next();) {
+        const sg::model::GroupData::Group& group = walk.group();
+        if (group.kind != sg::model::GroupData::Kind::object || group.object.isNull()) continue;
+        sg::model::writeReference(filer, sg::model::referenceOf(group.code), group.object);
+    }
+    return filer.filerStatus();
+}
+
+Acad::ErrorStatus AcDbXrecord::readFile(AcDbDwgFiler& filer) {
+    std::vector<uint8_t> bytes;
+    if (sg::model::readBytes(&filer, bytes) != Acad::eOk) return filer.filerStatus();
+    if (!sg::model::isBefore(&filer, AcDb::kDHL_1015)) {
+        sg::model::readInt16As(&filer, mergeStyle_);
+    }
+    groups_.clear();
+    const std::string_view view(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    const bool isWhole = sg::model::fromFileBytes(view, *filer.dwgForm(), filer.dwgVersion(),
+                                                  *filer.database(), groups_);
+    return isWhole ? filer.filerStatus() : Acad::eInvalidInput;
 }
 
 Acad::ErrorStatus AcDbXrecord::dxfOutFields(AcDbDxfFiler* filer) const {

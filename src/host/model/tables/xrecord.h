@@ -24,6 +24,9 @@ class SG_API AcDbXrecord : public AcDbObject {
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
 
   private:
+    Acad::ErrorStatus writeFile(AcDbDwgFiler& filer) const;
+    Acad::ErrorStatus readFile(AcDbDwgFiler& filer);
+
     sg::model::GroupData groups_;
     AcDb::DuplicateRecordCloning mergeStyle_ = AcDb::kDrcIgnore;
 };

@@ -119,6 +119,13 @@ class SG_API AcDbDimension : public AcDbEntity {
   private:
     friend class sg::model::DimensionSketch;
 
+    // As DWG files have it: what all kinds have, then the kind's points and numbers.
+    Acad::ErrorStatus writeFile(AcDbDwgFiler& filer) const;
+    Acad::ErrorStatus readFile(AcDbDwgFiler& filer);
+    void writeFileOwn(AcDbDwgFiler& filer) const;
+    void readFileOwn(AcDbDwgFiler& filer);
+    std::span<const Slot> filedPoints() const;
+
     // From the block to the world.
     AcGeMatrix3d blockTransform() const;
     void takeType(int type);

@@ -1,5 +1,6 @@
 #include <cmath>
 
+#include "host/model/core/dwg_form.h"
 #include "host/model/curves/filing_groups.h"
 #include "host/model/curves/planar.h"
 #include "host/model/entities/dimension/dimension.h"
@@ -19,6 +20,7 @@ enum TypeBit { kOwnBlock = 32, kXType = 64, kTextPlaced = 128 };
 
 Acad::ErrorStatus AcDbDimension::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbEntity::dwgOutFields(filer);
+    if (filer->dwgForm() != nullptr) return writeFile(*filer);
     filer->writeHardPointerId(block_);
     filer->writeHardPointerId(style_);
     for (const AcGePoint3d& point : points_)
@@ -46,6 +48,7 @@ Acad::ErrorStatus AcDbDimension::dwgOutFields(AcDbDwgFiler* filer) const {
 
 Acad::ErrorStatus AcDbDimension::dwgInFields(AcDbDwgFiler* filer) {
     AcDbEntity::dwgInFields(filer);
+    if (filer->dwgForm() != nullptr) return readFile(*filer);
     filer->readHardPointerId(&block_);
     filer->readHardPointerId(&style_);
     for (AcGePoint3d& point : points_)

@@ -218,22 +218,6 @@ bool AcDbArcDimension::dxfInOwn(const FieldReader& field) {
     }
 }
 
-Acad::ErrorStatus AcDbArcDimension::dwgOutFields(AcDbDwgFiler* filer) const {
-    AcDbDimension::dwgOutFields(filer);
-    filer->writeBool(partial_);
-    filer->writeBool(hasLeader_);
-    filer->writeDouble(startParameter_);
-    return filer->writeDouble(endParameter_);
-}
-
-Acad::ErrorStatus AcDbArcDimension::dwgInFields(AcDbDwgFiler* filer) {
-    AcDbDimension::dwgInFields(filer);
-    filer->readBool(&partial_);
-    filer->readBool(&hasLeader_);
-    filer->readDouble(&startParameter_);
-    return filer->readDouble(&endParameter_);
-}
-
 // ---- Circles ------------------------------------------------------------------------------------
 
 AcDbRadialDimension::AcDbRadialDimension() = default;

@@ -72,6 +72,9 @@ struct HatchLoop {
 
     Acad::ErrorStatus dwgOut(AcDbDwgFiler* filer) const;
     Acad::ErrorStatus dwgIn(AcDbDwgFiler* filer);
+    // As DWG files have it; reading fills a new loop.
+    Acad::ErrorStatus writeFile(AcDbDwgFiler& filer) const;
+    Acad::ErrorStatus readFile(AcDbDwgFiler& filer);
     // Angles are radians; a file's filer makes degrees of them.
     void dxfOut(AcDbDxfFiler* filer) const;
 };

@@ -1,0 +1,61 @@
+;; Sections of ducts: their frames, and straight pieces.
+(load "helpers/sections")
+
+(princ "\n--- frames: along, across, up\n")
+(foreach section '((run 0 0 0 10 0 0 12 8)      ; level
+                   (run 0 0 0 0 -10 0 12 8)
+                   (run 0 0 0 3 0 4 12 8)       ; sloped
+                   (run 0 0 0 0 0 9 12 8)       ; up and down, with nothing behind
+                   (run 0 0 9 0 0 0 12 8))
+  (tell (list 'qn_qn-getTripleCoord section)))
+(tell '(qn_qn-getTripleCoord (run 0 0 0 0 0 9 12 8) (run 0 0 9 0 20 9 12 8)))
+(tell '(qn_qn-getTripleCoord (run 0 0 0 0 0 9 12 8) (run 0 0 9 0 0 20 12 8)))
+(tell '(qn_qn-getTripleCoord (run 0 0 0 0 0 9 12 8) "no section"))
+
+(princ "\n--- a straight piece, its reference points in its middle, then on its sides\n")
+(setq piece (run 0 0 0 100 0 0 12 8))
+(defun drawn (section) (box (qn_qn-drawTripleCenter nil 0 section)))
+(show '(drawn piece))
+(show '(drawn (with 15 "r" piece)))
+(show '(drawn (with 15 "l" piece)))
+(show '(drawn (with 16 "t" piece)))
+(show '(drawn (with 16 "b" piece)))
+(show '(drawn (with 16 "h" (with 17 1 (with 18 2.5 piece)))))
+
+(princ "\n--- walls, setbacks, round and oval\n")
+(show '(drawn (with 13 1 (with 14 0.5 piece))))
+(show '(drawn (with 8 10 (with 9 25.5 piece))))
+(show '(drawn (with 12 "rd" piece)))
+(show '(drawn (round-run 0 0 0 0 0 30 10)))
+
+(princ "\n--- a riser that turns along its next section\n")
+(show '(box (qn_qn-drawTripleCenter nil 0 (run 0 0 0 0 0 30 12 8))))
+(show '(box (qn_qn-drawTripleCenter nil 0 (run 0 0 0 0 0 30 12 8) (run 0 0 30 50 0 30 12 8))))
+
+(princ "\n--- points that a program converts\n")
+(defun convert_rp_dp (point view)
+  (list (car point) (cadr point) (+ (caddr point) (* 100.0 view))))
+(show '(box (qn_qn-drawTripleCenter T 0 (with 7 3 piece))))
+(show '(box (qn_qn-drawTripleCenter nil 0 (with 7 3 piece))))
+
+(princ "\n--- too short, without a size, without a length\n")
+(setq before (entities))
+(foreach section '((run 0 0 0 0.005 0 0 12 8) (with 8 60 (with 9 39.995 piece)) (run 0 0 0 9 0 0 0 8)
+                   (run 0 0 0 9 0 0 12 0) (run 1 2 3 1 2 3 12 8))
+  (show (list 'qn_qn-drawTripleCenter nil 0 section)))
+(show '(= (entities) before))
+
+(princ "\n--- wrong types\n")
+(foreach call '((qn_qn-getTripleCoord)
+                (qn_qn-getTripleCoord "section")
+                (qn_qn-getTripleCoord (with 5 "y" piece))
+                (qn_qn-drawTripleCenter)
+                (qn_qn-drawTripleCenter nil)
+                (qn_qn-drawTripleCenter nil "0" piece)
+                (qn_qn-drawTripleCenter nil 0)
+                (qn_qn-drawTripleCenter nil 0 (with 12 12 piece))
+                (qn_qn-drawTripleCenter nil 0 (cdr piece))
+                (qn_qn-drawTripleCenter piece 0 piece))
+  (show call))
+(show '(= (entities) before))
+(princ)
