@@ -85,7 +85,7 @@ void addDrawingOptions(CLI::App& command, Narrow& narrow) {
 }
 
 void addDrawingFile(CLI::App& command, Narrow& narrow) {
-    command.add_option("FILE", narrow.drawingFile, "The drawing: a .dxf file")
+    command.add_option("FILE", narrow.drawingFile, "The drawing: a .dwg or .dxf file")
         ->type_name("")
         ->required();
 }
@@ -95,7 +95,7 @@ CLI::App* addConvert(CLI::App& app, Narrow& narrow, Arguments& arguments) {
     addDrawingFile(*command, narrow);
     command
         ->add_option("OUT", narrow.converted,
-                     "The file to write: .dxf; or .step or .stp for its solids")
+                     "The file to write: .dwg or .dxf; .step or .stp for its solids")
         ->type_name("")
         ->required();
     command

@@ -41,7 +41,6 @@ void writeDrawing(Session& session, const AcDbDatabase& database,
 
 // Custom entities are taken apart by their module, which works on open drawings.
 void convertFlat(Session& session, const DrawingArguments& arguments) {
-    session.start();
     AcDbDatabase& database = *session.document().database();
     for (const auto& [name, count] : dxf::flatten(database)) {
         session.complain(
@@ -50,11 +49,8 @@ void convertFlat(Session& session, const DrawingArguments& arguments) {
     writeDrawing(session, database, arguments);
 }
 
-// Modules bring the classes of entities that are solids.
-void convertToStep(Session& session, const DrawingArguments& arguments) {
-    session.start();
-    AcDbDatabase database(false, true);
-    readDrawing(session, database, arguments.file);
+void writeSolids(Session& session, const AcDbDatabase& database,
+                 const DrawingArguments& arguments) {
     const exchange::StepResult written =
         exchange::writeStepFile(database, resolvePath(absolutePath(arguments.output)).path);
     for (const auto& [name, count] : written.left)
@@ -68,18 +64,22 @@ int convert(const Arguments& arguments) {
     return session.conclude([&] {
         try {
             const DrawingArguments& drawing = arguments.drawingFile;
-            if (exchange::isStepName(drawing.output)) {
-                convertToStep(session, drawing);
-                return kDone;
-            }
-            dxf::checkCanWrite(drawing.output);
-            if (drawing.isFlat) {
+            const bool isStep = exchange::isStepName(drawing.output);
+            if (!isStep) dxf::checkCanWrite(drawing.output);
+            // Modules bring the classes of custom entities, which no file can change its form
+            // without.
+            session.start();
+            if (drawing.isFlat && !isStep) {
                 convertFlat(session, drawing);
                 return kDone;
             }
             AcDbDatabase database(false, true);
             readDrawing(session, database, drawing.file);
-            writeDrawing(session, database, drawing);
+            if (isStep) {
+                writeSolids(session, database, drawing);
+            } else {
+                writeDrawing(session, database, drawing);
+            }
         } catch (const dxf::Error& error) {
             throw FileError(error.text());
         }
