@@ -197,29 +197,32 @@ TEST_F(SolidEntityTest, NeedsToBeOpenToBeChanged) {
     EXPECT_NEAR(shapeOf(*solid.get()).volume, 160, 1e-6);
 }
 
-// Through a drawing file; and through one that was saved while the class was absent.
+// Through drawing files; and through one that was saved while the class was absent.
 TEST_F(SolidEntityTest, SurvivesDrawingFiles) {
     append(piece(false));
-    const std::wstring first = path("first.dxf");
-    const std::wstring second = path("second.dxf");
-    dxf::writeFile(*database_, first, {});
-    database_.reset();
-    HvacSolid::rxTerm();
-    {
-        AcDbDatabase without(false, true);
-        dxf::readFile(without, first);
-        dxf::writeFile(without, second, {});
+    for (const wchar_t* const ending : {L".dxf", L".dwg"}) {
+        const std::wstring first = path("first") + ending;
+        const std::wstring second = path("second") + ending;
+        dxf::writeFile(*database_, first, {});
+        HvacSolid::rxTerm();
+        {
+            AcDbDatabase without(false, true);
+            dxf::readFile(without, first);
+            dxf::writeFile(without, second, {});
+        }
+        HvacSolid::rxInit();
+        acrxBuildClassHierarchy();
+        for (const std::wstring& file : {first, second}) {
+            AcDbDatabase read(false, true);
+            dxf::readFile(read, file);
+            Opened<AcDbBlockTableRecord> space(read.modelSpaceId());
+            const auto walk = space->newIterator();
+            ASSERT_FALSE(walk->done());
+            AcDbObjectId id;
+            walk->getEntityId(id);
+            EXPECT_NEAR(volumeOf(id), 40 * kPi, 1e-6);
+        }
     }
-    HvacSolid::rxInit();
-    acrxBuildClassHierarchy();
-    AcDbDatabase read(false, true);
-    dxf::readFile(read, second);
-    Opened<AcDbBlockTableRecord> space(read.modelSpaceId());
-    const auto walk = space->newIterator();
-    ASSERT_FALSE(walk->done());
-    AcDbObjectId id;
-    walk->getEntityId(id);
-    EXPECT_NEAR(volumeOf(id), 40 * kPi, 1e-6);
 }
 
 }  // namespace
