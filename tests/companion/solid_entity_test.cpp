@@ -155,6 +155,33 @@ TEST_F(SolidEntityTest, ExtentsAreThoseOfTheBodies) {
     EXPECT_LT(box.maxPoint().distanceTo({10, 2, 2}), 1e-6);
 }
 
+// Measured without making the bodies, and by what is drawn of them.
+TEST_F(SolidEntityTest, MeasuresWhatIsDrawn) {
+    const TestFrame in = flatFrame(20);
+    const TestFrame out = flatFrame(110);
+    for (const int kind : {0, 1, 2, 3}) {
+        const auto solid = newSolid();
+        AcGePoint3d head = AcGePoint3d() - in.x() * 50;
+        AcGePoint3d tail = AcGePoint3d() + out.x() * 50;
+        const bool isElbow = kind < 2;
+        ASSERT_TRUE(isElbow
+                        ? solid->addRadiusElbow(head, 12, kind == 0 ? 8 : 12, 1, 0, tail, 12, 8,
+                                                in.get(), out.get(), kind == 0, 1, true, 0, true)
+                        : solid->addTransition(head, false, 12, 12, AcGePoint3d(), kind == 3, 12,
+                                               kind == 3 ? 20 : 12, in.get(), in.get(), 0));
+        AcDbExtents measured;
+        ASSERT_EQ(solid->getGeomExtents(measured), Acad::eOk);
+        const AcDbExtents& drawn = solid->facets()->extents;
+        EXPECT_LT(measured.minPoint().distanceTo(drawn.minPoint()), 0.1) << kind;
+        EXPECT_LT(measured.maxPoint().distanceTo(drawn.maxPoint()), 0.1) << kind;
+    }
+    const auto sliced = piece();
+    sliced->sliceLast({4, 0, 0}, {4, 1, 0}, {4, 0, 1}, {0, 0, 0});
+    AcDbExtents box;
+    ASSERT_EQ(sliced->getGeomExtents(box), Acad::eOk);
+    EXPECT_NEAR(box.maxPoint().x, 4, 1e-6);
+}
+
 // The faces of a box, and of a cylinder so many that they lie within a thousandth of it. Their
 // edges show where they are edges of the body.
 TEST_F(SolidEntityTest, IsTakenApartIntoFaces) {
