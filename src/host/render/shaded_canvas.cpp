@@ -201,15 +201,16 @@ void ShadedCanvas::finish() {
         return;
     }
     std::vector<DepthItem> items;
+    items.reserve(calls_.size());
     for (uint32_t i = 0; i < calls_.size(); ++i)
         addItems(i, items);
     drawFromBehind(std::move(items), towardsEye_,
                    [this](const DepthItem& part) { drawPart(part); });
 }
 
-// Endless lines are behind everything.
-void ShadedCanvas::addItems(uint32_t source, std::vector<DepthItem>& items) const {
-    const Call& call = calls_[source];
+// Endless lines are behind everything. The points of areas are handed over.
+void ShadedCanvas::addItems(uint32_t source, std::vector<DepthItem>& items) {
+    Call& call = calls_[source];
     if (call.kind == Kind::endless || call.points.empty()) {
         draw(call);
         return;
@@ -220,7 +221,8 @@ void ShadedCanvas::addItems(uint32_t source, std::vector<DepthItem>& items) cons
                 ? call.normal
                 : areaVector({call.points.data(), call.counts.empty() ? 0 : call.counts.front()});
         if (normal.isZeroLength()) return;
-        items.push_back({source, false, call.points, call.counts, normal.normal()});
+        items.push_back(
+            {source, false, std::move(call.points), std::move(call.counts), normal.normal()});
         return;
     }
     const AcGeVector3d nearer = towardsEye_ * (kNearer * unitsPerPixel());
@@ -246,7 +248,7 @@ void ShadedCanvas::draw(const Call& call) const {
 }
 
 // Faces cover the seams between their parts too.
-void ShadedCanvas::drawPart(const DepthItem& part) const {
+void ShadedCanvas::drawPart(const DepthItem& part) {
     const Call& call = calls_[part.source];
     if (part.isLine) {
         target_.line(call.look, part.points, false, call.run);
@@ -254,9 +256,9 @@ void ShadedCanvas::drawPart(const DepthItem& part) const {
     }
     target_.area(call.look, part.points, part.counts, call.rule);
     if (call.kind != Kind::face || !isConvex(part)) return;
-    std::vector<AcGePoint3d> bound = part.points;
-    bound.push_back(bound.front());
-    target_.line(call.look, bound, true, PatternRun::none);
+    bound_.assign(part.points.begin(), part.points.end());
+    bound_.push_back(bound_.front());
+    target_.line(call.look, bound_, true, PatternRun::none);
 }
 
 }  // namespace sg::render
