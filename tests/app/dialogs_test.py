@@ -168,6 +168,14 @@ class Csv(DialogTest):
             self.rows("SELECT sKey, ixLayer FROM tblLayerKey WHERE ixLayerSystem = 1 ORDER BY sKey"),
             [["DUCT_10", "4"], ["DUCT_2", "1"]])
 
+    def test_the_file_is_asked_for(self):
+        _, errors = self.dialog(
+            "(qn_qn-customizeLayers standards)",
+            "press 1053\nfile out\npress 1053\nfile CANCEL\npress 1064\nfile CANCEL\ncancel\n")
+        self.assertIn('file dialog "Export Layers": standards-layers.csv', errors)
+        self.assertEqual(self.read("out.csv").splitlines()[1:],
+                         ["DUCT_10,B,2,HIDDEN,0,,", "DUCT_2,A,1,Continuous,1,25,"])
+
     def test_nothing_is_done_where_the_file_is_none(self):
         for text in ("", "Layer Key\n", "a,b\n,,\n"):
             self.write("layers.csv", text)
