@@ -59,8 +59,7 @@ CDialog::CDialog(QWidget* parent) : QDialog(prepared(parent)) {
 
 CDialog::~CDialog() = default;
 
-// ---- Running
-// -------------------------------------------------------------------------------------
+// --- Running ---
 
 intptr_t CDialog::DoModal() {
     Open();
@@ -109,8 +108,7 @@ void CDialog::OnPlace() {
     adjustSize();
 }
 
-// ---- Controls
-// ------------------------------------------------------------------------------------
+// --- Controls ---
 
 void CDialog::SetControlId(QWidget& control, int id) {
     control.setObjectName(QString::number(id));
@@ -161,8 +159,7 @@ QLabel* CDialog::NewLabel(const wchar_t* text, QWidget* control) {
     return label;
 }
 
-// ---- What a script is told and does
-// ----------------------------------------------------------------
+// --- What a script is told and does ---
 
 std::wstring CDialog::Title() const {
     return windowTitle().toStdWString();
