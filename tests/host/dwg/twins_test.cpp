@@ -179,7 +179,7 @@ TEST_F(TwinsTest, DrawingsAgreeWithTheirTwins) {
         // boundaries of wipeouts are closed in one of the files alone. Linetypes of multiple lines
         // are named in another case, and a setting of visual styles came later than the release.
         {"example_2000",
-         400,
+         350,
          {"SPLINE 10", "SPLINE 40", "3DSOLID 1", "REGION 1", "VIEWPORT 68", "VPORT 12", "VPORT 40",
           "VPORT 41", "WIPEOUT 14", "WIPEOUT 91", "MLINESTYLE 6", "VISUALSTYLE 45"},
          {}},
