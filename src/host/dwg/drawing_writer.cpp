@@ -48,8 +48,7 @@ bool isViewportHeader(const model::ProxyData& data) {
 }  // namespace
 
 DrawingWriter::DrawingWriter(const AcDbDatabase& database, const dxf::Release& release)
-    : database_(database),
-      state_(model::DatabaseState::of(database)),
+    : state_(model::DatabaseState::of(database)),
       own_(originOf(state_)),
       wanted_(release),
       context_{const_cast<AcDbDatabase&>(database),
@@ -145,8 +144,8 @@ void DrawingWriter::writeTables() {
     }
 }
 
-// Entities of one owner in their order; each of the parts of one is a row of its own.
-void DrawingWriter::writeRow(const std::vector<AcDbObjectId>& entities) {
+// Entities of one owner in their order. The parts of one, which have no parts, are another row.
+void DrawingWriter::writeRow(const std::vector<AcDbObjectId>& entities, bool areParts) {
     ObjectWriter::Neighbours neighbours;
     uint64_t own = 0;
     AcDbObjectId waiting;
@@ -155,9 +154,7 @@ void DrawingWriter::writeRow(const std::vector<AcDbObjectId>& entities) {
         neighbours.behind = behind;
         write(id, neighbours);
         neighbours.before = own;
-        const auto* const entity = peek<AcDbEntity>(id);
-        const std::vector<AcDbObjectId> parts = ObjectAccess::partsOf(*entity);
-        if (!parts.empty()) writeRow(parts);
+        if (!areParts) writeRow(ObjectAccess::partsOf(*peek<AcDbEntity>(id)), true);
     };
     for (const AcDbObjectId id : entities) {
         const uint64_t handle = handleOf(id);
@@ -172,7 +169,7 @@ void DrawingWriter::writeRow(const std::vector<AcDbObjectId>& entities) {
 void DrawingWriter::writeBlock(const AcDbBlockTableRecord& block) {
     const auto& contents = ObjectAccess::contents(block);
     write(contents.begin);
-    writeRow(contents.entities);
+    writeRow(contents.entities, false);
     write(contents.end);
 }
 
