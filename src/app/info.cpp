@@ -68,6 +68,7 @@ std::wstring shown(const dxf::Summary& summary) {
     add(text, L"blocks", summary.blocks);
     add(text, L"entities", summary.entities);
     add(text, L"kept unread: entities", summary.unreadEntities);
+    add(text, L"not drawn: entities", summary.invisibleEntities);
     add(text, L"kept unread: objects", summary.unreadObjects);
     add(text, L"kept unread: tables", summary.unreadTables);
     add(text, L"kept unread: sections", summary.unreadSections);

@@ -34,6 +34,8 @@ struct Summary {
 
     // What is kept without being understood, by names in files.
     std::map<std::wstring, size_t> unreadEntities, unreadObjects;
+    // Of these, what has nothing by which it could be drawn.
+    std::map<std::wstring, size_t> invisibleEntities;
     std::vector<std::string> unreadTables, unreadSections;
 };
 

@@ -28,10 +28,6 @@ QWidget* prepared(QWidget* parent) {
     return parent;
 }
 
-QString toQString(const std::wstring& text) {
-    return QString::fromStdWString(text);
-}
-
 QMessageBox::Icon iconOf(unsigned flags) {
     switch (flags & 0xF0) {
         case MB_ICONERROR:
@@ -246,7 +242,7 @@ void CDialog::Settle() {
 
 bool CDialog::SavePicture(const std::wstring& path) {
     Settle();
-    return grab().save(toQString(path));
+    return grab().save(ui::toQString(path));
 }
 
 bool CDialog::HasDisplay() const {
@@ -263,7 +259,8 @@ void CDialog::WaitForPerson() {
 }
 
 int CDialog::ShowBox(const std::wstring& title, const std::wstring& text, unsigned flags) {
-    QMessageBox box(iconOf(flags), toQString(title), toQString(text), QMessageBox::NoButton, this);
+    QMessageBox box(iconOf(flags), ui::toQString(title), ui::toQString(text), QMessageBox::NoButton,
+                    this);
     box.setTextFormat(Qt::PlainText);
     return ui::runBox(box, flags);
 }
