@@ -21,6 +21,8 @@ using model::peek;
 namespace {
 
 constexpr bool kHasCarets = false;
+// Previews have been small since release 2013; readers refuse the pages of greater ones.
+constexpr size_t kMostPreview = 0x7C00;
 
 std::string_view codePageOf(const model::DatabaseState& state) {
     return state.origin == nullptr || state.origin->codePage.empty()
@@ -232,7 +234,8 @@ void DrawingWriter::keepSections(FileParts& parts) const {
         (state_.origin->release >= AcDb::kDHL_1021) == (release() >= AcDb::kDHL_1021);
     for (const model::DwgOrigin::Section& one : own_->sections) {
         if (one.name == section::kPreview) {
-            parts.preview = one.data;
+            const bool isSmall = release() < AcDb::kDHL_1027 || one.data.size() <= kMostPreview;
+            if (isSmall) parts.preview = one.data;
         } else if (one.name == section::kStoredData) {
             if (release() >= AcDb::kDHL_1027) parts.storedData = one.data;
         } else if (one.name == section::kSummary && hasSameTexts) {
