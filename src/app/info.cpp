@@ -51,7 +51,9 @@ void add(std::wstring& text, const wchar_t* title, const std::vector<std::string
 std::wstring shown(const dxf::Summary& summary) {
     std::wstring text =
         fmt::format(L"release {} ({}), {}", fromUtf8(summary.release), fromUtf8(summary.version),
-                    summary.isBinary ? L"binary" : L"text");
+                    summary.isDwg      ? L"DWG"
+                    : summary.isBinary ? L"binary"
+                                       : L"text");
     text += summary.codePage.empty() ? L"\n" : L", " + fromUtf8(summary.codePage) + L"\n";
     if (summary.extents.isEmpty()) {
         text += L"extents none\n";

@@ -115,6 +115,7 @@ void Session::setInput(const Arguments& arguments) {
         if (script == nullptr) throw FileError(error);
         sources.push_back(std::move(script));
     }
+    sources.push_back(std::make_shared<DisplayInput>());
     if (terminal_) {
         sources.push_back(std::make_shared<TerminalInput>(
             [this](const std::wstring& prompt) -> Answer<std::wstring> {

@@ -34,16 +34,19 @@ void drawDropArrow(QPainter& painter, const CGridCtrl& grid, const QRect& arrow,
 }
 
 void CGridCellCombo::SetOptions(std::vector<std::wstring> options, std::vector<intptr_t> data) {
-    options_ = std::move(options);
-    optionData_ = std::move(data);
-    optionData_.resize(options_.size());
+    data.resize(options.size());
+    options_ = std::make_shared<GridOptions>(GridOptions{std::move(options), std::move(data)});
+}
+
+std::shared_ptr<const GridOptions> CGridCellCombo::noOptions() {
+    static const auto none = std::make_shared<const GridOptions>();
+    return none;
 }
 
 void CGridCellCombo::CopyFrom(const CGridCellBase& source) {
     CGridCell::CopyFrom(source);
     if (const auto* const combo = dynamic_cast<const CGridCellCombo*>(&source)) {
         options_ = combo->options_;
-        optionData_ = combo->optionData_;
         style_ = combo->style_;
     }
 }
@@ -68,8 +71,8 @@ bool CGridCellCombo::Edit(int row, int col, const QRect& rect, QPoint point, int
     if (IsEditing()) return true;
     const bool isOnArrow = character == kEditByClick && rect.contains(rect.topLeft() + point) &&
                            dropArrowRect(rect).contains(rect.topLeft() + point);
-    SetEditor(
-        CInPlaceList::Open(*this, {row, col}, rect, id, character, options_, style_, isOnArrow));
+    SetEditor(CInPlaceList::Open(*this, {row, col}, rect, id, character, GetOptions(), style_,
+                                 isOnArrow));
     return IsEditing();
 }
 

@@ -7,6 +7,7 @@
 
 #include "grid/button_data.h"
 #include "grid/cell.h"
+#include "grid/grid_script.h"
 #include "grid/in_place_edit.h"
 #include "grid/title_tip.h"
 #include "grid/tree_column.h"
@@ -48,6 +49,11 @@ CGridCtrl::~CGridCtrl() {
     }
     watches_.clear();
     rows_.clear();
+}
+
+ui::ScriptedControl& CGridCtrl::Script() {
+    if (script_ == nullptr) script_ = std::make_unique<GridScript>(*this);
+    return *script_;
 }
 
 void CGridCtrl::SetListMode(bool on) {

@@ -22,6 +22,7 @@
 #include "grid/constants.h"
 #include "grid/default_cell.h"
 #include "grid/listener.h"
+#include "platform/ui/scripted.h"
 
 class QPrinter;
 
@@ -30,6 +31,7 @@ namespace sg::grid {
 class CBtnDataBase;
 class CTitleTip;
 class CTreeColumn;
+class GridScript;
 struct PrintLayout;
 
 // Images that cells index, each of the same size.
@@ -52,7 +54,7 @@ using GridCompare = int (*)(const CGridCellBase& a, const CGridCellBase& b, intp
 // Rows and columns count from 0, the fixed ones first. A height or width of 0 hides one. Columns
 // are named by where they are displayed. Everything that is given a row or column outside the grid
 // answers false, -1 or nothing and changes nothing.
-class SG_API CGridCtrl : public QAbstractScrollArea {
+class SG_API CGridCtrl : public QAbstractScrollArea, public ui::Scriptable {
   public:
     explicit CGridCtrl(QWidget* parent = nullptr);
     ~CGridCtrl() override;
@@ -234,17 +236,25 @@ class SG_API CGridCtrl : public QAbstractScrollArea {
     const PrintMargins& GetPrintMargins() const { return margins_; }
     const QFont* GetPrintFont() const { return printFont_; }  // null but while printing
 
+    // Edits a cell as Return does; false when that is refused.
+    bool BeginEdit(int row, int column);
     // Ends the edit that is under way, with its text.
     virtual void EndEditing();
 
     // ---- For cells and their editors
     CellText& Texts() const { return texts_; }
+    // Stores what a cell takes for its new text in an edit that begins and ends at once. False when
+    // the cell or the owner refuses it.
+    bool CommitEdit(CCellID id, const std::wstring& text);
     // -176 for a cell that changed by itself.
     void TellEdited(CGridCellBase& cell, CCellID id);
     void OnEndInPlaceEdit(CellWatch& watch, const std::wstring& text, int key,
                           Qt::KeyboardModifiers modifiers);
     // Where the cell is; none when it is not in this grid.
     CCellID PlaceOf(const CGridCellBase& cell) const;
+
+    // As scripts know it.
+    ui::ScriptedControl& Script() override;
 
   protected:
     // What derived grids may do in another way.
@@ -294,6 +304,7 @@ class SG_API CGridCtrl : public QAbstractScrollArea {
   private:
     friend class CellWatch;
     friend class CTreeColumn;
+    friend class GridScript;
 
     using Row = std::vector<std::unique_ptr<CGridCellBase>>;  // by stored column
 
@@ -475,6 +486,7 @@ class SG_API CGridCtrl : public QAbstractScrollArea {
     std::unique_ptr<CTreeColumn> tree_;
     std::unique_ptr<CBtnDataBase> buttonData_;
     std::unique_ptr<CTitleTip> titleTip_;  // made when first needed
+    std::unique_ptr<GridScript> script_;   // made when first needed
     QPointer<QWidget> editor_;             // while a cell is edited
     mutable CellText texts_;
 };

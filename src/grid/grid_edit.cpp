@@ -27,6 +27,11 @@ void CGridCtrl::OnEditCell(int row, int column, QPoint point, uint32_t character
     if (watch.Cell() != nullptr) editor_ = watch.Cell()->GetEditWnd();
 }
 
+bool CGridCtrl::BeginEdit(int row, int column) {
+    OnEditCell(row, column, {-1, -1}, kEditByReturn);
+    return editor_ != nullptr;
+}
+
 void CGridCtrl::EndEditing() {
     if (editor_ != nullptr) endEditorOf(*editor_);
 }
@@ -72,6 +77,12 @@ bool CGridCtrl::CommitText(CellWatch& watch, const std::wstring& text) {
     const CCellID now = watch.Place();
     RedrawCell(now.row, now.col);
     return isAccepted;
+}
+
+bool CGridCtrl::CommitEdit(CCellID id, const std::wstring& text) {
+    CellWatch watch(*this, GetCell(id.row, id.col), id);
+    if (watch.Cell() == nullptr) return false;
+    return watch.Cell()->GetText() == text || CommitText(watch, text);
 }
 
 bool CGridCtrl::SetItemTextWithNotify(int row, int column, const std::wstring& text) {

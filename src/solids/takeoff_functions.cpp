@@ -210,8 +210,8 @@ bool Takeoff::addStub(const Branch& branch) {
                          {branch.tip, profile, branch.frame}, bodyOption_);
 }
 
-// What the stub added last has beyond the main piece's ends. Of two stubs the first is left as it
-// is.
+// Cuts off what the stub added last has beyond the main piece's ends. That the first of two
+// stubs stays as it is is deliberate.
 void Takeoff::trimLastStub() {
     fitting_->sliceLast(start_, start_ + frame_.y(), start_ + frame_.z(), end_);
     fitting_->sliceLast(end_, end_ + frame_.y(), end_ + frame_.z(), start_);

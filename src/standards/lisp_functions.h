@@ -6,4 +6,12 @@ namespace sg {
 
 int createLayer();  // as the standards describe it
 
+// The dialogs that edit the standards.
+int customizeLayers();
+int layerSystemOptionsElec();
+int layerSystemOptionsPlumb();
+int layerSystemOptionsHvac();
+int customizeTextStyles();
+int customizeLabelGroup();
+
 }  // namespace sg

@@ -132,6 +132,33 @@ class Repl(ProgramTest):
         terminal.enter("!before")
         terminal.expect("\n7")
 
+    def test_commands_ask_and_can_be_undone(self):
+        terminal = self.start()
+        terminal.enter("l 0,0")
+        for answer in ["5,0", "@0,5", ""]:
+            terminal.expect("Specify next point or [")
+            terminal.enter(answer)
+        terminal.expect(PROMPT)
+        terminal.enter("(sslength (ssget \"_X\"))")
+        terminal.expect("\n2")
+        terminal.enter("circle")
+        terminal.expect("Specify center point for circle or [3P/2P]: ")
+        terminal.type(CTRL_C)
+        terminal.expect("*Cancel*")
+        terminal.expect(PROMPT)
+        terminal.enter("(command \"_.CIRCLE\" \"2,2\" pause)")
+        terminal.expect("Specify radius of circle or [Diameter]: ")
+        terminal.enter("x")
+        terminal.expect("Requires numeric distance or two points.")
+        terminal.enter("4")
+        terminal.expect("nil")
+        terminal.enter("u")
+        terminal.expect("\nCIRCLE")
+        terminal.enter("u")
+        terminal.expect("\nLINE")
+        terminal.enter("(ssget \"_X\")")
+        terminal.expect("\nnil")
+
     def test_tab_completes_symbols(self):
         terminal = self.start()
         terminal.enter("(defun my-own-function (x) (* 2 x))")

@@ -11,6 +11,8 @@
                   (round-run 50 0 0 100 0 0 8))
   (tell (list 'setq 'r (list 'qn_qn-drawTripleTransition nil 0 'first second)))
   (if r (show '(box (told "en1" r)))))
+(tell '(setq r (qn_qn-drawTripleTransition nil 0 (run 0 0 0 0 0 50 12 8) (run 0 0 50 0 0 100 10 8))))
+(show '(box (told "en1" r)))
 
 (princ "\n--- hangers: a strap, above and below and without a rod; a trapeze, above and below and without rods\n")
 (defun hanger (strap elevation)

@@ -29,6 +29,12 @@
                                         (round-run 100 0 0 100 80 0 8))))
 (show '(box (told "en1" r)))
 
+(princ "\n--- on a riser, along x and along y\n")
+(foreach branch '((run 0 0 100 80 0 100 10 10) (run 0 0 100 0 80 100 10 10))
+  (tell (list 'setq 'r (list 'qn_qn-drawTripleTakeoff nil 0 nil 0.0 '(run 0 0 0 0 0 100 20 10)
+                             '(run 0 0 100 0 0 200 20 10) branch)))
+  (show '(box (told "en1" r))))
+
 (princ "\n--- a wye: equal tails, narrower ones, and one with a reducer\n")
 (setq head (run 0 0 0 100 0 0 20 10))
 (defun wye (tail1 tail2) (setq r (qn_qn-drawTripleWye nil 0 nil 0.0 head tail1 tail2)))

@@ -35,14 +35,17 @@ ClassList::ClassList(const model::FileOrigin* origin, AcDb::AcDbDwgVersion relea
     }
 }
 
-uint16_t ClassList::typeNamed(const std::wstring& className, const std::wstring& dxfName) const {
+// Classes with a type of their own may stand among the file's classes all the same.
+ClassList::Known ClassList::find(const std::wstring& className, const std::wstring& dxfName) const {
+    Known known;
+    for (size_t i = 0; i < entries_.size() && known.entry == kNoEntry; ++i) {
+        const ClassEntry& entry = entries_[i];
+        if (entry.className == className && entry.dxfName == dxfName) known = {entry.number, i};
+    }
     for (const ObjectType& type : objectTypes()) {
-        if (type.className == className && type.since <= release_) return type.number;
+        if (type.className == className && type.since <= release_) known.type = type.number;
     }
-    for (const ClassEntry& entry : entries_) {
-        if (entry.className == className && entry.dxfName == dxfName) return entry.number;
-    }
-    return 0;
+    return known;
 }
 
 void ClassList::describe(ClassEntry& entry, const AcDbObject& object) const {
@@ -68,8 +71,8 @@ void ClassList::describe(ClassEntry& entry, const AcDbObject& object) const {
     if (entry.applicationName.empty()) entry.applicationName = kProduct;
 }
 
-uint16_t ClassList::add(const AcDbObject& object, const std::wstring& className,
-                        const std::wstring& dxfName) {
+ClassList::Known ClassList::add(const AcDbObject& object, const std::wstring& className,
+                                const std::wstring& dxfName) {
     ClassEntry entry;
     entry.number = static_cast<uint16_t>(kFirstClass + entries_.size());
     entry.className = className;
@@ -77,25 +80,25 @@ uint16_t ClassList::add(const AcDbObject& object, const std::wstring& className,
     entry.kind = AcDbEntity::cast(&object) != nullptr ? kEntityClass : kObjectClass;
     describe(entry, object);
     entries_.push_back(std::move(entry));
-    return entries_.back().number;
+    return {entries_.back().number, entries_.size() - 1};
 }
 
 uint16_t ClassList::typeOf(const AcDbObject& object) {
     const model::ProxyData* const data = model::proxyData(object);
     const AcRxClass* const descriptor = object.isA();
-    uint16_t type = 0;
-    const auto known = types_.find(descriptor);
-    if (data == nullptr && known != types_.end()) {
-        type = known->second;
+    Known known;
+    const auto found = types_.find(descriptor);
+    if (data == nullptr && found != types_.end()) {
+        known = found->second;
     } else {
         const std::wstring className = data != nullptr ? data->className : descriptor->name();
         const std::wstring dxfName = data != nullptr ? data->dxfName : descriptor->dxfName();
-        type = typeNamed(className, dxfName);
-        if (type == 0) type = add(object, className, dxfName);
-        if (data == nullptr) types_.emplace(descriptor, type);
+        known = find(className, dxfName);
+        if (known.type == 0) known = add(object, className, dxfName);
+        if (data == nullptr) types_.emplace(descriptor, known);
     }
-    if (type >= kFirstClass) ++entries_[type - kFirstClass].instances;
-    return type;
+    if (known.entry != kNoEntry) ++entries_[known.entry].instances;
+    return known.type;
 }
 
 }  // namespace sg::dwg

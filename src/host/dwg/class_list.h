@@ -19,14 +19,20 @@ class ClassList {
     const std::vector<ClassEntry>& entries() const { return entries_; }
 
   private:
-    uint16_t typeNamed(const std::wstring& className, const std::wstring& dxfName) const;
-    uint16_t add(const AcDbObject& object, const std::wstring& className,
-                 const std::wstring& dxfName);
+    // A type, and which of the entries counts its objects.
+    struct Known {
+        uint16_t type = 0;
+        size_t entry = kNoEntry;
+    };
+    static constexpr size_t kNoEntry = static_cast<size_t>(-1);
+
+    Known find(const std::wstring& className, const std::wstring& dxfName) const;
+    Known add(const AcDbObject& object, const std::wstring& className, const std::wstring& dxfName);
     void describe(ClassEntry& entry, const AcDbObject& object) const;
 
     AcDb::AcDbDwgVersion release_;
-    std::vector<ClassEntry> entries_;                       // the first one is number kFirstClass
-    std::unordered_map<const AcRxClass*, uint16_t> types_;  // of objects that are no proxies
+    std::vector<ClassEntry> entries_;                    // the first one is number kFirstClass
+    std::unordered_map<const AcRxClass*, Known> types_;  // of objects that are no proxies
 };
 
 }  // namespace sg::dwg

@@ -49,9 +49,13 @@ std::vector<std::wstring> DrawingReader::read() {
     readOrigin();
     reading_.context.handles.begin();
     reading_.classes = readClasses(reading_.content, reading_.file, reading_.context);
+    const std::vector<ObjectPlace> places = readObjectMap(reading_.content, reading_.file);
+    // Ids are in the order of handles, wherever they are met first.
+    for (const ObjectPlace& place : places)
+        reading_.context.refer({kHardPointer, place.handle});
     readHeader(reading_);
     readTemplate();
-    readObjects();
+    readObjects(places);
     checkTables();
     numberBlocks();
     model::completeTables(reading_.database);
@@ -90,8 +94,7 @@ void DrawingReader::readTemplate() {
 
 // ---- Objects ------------------------------------------------------------------------------------
 
-void DrawingReader::readObjects() {
-    const std::vector<ObjectPlace> places = readObjectMap(reading_.content, reading_.file);
+void DrawingReader::readObjects(const std::vector<ObjectPlace>& places) {
     ObjectReader reader(reading_);
     loadAll(reader, places);
     orderEntities(reader.links());

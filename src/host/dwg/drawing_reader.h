@@ -15,7 +15,7 @@ class DrawingReader {
   private:
     void readOrigin();
     void readTemplate();
-    void readObjects();
+    void readObjects(const std::vector<ObjectPlace>& places);
     void loadAll(ObjectReader& reader, const std::vector<ObjectPlace>& places);
     void orderEntities(const Links& links);
     void checkBlocks();

@@ -74,6 +74,10 @@ class ReadFiler final : public FileFiler {
     Acad::ErrorStatus readExtrusion(AcGeVector3d* value) override;
     Acad::ErrorStatus readColor(AcCmColor* value) override;
     Acad::ErrorStatus keep(model::KeptBits& bits) override;
+    bool isRead() const override {
+        constexpr size_t kFilledUp = 8;
+        return streams_.data.left() == 0 && streams_.handles.left() < kFilledUp;
+    }
 
     Acad::ErrorStatus writeHardOwnershipId(const AcDbHardOwnershipId&) override { return refuse(); }
     Acad::ErrorStatus writeSoftOwnershipId(const AcDbSoftOwnershipId&) override { return refuse(); }

@@ -65,7 +65,11 @@ void writeFile(const AcDbDatabase& database, const std::wstring& path,
     if (equalIgnoringCase(endingOf(path), kDwg)) {
         writeDwg(database, path, options, file);
     } else {
-        write(database, options, [&](std::string_view bytes) { return file.write(bytes); });
+        WriteOptions told = options;
+        if (options.report) {
+            told.report = [&](const std::wstring& loss) { options.report(path + L": " + loss); };
+        }
+        write(database, told, [&](std::string_view bytes) { return file.write(bytes); });
     }
     if (file.error() == 0 && file.commitKeeping(L".bak")) return;
     throw Error(path + L": the drawing cannot be written: " +

@@ -11,6 +11,7 @@
 #include "host/model/core/block_contents.h"
 #include "host/model/core/database_state.h"
 #include "host/model/core/object_access.h"
+#include "host/model/core/proxies.h"
 #include "host/model/core/symbol_records.h"
 
 namespace sg::dxf {
@@ -183,7 +184,16 @@ void DrawingWriter::writeEntities(AcDbObjectId blockId) {
     }
 }
 
+// A proxy that a DWG file brought has bits that have no form here.
+bool DrawingWriter::hasGroups(const AcDbObject& object) {
+    const model::ProxyData* const data = model::proxyData(object);
+    if (data == nullptr || data->bits == nullptr || !data->groups.empty()) return true;
+    ++losses_[model::dxfNameOf(object)];
+    return false;
+}
+
 void DrawingWriter::writeEntity(const AcDbEntity& entity) {
+    if (!hasGroups(entity)) return;
     objects_.write(entity);
     for (const AcDbObjectId part : ObjectAccess::partsOf(entity)) {
         if (const auto* const object = peek<AcDbEntity>(part)) objects_.write(*object);
@@ -208,7 +218,7 @@ void DrawingWriter::writeObjects() {
     const auto write = [&](AcDbObjectId id) {
         const AcDbObject* const object = model::DatabaseTable::objectOf(id);
         if (object == nullptr || isTableOrPart(*object) || !isWritten(*object)) return;
-        if (written.insert(id).second) objects_.write(*object);
+        if (written.insert(id).second && hasGroups(*object)) objects_.write(*object);
     };
     write(state_.roots.namedObjects);
     for (const AcDbObjectId id : origin_.objects)

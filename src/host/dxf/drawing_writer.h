@@ -1,5 +1,8 @@
 #pragma once
 
+#include <map>
+#include <string>
+
 #include "host/dxf/object_output.h"
 #include "host/model/core/file_origin.h"
 #include "platform/db/database.h"
@@ -16,6 +19,8 @@ class DrawingWriter {
     DrawingWriter(const AcDbDatabase& database, GroupOutput& output, const Release& release);
 
     void write();
+    // What the file does not keep of the drawing, by names in files; complete after write().
+    const std::map<std::wstring, size_t>& losses() const { return losses_; }
 
   private:
     std::vector<std::string> sectionNames() const;
@@ -28,6 +33,7 @@ class DrawingWriter {
     void writeEntity(const AcDbEntity& entity);
     void writeObjects();
     bool isWritten(const AcDbObject& object) const;
+    bool hasGroups(const AcDbObject& object);
     bool isOwnRelease() const;
 
     const AcDbDatabase& database_;
@@ -35,6 +41,7 @@ class DrawingWriter {
     GroupOutput& output_;
     const Release& release_;
     ObjectOutput objects_;
+    std::map<std::wstring, size_t> losses_;
     model::FileOrigin none_;
     const model::FileOrigin& origin_;
 };

@@ -35,7 +35,14 @@ bool write(const AcDbDatabase& database, const WriteOptions& options,
         origin == nullptr || origin->codePage.empty() ? "ANSI_1252" : origin->codePage;
     const TextCodec codec(codePage, release.number >= AcDb::kDHL_1021);
     GroupOutput output(write, options.isBinary, codec);
-    DrawingWriter(database, output, release).write();
+    DrawingWriter writer(database, output, release);
+    writer.write();
+    if (options.report) {
+        for (const auto& [name, count] : writer.losses()) {
+            options.report(std::to_wstring(count) + L" " + name +
+                           L" kept from a DWG file cannot be written as DXF, left out");
+        }
+    }
     return output.finish();
 }
 

@@ -25,8 +25,8 @@ SG_API std::vector<std::wstring> read(AcDbDatabase& database, std::string_view c
 struct WriteOptions {
     const Release* release = nullptr;  // null: that of the drawing's file, or the next one that can
     bool isBinary = false;
-    // Told of what a DWG file does not keep of the drawing, a line each, before the file is there.
-    std::function<void(const std::wstring&)> report;
+    // Told of what the file does not keep of the drawing, a line each, before the file is there.
+    std::function<void(const std::wstring&)> report = {};
 };
 // Writes a drawing piece by piece; false when `write` answered false.
 SG_API bool write(const AcDbDatabase& database, const WriteOptions& options,

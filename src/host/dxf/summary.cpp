@@ -45,6 +45,7 @@ class Surveyor {
         summary_.version = origin->version.empty() ? summary_.version : origin->version;
         summary_.codePage = origin->codePage;
         summary_.isBinary = origin->isBinary;
+        summary_.isDwg = origin->dwg != nullptr;
         for (const auto& table : origin->tables) {
             if (!table.groups.empty()) summary_.unreadTables.push_back(table.name);
         }

@@ -15,6 +15,7 @@ struct Summary {
     std::string version, release;  // of its file, such as AC1015 and 2000
     std::string codePage;
     bool isBinary = false;
+    bool isDwg = false;
 
     AcDbExtents extents;  // of model space; empty where nothing has any
 

@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "host/editor/dialogs/dialog_script.h"
 #include "host/editor/message_buttons.h"
+#include "platform/ui/scripted.h"
 
 namespace sg {
 
@@ -27,6 +29,10 @@ Answer<DragAnswer> InputSource::drag(const DragRequest& request) {
 Answer<int> InputSource::messageBox(const BoxRequest&) {
     return {};
 }
+bool InputSource::dialog(const DialogRequest&) {
+    return false;
+}
+
 Answer<std::wstring> InputSource::file(const FileRequest&) {
     return {};
 }
@@ -67,6 +73,15 @@ int InputChain::messageBox(const BoxRequest& request) {
     return answer.outcome == Outcome::answered ? answer.value : escapeButton(request.flags);
 }
 
+void InputChain::dialog(const DialogRequest& request) {
+    if (beforeWaiting_) beforeWaiting_();
+    for (size_t i = 0; i < sources_.size(); ++i) {
+        const std::shared_ptr<InputSource> source = sources_[i];
+        if (source->dialog(request)) return;
+    }
+    request.dialog.Abandon();
+}
+
 std::optional<std::wstring> InputChain::file(const FileRequest& request) {
     auto answer = firstAnswer<std::wstring>([&](InputSource& each) { return each.file(request); });
     if (answer.outcome == Outcome::cancelled) return std::nullopt;
@@ -104,22 +119,46 @@ Answer<std::wstring> UnattendedInput::text(const TextRequest&) {
 
 Answer<int> UnattendedInput::messageBox(const BoxRequest& request) {
     const int button = defaultButton(request.flags);
-    if (report_) {
-        report_(L"message box \"" + request.title + L"\": " + request.text + L" [answered: " +
-                std::wstring(buttonName(button)) + L"]");
-    }
+    if (report_) report_(boxReport(request, button));
     return Answer<int>::of(button);
 }
 
+bool UnattendedInput::dialog(const DialogRequest& request) {
+    request.dialog.Cancel();
+    if (request.dialog.IsOpen()) request.dialog.Abandon();
+    if (report_) report_(dialogReport(request.dialog));
+    return true;
+}
+
+Answer<int> DisplayInput::messageBox(const BoxRequest& request) {
+    if (open_.empty()) return {};
+    return Answer<int>::of(open_.back()->ShowBox(request.title, request.text, request.flags));
+}
+
+bool DisplayInput::dialog(const DialogRequest& request) {
+    if (!request.dialog.HasDisplay()) return false;
+    open_.push_back(&request.dialog);
+    request.dialog.WaitForPerson();
+    open_.pop_back();
+    return true;
+}
+
+std::wstring boxReport(const BoxRequest& request, int button) {
+    return L"message box \"" + request.title + L"\": " + request.text + L" [answered: " +
+           std::wstring(buttonName(button)) + L"]";
+}
+
 Answer<std::wstring> UnattendedInput::file(const FileRequest& request) {
-    const bool isFolder = request.kind == FileRequest::Kind::folder;
-    if (report_) {
-        report_((isFolder ? L"folder dialog \"" : L"file dialog \"") + request.title + L"\": " +
-                (request.name.empty() ? L"" : request.name + L" ") + L"in " +
-                (request.folder.empty() ? L"the current folder" : request.folder) +
-                L" [answered: Cancel]");
-    }
+    if (report_) report_(fileReport(request, L"Cancel"));
     return Answer<std::wstring>::cancel();
+}
+
+std::wstring fileReport(const FileRequest& request, const std::wstring& answer) {
+    const bool isFolder = request.kind == FileRequest::Kind::folder;
+    return (isFolder ? L"folder dialog \"" : L"file dialog \"") + request.title + L"\": " +
+           (request.name.empty() ? L"" : request.name + L" ") + L"in " +
+           (request.folder.empty() ? L"the current folder" : request.folder) + L" [answered: " +
+           answer + L"]";
 }
 
 }  // namespace sg

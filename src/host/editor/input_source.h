@@ -13,6 +13,10 @@
 #include "host/editor/jig/drag_input.h"
 #include "platform/ge/point3d.h"
 
+namespace sg::ui {
+class ScriptedDialog;
+}
+
 namespace sg {
 
 class SelectionSet;
@@ -76,6 +80,12 @@ struct BoxRequest {
     unsigned flags = 0;  // of MessageBoxW
 };
 
+// A dialog that is shown.
+struct DialogRequest {
+    ui::ScriptedDialog& dialog;
+    std::function<void(const std::wstring&)> print;  // to standard output
+};
+
 // A file or folder chooser.
 struct FileRequest {
     enum class Kind { open, save, folder };
@@ -99,6 +109,9 @@ class SG_API InputSource {
     // The base version confirms what prompt() answers.
     virtual Answer<DragAnswer> drag(const DragRequest& request);
     virtual Answer<int> messageBox(const BoxRequest& request);  // the button's id
+    // Does to the dialog what there is to do; true when that has closed it. A source that leaves it
+    // open leaves it to the next one.
+    virtual bool dialog(const DialogRequest& request);
     // A path as it was given, which may be relative to the request's folder, and empty.
     virtual Answer<std::wstring> file(const FileRequest& request);
 };
@@ -115,6 +128,7 @@ class SG_API InputChain {
     std::optional<PromptAnswer> prompt(const PromptRequest& request);  // nullopt: cancelled
     std::optional<DragAnswer> drag(const DragRequest& request);        // nullopt: cancelled
     int messageBox(const BoxRequest& request);
+    void dialog(const DialogRequest& request);                     // until it is closed
     std::optional<std::wstring> file(const FileRequest& request);  // nullopt: cancelled
 
   private:
@@ -145,14 +159,31 @@ class SG_API TypedWords : public InputSource {
     std::wstring rest_;  // without blanks in front
 };
 
-// Stands behind the last source: nobody is there. A prompt is cancelled, a box gets its default
-// button, a chooser is cancelled; both are reported with their title, their text and the answer.
+// The person at the display, where there is one, closes dialogs and answers the boxes that come up
+// before them.
+class SG_API DisplayInput : public InputSource {
+  public:
+    Answer<int> messageBox(const BoxRequest& request) override;
+    bool dialog(const DialogRequest& request) override;
+
+  private:
+    std::vector<ui::ScriptedDialog*> open_;  // the last one is in front
+};
+
+// The lines that are reported of a box and a chooser that were answered without a person.
+std::wstring boxReport(const BoxRequest& request, int button);
+std::wstring fileReport(const FileRequest& request, const std::wstring& answer);
+
+// Stands behind the last source: nobody is there. A prompt and a dialog are cancelled, a box gets
+// its default button, a chooser is cancelled; all but prompts are reported with title, text and
+// answer.
 class SG_API UnattendedInput : public InputSource {
   public:
     explicit UnattendedInput(std::function<void(const std::wstring&)> report)
         : report_(std::move(report)) {}
     Answer<std::wstring> text(const TextRequest& request) override;
     Answer<int> messageBox(const BoxRequest& request) override;
+    bool dialog(const DialogRequest& request) override;
     Answer<std::wstring> file(const FileRequest& request) override;
 
   private:

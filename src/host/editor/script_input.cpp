@@ -3,8 +3,10 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "host/editor/dialogs/dialog_script.h"
 #include "host/editor/message_buttons.h"
 #include "host/editor/script_parser.h"
+#include "platform/ui/scripted.h"
 
 namespace sg {
 
@@ -38,10 +40,17 @@ const ScriptItem* ScriptInput::take() {
     return next_ < items_.size() ? &items_[next_++] : nullptr;
 }
 
+void ScriptInput::report(const std::wstring& what) const {
+    if (report_) report_(what);
+}
+
+void ScriptInput::reportAt(const ScriptItem& item, const std::wstring& what) const {
+    report(file_ + L":" + std::to_wstring(item.line) + L": " + what);
+}
+
 void ScriptInput::reportMismatch(const ScriptItem& item, const std::wstring& asked) const {
-    if (!report_) return;
-    report_(file_ + L":" + std::to_wstring(item.line) + L": the program asked for " + asked +
-            L"; the script has \"" + item.source + L"\", which answers as Esc");
+    reportAt(item, L"the program asked for " + asked + L"; the script has \"" + item.source +
+                       L"\", which answers as Esc");
 }
 
 Answer<std::wstring> ScriptInput::text(const TextRequest& request) {
@@ -93,24 +102,48 @@ Answer<int> ScriptInput::messageBox(const BoxRequest& request) {
     std::wstring names;
     for (const MessageButton& button : messageButtons(request.flags)) {
         if (item->kind == ScriptItem::Kind::box && item->button == button.id) {
+            report(boxReport(request, button.id));
             return Answer<int>::of(button.id);
         }
         names += (names.empty() ? L"" : L", ") + std::wstring(button.name);
     }
     reportMismatch(*item, L"an answer to the message box \"" + request.title + L"\": " +
                               request.text + L" (" + names + L")");
+    report(boxReport(request, escapeButton(request.flags)));
     return Answer<int>::of(escapeButton(request.flags));
+}
+
+bool ScriptInput::dialog(const DialogRequest& request) {
+    ui::ScriptedDialog& dialog = request.dialog;
+    DialogScript script(dialog, request.print);
+    while (dialog.IsOpen()) {
+        const ScriptItem* const item = take();
+        if (item == nullptr) return false;
+        if (item->kind == ScriptItem::Kind::dialog) {
+            const std::wstring problem = script.run(*item);
+            if (!problem.empty()) reportAt(*item, problem);
+            continue;
+        }
+        if (item->kind != ScriptItem::Kind::escape) {
+            reportMismatch(*item, L"the dialog \"" + dialog.Title() + L"\"");
+        }
+        dialog.Cancel();
+    }
+    report(dialogReport(dialog));
+    return true;
 }
 
 Answer<std::wstring> ScriptInput::file(const FileRequest& request) {
     const ScriptItem* const item = take();
     if (item == nullptr) return {};
     if (item->kind == ScriptItem::Kind::file) {
+        report(fileReport(request, item->value.empty() ? L"Cancel" : item->value));
         return item->value.empty() ? Answer<std::wstring>::cancel()
                                    : Answer<std::wstring>::of(item->value);
     }
     const bool isFolder = request.kind == FileRequest::Kind::folder;
     reportMismatch(*item, (isFolder ? L"a folder (\"" : L"a file (\"") + request.title + L"\")");
+    report(fileReport(request, L"Cancel"));
     return Answer<std::wstring>::cancel();
 }
 

@@ -39,7 +39,7 @@ struct ScriptItem {
         sample,   // sample POINT
         box,      // box yes
         file,     // file PATH; an empty path for CANCEL
-        dialog,   // press, set, check, choose, row, cell, key, show, shot, ok, cancel
+        dialog,   // press, set, check, choose, row, cell, key, dblclick, show, shot, ok, cancel
     };
     Kind kind = Kind::text;
     size_t line = 0;      // 1-based
@@ -62,9 +62,11 @@ struct ScriptItem {
 //   Words are found ignoring case. What follows "text" and one blank is taken as it stands.
 //
 // A text request takes text, keyword, number and point lines, ENTER (an empty answer) and ESC; a
-// prompt takes pick and entity lines too, a drag sample lines; a message box takes box lines, a file
- // or folder chooser file lines. Any other line, and a button that the box does not have, is used up,
- // reported, and stands for Esc.
+// prompt takes pick and entity lines too, a drag sample lines; a message box takes box lines, a
+// file or folder chooser file lines. A dialog takes its lines until it is closed; what comes up
+// meanwhile takes the lines that follow. Any other line, and a button that the box does not have,
+// is used up, reported, and stands for Esc. Boxes, choosers and dialogs are reported with their
+// answers.
 class SG_API ScriptInput : public InputSource {
   public:
     using Report = std::function<void(const std::wstring&)>;
@@ -78,6 +80,7 @@ class SG_API ScriptInput : public InputSource {
     Answer<PromptAnswer> prompt(const PromptRequest& request) override;
     Answer<DragAnswer> drag(const DragRequest& request) override;
     Answer<int> messageBox(const BoxRequest& request) override;
+    bool dialog(const DialogRequest& request) override;
     Answer<std::wstring> file(const FileRequest& request) override;
 
     const std::vector<ScriptItem>& items() const { return items_; }
@@ -86,6 +89,8 @@ class SG_API ScriptInput : public InputSource {
   private:
     ScriptInput(std::vector<ScriptItem> items, std::wstring file, Report report);
     const ScriptItem* take();
+    void report(const std::wstring& what) const;
+    void reportAt(const ScriptItem& item, const std::wstring& what) const;
     void reportMismatch(const ScriptItem& item, const std::wstring& asked) const;
 
     const std::vector<ScriptItem> items_;

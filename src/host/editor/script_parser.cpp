@@ -22,16 +22,17 @@ struct WordRow {
 };
 
 constexpr WordRow kWords[] = {
-    {L"entity", Kind::entity, Operand::handle},   {L"pick", Kind::pick, Operand::point},
-    {L"keyword", Kind::keyword, Operand::text},   {L"text", Kind::text, Operand::freeText},
-    {L"enter", Kind::enter, Operand::none},       {L"esc", Kind::escape, Operand::none},
-    {L"sample", Kind::sample, Operand::point},    {L"box", Kind::box, Operand::button},
-    {L"file", Kind::file, Operand::freeText},     {L"press", Kind::dialog, Operand::freeText},
-    {L"set", Kind::dialog, Operand::freeText},    {L"check", Kind::dialog, Operand::freeText},
-    {L"choose", Kind::dialog, Operand::freeText}, {L"row", Kind::dialog, Operand::freeText},
-    {L"cell", Kind::dialog, Operand::freeText},   {L"key", Kind::dialog, Operand::freeText},
-    {L"show", Kind::dialog, Operand::freeText},   {L"shot", Kind::dialog, Operand::freeText},
-    {L"ok", Kind::dialog, Operand::none},         {L"cancel", Kind::dialog, Operand::none},
+    {L"entity", Kind::entity, Operand::handle},     {L"pick", Kind::pick, Operand::point},
+    {L"keyword", Kind::keyword, Operand::text},     {L"text", Kind::text, Operand::freeText},
+    {L"enter", Kind::enter, Operand::none},         {L"esc", Kind::escape, Operand::none},
+    {L"sample", Kind::sample, Operand::point},      {L"box", Kind::box, Operand::button},
+    {L"file", Kind::file, Operand::freeText},       {L"press", Kind::dialog, Operand::freeText},
+    {L"set", Kind::dialog, Operand::freeText},      {L"check", Kind::dialog, Operand::freeText},
+    {L"choose", Kind::dialog, Operand::freeText},   {L"row", Kind::dialog, Operand::freeText},
+    {L"cell", Kind::dialog, Operand::freeText},     {L"key", Kind::dialog, Operand::freeText},
+    {L"show", Kind::dialog, Operand::none},         {L"shot", Kind::dialog, Operand::freeText},
+    {L"ok", Kind::dialog, Operand::none},           {L"cancel", Kind::dialog, Operand::none},
+    {L"dblclick", Kind::dialog, Operand::freeText},
 };
 
 const WordRow* findWord(std::wstring_view word) {

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 
@@ -35,6 +36,8 @@ void needApplication() {
     static char* arguments[] = {name, nullptr};
     // Never destroyed: windows and fonts may outlive every other static object.
     new QApplication(count, arguments);
+    // The toolkit takes the user's locale for the process; numbers of programs and files have a point.
+    std::setlocale(LC_NUMERIC, "C");
 }
 
 }  // namespace sg::graphics

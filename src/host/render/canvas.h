@@ -35,6 +35,10 @@ class Canvas {
     enum class Rule : uint8_t { evenOdd, nonZero };
     virtual void area(const Look& look, std::span<const AcGePoint3d> points,
                       std::span<const uint32_t> counts, Rule rule) = 0;
+    // Whether faces hide what is behind them; then shells come as such.
+    virtual bool hasDepth() const { return false; }
+    // Faces as AcGiGeometry has them, with indexes that are in range. Only where there is depth.
+    virtual void shell(const Look&, std::span<const AcGePoint3d>, std::span<const int32_t>) {}
     // A line without an end; `isBoth` for both ends.
     virtual void endless(const Look& look, const AcGePoint3d& base, const AcGeVector3d& direction,
                          bool isBoth) = 0;

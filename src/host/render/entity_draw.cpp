@@ -85,7 +85,8 @@ DisplaySettings DisplaySettings::of(const AcDbDatabase& database) {
 // ---- The draw -----------------------------------------------------------------------------------
 
 EntityDraw::EntityDraw(Canvas& canvas, Looks& looks, const DisplaySettings& settings)
-    : traits_(std::make_unique<Traits>(looks)),
+    : canvas_(canvas),
+      traits_(std::make_unique<Traits>(looks)),
       geometry_(std::make_unique<Geometry>(*this, canvas, settings)),
       isDragging_(settings.isDragging) {}
 

@@ -41,7 +41,9 @@ class SG_API EntityDraw final : public AcGiWorldDraw {
 
     const Undrawn& undrawn() const;
 
-    AcGiRegenType regenType() const override { return kAcGiStandardDisplay; }
+    AcGiRegenType regenType() const override {
+        return canvas_.hasDepth() ? kAcGiShadedDisplay : kAcGiStandardDisplay;
+    }
     bool regenAbort() const override { return false; }
     bool isDragging() const override { return isDragging_; }
     double deviation(const AcGePoint3d& near) const override;
@@ -52,6 +54,7 @@ class SG_API EntityDraw final : public AcGiWorldDraw {
     class Geometry;
     class Traits;
 
+    Canvas& canvas_;
     std::unique_ptr<Traits> traits_;
     std::unique_ptr<Geometry> geometry_;
     const bool isDragging_;

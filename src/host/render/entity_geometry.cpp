@@ -34,6 +34,18 @@ AcGeVector3d normalOf(std::span<const AcGePoint3d> points) {
     return isDown ? -normal.normal() : normal.normal();
 }
 
+// Whether a face list has whole faces with indexes below the number of points.
+bool isShell(uint32_t points, std::span<const int32_t> faces) {
+    for (size_t at = 0; at < faces.size();) {
+        const auto count = static_cast<size_t>(std::abs(static_cast<int64_t>(faces[at++])));
+        if (count < 3 || count > faces.size() - at) return false;
+        for (const size_t end = at + count; at < end; ++at) {
+            if (faces[at] < 0 || static_cast<uint32_t>(faces[at]) >= points) return false;
+        }
+    }
+    return true;
+}
+
 }  // namespace
 
 EntityDraw::Geometry::Geometry(EntityDraw& draw, Canvas& canvas, const DisplaySettings& settings)
@@ -235,6 +247,10 @@ bool EntityDraw::Geometry::polyPolygon(uint32_t loops, const uint32_t* counts,
 bool EntityDraw::Geometry::shell(uint32_t points, const AcGePoint3d* vertices,
                                  uint32_t faceListSize, const int32_t* faceList) {
     if (!isShown()) return false;
+    if (canvas_.hasDepth() && isShell(points, {faceList, faceListSize})) {
+        canvas_.shell(traits().look(), toWorld(points, vertices), {faceList, faceListSize});
+        return false;
+    }
     std::vector<AcGePoint3d> face;
     std::vector<uint32_t> counts;
     const auto flush = [&] {

@@ -11,6 +11,7 @@
 #include "host/model/tables/layout.h"
 #include "host/render/measuring_canvas.h"
 #include "host/render/picture_canvas.h"
+#include "host/render/shaded_canvas.h"
 #include "host/render/sheet.h"
 #include "host/render/window_outline.h"
 
@@ -100,9 +101,19 @@ Rendering renderModel(const AcDbDatabase& database, const Options& options) {
     view.box = {0, 0, picture.width, picture.height};
     PictureBuilder builder(picture);
     PictureCanvas canvas(builder, looks, {kScreenPixelsPerMillimetre, options.lineWeights}, view);
-    EntityDraw draw(canvas, looks, settings);
-    draw.drawSpace(database.modelSpaceId());
-    rendering.undrawn = draw.undrawn();
+    const auto drawModel = [&](Canvas& target) {
+        EntityDraw draw(target, looks, settings);
+        draw.drawSpace(database.modelSpaceId());
+        rendering.undrawn = draw.undrawn();
+    };
+    if (options.view == View::top) {
+        drawModel(canvas);
+        return rendering;
+    }
+    const AcGeMatrix3d toWorld = toView.inverse();
+    ShadedCanvas shaded(canvas, toWorld * AcGeVector3d::kZAxis, toWorld * AcGeVector3d::kYAxis);
+    drawModel(shaded);
+    shaded.finish();
     return rendering;
 }
 

@@ -208,7 +208,9 @@ void Host::createInterpreter() {
     interpreter_->define(tableFunctions());
     interpreter_->define(selectionFunctions());
     interpreter_->define(promptFunctions());
+    interpreter_->define(inputFunctions());
     interpreter_->define(commandFunctions());
+    interpreter_->define(dialogSupportFunctions());
 }
 
 void Host::createDocuments() {

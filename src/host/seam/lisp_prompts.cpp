@@ -191,6 +191,16 @@ Value fnEntSel(Interpreter& in, Args a) {
         });
 }
 
+// The rows of a matrix, a list each.
+Value rowsValue(Interpreter& in, const AcGeMatrix3d& matrix) {
+    ListBuilder rows(in);
+    for (unsigned row = 0; row < 4; ++row) {
+        rows.add(in.list({Value::real(matrix(row, 0)), Value::real(matrix(row, 1)),
+                          Value::real(matrix(row, 2)), Value::real(matrix(row, 3))}));
+    }
+    return rows.list();
+}
+
 // The axes and the origin of a matrix, a list each.
 Value matrixValue(Interpreter& in, const AcGeMatrix3d& matrix) {
     ListBuilder columns(in);
@@ -201,10 +211,28 @@ Value matrixValue(Interpreter& in, const AcGeMatrix3d& matrix) {
     return columns.list();
 }
 
-// (nentsel [message]): as entsel, but an entity inside a block with (name point matrix
-// (containers)), the innermost container first; an attribute with (name point).
-Value fnNEntSel(Interpreter& in, Args a) {
-    const std::wstring message = selectMessage(in, a);
+// What is picked inside an entity: (name point), for an entity inside a block with its matrix, made
+// by `matrix`, and the containers, the innermost first.
+template <class Matrix>
+Value nestedValue(Interpreter& in, AcDbObjectId id, const AcGePoint3d& at, double reach,
+                  const Matrix& matrix) {
+    DrawingSelection::Nested nested;
+    DrawingSelection& selection = requireDocument(in).selection();
+    const bool isNested = selection.nestedAt(id, at, reach, nested);
+    ListBuilder items(in);
+    items.add(entityName(isNested ? nested.id : id));
+    items.add(pointValue(in, at));
+    if (!isNested || nested.containers.empty()) return items.list();
+    items.add(matrix(in, nested.toWorld));
+    ListBuilder containers(in);
+    for (const AcDbObjectId container : nested.containers)
+        containers.add(entityName(container));
+    items.add(containers.list());
+    return items.list();
+}
+
+template <class Matrix>
+Value askNested(Interpreter& in, const std::wstring& message, const Matrix& matrix) {
     AcDbObjectId id;
     AcGePoint3d at;
     double reach = 0;
@@ -214,27 +242,28 @@ Value fnNEntSel(Interpreter& in, Args a) {
             reach = p.pickReach();
             return p.entity(message, id, at);
         },
-        [&] {
-            DrawingSelection::Nested nested;
-            DrawingSelection& selection = requireDocument(in).selection();
-            const bool isNested = selection.nestedAt(id, at, reach, nested);
-            ListBuilder items(in);
-            items.add(entityName(isNested ? nested.id : id));
-            items.add(pointValue(in, at));
-            if (!isNested || nested.containers.empty()) return items.list();
-            items.add(matrixValue(in, nested.toWorld));
-            ListBuilder containers(in);
-            for (const AcDbObjectId container : nested.containers)
-                containers.add(entityName(container));
-            items.add(containers.list());
-            return items.list();
-        });
+        [&] { return nestedValue(in, id, at, reach, matrix); });
 }
 
-// (redraw [name [mode]]): what is shown follows by itself.
-Value fnRedraw(Interpreter& in, Args a) {
-    if (a.get(0)) entityArgument(in, a[0]);
-    return Value::nil();
+// (nentsel [message]): as entsel, with axes and origin of an entity inside a block.
+Value fnNEntSel(Interpreter& in, Args a) {
+    return askNested(in, selectMessage(in, a), matrixValue);
+}
+
+// (nentselp [message] [point]): the same with the rows of the matrix; at a point nobody is asked.
+Value fnNEntSelP(Interpreter& in, Args a) {
+    const bool hasMessage = a.get(0).isString();
+    const Value place = a.get(hasMessage ? 1 : 0);
+    if (!place) {
+        return askNested(in, hasMessage ? in.str(a[0]) : std::wstring(L"Select object: "),
+                         rowsValue);
+    }
+    const AcGePoint3d at = pointArgument(in, place);
+    Document& document = requireDocument(in);
+    Host& host = Host::the();
+    const double reach = Prompter(promptPlace(host, document), host.prompts().allowed).pickReach();
+    const DrawingSelection::Ids found = document.selection().atPoint(at, reach);
+    return found.empty() ? Value::nil() : nestedValue(in, found.front(), at, reach, rowsValue);
 }
 
 constexpr FunctionRow kRows[] = {
@@ -244,7 +273,7 @@ constexpr FunctionRow kRows[] = {
     {L"getreal", fnGetReal, 0, 1},     {L"getint", fnGetInt, 0, 1},
     {L"getstring", fnGetString, 0, 2}, {L"getkword", fnGetKword, 0, 1},
     {L"entsel", fnEntSel, 0, 1},       {L"nentsel", fnNEntSel, 0, 1},
-    {L"redraw", fnRedraw, 0, 2},
+    {L"nentselp", fnNEntSelP, 0, 2},
 };
 
 }  // namespace

@@ -158,6 +158,31 @@ Value fnSsMemb(Interpreter& in, Args a) {
     return setArgument(in, a[1]).has(id) ? a[0] : Value::nil();
 }
 
+// ---- What is selected before a command asks ---
+
+// A set of entities, or nil for none.
+Value setOrNil(Interpreter& in, const DrawingSelection::Ids& ids) {
+    if (ids.empty()) return Value::nil();
+    SelectionSet set;
+    set.add(ids, {});
+    return lisp::pickSetValue(in, Host::the().selectionSets().add(std::move(set)));
+}
+
+// (sssetfirst grips [set]): (grips set). Grips show nowhere, and select nothing.
+Value fnSsSetFirst(Interpreter& in, Args a) {
+    DrawingSelection& selection = requireDocument(in).selection();
+    const Value set = a.get(1);
+    selection.setImplied(set ? setArgument(in, set).ids() : DrawingSelection::Ids());
+    return in.list({Value::nil(), set});
+}
+
+// (ssgetfirst): (grips set)
+Value fnSsGetFirst(Interpreter& in, Args) {
+    const Value set = setOrNil(in, requireDocument(in).selection().implied());
+    in.push(set);
+    return in.list({Value::nil(), set});
+}
+
 // ---- ssnamex ------------------------------------------------------------------------------------
 
 // (0 point): a point that the display's line of sight goes through.
@@ -218,9 +243,11 @@ Value fnSsNameX(Interpreter& in, Args a) {
 }
 
 constexpr FunctionRow kRows[] = {
-    {L"ssget", fnSsGet, 0, 5},       {L"ssadd", fnSsAdd, 0, 2},   {L"ssdel", fnSsDel, 2, 2},
-    {L"sslength", fnSsLength, 1, 1}, {L"ssname", fnSsName, 2, 2}, {L"ssmemb", fnSsMemb, 2, 2},
-    {L"ssnamex", fnSsNameX, 1, 2},
+    {L"ssget", fnSsGet, 0, 5},           {L"ssadd", fnSsAdd, 0, 2},
+    {L"ssdel", fnSsDel, 2, 2},           {L"sslength", fnSsLength, 1, 1},
+    {L"ssname", fnSsName, 2, 2},         {L"ssmemb", fnSsMemb, 2, 2},
+    {L"ssnamex", fnSsNameX, 1, 2},       {L"sssetfirst", fnSsSetFirst, 1, 2},
+    {L"ssgetfirst", fnSsGetFirst, 0, 0},
 };
 
 }  // namespace

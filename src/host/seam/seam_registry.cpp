@@ -69,8 +69,15 @@ HMODULE GetModuleHandleW(const wchar_t* name) {
     return Host::the().libraries().find(orEmpty(name));
 }
 
+HMODULE LoadLibraryW(const wchar_t* name) {
+    return Host::the().libraries().open(orEmpty(name));
+}
+
 FARPROC GetProcAddress(HMODULE library, const char* name) {
     if (library == nullptr || name == nullptr) return nullptr;
+    if (!library->companion.empty()) {
+        return reinterpret_cast<FARPROC>(sg::companionSymbol(library->companion.c_str(), name));
+    }
     const auto found = library->functions.find(std::string_view(name));
     return found != library->functions.end() ? found->second : nullptr;
 }

@@ -18,13 +18,18 @@ std::string ownFolder() {
 
 }  // namespace
 
-void* companionSymbol(const char* library, const char* symbol) {
+void* openCompanion(const char* library) {
     const std::string folder = ownFolder();
     for (const char* place : {"", "lib/", "../lib/"}) {
         void* const opened = dlopen((folder + place + library).c_str(), RTLD_NOW | RTLD_LOCAL);
-        if (opened != nullptr) return dlsym(opened, symbol);
+        if (opened != nullptr) return opened;
     }
     return nullptr;
+}
+
+void* companionSymbol(const char* library, const char* symbol) {
+    void* const opened = openCompanion(library);
+    return opened != nullptr ? dlsym(opened, symbol) : nullptr;
 }
 
 }  // namespace sg

@@ -5,12 +5,15 @@
 #include <string>
 #include <string_view>
 
+#include "base/encoding.h"
 #include "base/text.h"
+#include "host/system/companion_library.h"
 #include "platform/win/libraries.h"
 
 // What HMODULE points to.
 struct SgLibrary {
     std::map<std::string, FARPROC, std::less<>> functions;
+    std::string companion;  // the file's name, of a library of ours; else empty
 };
 
 namespace sg {
@@ -30,6 +33,15 @@ class SystemLibraries {
     SgLibrary* find(std::wstring_view name) const {
         const auto found = libraries_.find(lowerCased(name));
         return found != libraries_.end() ? found->second.get() : nullptr;
+    }
+
+    // A library of ours that stands with the host's; null when it cannot be opened.
+    SgLibrary* open(std::wstring_view name) {
+        const std::string file = toUtf8(name);
+        if (openCompanion(file.c_str()) == nullptr) return nullptr;
+        SgLibrary& opened = library(name);
+        opened.companion = file;
+        return &opened;
     }
 
   private:

@@ -120,10 +120,23 @@ class SG_API AcDbMText : public AcDbEntity {
         double scale = 1.5;
         uint32_t transparency = 0;
     };
+    // Columns as DWG files from release 2018 on have them, for writing them again.
+    struct Columns {
+        int16_t type = 0;  // 1 fixed, 2 of heights of their own
+        int32_t count = 0;
+        double width = 0;
+        double gutter = 0;
+        bool isAutomatic = false;
+        bool isReversed = false;
+        std::vector<double> heights;
+    };
+    Acad::ErrorStatus writeColumns(AcDbDwgFiler& filer) const;
+    Acad::ErrorStatus readColumns(AcDbDwgFiler& filer);
+    Acad::ErrorStatus readRepeated(AcDbDwgFiler& filer);
     Fill& needFill();
     Acad::ErrorStatus writeFill(AcDbDwgFiler& filer) const;
     Acad::ErrorStatus readFill(AcDbDwgFiler& filer);
-    Acad::ErrorStatus writeColumns(AcDbDwgFiler& filer) const;
+    Acad::ErrorStatus writeRepeated(AcDbDwgFiler& filer) const;
     sg::text::TextLayout layOut() const;
     Acad::ErrorStatus takeField(AcDbDxfFiler* filer, const resbuf& group);
 
@@ -136,6 +149,7 @@ class SG_API AcDbMText : public AcDbEntity {
     AcDbHardPointerId style_;
     std::wstring contents_;
     std::unique_ptr<Fill> fill_;
+    std::unique_ptr<Columns> columns_;  // null: none
     double lineSpacingFactor_ = 1;
     AttachmentPoint attachment_ = kTopLeft;
     FlowDirection flow_ = kByStyle;

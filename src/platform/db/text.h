@@ -105,6 +105,7 @@ class SG_API AcDbText : public AcDbEntity {
   private:
     Acad::ErrorStatus writeFile(AcDbDwgFiler& filer, sg::model::DwgForm& form) const;
     Acad::ErrorStatus readFile(AcDbDwgFiler& filer, sg::model::DwgForm& form);
+    Acad::ErrorStatus readOldFile(AcDbDwgFiler& filer);
     Acad::ErrorStatus fitBetween();
 
     AcGePoint3d position_, alignmentPoint_;

@@ -72,6 +72,10 @@ class SG_API AcDbViewport : public AcDbEntity {
     void visitFields(Visitor&& visit);
     template <class Visitor>
     void visitFile(Visitor&& visit, AcDbDwgFiler* filer, uint32_t& frozen);
+    template <class Visitor>
+    void visitLight(Visitor&& visit);
+    template <class Visitor>
+    void visitLightObjects(Visitor&& visit);
     std::array<AcGePoint3d, 4> corners() const;
     void takeField(AcDbDxfFiler* filer, const resbuf& group);
 
@@ -102,4 +106,24 @@ class SG_API AcDbViewport : public AcDbEntity {
     AcDbHardPointerId clipEntity_;
     AcDbHardPointerId ucs_, baseUcs_;
     std::vector<AcDbSoftPointerId> frozen_;
+    // What DWG files from release 2004 and 2007 on have besides, for writing it again.
+    struct Look {
+        int16_t majorGridLines = 5;
+        int16_t shadePlot = 0;
+        bool hasDefaultLights = true;
+        int16_t lights = 1;  // two distant ones
+        double brightness = 0;
+        double contrast = 0;
+        AcCmColor ambient = byIndex(250);
+        AcDbSoftPointerId background, shadePlotObject;
+        AcDbHardPointerId visualStyle;
+        AcDbHardOwnershipId sun;
+
+        static AcCmColor byIndex(uint16_t index) {
+            AcCmColor color;
+            color.setColorIndex(index);
+            return color;
+        }
+    };
+    Look look_;
 };

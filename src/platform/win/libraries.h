@@ -10,6 +10,10 @@ using FARPROC = void (*)();
 // The library of that name, in any case, when it is loaded; else null.
 SG_API HMODULE GetModuleHandleW(const wchar_t* name);
 
+// Opens a library that belongs to a module and stands with the host's own, by its file's name; null
+// when there is none. It stays open.
+SG_API HMODULE LoadLibraryW(const wchar_t* name);
+
 // The function of exactly that name; null when the library has none, as for a null library.
 SG_API FARPROC GetProcAddress(HMODULE library, const char* name);
 

@@ -108,6 +108,18 @@ Prompter::Allowed Prompter::takeAllowed() {
     return std::exchange(allowed_, {});
 }
 
+// Points outside the limits are taken unless "LIMCHECK" is on.
+bool Prompter::isWithinLimits(const AcGePoint3d& point) const {
+    using Point2 = std::array<double, 2>;
+    if (number(L"LIMCHECK") == 0) return true;
+    const auto low = place_.variables.get(L"LIMMIN"), high = place_.variables.get(L"LIMMAX");
+    const auto* const least = low ? std::get_if<Point2>(&*low) : nullptr;
+    const auto* const most = high ? std::get_if<Point2>(&*high) : nullptr;
+    if (least == nullptr || most == nullptr) return true;
+    const AcGePoint3d at = model::userToWorld(place_.database) * point;
+    return at.x >= (*least)[0] && at.y >= (*least)[1] && at.x <= (*most)[0] && at.y <= (*most)[1];
+}
+
 // ---- Asking -------------------------------------------------------------------------------------
 
 // Asks until the answer is Enter where that is allowed, a keyword, or what `take` takes.
@@ -197,6 +209,10 @@ PromptResult Prompter::askPoint(const std::wstring& prompt, const Point& base, b
     return ask({Kind::point, prompt, base, isCorner}, allowed, L"Invalid point.",
                [&](const PromptAnswer& answer) -> std::optional<Parsed> {
                    if (!pointOf(answer, result)) return std::nullopt;
+                   if ((allowed.bits & Allowed::noLimits) == 0 && !isWithinLimits(result)) {
+                       tell(L"**Outside limits");
+                       return Parsed::wrong;
+                   }
                    setLastPoint(result);
                    return Parsed::done;
                });
@@ -281,7 +297,7 @@ PromptResult Prompter::integer(const std::wstring& prompt, int32_t& result) {
                           if (!typed) return std::nullopt;
                           if (*typed < INT16_MIN || *typed > INT16_MAX) {
                               tell(L"Requires an integer between -32768 and 32767.");
-                              return Parsed::cancelled;
+                              return Parsed::wrong;
                           }
                           result = *typed;
                           return fits(result, allowed) ? Parsed::done : Parsed::wrong;

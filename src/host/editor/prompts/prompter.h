@@ -80,11 +80,11 @@ class SG_API Prompter {
     // What a selection takes next: an entity, a place or a word.
     // A place without an entity counts as a miss for "ERRNO".
     struct Pick {
-        AcDbObjectId id;       // where one was picked
-        AcGePoint3d at;        // where
-        bool isNamed = false;  // by its handle, not by its place
-        bool isPoint = false;  // a place with nothing at it
-        std::wstring word;     // that is no keyword
+        AcDbObjectId id;                          // where one was picked
+        AcGePoint3d at;                           // where
+        bool isNamed = false;                     // by its handle, not by its place
+        bool isPoint = false;                     // a place with nothing at it
+        std::wstring word;                        // that is no keyword
         std::shared_ptr<const SelectionSet> set;  // a whole set in place of one entity
     };
     // Enter is null. A keyword without a word in `pick` is one of `keywords`.
@@ -113,6 +113,7 @@ class SG_API Prompter {
                      const Take& take);
     std::optional<AcGePoint3d> snapped(const std::wstring& modes, bool& isSnap);
     bool fits(double value, const Allowed& allowed);
+    bool isWithinLimits(const AcGePoint3d& point) const;
     AcDbObjectId entityOf(const PromptAnswer& answer, AcGePoint3d& at);
     PromptResult askPoint(const std::wstring& prompt, const Point& base, bool isCorner,
                           const Allowed& allowed, AcGePoint3d& result);

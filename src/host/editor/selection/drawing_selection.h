@@ -59,6 +59,11 @@ class SG_API DrawingSelection {
     Ids previous() const;
     void setPrevious(Ids ids) { previous_ = std::move(ids); }
 
+    // What is selected before a command asks, and counts as its selection; erased ones are left
+    // out. Whoever uses it makes it empty.
+    Ids implied() const;
+    void setImplied(Ids ids) { implied_ = std::move(ids); }
+
     // The entity inside a block reference, or the attribute, that is shown at the point. False when
     // nothing of the reference is there.
     struct Nested {
@@ -76,6 +81,7 @@ class SG_API DrawingSelection {
     AcDbDatabase& database_;
     std::map<AcDbObjectId, std::unique_ptr<SpaceIndex>> indexes_;
     Ids previous_;
+    Ids implied_;
 };
 
 }  // namespace sg

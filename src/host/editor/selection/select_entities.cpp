@@ -116,11 +116,23 @@ DrawingSelection::Ids EntitySelector::kept(const Request& request, const Ids& fo
 
 SelectionOutcome EntitySelector::select(const Request& request, SelectionSet& set) {
     const bool asks = request.mode.method.empty() && request.points.empty();
-    const SelectionOutcome outcome = asks ? ask(request, set) : selectDirectly(request, set);
+    const SelectionOutcome outcome = !asks                       ? selectDirectly(request, set)
+                                     : takeImplied(request, set) ? SelectionOutcome::found
+                                                                 : ask(request, set);
     if (outcome != SelectionOutcome::found && outcome != SelectionOutcome::nothing) return outcome;
     if (set.size() == 0) return SelectionOutcome::nothing;
     if (request.mode.method != L"X") place_.selection.setPrevious(set.ids());
     return SelectionOutcome::found;
+}
+
+bool EntitySelector::takeImplied(const Request& request, SelectionSet& set) {
+    const auto picksFirst = place_.variables.get(L"PICKFIRST");
+    const auto* const number = picksFirst ? std::get_if<int16_t>(&*picksFirst) : nullptr;
+    const Ids ids = place_.selection.implied();
+    if (ids.empty() || (number != nullptr && *number == 0)) return false;
+    place_.selection.setImplied({});
+    change(request, ids, {}, set, true);
+    return true;
 }
 
 // ---- Without asking -----------------------------------------------------------------------------
@@ -160,7 +172,9 @@ SelectionOutcome EntitySelector::selectDirectly(const Request& request, Selectio
         found = selection.all();
     } else if (method == L"G") {
         selection.group(request.group, found);
-    } else if (method != L"I") {
+    } else if (method == L"I") {
+        found = selection.implied();
+    } else {
         return SelectionOutcome::malformed;
     }
     set.add(kept(request, found), std::move(how));

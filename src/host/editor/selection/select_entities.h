@@ -56,12 +56,14 @@ class SG_API EntitySelector {
         : place_(place), prompter_(prompter), filter_(filter) {}
 
     // Adds what is selected to `set`, and makes it what is selected last, unless the method is "X".
+    // What is selected already is taken without asking while "PICKFIRST" is on.
     SelectionOutcome select(const Request& request, SelectionSet& set);
 
   private:
     using Ids = DrawingSelection::Ids;
     enum class Step { next, end, cancelled, keyword };
 
+    bool takeImplied(const Request& request, SelectionSet& set);
     SelectionOutcome selectDirectly(const Request& request, SelectionSet& set);
     SelectionOutcome ask(const Request& request, SelectionSet& set);
     Step askOnce(const Request& request, SelectionSet& set, bool& adding);

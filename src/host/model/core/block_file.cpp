@@ -113,6 +113,7 @@ Acad::ErrorStatus AcDbBlockTableRecord::readFile(AcDbDwgFiler& filer) {
     contents_->assign({entities.begin(), entities.end()});
     filer.readHardOwnershipId(&contents_->end);
     skipIds(filer, referenceCount);
+    if (isBefore(&filer, AcDb::kDHL_1015)) return filer.filerStatus();
     return filer.readHardPointerId(&layout_);
 }
 

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "host/model/core/proxies.h"
+#include "host/model/kept/kept_form.h"
 
 namespace sg::model {
 namespace {
@@ -136,7 +137,7 @@ AcDb::LineWeight lineWeightOf(uint8_t code) {
 
 bool hasDwgForm(const AcDbObject& object, AcDb::AcDbDwgVersion release) {
     const ProxyData* const data = proxyData(object);
-    return data == nullptr || (data->bits != nullptr && data->bits->release == release);
+    return data == nullptr || keepsBitsFor(*data, release) || canWriteKept(*data, release);
 }
 
 }  // namespace sg::model

@@ -100,7 +100,10 @@ class DwgForm {
     // The class data of the object that is read, all of it, wherever reading stands; nothing is
     // read by this.
     virtual Acad::ErrorStatus keep(KeptBits& bits) = 0;
-    // Writes class data that a file of the same release had, in place of everything else.
+    // True when the class data has been read to its end.
+    virtual bool isRead() const { return true; }
+    // Writes class data that a file had, in place of everything else. Its release is the filer's,
+    // or an earlier one from 2007 on in which the class has the same form.
     virtual Acad::ErrorStatus writeKept(const KeptBits& bits) = 0;
 };
 
@@ -199,8 +202,8 @@ inline bool hasLinkedParts(AcDbDwgFiler* filer) {
     return filer->dwgForm() != nullptr && isBefore(filer, AcDb::kDHL_1018);
 }
 
-// False for a proxy that a file of the release has no room for: neither does it keep bits of that
-// release, nor is the form of its class known.
+// False for a proxy that a file of the release has no room for: neither does it keep bits that will
+// do for it, nor is the form of its class known.
 SG_API bool hasDwgForm(const AcDbObject& object, AcDb::AcDbDwgVersion release);
 
 }  // namespace sg::model

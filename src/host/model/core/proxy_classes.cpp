@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/model/kept/kept_form.h"
 #include "host/model/tables/filing.h"
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbProxyObject, AcDbObject, 0, 0, L"ACAD_PROXY_OBJECT", nullptr)
@@ -28,18 +29,22 @@ Acad::ErrorStatus writeProxyGroups(AcDbDxfFiler& filer, const wchar_t* marker, i
     return filer.filerStatus();
 }
 
-// In a drawing file's own form the object is what its class had there.
+// In a drawing file's own form the object is what its class had there, in another release's what
+// its groups say.
 Acad::ErrorStatus writeBits(AcDbDwgFiler& filer, const ProxyData& data) {
-    if (data.bits == nullptr || data.bits->release != filer.dwgVersion()) {
-        filer.setFilerStatus(Acad::eNotApplicable);
-        return filer.filerStatus();
+    if (sg::model::keepsBitsFor(data, filer.dwgVersion())) {
+        return filer.dwgForm()->writeKept(*data.bits);
     }
-    return filer.dwgForm()->writeKept(*data.bits);
+    if (!sg::model::writeKept(filer, data)) filer.setFilerStatus(Acad::eNotApplicable);
+    return filer.filerStatus();
 }
 
 Acad::ErrorStatus readBits(AcDbDwgFiler& filer, ProxyData& data) {
     data.bits = std::make_unique<sg::model::KeptBits>();
-    return filer.dwgForm()->keep(*data.bits);
+    const Acad::ErrorStatus status = filer.dwgForm()->keep(*data.bits);
+    if (status != Acad::eOk) return status;
+    if (!sg::model::readKept(filer, data)) filer.resetFilerStatus();
+    return Acad::eOk;
 }
 
 // entmod changes what every object has, and leaves the rest.

@@ -18,8 +18,16 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbWipeoutVariables, AcDbObject, 0, 0, L"WIPEOUTVARIABL
 // ---- Images -------------------------------------------------------------------------------------
 
 namespace {
+
+// A rectangle is in files without the number of its corners.
 constexpr uint32_t kRectangleCorners = 2;
+
+// The boundary around all pixels.
+std::vector<AcGePoint2d> wholeBoundary(const AcGeVector2d& size) {
+    return {{-0.5, -0.5}, {size.x - 0.5, size.y - 0.5}};
 }
+
+}  // namespace
 
 Acad::ErrorStatus AcDbRasterImage::dwgOutFields(AcDbDwgFiler* filer) const {
     AcDbEntity::dwgOutFields(filer);
@@ -39,11 +47,13 @@ Acad::ErrorStatus AcDbRasterImage::dwgOutFields(AcDbDwgFiler* filer) const {
     filer->writeUInt8(fade_);
     if (!sg::model::isBefore(filer, AcDb::kDHL_1024)) filer->writeBool(clipInverted_);
     filer->writeInt16(clipType_);
-    const bool isRectangle = clipType_ == kRectangle && clip_.size() == kRectangleCorners;
-    if (filer->dwgForm() == nullptr || !isRectangle) {
-        filer->writeUInt32(static_cast<uint32_t>(clip_.size()));
+    const bool inFile = filer->dwgForm() != nullptr;
+    const bool isWhole = inFile && clipType_ == kRectangle && clip_.size() != kRectangleCorners;
+    const std::vector<AcGePoint2d> clip = isWhole ? wholeBoundary(size_) : clip_;
+    if (!inFile || clipType_ != kRectangle) {
+        filer->writeUInt32(static_cast<uint32_t>(clip.size()));
     }
-    for (const AcGePoint2d& point : clip_)
+    for (const AcGePoint2d& point : clip)
         filer->writePoint2d(point);
     return filer->filerStatus();
 }
@@ -96,8 +106,7 @@ Acad::ErrorStatus AcDbRasterImage::dxfOutFields(AcDbDxfFiler* filer) const {
     filer->writeInt16(283, fade_);
     filer->writeObjectId(360, reactor_);
     filer->writeInt16(71, clipType_);
-    const std::vector<AcGePoint2d> whole = {{-0.5, -0.5}, {size_.x - 0.5, size_.y - 0.5}};
-    const std::vector<AcGePoint2d>& boundary = clip_.empty() ? whole : clip_;
+    const std::vector<AcGePoint2d> boundary = clip_.empty() ? wholeBoundary(size_) : clip_;
     filer->writeInt32(91, static_cast<int32_t>(boundary.size()));
     for (const AcGePoint2d& point : boundary)
         filer->writePoint2d(14, point);

@@ -254,6 +254,21 @@ bool hasTextSize(AcDbDwgFiler* filer) {
     return filer->dwgForm() == nullptr || sg::model::isBefore(filer, AcDb::kDHL_1024);
 }
 
+// Before release 2000: the arrow's kind and size, and a colour among what is not known.
+void readOldSettings(AcDbDwgFiler& filer, int16_t& color) {
+    int16_t number = 0;
+    double arrowSize = 0;
+    bool unused = false;
+    filer.readInt16(&number);
+    filer.readDouble(&arrowSize);
+    filer.readBool(&unused);
+    filer.readBool(&unused);
+    filer.readInt16(&number);
+    filer.readInt16(&color);
+    filer.readBool(&unused);
+    filer.readBool(&unused);
+}
+
 }  // namespace
 
 // What files have no place for is written in memory alone.
@@ -310,13 +325,17 @@ Acad::ErrorStatus AcDbLeader::dwgInFields(AcDbDwgFiler* filer) {
     filer->readVector3d(&horizontal_);
     filer->readVector3d(&blockOffset_);
     filer->readVector3d(&annotationOffset_);
+    double gap = 0;
+    if (inFile && sg::model::isBefore(filer, AcDb::kDHL_1015)) filer->readDouble(&gap);
     if (hasTextSize(filer)) {
         filer->readDouble(&textHeight_);
         filer->readDouble(&textWidth_);
     }
     filer->readBool(&hookLineAlongX_);
     filer->readBool(&arrow_);
-    if (inFile) {
+    if (inFile && sg::model::isBefore(filer, AcDb::kDHL_1015)) {
+        readOldSettings(*filer, color_);
+    } else if (inFile) {
         int16_t arrowType = 0;
         filer->readInt16(&arrowType);
         filer->readBool(&unused);

@@ -35,13 +35,11 @@ bool hasSettings(AcDbDwgFiler* filer, int32_t fillFlags) {
 }  // namespace
 
 // What is not annotative repeats in newer files, with the columns, what stands ahead of it.
-Acad::ErrorStatus AcDbMText::writeColumns(AcDbDwgFiler& filer) const {
-    const AcDbObjectId application =
-        sg::model::findRegisteredApplication(filer.database(), L"ACAD");
+Acad::ErrorStatus AcDbMText::writeRepeated(AcDbDwgFiler& filer) const {
     filer.writeBool(true);
     filer.writeInt16(kVersion);
     filer.writeBool(true);
-    filer.writeHardPointerId(application);
+    filer.writeHardPointerId(sg::model::findRegisteredApplication(filer.database(), L"ACAD"));
     filer.writeInt32(attachment_);
     filer.writeVector3d(direction_);
     filer.writePoint3d(location_);
@@ -49,33 +47,10 @@ Acad::ErrorStatus AcDbMText::writeColumns(AcDbDwgFiler& filer) const {
     filer.writeDouble(definedHeight_);
     filer.writeDouble(actualWidth());
     filer.writeDouble(actualHeight());
-    return filer.writeInt16(0);
+    return writeColumns(filer);
 }
 
-namespace {
-
-enum ColumnType : int16_t { kNoColumns = 0, kFixedColumns = 1, kDynamicColumns = 2 };
-
-void skipColumns(AcDbDwgFiler& filer) {
-    int16_t type = kNoColumns;
-    filer.readInt16(&type);
-    if (type == kNoColumns) return;
-    int32_t count = 0;
-    double unused = 0;
-    bool isAutomatic = false;
-    bool isReversed = false;
-    filer.readInt32(&count);
-    filer.readDouble(&unused);
-    filer.readDouble(&unused);
-    filer.readBool(&isAutomatic);
-    filer.readBool(&isReversed);
-    if (isAutomatic || type != kDynamicColumns) return;
-    while (count-- > 0 && filer.filerStatus() == Acad::eOk)
-        filer.readDouble(&unused);
-}
-
-// Reads what stands ahead of it a second time.
-Acad::ErrorStatus skipRepeated(AcDbDwgFiler& filer) {
+Acad::ErrorStatus AcDbMText::readRepeated(AcDbDwgFiler& filer) {
     bool isThere = false;
     filer.readBool(&isThere);
     if (!isThere) return filer.filerStatus();
@@ -94,11 +69,45 @@ Acad::ErrorStatus skipRepeated(AcDbDwgFiler& filer) {
     filer.readPoint3d(&location);
     for (int i = 0; i < 4; ++i)
         filer.readDouble(&unused);
-    skipColumns(filer);
+    return readColumns(filer);
+}
+
+namespace {
+
+enum ColumnType : int16_t { kNoColumns = 0, kDynamicColumns = 2 };
+
+}  // namespace
+
+Acad::ErrorStatus AcDbMText::writeColumns(AcDbDwgFiler& filer) const {
+    if (columns_ == nullptr) return filer.writeInt16(kNoColumns);
+    filer.writeInt16(columns_->type);
+    filer.writeInt32(columns_->count);
+    filer.writeDouble(columns_->width);
+    filer.writeDouble(columns_->gutter);
+    filer.writeBool(columns_->isAutomatic);
+    filer.writeBool(columns_->isReversed);
+    for (const double height : columns_->heights)
+        filer.writeDouble(height);
     return filer.filerStatus();
 }
 
-}  // namespace
+Acad::ErrorStatus AcDbMText::readColumns(AcDbDwgFiler& filer) {
+    Columns columns;
+    columns_.reset();
+    filer.readInt16(&columns.type);
+    if (columns.type == kNoColumns || filer.filerStatus() != Acad::eOk) return filer.filerStatus();
+    filer.readInt32(&columns.count);
+    filer.readDouble(&columns.width);
+    filer.readDouble(&columns.gutter);
+    filer.readBool(&columns.isAutomatic);
+    filer.readBool(&columns.isReversed);
+    const bool hasHeights = !columns.isAutomatic && columns.type == kDynamicColumns;
+    for (int32_t left = hasHeights ? columns.count : 0; left > 0; --left) {
+        if (filer.readDouble(&columns.heights.emplace_back()) != Acad::eOk) break;
+    }
+    columns_ = std::make_unique<Columns>(std::move(columns));
+    return filer.filerStatus();
+}
 
 Acad::ErrorStatus AcDbMText::writeFill(AcDbDwgFiler& filer) const {
     if (filer.dwgForm() == nullptr) filer.writeBool(fill_ != nullptr);
@@ -146,7 +155,8 @@ Acad::ErrorStatus AcDbMText::dwgOutFields(AcDbDwgFiler* filer) const {
     filer->writeDouble(lineSpacingFactor_);
     if (inFile) filer->writeBool(false);
     if (!sg::model::isBefore(filer, AcDb::kDHL_1018)) writeFill(*filer);
-    if (inFile && !sg::model::isBefore(filer, AcDb::kDHL_1032)) writeColumns(*filer);
+    if (inFile && !sg::model::isBefore(filer, AcDb::kDHL_1032)) writeRepeated(*filer);
+    if (!inFile) writeColumns(*filer);
     return filer->filerStatus();
 }
 
@@ -174,7 +184,8 @@ Acad::ErrorStatus AcDbMText::dwgInFields(AcDbDwgFiler* filer) {
     bool unused = false;
     if (inFile) filer->readBool(&unused);
     if (!sg::model::isBefore(filer, AcDb::kDHL_1018)) readFill(*filer);
-    if (inFile && !sg::model::isBefore(filer, AcDb::kDHL_1032)) skipRepeated(*filer);
+    if (inFile && !sg::model::isBefore(filer, AcDb::kDHL_1032)) readRepeated(*filer);
+    if (!inFile) readColumns(*filer);
     return filer->filerStatus();
 }
 

@@ -131,7 +131,36 @@ Acad::ErrorStatus AcDbText::writeFile(AcDbDwgFiler& filer, sg::model::DwgForm& f
     return filer.writeHardPointerId(style_);
 }
 
+// Before release 2000 everything is there.
+Acad::ErrorStatus AcDbText::readOldFile(AcDbDwgFiler& filer) {
+    double elevation = 0;
+    AcGePoint2d position, alignment;
+    int16_t generation = 0;
+    int16_t horizontal = 0;
+    int16_t vertical = 0;
+    filer.readDouble(&elevation);
+    filer.readPoint2d(&position);
+    filer.readPoint2d(&alignment);
+    filer.readVector3d(&normal_);
+    for (double* const value : {&thickness_, &oblique_, &rotation_, &height_, &widthFactor_})
+        filer.readDouble(value);
+    filer.readString(text_);
+    filer.readInt16(&generation);
+    filer.readInt16(&horizontal);
+    filer.readInt16(&vertical);
+    generation_ = static_cast<uint8_t>(generation);
+    takeHorizontalMode(horizontal);
+    takeVerticalMode(vertical);
+    const AcGeMatrix3d toWorld = AcGeMatrix3d::planeToWorld(normal_);
+    position_ = toWorld * AcGePoint3d(position.x, position.y, elevation);
+    alignmentPoint_ = isDefaultAlignment()
+                          ? AcGePoint3d()
+                          : toWorld * AcGePoint3d(alignment.x, alignment.y, elevation);
+    return filer.readHardPointerId(&style_);
+}
+
 Acad::ErrorStatus AcDbText::readFile(AcDbDwgFiler& filer, sg::model::DwgForm& form) {
+    if (sg::model::isBefore(&filer, AcDb::kDHL_1015)) return readOldFile(filer);
     uint8_t absent = 0;
     filer.readUInt8(&absent);
     const Optional optional(form, filer, absent);

@@ -17,6 +17,7 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbViewport, AcDbEntity, 0, 0, L"VIEWPORT", nullptr)
 namespace {
 
 constexpr int32_t kOff = 0x20000;
+constexpr int16_t kInactive = 0;  // which of the viewports are on is not in DWG files
 
 bool areLayers(const AcDbObjectIdArray& ids) {
     return std::all_of(ids.begin(), ids.end(), [](AcDbObjectId id) {
@@ -208,14 +209,13 @@ void AcDbViewport::visitFields(Visitor&& visit) {
     visit(clipEntity_);
     visit(ucs_);
     visit(baseUcs_);
+    visit(look_.majorGridLines);
+    visit(look_.shadePlot);
+    visitLight(visit);
+    visitLightObjects(visit);
 }
 
 namespace {
-
-// What files from release 2007 on have of a viewport's light.
-constexpr int16_t kMajorGridLines = 5;
-constexpr int16_t kTwoLights = 1;
-constexpr uint16_t kAmbientColor = 250;
 
 // A whole number that files have in one byte.
 struct Byte {
@@ -262,35 +262,24 @@ struct FieldFiller {
     void operator()(AcDbHardOwnershipId& v) const { filer->readHardOwnershipId(&v); }
 };
 
-// The light is read past, and written as it is in a new viewport.
-template <class Visitor>
-void visitLight(Visitor&& visit) {
-    bool hasDefaultLights = true;
-    int16_t lights = kTwoLights;
-    double brightness = 0;
-    double contrast = 0;
-    AcCmColor ambient;
-    ambient.setColorIndex(kAmbientColor);
-    visit(hasDefaultLights);
-    visit(Byte{lights});
-    visit(brightness);
-    visit(contrast);
-    visit(ambient);
-}
-
-// Background, visual style, plotting style and sun.
-template <class Visitor>
-void visitLightObjects(Visitor&& visit) {
-    AcDbSoftPointerId background, shadePlot;
-    AcDbHardPointerId visualStyle;
-    AcDbHardOwnershipId sun;
-    visit(background);
-    visit(visualStyle);
-    visit(shadePlot);
-    visit(sun);
-}
-
 }  // namespace
+
+template <class Visitor>
+void AcDbViewport::visitLight(Visitor&& visit) {
+    visit(look_.hasDefaultLights);
+    visit(Byte{look_.lights});
+    visit(look_.brightness);
+    visit(look_.contrast);
+    visit(look_.ambient);
+}
+
+template <class Visitor>
+void AcDbViewport::visitLightObjects(Visitor&& visit) {
+    visit(look_.background);
+    visit(look_.visualStyle);
+    visit(look_.shadePlotObject);
+    visit(look_.sun);
+}
 
 // The main data of a DWG object.
 template <class Visitor>
@@ -311,8 +300,7 @@ void AcDbViewport::visitFile(Visitor&& visit, AcDbDwgFiler* filer, uint32_t& fro
     visit(snapSpacing_);
     visit(gridSpacing_);
     visit(circleSides_);
-    int16_t majorLines = kMajorGridLines;
-    if (!sg::model::isBefore(filer, AcDb::kDHL_1021)) visit(majorLines);
+    if (!sg::model::isBefore(filer, AcDb::kDHL_1021)) visit(look_.majorGridLines);
     visit(frozen);
     visit(statusFlags_);
     visit(plotStyleSheet_);
@@ -325,8 +313,7 @@ void AcDbViewport::visitFile(Visitor&& visit, AcDbDwgFiler* filer, uint32_t& fro
     visit(ucsYAxis_);
     visit(elevation_);
     visit(ucsOrthographic_);
-    int16_t shadePlot = 0;
-    if (!sg::model::isBefore(filer, AcDb::kDHL_1018)) visit(shadePlot);
+    if (!sg::model::isBefore(filer, AcDb::kDHL_1018)) visit(look_.shadePlot);
     if (!sg::model::isBefore(filer, AcDb::kDHL_1021)) visitLight(visit);
 }
 
@@ -382,7 +369,7 @@ Acad::ErrorStatus AcDbViewport::dwgOutFields(AcDbDwgFiler* filer) const {
     visitHeader(write, filer);
     write(ucs_);
     write(baseUcs_);
-    if (!sg::model::isBefore(filer, AcDb::kDHL_1021)) visitLightObjects(write);
+    if (!sg::model::isBefore(filer, AcDb::kDHL_1021)) self.visitLightObjects(write);
     return filer->filerStatus();
 }
 
@@ -396,6 +383,15 @@ Acad::ErrorStatus AcDbViewport::dwgInFields(AcDbDwgFiler* filer) {
         readFrozen(filer, frozen, frozen_);
         return filer->filerStatus();
     }
+    // Before release 2000 the view is in extended data.
+    if (sg::model::isBefore(filer, AcDb::kDHL_1015)) {
+        AcDbHardPointerId header;
+        fill(center_);
+        fill(width_);
+        fill(height_);
+        return filer->readHardPointerId(&header);
+    }
+    number_ = kInactive;
     visitFile(fill, filer, frozen);
     readFrozen(filer, frozen, frozen_);
     fill(clipEntity_);

@@ -180,6 +180,24 @@ int16_t packed(const AcDbLayerTableRecord& layer) {
     return static_cast<int16_t>(values);
 }
 
+int16_t readPacked(AcDbDwgFiler& filer) {
+    int16_t values = 0;
+    filer.readInt16(&values);
+    return values;
+}
+
+// Before release 2000 the settings are bits of their own, and nothing else is there.
+int16_t readSettings(AcDbDwgFiler& filer) {
+    int values = kPackedPlottable | sg::model::lineWeightCode(AcDb::kLnWtByLwDefault)
+                                        << kWeightShift;
+    for (const Packed setting : {kPackedFrozen, kPackedOff, kPackedFrozenInNew, kPackedLocked}) {
+        bool isSet = false;
+        filer.readBool(&isSet);
+        if (isSet) values |= setting;
+    }
+    return static_cast<int16_t>(values);
+}
+
 }  // namespace
 
 void AcDbLayerTableRecord::takePacked(int16_t values) {
@@ -215,10 +233,9 @@ Acad::ErrorStatus AcDbLayerTableRecord::dwgOutFields(AcDbDwgFiler* filer) const 
 Acad::ErrorStatus AcDbLayerTableRecord::dwgInFields(AcDbDwgFiler* filer) {
     AcDbSymbolTableRecord::dwgInFields(filer);
     const bool inFile = filer->dwgForm() != nullptr;
+    const bool isOld = inFile && sg::model::isBefore(filer, AcDb::kDHL_1015);
     if (inFile) {
-        int16_t values = 0;
-        filer->readInt16(&values);
-        takePacked(values);
+        takePacked(isOld ? readSettings(*filer) : readPacked(*filer));
     } else {
         sg::model::readInt16As(filer, lineWeight_);
         filer->readUInt32(&transparency_);
@@ -226,7 +243,7 @@ Acad::ErrorStatus AcDbLayerTableRecord::dwgInFields(AcDbDwgFiler* filer) {
         filer->readBool(&plottable_);
     }
     sg::model::readColor(filer, color_);
-    filer->readHardPointerId(&plotStyle_);
+    if (!isOld) filer->readHardPointerId(&plotStyle_);
     if (!sg::model::isBefore(filer, AcDb::kDHL_1021)) filer->readHardPointerId(&material_);
     filer->readHardPointerId(&linetype_);
     if (!inFile || sg::model::isBefore(filer, AcDb::kDHL_1027)) return filer->filerStatus();

@@ -184,5 +184,6 @@ Acad::ErrorStatus AcDbArcDimension::dwgInFields(AcDbDwgFiler* filer) {
     filer->readPoint3d(&first);
     filer->readPoint3d(&second);
     put(k16, first);
-    return put(k17, second);
+    put(k17, second);
+    return filer->filerStatus();
 }

@@ -1,0 +1,11 @@
+;; The layers dialog: everything that is edited in it, and what is in the database then.
+(load "helpers/show")
+(load "helpers/standards")
+(make-standards)
+(fill-standards)
+(show '(qn_qn-customizeLayers))
+(show-layers) (show-keys) (show-systems)
+(princ "\n---- again, and cancelled")
+(show '(qn_qn-customizeLayers standards))
+(show-layers) (show-keys) (show-systems)
+(princ)

@@ -1,0 +1,27 @@
+;; The options of layer systems, one dialog a discipline, and the text styles and labels.
+(load "helpers/show")
+(load "helpers/standards")
+(make-standards)
+(fill-standards)
+(defun show-system (id)
+  (rows-of
+    (strcat "select sDescription, bSolid, sPrefix, sSuffix, supplyHatchOn, supplyHatchType, supplyHatchPattern, supplyHatchAngle, supplyHatchScale, returnHatchType, returnHatchPattern, returnHatchAngle, bHatchFlexDucts, dHatchOverhang from tblLayerSystem where ixLayerSystem = "
+            (itoa id))))
+(show '(qn_qn-LayerSystemOptionsHVAC 1))
+(show-system 1)
+(show '(qn_qn-LayerSystemOptionsHVAC standards 99))
+(show '(qn_qn-LayerSystemOptionsElec 2))
+(show-system 2)
+(show '(qn_qn-LayerSystemOptionsElec "Photo" standards 2))
+(show-system 2)
+(show '(qn_qn-LayerSystemOptionsPlumb standards 2))
+(show-system 2)
+(show '(qn_qn-LayerSystemOptionsPlumb))
+(show '(qn_qn-LayerSystemOptionsElec "Photo" standards nil))
+;; A pattern list that is none, and one that fails.
+(defun hvac-getPatList () 'nonsense)
+(show '(qn_qn-LayerSystemOptionsHVAC 1))
+(defun hvac-getPatList () (/ 1 0))
+(show '(qn_qn-LayerSystemOptionsHVAC 1))
+(show-system 1)
+(princ)
