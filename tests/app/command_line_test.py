@@ -278,7 +278,7 @@ class Help(ProgramTest):
     def test_a_function_is_explained(self):
         for name, said in [("car", "car\n\n"), ("caddr", "cdr\n\n"), ("CAR", "car\n\n"), ("host-send", "host-send\n\n"),
                            ("SG_APPEND", "sg_append\n\n"),
-                           ("QN_QN-LINEJIG", "qn_qn-lineJig: not part of this build\n"),
+                           ("QN_QN-SUBMITBUG", "qn_qn-submitBug: not part of this build\n"),
                            ("acdbcurve::getlength", "length of a curve")]:
             with self.subTest(name):
                 code, output, errors = self.run_program("help", name)
