@@ -1,10 +1,11 @@
 ; Equips an office floor: reads its rooms from the drawing, looks up what they need in the project
-; database, places diffusers and luminaires, tags them, and keeps and draws the schedule.
+; database, places diffusers and luminaires, tags them, leads a supply duct to every diffuser, and keeps
+; and draws the schedule.
 ;
 ;   swiftgate run examples/office/office.lsp --drawing floor.dxf --path examples/office
 ;       --save office.dxf -- project.mdb
 
-(foreach part '("rooms" "equipment" "schedule") (load part))
+(foreach part '("rooms" "equipment" "ducts" "schedule") (load part))
 
 (setq project (car (host-arguments)))
 (if (not (and project (findfile project)))
@@ -21,9 +22,10 @@
 
 (make-tag-symbol)
 (setq label-layer (layer-for nil "Label"))
-(foreach room rooms
-  (setq diffusers (equip room))
-  (foreach piece diffusers (tag-equipment piece label-layer)))
+(setq diffusers (apply 'append (mapcar 'equip rooms)))
+(foreach piece diffusers (tag-equipment piece label-layer))
+
+(princ (strcat "\n" (draw-ducts diffusers)))
 
 ; The time of placing is written once, when all is placed.
 (sg_table "tblSchedule" "sTag")

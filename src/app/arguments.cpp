@@ -85,7 +85,7 @@ void addDrawingOptions(CLI::App& command, Narrow& narrow) {
 }
 
 void addDrawingFile(CLI::App& command, Narrow& narrow) {
-    command.add_option("FILE", narrow.drawingFile, "The drawing: a .dxf file")
+    command.add_option("FILE", narrow.drawingFile, "The drawing: a .dwg or .dxf file")
         ->type_name("")
         ->required();
 }
@@ -93,7 +93,9 @@ void addDrawingFile(CLI::App& command, Narrow& narrow) {
 CLI::App* addConvert(CLI::App& app, Narrow& narrow, Arguments& arguments) {
     CLI::App* const command = app.add_subcommand("convert", "Write a drawing as another file");
     addDrawingFile(*command, narrow);
-    command->add_option("OUT", narrow.converted, "The file to write: a .dxf file")
+    command
+        ->add_option("OUT", narrow.converted,
+                     "The file to write: .dwg or .dxf; .step or .stp for its solids")
         ->type_name("")
         ->required();
     command

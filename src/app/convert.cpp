@@ -8,6 +8,7 @@
 #include "host/dxf/flatten.h"
 #include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
+#include "host/exchange/step_file.h"
 #include "host/seam/file_error.h"
 #include "host/system/file_lock.h"
 #include "host/system/paths.h"
@@ -40,13 +41,20 @@ void writeDrawing(Session& session, const AcDbDatabase& database,
 
 // Custom entities are taken apart by their module, which works on open drawings.
 void convertFlat(Session& session, const DrawingArguments& arguments) {
-    session.start();
     AcDbDatabase& database = *session.document().database();
     for (const auto& [name, count] : dxf::flatten(database)) {
         session.complain(
             fmt::format(L"{} {} cannot be taken apart and stay as they are", count, name));
     }
     writeDrawing(session, database, arguments);
+}
+
+void writeSolids(Session& session, const AcDbDatabase& database,
+                 const DrawingArguments& arguments) {
+    const exchange::StepResult written =
+        exchange::writeStepFile(database, resolvePath(absolutePath(arguments.output)).path);
+    for (const auto& [name, count] : written.left)
+        session.complain(fmt::format(L"not in the file: {} {}", count, name));
 }
 
 }  // namespace
@@ -56,14 +64,22 @@ int convert(const Arguments& arguments) {
     return session.conclude([&] {
         try {
             const DrawingArguments& drawing = arguments.drawingFile;
-            dxf::checkCanWrite(drawing.output);
-            if (drawing.isFlat) {
+            const bool isStep = exchange::isStepName(drawing.output);
+            if (!isStep) dxf::checkCanWrite(drawing.output);
+            // Modules bring the classes of custom entities, which no file can change its form
+            // without.
+            session.start();
+            if (drawing.isFlat && !isStep) {
                 convertFlat(session, drawing);
                 return kDone;
             }
             AcDbDatabase database(false, true);
             readDrawing(session, database, drawing.file);
-            writeDrawing(session, database, drawing);
+            if (isStep) {
+                writeSolids(session, database, drawing);
+            } else {
+                writeDrawing(session, database, drawing);
+            }
         } catch (const dxf::Error& error) {
             throw FileError(error.text());
         }

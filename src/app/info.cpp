@@ -51,7 +51,9 @@ void add(std::wstring& text, const wchar_t* title, const std::vector<std::string
 std::wstring shown(const dxf::Summary& summary) {
     std::wstring text =
         fmt::format(L"release {} ({}), {}", fromUtf8(summary.release), fromUtf8(summary.version),
-                    summary.isBinary ? L"binary" : L"text");
+                    summary.isDwg      ? L"DWG"
+                    : summary.isBinary ? L"binary"
+                                       : L"text");
     text += summary.codePage.empty() ? L"\n" : L", " + fromUtf8(summary.codePage) + L"\n";
     if (summary.extents.isEmpty()) {
         text += L"extents none\n";
@@ -66,6 +68,7 @@ std::wstring shown(const dxf::Summary& summary) {
     add(text, L"blocks", summary.blocks);
     add(text, L"entities", summary.entities);
     add(text, L"kept unread: entities", summary.unreadEntities);
+    add(text, L"not drawn: entities", summary.invisibleEntities);
     add(text, L"kept unread: objects", summary.unreadObjects);
     add(text, L"kept unread: tables", summary.unreadTables);
     add(text, L"kept unread: sections", summary.unreadSections);

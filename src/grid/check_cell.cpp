@@ -37,6 +37,13 @@ void CGridCheckCell::DrawContents(CellCanvas& canvas) {
     option.rect = centred(size, canvas.rect);
     GetGrid()->style()->drawPrimitive(QStyle::PE_IndicatorCheckBox, &option, &canvas.painter,
                                       GetGrid());
+    // The style's own frame is made for the ground of a dialog, and is lost on dark cells.
+    constexpr int kFrameAlpha = 110;
+    QColor frame = canvas.textColour;
+    frame.setAlpha(kFrameAlpha);
+    canvas.painter.setPen(frame);
+    canvas.painter.setBrush(Qt::NoBrush);
+    canvas.painter.drawRect(option.rect.adjusted(0, 0, -1, -1));
 }
 
 bool CGridCheckCell::Edit(int row, int col, const QRect&, QPoint, int, uint32_t character) {

@@ -66,6 +66,7 @@ class Files(ProgramTest):
         self.write("bad.script", "text one\nnonsense here\n")
         self.write("rubbish.dxf", "no drawing at all")
         self.write("rubbish.dwg", "AC1032\0\0\0")
+        self.write("old.dwg", "AC1009\0" + "\0" * 500)
         self.write("plan.dxf", EMPTY_DRAWING)
         os.mkdir(self.path("folder.lsp"))
         for words, said in [
@@ -77,12 +78,14 @@ class Files(ProgramTest):
             (["run", "good.lsp", "--input", "bad.script"], "bad.script:2: "),
             (["repl", "--drawing", "none.dwg"], self.path("none.dwg")),
             (["run", "good.lsp", "--save", "none/out.dxf"], "none/out.dxf"),
-            (["run", "good.lsp", "--save", "out.dwg"], "out.dwg: drawings are written as .dxf only"),
+            (["run", "good.lsp", "--save", "out.dwt"], "out.dwt: drawings are written as .dwg and .dxf"),
+            (["run", "good.lsp", "--save", "none/out.dwg"], "none/out.dwg"),
             (["run", "good.lsp", "--drawing", "rubbish.dxf"], "rubbish.dxf: this is no drawing file"),
-            (["run", "good.lsp", "--drawing", "rubbish.dwg"], "rubbish.dwg: this is a DWG file"),
+            (["run", "good.lsp", "--drawing", "rubbish.dwg"], "rubbish.dwg: the drawing file ends in its first bytes"),
             (["info", "none.dxf"], "no such drawing: " + self.path("none.dxf")),
             (["info", "rubbish.dxf"], "rubbish.dxf: this is no drawing file"),
-            (["convert", "plan.dxf", "plan.dwg"], "plan.dwg: drawings are written as .dxf only"),
+            (["info", "old.dwg"], "old.dwg: drawing files of the version AC1009 are not read"),
+            (["convert", "plan.dxf", "plan"], "plan: drawings are written as .dwg and .dxf; the name has"),
             (["convert", "plan.dxf", "none/plan.dxf"], "none/plan.dxf"),
         ]:
             with self.subTest(words=words):
@@ -127,6 +130,20 @@ class Files(ProgramTest):
         code, told, _ = self.run_program("info", "out.dxf")
         self.assertEqual((code, told.splitlines()[0]), (0, "release 2000 (AC1015), text, ANSI_1252"))
 
+    def test_a_dwg_file_is_known_by_its_content(self):
+        program = "(entmake '((0 . \"LINE\") (8 . \"Ducts\") (10 0 0 0) (11 3 4 0)))"
+        self.assertEqual(
+            self.run_program("run", "--eval", program, "--save", "plan.dwg"), (0, "", ""))
+        os.rename(self.path("plan.dwg"), self.path("plan.dxf"))
+        count = "(princ (sslength (ssget \"_X\")))"
+        self.assertEqual(
+            self.run_program("run", "--drawing", "plan.dxf", "--eval", count, "--save", "next.dwg"),
+            (0, "1", ""))
+        self.assertEqual(
+            self.run_program("run", "--drawing", "next.dwg", "--eval", count, "--save", "next.dwg"),
+            (0, "1", ""))
+        self.assertTrue(os.path.exists(self.path("next.bak")))
+
     def test_drawings_are_converted(self):
         program = "(entmake '((0 . \"LINE\") (8 . \"Ducts\") (10 0 0 0) (11 3 4 0)))"
         self.assertEqual(
@@ -136,6 +153,10 @@ class Files(ProgramTest):
             (["plan.dxf", "out.dxf", "--release", "2000"], "release 2000 (AC1015), text, ANSI_1252"),
             (["out.dxf", "out.dxf", "--binary"], "release 2000 (AC1015), binary, ANSI_1252"),
             (["out.dxf", "again.dxf", "--flatten"], "release 2000 (AC1015), text, ANSI_1252"),
+            (["plan.dxf", "new.dwg"], "release 2018 (AC1032), DWG, ANSI_1252"),
+            (["new.dwg", "old.dwg", "--release", "2000"], "release 2000 (AC1015), DWG, ANSI_1252"),
+            (["old.dwg", "old.dwg"], "release 2000 (AC1015), DWG, ANSI_1252"),
+            (["old.dwg", "back.dxf"], "release 2000 (AC1015), text, ANSI_1252"),
         ]:
             with self.subTest(words=words):
                 self.assertEqual(self.run_program("convert", *words)[:2], (0, ""))

@@ -1,5 +1,6 @@
 ;; The module's walks over model space, its groups, and its selections at their edges.
 (load "helpers/show")
+(setvar "CMDECHO" 0)
 (defun which (names) (mapcar '(lambda (e) (cdr (assoc 0 (entget e)))) names))
 (show '(list (ssgetX-all) (ssgetX-block) (ssgetX-block "door") (ssgetX-circle) (ssgetX-polyline)))
 (command-s "_.LINE" '(0 0) '(1 1) "" "_.BLOCK" "DOOR" '(0 0) "_L" "")
@@ -41,6 +42,6 @@
 (show '(eq g (qn_qn-GetGroup "DUCTS" nil T)))
 (show '(cdr (assoc 71 (entget g))))
 (show '(list (qn_qn-setGroupSelectable "ducts" T) (cdr (assoc 71 (entget g)))))
-(show '(list (qn_qn-setGroupSelectable "none" T) (qn_qn-GetGroup "none" nil T) (qn_qn-GetGroup "none")))
+(show '(list (qn_qn-setGroupSelectable "none" T) (qn_qn-GetGroup "none" nil T)))
 (show '(qn_qn-GetGroup 5))
 (princ)

@@ -1,5 +1,6 @@
 ;; Every way to select, on a small drawing; what is asked is answered by a script.
 (load "helpers/show")
+(setvar "CMDECHO" 0)
 (regapp "QN")
 (foreach each '(("Off" -7 0) ("Frozen" 7 1) ("Locked" 7 4))
   (entmake (list '(0 . "LAYER") '(100 . "AcDbSymbolTableRecord") '(100 . "AcDbLayerTableRecord")
@@ -60,9 +61,15 @@
 (sel '(((0 . "CIRCLE"))))
 (sel nil)
 (sel nil)
+;; What is selected before anything asks.
+(show '(cadr (sssetfirst nil nil)))
+(sssetfirst nil (ssadd e (ssadd a)))
+(sel '("_I"))
+(sel nil)
+(sel '("_I"))
 ;; How they were found.
 (defun shown (list) (subst 'a a (subst 'e e list)))
-(show '(mapcar 'shown (ssnamex (ssget "_C" '(-1 4) '(26 6)))))
+(show '(mapcar 'shown (ssnamex (ssget "_C" '(-1 4) '(26 6) '((8 . "0"))))))
 (show '(mapcar 'shown (ssnamex (ssget "_X" '((0 . "CIRCLE"))))))
 (show '(mapcar 'shown (ssnamex (ssget '(0 4)))))
 (show '(mapcar 'shown (ssnamex (ssget "_F" '((-1 5) (4 5))) 0)))
@@ -73,9 +80,9 @@
 (sel '("_W" (-5.1 -5.1) (4.9 5.1)))
 (sel '("_C" (-1 29) (1 31)))
 (sel '((5 0)))
-(show '(osnap '(4.9 0.01) "_qua"))
+(show '(osnap '(4.99 0.01) "_qua"))
 (show '(cadr (entsel)))
-(show '(cadar (cddddr (car (ssnamex (ssget '(5 0)))))))
+(show '(cadr (cadddr (car (ssnamex (ssget '(5 0)))))))
 (command-s "_.UCS" "_W")
 ;; Inside a block.
 (command-s "_.BLOCK" "in" '(0 0) a "")

@@ -221,9 +221,6 @@ void ObjectReader::readColor(Common& common, Flags& flags) {
     }
     constexpr uint16_t kHasTransparency = 0x2000, kHasHandle = 0x4000, kHasValue = 0x8000;
     constexpr uint16_t kIndex = 0x1FF;
-    if ((word & kHasTransparency) != 0) {
-        entity.transparency = static_cast<uint32_t>(data.bitLong());
-    }
     flags.hasColorHandle = (word & kHasHandle) != 0;
     if (!flags.hasColorHandle && (word & kHasValue) != 0) {
         const auto value = static_cast<uint32_t>(data.bitLong());
@@ -231,6 +228,9 @@ void ObjectReader::readColor(Common& common, Flags& flags) {
                             static_cast<uint8_t>(value));
     } else {
         entity.color.setColorIndex(word & kIndex);
+    }
+    if ((word & kHasTransparency) != 0) {
+        entity.transparency = static_cast<uint32_t>(data.bitLong());
     }
 }
 

@@ -4,12 +4,15 @@
 
 #include "host/dxf/releases.h"
 #include "host/model/core/block_contents.h"
+#include "host/model/core/block_extents.h"
 #include "host/model/core/database_state.h"
 #include "host/model/core/file_origin.h"
+#include "host/model/core/measuring_draw.h"
 #include "host/model/core/object_access.h"
 #include "host/model/core/proxies.h"
 #include "host/model/core/symbol_records.h"
 #include "host/model/tables/layout.h"
+#include "host/render/kept_graphics.h"
 
 namespace sg::dxf {
 namespace {
@@ -27,6 +30,7 @@ class Surveyor {
         takeLayers();
         takeBlocks();
         takeObjects();
+        summary_.extents = model::extentsOfBlock(roots_.modelSpace);
         return std::move(summary_);
     }
 
@@ -41,6 +45,7 @@ class Surveyor {
         summary_.version = origin->version.empty() ? summary_.version : origin->version;
         summary_.codePage = origin->codePage;
         summary_.isBinary = origin->isBinary;
+        summary_.isDwg = origin->dwg != nullptr;
         for (const auto& table : origin->tables) {
             if (!table.groups.empty()) summary_.unreadTables.push_back(table.name);
         }
@@ -68,7 +73,7 @@ class Surveyor {
                 const auto* const entity = peek<AcDbEntity>(entityId);
                 if (entity == nullptr || entity->isErased()) continue;
                 ++count;
-                takeEntity(*entity, id == roots_.modelSpace);
+                takeEntity(*entity);
             }
             const auto* const layout = peek<AcDbLayout>(block->getLayoutId());
             if (layout != nullptr) {
@@ -79,17 +84,16 @@ class Surveyor {
         }
     }
 
-    void takeEntity(const AcDbEntity& entity, bool isMeasured) {
+    void takeEntity(const AcDbEntity& entity) {
         const std::wstring name = model::dxfNameOf(entity);
         ++summary_.entities[name];
-        if (model::proxyData(entity) != nullptr) ++summary_.unreadEntities[name];
         const auto layer = layers_.find(entity.layerId());
         if (layer != layers_.end()) ++summary_.layers[layer->second].entities;
-        if (!isMeasured) return;
+        if (model::proxyData(entity) == nullptr) return;
+        ++summary_.unreadEntities[name];
+        model::MeasuringDraw draw;
         const model::Unguarded guard(entity);
-        AcDbExtents extents;
-        if (entity.getGeomExtents(extents) != Acad::eOk) return;
-        summary_.extents.addExt(extents);
+        if (!render::drawKeptGraphics(draw, entity)) ++summary_.invisibleEntities[name];
     }
 
     void takeObjects() {

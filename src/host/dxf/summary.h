@@ -15,6 +15,7 @@ struct Summary {
     std::string version, release;  // of its file, such as AC1015 and 2000
     std::string codePage;
     bool isBinary = false;
+    bool isDwg = false;
 
     AcDbExtents extents;  // of model space; empty where nothing has any
 
@@ -33,6 +34,8 @@ struct Summary {
 
     // What is kept without being understood, by names in files.
     std::map<std::wstring, size_t> unreadEntities, unreadObjects;
+    // Of these, what has nothing by which it could be drawn.
+    std::map<std::wstring, size_t> invisibleEntities;
     std::vector<std::string> unreadTables, unreadSections;
 };
 

@@ -6,6 +6,7 @@
 
 #include "host/editor/commands/active_command.h"
 #include "host/editor/drawing_variables.h"
+#include "host/editor/header_upkeep.h"
 #include "host/editor/program_drawing.h"
 #include "host/editor/selection/drawing_selection.h"
 #include "host/editor/system_variables.h"
@@ -66,9 +67,11 @@ Document::Document(std::wstring fileName, std::unique_ptr<AcDbDatabase> database
       systemVariables_(std::make_unique<SystemVariables>(std::move(application))),
       programs_(std::make_unique<ProgramDrawing>(*database_)),
       selection_(std::make_unique<DrawingSelection>(*database_)),
+      headerUpkeep_(std::make_unique<HeaderUpkeep>(*database_)),
       undo_(std::make_unique<UndoHistory>(*database_)) {
     SystemVariables& variables = *systemVariables_;
     joinDrawingVariables(variables, *database_);
+    headerUpkeep_->join(variables);
     joinUndo(variables, *undo_);
     joinView(variables, *database_);
     variables.setProvider(L"DWGNAME", [this] { return SystemVariableValue(title_); });

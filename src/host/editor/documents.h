@@ -20,6 +20,7 @@ struct Namespace;
 }  // namespace lisp
 class ActiveCommand;
 class DrawingSelection;
+class HeaderUpkeep;
 struct ProgramDrawing;
 class SystemVariables;
 class UndoHistory;
@@ -54,6 +55,7 @@ class SG_API Document final : public AcApDocument {
     SystemVariables& systemVariables() { return *systemVariables_; }
     ProgramDrawing& programs() { return *programs_; }
     DrawingSelection& selection() { return *selection_; }
+    HeaderUpkeep& headerUpkeep() { return *headerUpkeep_; }
     UndoHistory& undo() { return *undo_; }
 
     void lock(AcAp::DocLockMode mode) { locks_.push_back(mode); }
@@ -85,6 +87,7 @@ class SG_API Document final : public AcApDocument {
     std::unique_ptr<SystemVariables> systemVariables_;
     std::unique_ptr<ProgramDrawing> programs_;
     std::unique_ptr<DrawingSelection> selection_;
+    std::unique_ptr<HeaderUpkeep> headerUpkeep_;
     std::unique_ptr<UndoHistory> undo_;
     std::vector<AcAp::DocLockMode> locks_;
     int running_ = 0;

@@ -143,6 +143,7 @@ Answer<std::wstring> ScriptInput::file(const FileRequest& request) {
     }
     const bool isFolder = request.kind == FileRequest::Kind::folder;
     reportMismatch(*item, (isFolder ? L"a folder (\"" : L"a file (\"") + request.title + L"\")");
+    report(fileReport(request, L"Cancel"));
     return Answer<std::wstring>::cancel();
 }
 

@@ -4,6 +4,7 @@
 #include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
 #include "host/editor/editor.h"
+#include "host/editor/header_upkeep.h"
 #include "host/rx/exception_text.h"
 #include "host/rx/module_loader.h"
 #include "host/seam/file_error.h"
@@ -108,6 +109,7 @@ void Host::saveDrawing(Document& document, const std::wstring& path,
     });
     dxf::WriteOptions reporting = options;
     reporting.report = [this](const std::wstring& text) { output_->reportError(text); };
+    document.headerUpkeep().stamp();
     withFileErrors([&] { dxf::writeFile(*document.database(), target, reporting); });
     if (!isOwn) document.setFile(target, std::move(lock));
     notifyReactors(*this, [&](AcEditorReactor& reactor) {

@@ -1,6 +1,7 @@
 #include "platform/ui/adui_dialog.h"
 
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QLayout>
 #include <QResizeEvent>
 #include <QScreen>
@@ -11,6 +12,7 @@
 
 #include "host/seam/host.h"
 #include "host/system/registry.h"
+#include "platform/win/shell.h"
 
 using namespace sg;
 
@@ -58,7 +60,8 @@ void CAdUiDialog::FreezeLayout() {
     layout()->activate();
     laidOut_ = layout()->sizeHint().expandedTo(layout()->minimumSize());
     resize(laidOut_);
-    layout()->activate();
+    // A layout follows its dialog's size when that is seen, which is too late here.
+    layout()->setGeometry({{}, laidOut_});
     layout()->setEnabled(false);
     setMinimumSize(laidOut_);
     setSizeGripEnabled(true);
@@ -88,6 +91,14 @@ void CAdUiDialog::ApplyRules() {
 void CAdUiDialog::resizeEvent(QResizeEvent* event) {
     CDialog::resizeEvent(event);
     ApplyRules();
+}
+
+void CAdUiDialog::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_F1 && !name_.empty()) {
+        HtmlHelpW(nullptr, name_.c_str(), HH_DISPLAY_TOC, 0);
+        return;
+    }
+    CDialog::keyPressEvent(event);
 }
 
 void CAdUiDialog::OnPlace() {

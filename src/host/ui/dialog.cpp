@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QEventLoop>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
@@ -28,8 +29,11 @@ QWidget* prepared(QWidget* parent) {
     return parent;
 }
 
-QString toQString(const std::wstring& text) {
-    return QString::fromStdWString(text);
+// What stands in a dialog, or in a frame there, and is no part of another control.
+bool isControlOf(const QDialog& dialog, const QWidget& widget) {
+    const QWidget* parent = widget.parentWidget();
+    if (qobject_cast<const QGroupBox*>(parent) != nullptr) parent = parent->parentWidget();
+    return parent == &dialog;
 }
 
 QMessageBox::Icon iconOf(unsigned flags) {
@@ -197,7 +201,7 @@ template <class Take>
 void CDialog::EachControl(const Take& take) {
     for (QWidget* widget = nextInFocusChain(); widget != nullptr && widget != this;
          widget = widget->nextInFocusChain()) {
-        if (widget->parentWidget() != this) continue;
+        if (!isControlOf(*this, *widget)) continue;
         if (ui::ScriptedControl* const script = ScriptOf(*widget)) take(*widget, *script);
     }
 }
@@ -246,7 +250,7 @@ void CDialog::Settle() {
 
 bool CDialog::SavePicture(const std::wstring& path) {
     Settle();
-    return grab().save(toQString(path));
+    return grab().save(ui::toQString(path));
 }
 
 bool CDialog::HasDisplay() const {
@@ -263,7 +267,8 @@ void CDialog::WaitForPerson() {
 }
 
 int CDialog::ShowBox(const std::wstring& title, const std::wstring& text, unsigned flags) {
-    QMessageBox box(iconOf(flags), toQString(title), toQString(text), QMessageBox::NoButton, this);
+    QMessageBox box(iconOf(flags), ui::toQString(title), ui::toQString(text), QMessageBox::NoButton,
+                    this);
     box.setTextFormat(Qt::PlainText);
     return ui::runBox(box, flags);
 }

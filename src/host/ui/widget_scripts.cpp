@@ -18,10 +18,6 @@
 namespace sg::ui {
 namespace {
 
-QString toQString(const std::wstring& text) {
-    return QString::fromStdWString(text);
-}
-
 // "&&" is one "&" that is shown.
 std::wstring withoutMnemonic(const QString& text) {
     std::wstring plain;

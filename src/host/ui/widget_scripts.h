@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QWidget>
 
 #include <memory>
@@ -11,6 +12,10 @@ class QMessageBox;
 
 // The toolkit's own widgets as scripts see them.
 namespace sg::ui {
+
+inline QString toQString(const std::wstring& text) {
+    return QString::fromStdWString(text);
+}
 
 class WidgetScript : public ScriptedControl {
   public:

@@ -24,7 +24,7 @@ class SG_API CAdUiDialog : public CDialog {
 
     // Under this name the dialog's position and size are kept, from one time that it is shown to
     // the next, in the key "Software\Swift Gate\Dialogs" of the user's registry. It is the name of
-    // its help topic, too.
+    // its help topic, too, which F1 shows.
     void SetDialogName(const std::wstring& name) { name_ = name; }
     const std::wstring& DialogName() const { return name_; }
 
@@ -37,6 +37,7 @@ class SG_API CAdUiDialog : public CDialog {
     void OnShown() override;
     void OnClosed() override;
     void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     struct Placed {

@@ -62,16 +62,6 @@ void CAcadLinetypeDialog::Fill() {
     }
 }
 
-void CAcadLinetypeDialog::OnPlace() {
-    CAcUiDialog::OnPlace();
-    grid_->ExpandToFit();
-}
-
-void CAcadLinetypeDialog::resizeEvent(QResizeEvent* event) {
-    CAcUiDialog::resizeEvent(event);
-    grid_->ExpandToFit();
-}
-
 void CAcadLinetypeDialog::OnDoubleClick(grid::CGridCtrl&, grid::CCellID cell) {
     if (cell.row > 0) OnOK();
 }

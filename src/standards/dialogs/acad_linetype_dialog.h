@@ -18,9 +18,7 @@ class CAcadLinetypeDialog final : public CAcUiDialog, private grid::GridListener
 
   protected:
     bool OnInitDialog() override;
-    void OnPlace() override;
     void OnOK() override;
-    void resizeEvent(QResizeEvent* event) override;
 
   private:
     void Fill();

@@ -5,8 +5,13 @@
 
 namespace sg {
 
+void FilledGrid::resizeEvent(QResizeEvent* event) {
+    CGridCtrl::resizeEvent(event);
+    ExpandToFit();
+}
+
 grid::CGridCtrl* newDialogGrid(CDialog& dialog, int characters, int rows, int id) {
-    auto* const made = new grid::CGridCtrl(&dialog);
+    auto* const made = new FilledGrid(&dialog);
     CDialog::SetControlId(*made, id);
     const QFontMetrics metrics = made->fontMetrics();
     constexpr int kRowEdges = 4;

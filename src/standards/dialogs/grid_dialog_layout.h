@@ -8,6 +8,15 @@
 // Dialogs of one grid with buttons below it.
 namespace sg {
 
+// A grid whose columns fill its width.
+class FilledGrid final : public grid::CGridCtrl {
+  public:
+    using CGridCtrl::CGridCtrl;
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+};
+
 inline constexpr int kDialogGrid = 1048;  // the grid's id
 
 // Room for so many average characters and rows.

@@ -106,16 +106,6 @@ void LabelOrderCustomization::RemoveHidden() {
     }
 }
 
-void LabelOrderCustomization::OnPlace() {
-    CAcUiDialog::OnPlace();
-    grid_->ExpandToFit();
-}
-
-void LabelOrderCustomization::resizeEvent(QResizeEvent* event) {
-    CAcUiDialog::resizeEvent(event);
-    grid_->ExpandToFit();
-}
-
 // ---- Editing
 // -------------------------------------------------------------------------------------
 

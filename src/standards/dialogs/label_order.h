@@ -20,9 +20,7 @@ class LabelOrderCustomization final : public CAcUiDialog, private grid::GridList
 
   protected:
     bool OnInitDialog() override;
-    void OnPlace() override;
     void OnOK() override;
-    void resizeEvent(QResizeEvent* event) override;
 
   private:
     bool ShowsWidth() const { return !request_.option.empty(); }

@@ -28,9 +28,7 @@ class CLayerCustomization final : public CAcUiDialog, private grid::GridListener
 
   protected:
     bool OnInitDialog() override;
-    void OnPlace() override;
     void OnOK() override;
-    void resizeEvent(QResizeEvent* event) override;
 
   private:
     void MakeControls();

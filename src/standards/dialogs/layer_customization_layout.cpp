@@ -113,16 +113,4 @@ void CLayerCustomization::SetRules() {
     });
 }
 
-void CLayerCustomization::OnPlace() {
-    CAcUiDialog::OnPlace();
-    for (grid::CGridCtrl* const each : {systemsGrid_, keysGrid_, layersGrid_})
-        each->ExpandToFit();
-}
-
-void CLayerCustomization::resizeEvent(QResizeEvent* event) {
-    CAcUiDialog::resizeEvent(event);
-    for (grid::CGridCtrl* const each : {systemsGrid_, keysGrid_, layersGrid_})
-        each->ExpandToFit();
-}
-
 }  // namespace sg

@@ -12,7 +12,7 @@
 namespace sg {
 namespace {
 
-constexpr const wchar_t* kNameLabel = L"Layer &System:";
+constexpr const wchar_t* kNameLabel = L"Layer System:";
 
 // The buttons, which are made in this order.
 QHBoxLayout* buttonRow(std::initializer_list<QPushButton*> buttons) {
@@ -85,7 +85,7 @@ CLayerSystemOptionsElec::CLayerSystemOptionsElec(QWidget* parent, bool showSolid
     : CDialog(parent), showSolid_(showSolid) {
     setWindowTitle(QStringLiteral("Layer System Options"));
     name_ = NewEdit(LayerSystemName::kNameEdit);
-    solid_ = NewCheckBox(LayerSystemName::kSolidBox, L"Conduits and Cable &Trays are solid");
+    solid_ = NewCheckBox(LayerSystemName::kSolidBox, L"Conduits and Cable Trays are solid");
     auto* const all = new QVBoxLayout(this);
     all->addLayout(nameRow(NewLabel(kNameLabel, name_), name_));
     all->addWidget(solid_);

@@ -82,9 +82,7 @@ class CLayerSystemOptionsHVAC final : public CAcUiDialog, private grid::GridList
 
   protected:
     bool OnInitDialog() override;
-    void OnPlace() override;
     void OnOK() override;
-    void resizeEvent(QResizeEvent* event) override;
 
   private:
     void MakeControls();

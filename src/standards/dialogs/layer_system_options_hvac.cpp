@@ -90,11 +90,11 @@ CLayerSystemOptionsHVAC::CLayerSystemOptionsHVAC(QWidget* parent) : CAcUiDialog(
 // In the order of tabbing.
 void CLayerSystemOptionsHVAC::MakeControls() {
     name_ = NewEdit(LayerSystemName::kNameEdit);
-    solid_ = NewCheckBox(LayerSystemName::kSolidBox, L"&Ducts are solid");
+    solid_ = NewCheckBox(LayerSystemName::kSolidBox, L"Ducts are solid");
     prefix_ = NewEdit(kPrefix);
     suffix_ = NewEdit(kSuffix);
     grid_ = newDialogGrid(*this, 84, 7, kHatches);
-    flex_ = NewCheckBox(kFlex, L"Hatch &Flex Ductwork");
+    flex_ = NewCheckBox(kFlex, L"Hatch Flex Ductwork");
     overhang_ = NewEdit(kOverhang);
     NewOkButton();
     NewCancelButton();
@@ -102,15 +102,15 @@ void CLayerSystemOptionsHVAC::MakeControls() {
 
 void CLayerSystemOptionsHVAC::LayOut() {
     auto* const top = new QGridLayout;
-    top->addWidget(NewLabel(L"Layer &System:", name_), 0, 0);
+    top->addWidget(NewLabel(L"Layer System:", name_), 0, 0);
     top->addWidget(name_, 0, 1, 1, 3);
     top->addWidget(solid_, 1, 1, 1, 3);
-    top->addWidget(NewLabel(L"Label &Prefix:", prefix_), 2, 0);
+    top->addWidget(NewLabel(L"Label Prefix:", prefix_), 2, 0);
     top->addWidget(prefix_, 2, 1);
-    top->addWidget(NewLabel(L"Label Suffi&x:", suffix_), 2, 2);
+    top->addWidget(NewLabel(L"Label Suffix:", suffix_), 2, 2);
     top->addWidget(suffix_, 2, 3);
 
-    QLabel* const overhangLabel = NewLabel(L"Hatch O&verhang:", overhang_);
+    QLabel* const overhangLabel = NewLabel(L"Hatch Overhang:", overhang_);
     SetControlId(*overhangLabel, kOverhangLabel);
     auto* const bottom = new QHBoxLayout;
     bottom->addWidget(flex_);
@@ -127,7 +127,7 @@ void CLayerSystemOptionsHVAC::LayOut() {
 
     auto* const all = new QVBoxLayout(this);
     all->addLayout(top);
-    all->addWidget(NewLabel(L"&Hatch Settings:", grid_));
+    all->addWidget(NewLabel(L"Hatch Settings:", grid_));
     all->addWidget(grid_, 1);
     all->addLayout(bottom);
     all->addLayout(buttons);
@@ -221,16 +221,6 @@ void CLayerSystemOptionsHVAC::OnOK() {
         record.save();
     }
     CAcUiDialog::OnOK();
-}
-
-void CLayerSystemOptionsHVAC::OnPlace() {
-    CAcUiDialog::OnPlace();
-    grid_->ExpandToFit();
-}
-
-void CLayerSystemOptionsHVAC::resizeEvent(QResizeEvent* event) {
-    CAcUiDialog::resizeEvent(event);
-    grid_->ExpandToFit();
 }
 
 }  // namespace sg

@@ -80,16 +80,6 @@ void CTextStyleCustomization::Fill() {
     }
 }
 
-void CTextStyleCustomization::OnPlace() {
-    CAcUiDialog::OnPlace();
-    grid_->ExpandToFit();
-}
-
-void CTextStyleCustomization::resizeEvent(QResizeEvent* event) {
-    CAcUiDialog::resizeEvent(event);
-    grid_->ExpandToFit();
-}
-
 // An editor stands where its cell is seen.
 void CTextStyleCustomization::OnShown() {
     CAcUiDialog::OnShown();

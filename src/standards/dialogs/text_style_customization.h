@@ -18,10 +18,8 @@ class CTextStyleCustomization final : public CAcUiDialog {
 
   protected:
     bool OnInitDialog() override;
-    void OnPlace() override;
     void OnShown() override;
     void OnOK() override;
-    void resizeEvent(QResizeEvent* event) override;
 
   private:
     void Fill();

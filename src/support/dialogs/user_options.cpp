@@ -77,6 +77,15 @@ int CUserOptions::InsertRow(uint8_t level) {
     return grid_->GetTreeColumn().InsertTreeBranch({&level, 1});
 }
 
+// A new row looks as the one above it, which may be a heading.
+void CUserOptions::SetPlain(int row) {
+    for (const int column : {kName, kValue}) {
+        grid_->GetCell(row, column)->SetFont(nullptr);
+        grid_->SetItemFgColour(row, column, grid::kDefaultColour);
+        grid_->SetItemBkColour(row, column, grid::kDefaultColour);
+    }
+}
+
 // A heading over name and value.
 void CUserOptions::AddGroup(const wchar_t* text) {
     const int row = InsertRow(1);
@@ -95,6 +104,7 @@ void CUserOptions::AddGroup(const wchar_t* text) {
 
 void CUserOptions::AddSetting(const OptionRow& setting) {
     const int row = InsertRow(2);
+    SetPlain(row);
     const bool isSwitch = setting.kind == OptionRow::Kind::yesNo;
     grid_->SetItemTextByName(row, L"Name", setting.text);
     grid_->SetItemTextByName(row, L"sSubKey", setting.section);

@@ -28,6 +28,7 @@ class CUserOptions final : public CAcUiDialog, private grid::GridListener {
     void AddGroup(const wchar_t* text);
     void AddSetting(const OptionRow& setting);
     int InsertRow(uint8_t level);
+    void SetPlain(int row);
     void LoadValues();
     void SaveValues();
 

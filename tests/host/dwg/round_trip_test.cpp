@@ -36,7 +36,7 @@ constexpr const char* kEntities =
     "0\nPOLYLINE\n8\n0\n66\n1\n70\n1\n10\n0\n20\n0\n30\n0\n"
     "0\nVERTEX\n8\n0\n10\n0\n20\n0\n30\n0\n42\n0.5\n0\nVERTEX\n8\n0\n10\n5\n20\n0\n30\n0\n"
     "0\nVERTEX\n8\n0\n10\n5\n20\n5\n30\n0\n0\nSEQEND\n8\n0\n"
-    "0\nARC\n8\nDoors\n420\n1193046\n10\n1\n20\n2\n30\n0\n40\n7."
+    "0\nARC\n8\nDoors\n420\n1193046\n440\n33554661\n10\n1\n20\n2\n30\n0\n40\n7."
     "5\n50\n30\n51\n120\n210\n0\n220\n1\n230\n0\n"
     "0\nPOINT\n8\n0\n10\n1\n20\n2\n30\n0\n39\n4\n";
 

@@ -170,13 +170,21 @@ const std::set<std::string> kKept = {
 TEST_F(TwinsTest, DrawingsAgreeWithTheirTwins) {
     const struct {
         const char* name;
-        int objects;                  // at least so many are compared
-        std::set<std::string> apart;  // what differs, and why is told below
+        int objects;                    // at least so many are compared
+        std::set<std::string> apart;    // what differs, and why is told below
+        std::set<std::string> without;  // more classes without a description
     } cases[] = {
-        // A spline by its fit points has the tangents at its ends found otherwise; the linetypes of
-        // multiple lines are named in another case; values that are nearly 0.
-        {"example_2000", 400, {"SPLINE 10", "SPLINE 40", "MLINESTYLE 6"}},
-        {"sample_2018", 80, {"TABLESTYLE 3"}},
+        // A spline by its fit points has the tangents at its ends found otherwise. Bodies have the
+        // time at which they were written; the window was another then, which viewports show; and
+        // boundaries of wipeouts are closed in one of the files alone. Linetypes of multiple lines
+        // are named in another case, and a setting of visual styles came later than the release.
+        {"example_2000",
+         350,
+         {"SPLINE 10", "SPLINE 40", "3DSOLID 1", "REGION 1", "VIEWPORT 68", "VPORT 12", "VPORT 40",
+          "VPORT 41", "WIPEOUT 14", "WIPEOUT 91", "MLINESTYLE 6", "VISUALSTYLE 45"},
+         {}},
+        // The version of a visual style goes with the form of the file.
+        {"sample_2018", 70, {"VISUALSTYLE 177"}, {"TABLESTYLE"}},
     };
     std::set<std::string> others = kMadeAnew;
     others.insert(kKept.begin(), kKept.end());
@@ -191,6 +199,7 @@ TEST_F(TwinsTest, DrawingsAgreeWithTheirTwins) {
         dwg::read(drawing, content, L"drawing.dwg");
         dxf::read(other, twin, L"twin.dxf");
         Twins twins(drawing, other);
+        others.insert(each.without.begin(), each.without.end());
         for (const auto& [what, difference] : twins.compare(others)) {
             if (each.apart.contains(what)) continue;
             ADD_FAILURE() << what << ", " << difference.count << " times, such as "

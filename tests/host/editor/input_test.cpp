@@ -65,6 +65,8 @@ TEST_F(ScriptInputTest, KindsAndOperands) {
         {L"file C:\\My Files\\a #1.dwg", Kind::file, L"C:\\My Files\\a #1.dwg"},
         {L"file CANCEL", Kind::file, L""},
         {L"press Add row", Kind::dialog, L"Add row"},
+        {L"show # comment", Kind::dialog, L""},
+        {L"dblclick 2 3 4", Kind::dialog, L"2 3 4"},
         {L"cell 2 3 = a # b", Kind::dialog, L"2 3 = a # b"},
         {L"ok", Kind::dialog, L""},
     };
@@ -157,10 +159,13 @@ TEST_F(ScriptInputTest, AWrongLineIsReportedAndAnswersAsEsc) {
         reports_,
         ElementsAre("in.txt:1: the program asked for text (\"Name:\"); the script has \"box yes\", "
                     "which answers as Esc",
+                    "message box \"Title\": Sure? [answered: No]",
                     "in.txt:4: the program asked for an answer to the message box \"Title\": Sure? "
                     "(Yes, No, Cancel); the script has \"10,20\", which answers as Esc",
+                    "message box \"Title\": Sure? [answered: Cancel]",
                     "in.txt:5: the program asked for an answer to the message box \"Title\": Sure? "
-                    "(Yes, No); the script has \"box retry\", which answers as Esc"));
+                    "(Yes, No); the script has \"box retry\", which answers as Esc",
+                    "message box \"Title\": Sure? [answered: Yes]"));
 }
 
 TEST_F(ScriptInputTest, FileLinesAnswerChoosers) {
@@ -172,7 +177,10 @@ TEST_F(ScriptInputTest, FileLinesAnswerChoosers) {
     EXPECT_EQ(script->text({L"Name: "}).outcome, Outcome::cancelled) << "a file is no text";
     EXPECT_EQ(script->file(file).outcome, Outcome::none);
     EXPECT_THAT(reports_,
-                ElementsAre(HasSubstr("in.txt:3: the program asked for a file (\"Save\")"),
+                ElementsAre("file dialog \"Save\": b in /a [answered: /a/b c.dxf]",
+                            "file dialog \"Save\": b in /a [answered: Cancel]",
+                            HasSubstr("in.txt:3: the program asked for a file (\"Save\")"),
+                            "file dialog \"Save\": b in /a [answered: Cancel]",
                             HasSubstr("in.txt:4: ")));
 }
 
@@ -286,7 +294,8 @@ TEST(InputChainTest, EachSourceAnswersWhatTheOnesBeforeDoNot) {
     EXPECT_EQ(chain.text({L"?"}), L"typed");
     EXPECT_EQ(chain.text({L"?"}), L"scripted");
     EXPECT_EQ(chain.text({L"?"}), std::nullopt);
-    EXPECT_THAT(reports, IsEmpty());
+    EXPECT_THAT(reports, ElementsAre("message box \"T\": t [answered: No]"));
+    reports.clear();
     EXPECT_EQ(chain.messageBox({L"Title", L"Text", MB_YESNO | MB_DEFBUTTON2}), int{IDNO});
     EXPECT_EQ(chain.file({FileRequest::Kind::save, L"Save", L"/a", L"b", L"", {}}), std::nullopt);
     EXPECT_EQ(chain.file({FileRequest::Kind::folder, L"Where", L"", L"", L"", {}}), std::nullopt);

@@ -181,5 +181,58 @@ TEST_F(DrawingsTest, AMissingFirstDrawingEndsTheStart) {
     EXPECT_EQ(active().fileName(), path("plan.dwg"));
 }
 
+// The header's groups of a file, as the numbers behind a variable's name.
+std::string headerOf(const std::string& content, const std::string& name) {
+    std::string numbers;
+    const size_t at = content.find(name + "\r\n");
+    if (at == std::string::npos) return "none";
+    std::istringstream lines(content.substr(at + name.size() + 2));
+    for (std::string code, value; std::getline(lines, code) && std::getline(lines, value);) {
+        if (std::stoi(code) == 9) break;
+        numbers += (numbers.empty() ? "" : " ") + value.substr(0, value.find('\r'));
+    }
+    return numbers;
+}
+
+TEST_F(DrawingsTest, ASaveBringsTheHeaderUpToDate) {
+    eval(
+        "(entmake '((0 . \"POINT\") (10 -1.0 2.0 6.0)))"
+        "(entmake '((0 . \"POINT\") (10 4.0 -5.0 3.0)))");
+    EXPECT_EQ(eval("(getvar \"EXTMIN\")"), "(-1.0 -5.0 3.0)");
+    EXPECT_EQ(eval("(< 2457000 (getvar \"TDCREATE\") (1+ (getvar \"DATE\")))"), "T");
+    EXPECT_EQ(eval("(= (getvar \"TDCREATE\") (getvar \"TDUPDATE\"))"), "T");
+    ASSERT_EQ(save(active(), path("a.dxf")), "saved");
+    const std::string first = read("a.dxf");
+    EXPECT_EQ(headerOf(first, "$EXTMIN"), "-1.0 -5.0 3.0");
+    EXPECT_EQ(headerOf(first, "$EXTMAX"), "4.0 2.0 6.0");
+    const double open = std::stod(headerOf(first, "$TDINDWG"));
+    EXPECT_GT(open, 0);
+    EXPECT_LT(open, 1);
+
+    ASSERT_EQ(save(active(), path("a.dxf")), "saved");
+    const std::string second = read("a.dxf");
+    EXPECT_EQ(headerOf(second, "$TDCREATE"), headerOf(first, "$TDCREATE"));
+    EXPECT_GE(std::stod(headerOf(second, "$TDUPDATE")), std::stod(headerOf(first, "$TDUPDATE")));
+    EXPECT_GT(std::stod(headerOf(second, "$TDINDWG")), open);
+    EXPECT_LT(std::stod(headerOf(second, "$TDINDWG")), 10 * open + 1e-3) << "counted once";
+
+    eval("(repeat 2 (entdel (entlast)))");
+    ASSERT_EQ(save(active(), path("a.dxf")), "saved");
+    EXPECT_EQ(headerOf(read("a.dxf"), "$EXTMIN"), "1e+20 1e+20 1e+20");
+}
+
+TEST_F(DrawingsTest, TimesOfAFileGoOn) {
+    write("old.dxf",
+          "  0\nSECTION\n  2\nHEADER\n  9\n$TDCREATE\n 40\n2450000.5\n  9\n$TDINDWG\n 40\n2.0\n"
+          "  9\n$TDUSRTIMER\n 40\n1.0\n  9\n$USRTIMER\n 70\n0\n  0\nENDSEC\n  0\nEOF\n");
+    open(path("old.dxf"));
+    EXPECT_EQ(eval("(= (getvar \"TDCREATE\") 2450000.5)"), "T");
+    EXPECT_EQ(eval("(< 2.0 (getvar \"TDINDWG\") 3.0)"), "T");
+    EXPECT_EQ(eval("(getvar \"TDUSRTIMER\")"), "1.0") << "it is stopped";
+    ASSERT_EQ(save(active()), "saved");
+    EXPECT_EQ(headerOf(read("old.dxf"), "$TDCREATE"), "2450000.5");
+    EXPECT_EQ(headerOf(read("old.dxf"), "$TDUSRTIMER"), "1.0");
+}
+
 }  // namespace
 }  // namespace sg

@@ -1,10 +1,13 @@
+#include <QApplication>
 #include <QCheckBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <gmock/gmock.h>
@@ -276,6 +279,48 @@ TEST_F(DialogTest, OneThatEndsWhileItIsFilledIsNeverSeen) {
     EXPECT_EQ(run(dialog, L"ok\n"), 7);
     EXPECT_FALSE(wasSeen);
     EXPECT_EQ(errors(), "");
+}
+
+// A dialog with somebody before it, who does `act` once it waits.
+class AttendedDialog : public SampleDialog {
+  public:
+    std::function<void(AttendedDialog&)> act;
+
+  private:
+    bool HasDisplay() const override { return true; }
+    void OnShown() override {
+        SampleDialog::OnShown();
+        QTimer::singleShot(0, this, [this] { act(*this); });
+    }
+};
+
+TEST_F(DialogTest, APersonAnswersDialogsAndTheBoxesBeforeThem) {
+    host().setInput({std::make_shared<DisplayInput>()});
+    AttendedDialog dialog;
+    int button = 0;
+    dialog.onOk = [&] {
+        QTimer::singleShot(0, &dialog, [] {
+            auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            ASSERT_NE(box, nullptr);
+            EXPECT_EQ(box->text(), QStringLiteral("Sure?"));
+            EXPECT_EQ(box->defaultButton()->text(), QStringLiteral("No"));
+            box->buttons().front()->click();
+        });
+        button = MessageBoxW(nullptr, L"Sure?", L"Box", MB_YESNO | MB_DEFBUTTON2);
+    };
+    dialog.act = [](AttendedDialog& shown) {
+        EXPECT_TRUE(shown.isVisible());
+        static_cast<QPushButton*>(shown.GetDlgItem(IDOK))->click();
+    };
+    EXPECT_EQ(dialog.DoModal(), IDOK);
+    EXPECT_EQ(button, IDYES);
+    EXPECT_EQ(errors(), "") << "nothing is reported of what a person answers";
+    dialog.act = [](AttendedDialog& shown) { shown.close(); };
+    EXPECT_EQ(dialog.DoModal(), IDCANCEL) << "closing the window cancels";
+    EXPECT_FALSE(dialog.isVisible());
+    // Without a dialog nobody looks at the display.
+    EXPECT_EQ(MessageBoxW(nullptr, L"Sure?", L"Box", MB_YESNO | MB_DEFBUTTON2), IDNO);
+    EXPECT_THAT(errors(), HasSubstr("[answered: No]"));
 }
 
 TEST_F(DialogTest, TabGoesThroughTheControlsInTheirOrder) {

@@ -15,7 +15,9 @@ constexpr const wchar_t* kNames[] = {L"red",  L"yellow",  L"green", L"cyan",
 }  // namespace
 
 std::optional<AcCmColor> colorNamed(std::wstring_view text) {
-    const std::wstring typed(trimmed(text));
+    text = trimmed(text);
+    if (text.starts_with(L'_')) text.remove_prefix(1);
+    const std::wstring typed(text);
     AcCmColor color;
     for (size_t i = 0; i < std::size(kNames); ++i) {
         if (equalIgnoringCase(typed, kNames[i]) ||

@@ -1,7 +1,6 @@
 #include "host/editor/commands/command.h"
 
 #include <algorithm>
-#include <array>
 #include <stdexcept>
 
 #include "base/encoding.h"
@@ -188,12 +187,6 @@ double Command::number(const wchar_t* variable) const {
     const auto value = setting_.place.variables.get(variable);
     const auto* const real = value ? std::get_if<double>(&*value) : nullptr;
     return real != nullptr ? *real : whole(variable);
-}
-
-AcGePoint3d Command::lastPoint() const {
-    const auto value = setting_.place.variables.get(L"LASTPOINT");
-    const auto* const point = value ? std::get_if<std::array<double, 3>>(&*value) : nullptr;
-    return point == nullptr ? AcGePoint3d() : AcGePoint3d((*point)[0], (*point)[1], (*point)[2]);
 }
 
 int32_t Command::whole(const wchar_t* variable) const {

@@ -110,7 +110,8 @@ class SG_API Command {
     void transform(const std::vector<AcDbObjectId>& ids, const AcGeMatrix3d& matrix);
     void erase(const std::vector<AcDbObjectId>& ids);
 
-    AcGePoint3d lastPoint() const;
+    AcGePoint3d lastPoint() const { return prompter_.lastPoint(); }
+    void setLastPoint(const AcGePoint3d& point) { prompter_.setLastPoint(point); }
     double number(const wchar_t* variable) const;
     int32_t whole(const wchar_t* variable) const;
     std::wstring textOf(const wchar_t* variable) const;

@@ -35,7 +35,6 @@ class Fiber {
     const std::function<void()> body_;
     void* stack_ = nullptr;
     ucontext_t own_{}, resumer_{};
-    bool started_ = false;
     bool running_ = false;
     bool done_ = false;
     std::exception_ptr failure_;

@@ -47,6 +47,7 @@ void line(Command& c) {
             c.erase({lines.back()});
             lines.pop_back();
             points.pop_back();
+            c.setLastPoint(points.back());
         }
     }
 }
@@ -124,6 +125,7 @@ void PolylineDrawing::undo() {
     }
     vertices_.pop_back();
     vertices_.back().bulge = 0;
+    c_.setLastPoint(last());
 }
 
 void PolylineDrawing::close(double bulge) {

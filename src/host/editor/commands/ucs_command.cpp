@@ -17,7 +17,6 @@ namespace sg::commands {
 namespace {
 
 using Reply = Command::Reply;
-constexpr int kNoNull = Prompter::Allowed::noNull;
 constexpr size_t kMostRemembered = 10;
 
 AcGePoint3d originOf(const AcGeMatrix3d& system) {

@@ -330,16 +330,18 @@ bool DrawingSelection::group(const std::wstring& name, Ids& ids) {
     return true;
 }
 
+// A group made by a program need not be known to its members.
 Ids DrawingSelection::withGroups(AcDbObjectId id) {
     Ids ids{id};
-    const AcDbObject* const object = model::DatabaseTable::objectOf(id);
-    const model::Extras* const extras =
-        object == nullptr ? nullptr : model::ObjectAccess::extras(*object);
-    if (extras == nullptr) return ids;
-    for (const AcDbObjectId reactor : extras->reactors) {
-        const auto* const group = peek<AcDbGroup>(reactor);
-        if (group == nullptr || group->isErased() || !group->isSelectable()) continue;
-        for (const AcDbObjectId member : membersOf(*group)) {
+    const auto* const groups = peek<AcDbDictionary>(database_.groupDictionaryId());
+    if (groups == nullptr) return ids;
+    const model::Unguarded guard(*groups);
+    for (auto each = groups->newIterator(); !each->done(); each->next()) {
+        const auto* const group = peek<AcDbGroup>(each->objectId());
+        if (group == nullptr || !group->isSelectable()) continue;
+        const Ids members = membersOf(*group);
+        if (std::find(members.begin(), members.end(), id) == members.end()) continue;
+        for (const AcDbObjectId member : members) {
             if (!member.isErased() && std::find(ids.begin(), ids.end(), member) == ids.end()) {
                 ids.push_back(member);
             }

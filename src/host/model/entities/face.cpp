@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cmath>
+#include <span>
 
 #include "host/model/core/dwg_form.h"
 #include "host/model/curves/filing_groups.h"
@@ -83,8 +84,25 @@ Acad::ErrorStatus AcDbFace::getPlane(AcGePlane& plane, AcDb::Planarity& type) co
     return Acad::eOk;
 }
 
+namespace {
+
+// A face that is not plane is bent between its second and its last corner.
+void drawShaded(AcGiWorldDraw& draw, const std::array<AcGePoint3d, 4>& corners, bool isPlanar) {
+    static constexpr int32_t kTriangle[] = {3, 0, 1, 2};
+    static constexpr int32_t kPlane[] = {4, 0, 1, 2, 3};
+    static constexpr int32_t kBent[] = {3, 0, 1, 3, 3, 1, 2, 3};
+    const std::span<const int32_t> faces = corners[2] == corners[3]
+                                               ? std::span<const int32_t>(kTriangle)
+                                           : isPlanar ? std::span<const int32_t>(kPlane)
+                                                      : std::span<const int32_t>(kBent);
+    draw.geometry().shell(4, corners.data(), static_cast<uint32_t>(faces.size()), faces.data());
+}
+
+}  // namespace
+
 bool AcDbFace::subWorldDraw(AcGiWorldDraw* draw) {
     assertReadEnabled();
+    if (draw->regenType() == kAcGiShadedDisplay) drawShaded(*draw, corners_, isPlanar());
     for (size_t edge = 0; edge < corners_.size(); ++edge) {
         const std::array<AcGePoint3d, 2> ends = {corners_[edge], corners_[(edge + 1) % 4]};
         if ((invisible_ & (1 << edge)) != 0 || ends[0] == ends[1]) continue;

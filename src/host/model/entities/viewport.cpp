@@ -17,6 +17,7 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbViewport, AcDbEntity, 0, 0, L"VIEWPORT", nullptr)
 namespace {
 
 constexpr int32_t kOff = 0x20000;
+constexpr int16_t kInactive = 0;  // which of the viewports are on is not in DWG files
 
 bool areLayers(const AcDbObjectIdArray& ids) {
     return std::all_of(ids.begin(), ids.end(), [](AcDbObjectId id) {
@@ -390,6 +391,7 @@ Acad::ErrorStatus AcDbViewport::dwgInFields(AcDbDwgFiler* filer) {
         fill(height_);
         return filer->readHardPointerId(&header);
     }
+    number_ = kInactive;
     visitFile(fill, filer, frozen);
     readFrozen(filer, frozen, frozen_);
     fill(clipEntity_);

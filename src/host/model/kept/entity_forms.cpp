@@ -32,7 +32,7 @@ KeptForm tolerance() {
             {point(10), point(11), point(210), text(1), id(3)},
             {{0,
               {marker("AcDbFcf"), named(3, 3, NamedIn::dimStyles), group(10), group(1),
-               group(210, AcGePoint3d(0, 0, 1)), group(11)}}}};
+               group(210, AcGePoint3d(0, 0, 1)), group(11, AcGePoint3d(1, 0, 0))}}}};
 }
 
 // ---- Meshes -------------------------------------------------------------------------------------

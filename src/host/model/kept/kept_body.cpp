@@ -39,7 +39,8 @@ void appendLines(GroupData& groups, std::string_view body) {
     while (!body.empty()) {
         const size_t end = std::min(body.find('\n'), body.size());
         std::string_view line = body.substr(0, end);
-        if (line.ends_with('\r')) line.remove_suffix(1);
+        while (line.ends_with('\r') || line.ends_with(' '))
+            line.remove_suffix(1);
         appendLine(groups, line);
         body.remove_prefix(std::min(end + 1, body.size()));
     }

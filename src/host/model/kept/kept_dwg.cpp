@@ -20,6 +20,37 @@ bool isFiled(const AcDbDwgFiler& filer, const DwgKeptStep& step) {
     return filer.dwgVersion() >= step.since && filer.dwgVersion() < step.until;
 }
 
+// ---- Colours ------------------------------------------------------------------------------------
+
+// Before 2004 a colour is its index; later it has its method and value, and perhaps names, behind
+// an index of 0.
+enum ColorName : uint8_t { kHasName = 1, kHasBook = 2 };
+
+KeptColor readColor(AcDbDwgFiler& filer, bool isIndex) {
+    int16_t index = 0;
+    filer.readInt16(&index);
+    if (isIndex) return KeptColor::ofIndex(index);
+    KeptColor color;
+    uint8_t names = 0;
+    std::wstring unused;
+    filer.readUInt32(&color.raw);
+    filer.readUInt8(&names);
+    for (const ColorName name : {kHasName, kHasBook}) {
+        if ((names & name) != 0) filer.readString(unused);
+    }
+    return color;
+}
+
+void writeColor(AcDbDwgFiler& filer, KeptColor color, bool isIndex) {
+    if (isIndex) {
+        filer.writeInt16(static_cast<int16_t>(color.index()));
+        return;
+    }
+    filer.writeInt16(0);
+    filer.writeUInt32(color.raw);
+    filer.writeUInt8(0);
+}
+
 // ---- Reading ------------------------------------------------------------------------------------
 
 class Reader {
@@ -90,11 +121,10 @@ class Reader {
                 filer_.readString(text);
                 return toUtf8(text);
             }
-            case KeptCoding::color: {
-                AcCmColor color;
-                filer_.dwgForm()->readColor(&color);
-                return color;
-            }
+            case KeptCoding::color:
+                return readColor(filer_, isBefore(&filer_, AcDb::kDHL_1018));
+            case KeptCoding::fullColor:
+                return readColor(filer_, false);
             default:
                 return readReference(filer_, step.kind);
         }
@@ -139,6 +169,9 @@ class Writer {
         return value == nullptr ? Value{} : *value;
     }
     static int64_t whole(int key, const KeptValues& values) { return get<int64_t>(key, values); }
+    static int64_t whole(const DwgKeptStep& step, const KeptValues& values) {
+        return values.values.contains(step.key) ? whole(step.key, values) : step.otherwise;
+    }
     static double real(int key, const KeptValues& values) {
         const double value = get<double>(key, values);
         return isAngleGroup(key) ? fromFileDegrees(value) : value;
@@ -146,16 +179,16 @@ class Writer {
     void write(const DwgKeptStep& step, const KeptValues& values) {
         switch (step.coding) {
             case KeptCoding::bit:
-                filer_.writeBool(whole(step.key, values) != 0);
+                filer_.writeBool(whole(step, values) != 0);
                 break;
             case KeptCoding::byte:
-                filer_.writeUInt8(static_cast<uint8_t>(whole(step.key, values)));
+                filer_.writeUInt8(static_cast<uint8_t>(whole(step, values)));
                 break;
             case KeptCoding::int16:
-                filer_.writeInt16(static_cast<int16_t>(whole(step.key, values)));
+                filer_.writeInt16(static_cast<int16_t>(whole(step, values)));
                 break;
             case KeptCoding::int32:
-                filer_.writeInt32(static_cast<int32_t>(whole(step.key, values)));
+                filer_.writeInt32(static_cast<int32_t>(whole(step, values)));
                 break;
             case KeptCoding::real:
                 filer_.writeDouble(real(step.key, values));
@@ -174,7 +207,11 @@ class Writer {
                 filer_.writeString(fromUtf8(get<std::string>(step.key, values)));
                 break;
             case KeptCoding::color:
-                filer_.dwgForm()->writeColor(get<AcCmColor>(step.key, values));
+                writeColor(filer_, get<KeptColor>(step.key, values),
+                           isBefore(&filer_, AcDb::kDHL_1018));
+                break;
+            case KeptCoding::fullColor:
+                writeColor(filer_, get<KeptColor>(step.key, values), false);
                 break;
             default:
                 writeReference(filer_, step.kind, get<AcDbObjectId>(step.key, values));

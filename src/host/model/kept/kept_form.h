@@ -19,8 +19,23 @@ namespace sg::model {
 
 // ---- Values -------------------------------------------------------------------------------------
 
+// A colour with its method in the highest byte (AcCmColor::Method, or kNoColor) and its value in
+// the others, so that what is none stays that.
+struct KeptColor {
+    static constexpr uint32_t kNoColor = 0xC8;
+
+    uint32_t raw = uint32_t(AcCmColor::kByLayer) << 24;
+
+    static KeptColor ofIndex(int64_t index);  // 0 by block, 256 by layer, 257 none
+    static KeptColor ofTrue(uint32_t rgb);
+    uint32_t method() const { return raw >> 24; }
+    bool isTrue() const { return method() == AcCmColor::kByColor; }
+    int64_t index() const;  // of a true colour that of the nearest
+    friend bool operator==(const KeptColor&, const KeptColor&) = default;
+};
+
 // Whole numbers, reals, points (2D with z 0), texts in UTF-8, objects, colours.
-using KeptValue = std::variant<int64_t, double, AcGePoint3d, std::string, AcDbObjectId, AcCmColor>;
+using KeptValue = std::variant<int64_t, double, AcGePoint3d, std::string, AcDbObjectId, KeptColor>;
 
 // The values of an object, or of one row of a list in it, by keys; mostly the codes of their
 // groups.
@@ -41,6 +56,7 @@ enum class KeptCoding : uint8_t {
     point,      // 3BD
     text,       // T
     color,      // CMC
+    fullColor,  // CMC as from release 2004 on, in every release
     id,         // H
     rows,       // the steps of a row, as often as the number under the key says
     none,       // what no description tells: the object is left as it is
@@ -55,7 +71,8 @@ struct DwgKeptStep {
     Reference kind = Reference::hardPointer;
     int onlyIf = 0;  // a key whose number must be `equals`
     int64_t equals = 1;
-    int times = 0;  // of rows that are always as many
+    int times = 0;          // of rows that are always as many
+    int64_t otherwise = 0;  // a whole number that the groups have not
     std::vector<DwgKeptStep> row = {};
 };
 
@@ -79,9 +96,11 @@ struct GroupKeptStep {
     std::optional<KeptValue> otherwise = {};  // left out when it is this, and this when left out
     std::string text = {};                    // of a marker
     NamedIn table = NamedIn::nothing;
-    int second = 0;     // the code of a true colour; the key of what a name stands beside
-    int64_t added = 0;  // bits that the group has, and the value has not
+    int second = 0;       // the code of a true colour; the key of what a name stands beside
+    int64_t added = 0;    // bits that the group has, and the value has not
+    bool isReal = false;  // a whole number as a real one
     int times = 0;
+    bool isMatrix = false;  // rows that are left out where they are the unit matrix
     std::vector<GroupKeptStep> row = {};
 };
 

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "base/encoding.h"
 #include "host/model/kept/kept_form.h"
 #include "host/model/tables/references.h"
@@ -35,6 +37,22 @@ std::vector<Group> listed(const GroupData& groups) {
         }
     }
     return list;
+}
+
+// The values of a matrix of four rows, each in a row of its own.
+std::vector<KeptValues> unitMatrix(int key, int size) {
+    constexpr int kBetweenOnes = 5;
+    std::vector<KeptValues> rows(static_cast<size_t>(size));
+    for (int i = 0; i < size; ++i)
+        rows[static_cast<size_t>(i)].values[key] = i % kBetweenOnes == 0 ? 1.0 : 0.0;
+    return rows;
+}
+
+bool isUnitMatrix(const std::vector<KeptValues>& rows, int key) {
+    const std::vector<KeptValues> unit = unitMatrix(key, static_cast<int>(rows.size()));
+    return std::equal(
+        rows.begin(), rows.end(), unit.begin(),
+        [](const KeptValues& a, const KeptValues& b) { return a.values == b.values; });
 }
 
 class Matcher {
@@ -87,6 +105,10 @@ class Matcher {
     }
     bool takeRows(const GroupKeptStep& step, KeptValues& values) {
         std::vector<KeptValues>& rows = values.rows[step.key];
+        if (step.isMatrix && here(step.key) == nullptr) {
+            rows = unitMatrix(step.key, step.times);
+            return true;
+        }
         int64_t left = step.times != 0 ? step.times : numberOf(step.key);
         for (; left > 0; --left) {
             if (at_ == groups_.size() || !match(step.row, rows.emplace_back())) return false;
@@ -99,40 +121,24 @@ class Matcher {
                 values.values[step.key] = colorOf(step, group);
                 return true;
             case Kind::rawColor:
-                values.values[step.key] = unpacked(static_cast<uint32_t>(group.whole));
+                values.values[step.key] = KeptColor{static_cast<uint32_t>(group.whole)};
                 return true;
             case Kind::name:
                 values.values[step.key] = std::string(group.text);
                 return true;
             case Kind::value:
                 values.values[step.key] = valueOf(group, step.added);
+                if (step.isReal) values.values[step.key] = static_cast<int64_t>(group.real);
                 return true;
             default:
                 return true;
         }
     }
-    AcCmColor colorOf(const GroupKeptStep& step, const Group& group) {
-        AcCmColor color;
-        color.setColorIndex(static_cast<uint16_t>(group.whole));
-        if (const Group* const exact = step.second == 0 ? nullptr : here(step.second)) {
-            ++at_;
-            color.setRGB(static_cast<uint8_t>(exact->whole >> 16),
-                         static_cast<uint8_t>(exact->whole >> 8),
-                         static_cast<uint8_t>(exact->whole));
-        }
-        return color;
-    }
-    static AcCmColor unpacked(uint32_t raw) {
-        AcCmColor color;
-        if (raw >> 24 == AcCmColor::kByColor) {
-            color.setRGB(static_cast<uint8_t>(raw >> 16), static_cast<uint8_t>(raw >> 8),
-                         static_cast<uint8_t>(raw));
-        } else if (raw >> 24 == AcCmColor::kByBlock) {
-            color.setColorIndex(0);
-        } else if (raw >> 24 == AcCmColor::kByACI) {
-            color.setColorIndex(static_cast<uint16_t>(raw & 0xFF));
-        }
-        return color;
+    KeptColor colorOf(const GroupKeptStep& step, const Group& group) {
+        const Group* const exact = step.second == 0 ? nullptr : here(step.second);
+        if (exact == nullptr) return KeptColor::ofIndex(group.whole);
+        ++at_;
+        return KeptColor::ofTrue(static_cast<uint32_t>(exact->whole));
     }
     static KeptValue valueOf(const Group& group, int64_t added) {
         switch (group.kind) {
@@ -159,12 +165,6 @@ class Matcher {
 
 // ---- Writing ------------------------------------------------------------------------------------
 
-int64_t packed(const AcCmColor& color) {
-    uint32_t value = color.isByColor() ? color.rgb() : color.colorIndex();
-    if (color.isByLayer() || color.isByBlock()) value = 0;
-    return static_cast<int32_t>(static_cast<uint32_t>(color.colorMethod()) << 24 | value);
-}
-
 void append(GroupData& groups, int code, const KeptValue& value) {
     if (const auto* const whole = std::get_if<int64_t>(&value)) {
         groups.appendWhole(code, *whole);
@@ -185,12 +185,12 @@ void append(GroupData& groups, int code, const KeptValue& value) {
     }
 }
 
-void appendColor(GroupData& groups, const GroupKeptStep& step, const AcCmColor& color) {
-    if (step.kind == Kind::rawColor) return groups.appendWhole(step.code, packed(color));
-    groups.appendWhole(step.code, color.colorIndex());
-    if (color.isByColor() && step.second != 0) {
-        groups.appendWhole(step.second, static_cast<int64_t>(color.rgb()));
+void appendColor(GroupData& groups, const GroupKeptStep& step, KeptColor color) {
+    if (step.kind == Kind::rawColor) {
+        return groups.appendWhole(step.code, static_cast<int32_t>(color.raw));
     }
+    groups.appendWhole(step.code, color.index());
+    if (color.isTrue() && step.second != 0) groups.appendWhole(step.second, color.raw & 0xFFFFFF);
 }
 
 class Lister {
@@ -204,21 +204,26 @@ class Lister {
 
   private:
     void list(const KeptValues& values, const GroupKeptStep& step) {
-        if (step.kind == Kind::marker) return groups_.appendText(kMarker, step.text);
+        if (step.kind == Kind::marker) {
+            if (!step.otherwise) groups_.appendText(kMarker, step.text);
+            return;
+        }
         if (step.kind == Kind::rows) {
             const auto rows = values.rows.find(step.key);
             if (rows == values.rows.end()) return;
+            if (step.isMatrix && isUnitMatrix(rows->second, step.key)) return;
             for (const KeptValues& row : rows->second)
                 list(row, step.row);
             return;
         }
         if (step.kind == Kind::constant) return append(groups_, step.code, *step.otherwise);
         if (step.added != 0) return listBits(values, step);
+        if (step.isReal) return listReal(values, step);
         const auto found = values.values.find(step.key);
         if (found == values.values.end()) return;
         if (step.otherwise && found->second == *step.otherwise) return;
         if (step.kind == Kind::color || step.kind == Kind::rawColor) {
-            if (const auto* const color = std::get_if<AcCmColor>(&found->second)) {
+            if (const auto* const color = std::get_if<KeptColor>(&found->second)) {
                 appendColor(groups_, step, *color);
             }
             return;
@@ -226,17 +231,52 @@ class Lister {
         append(groups_, step.code, found->second);
     }
 
-    void listBits(const KeptValues& values, const GroupKeptStep& step) {
-        const auto found = values.values.find(step.key);
+    static int64_t wholeOf(const KeptValues& values, int key) {
+        const auto found = values.values.find(key);
         const auto* const whole =
             found == values.values.end() ? nullptr : std::get_if<int64_t>(&found->second);
-        groups_.appendWhole(step.code, (whole == nullptr ? 0 : *whole) | step.added);
+        return whole == nullptr ? 0 : *whole;
+    }
+    void listBits(const KeptValues& values, const GroupKeptStep& step) {
+        groups_.appendWhole(step.code, wholeOf(values, step.key) | step.added);
+    }
+    void listReal(const KeptValues& values, const GroupKeptStep& step) {
+        groups_.appendReal(step.code, static_cast<double>(wholeOf(values, step.key)));
     }
 
     GroupData& groups_;
 };
 
 }  // namespace
+
+// ---- Colours ------------------------------------------------------------------------------------
+
+KeptColor KeptColor::ofIndex(int64_t index) {
+    constexpr int64_t kByBlockIndex = 0;
+    constexpr int64_t kByLayerIndex = 256;
+    if (index == kByLayerIndex) return {};
+    if (index == kByBlockIndex) return {uint32_t(AcCmColor::kByBlock) << 24};
+    if (index > kByLayerIndex || index < 0) return {kNoColor << 24};
+    return {uint32_t(AcCmColor::kByACI) << 24 | static_cast<uint32_t>(index)};
+}
+
+KeptColor KeptColor::ofTrue(uint32_t rgb) {
+    return {uint32_t(AcCmColor::kByColor) << 24 | (rgb & 0xFFFFFF)};
+}
+
+int64_t KeptColor::index() const {
+    constexpr int64_t kNoIndex = 257;
+    if (method() == AcCmColor::kByLayer) return 256;
+    if (method() == AcCmColor::kByBlock) return 0;
+    if (method() == kNoColor) return kNoIndex;
+    if (!isTrue()) return raw & 0xFF;
+    AcCmColor color;
+    color.setRGB(static_cast<uint8_t>(raw >> 16), static_cast<uint8_t>(raw >> 8),
+                 static_cast<uint8_t>(raw));
+    return color.colorIndex();
+}
+
+// ---- Groups -------------------------------------------------------------------------------------
 
 bool valuesOf(const GroupData& groups, const std::vector<GroupKeptStep>& steps,
               KeptValues& values) {

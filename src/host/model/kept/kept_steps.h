@@ -41,6 +41,9 @@ inline Step text(int key) {
 inline Step color(int key) {
     return step(KeptCoding::color, key);
 }
+inline Step fullColor(int key) {
+    return step(KeptCoding::fullColor, key);
+}
 inline Step id(int key, Reference kind = Reference::hardPointer) {
     Step made = step(KeptCoding::id, key);
     made.kind = kind;
@@ -49,6 +52,10 @@ inline Step id(int key, Reference kind = Reference::hardPointer) {
 inline Step onlyIf(int key, int64_t equals, Step made) {
     made.onlyIf = key;
     made.equals = equals;
+    return made;
+}
+inline Step otherwise(int64_t value, Step made) {
+    made.otherwise = value;
     return made;
 }
 inline Step rows(int key, std::vector<Step> row, int times = 0) {
@@ -81,6 +88,11 @@ inline Item withBits(int code, int64_t added) {
     made.added = added;
     return made;
 }
+inline Item wholeAsReal(int code) {
+    Item made = group(code);
+    made.isReal = true;
+    return made;
+}
 inline Item constant(int code, KeptValue value) {
     return {Kind::constant, code, code, std::move(value)};
 }
@@ -110,6 +122,12 @@ inline Item rows(int key, std::vector<Item> row, int times = 0) {
     Item made{Kind::rows, 0, key};
     made.row = std::move(row);
     made.times = times;
+    return made;
+}
+
+inline Item matrix(int key, int size) {
+    Item made = rows(key, {group(key)}, size);
+    made.isMatrix = true;
     return made;
 }
 

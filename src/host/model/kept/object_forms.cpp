@@ -27,11 +27,26 @@ KeptForm scale() {
         {{0, {marker("AcDbScale"), group(70), group(300), group(140), group(141), group(290)}}}};
 }
 
+// Files from release 2010 on begin with a version, and end in how texts are attached.
+std::vector<Item> leaderStyleItems(bool isNew) {
+    std::vector<Item> items = {marker("AcDbMLeaderStyle")};
+    if (isNew) items.push_back(group(179));
+    append(items, {group(170),  group(171),   group(172),  group(90),   group(40),   group(41),
+                   group(173),  rawColor(91), object(340), group(92),   group(290),  group(42),
+                   group(291),  group(43),    group(3),    object(341), group(44),   group(300),
+                   object(342), group(174),   group(178),  group(175),  group(176),  rawColor(93),
+                   group(45),   group(292),   group(297),  group(46),   object(343), rawColor(94),
+                   group(47),   group(49),    group(140),  group(293),  group(141),  group(294),
+                   group(177),  group(142),   group(295),  group(296),  group(143)});
+    if (!isNew) return items;
+    append(items, {group(271), group(272), group(273), group(298, number(0))});
+    return items;
+}
+
 KeptForm leaderStyle() {
-    const KeptValue none = AcDbObjectId();
     return {L"MLEADERSTYLE",
             nullptr,
-            {int16(179, kDHL_1024),
+            {otherwise(2, int16(179, kDHL_1024)),
              int16(170),
              int16(171),
              int16(172),
@@ -70,61 +85,14 @@ KeptForm leaderStyle() {
              bit(294),
              int16(177),
              real(142),
-             bit(295),
              bit(296),
+             bit(295),
              real(143),
              int16(271, kDHL_1024),
-             int16(273, kDHL_1024),
-             int16(272, kDHL_1024),
+             otherwise(9, int16(273, kDHL_1024)),
+             otherwise(9, int16(272, kDHL_1024)),
              bit(298, kDHL_1027)},
-            {{0,
-              {marker("AcDbMLeaderStyle"),
-               Item{Kind::value, 179, 179, number(2)},
-               group(170),
-               group(171),
-               group(172),
-               group(90),
-               group(40),
-               group(41),
-               group(173),
-               rawColor(91),
-               object(340),
-               group(92),
-               group(290),
-               group(42),
-               group(291),
-               group(43),
-               group(3),
-               object(341),
-               group(44),
-               group(300),
-               object(342),
-               group(174),
-               group(178),
-               group(175),
-               group(176),
-               rawColor(93),
-               group(45),
-               group(292),
-               group(297),
-               group(46),
-               object(343),
-               rawColor(94),
-               group(47),
-               group(49),
-               group(140),
-               group(293),
-               group(141),
-               group(294),
-               group(177),
-               group(142),
-               group(295),
-               group(296),
-               group(143),
-               group(271, number(0)),
-               group(272, number(9)),
-               group(273, number(9)),
-               group(298, number(0))}}}};
+            {{0, leaderStyleItems(false)}, {kDHL_1024, leaderStyleItems(true)}}};
 }
 
 // ---- Materials ----------------------------------------------------------------------------------
@@ -150,6 +118,8 @@ constexpr MaterialMap kOpacityMap = {141, 175, 7, 176, 177, 178, 142};
 constexpr MaterialMap kBumpMap = {143, 179, 8, 270, 271, 272, 144};
 constexpr MaterialMap kRefractionMap = {146, 273, 9, 274, 275, 276, 147};
 constexpr int kMatrixSize = 16;
+constexpr int kAllChannels = 127;
+constexpr int kBox = 2;  // how a map is projected
 
 std::vector<Step> stepsOf(const MaterialColor& color) {
     return {byte(color.flag), real(color.factor),
@@ -172,13 +142,10 @@ std::vector<Item> itemsOf(const MaterialColor& color) {
 std::vector<Item> itemsOf(const MaterialMap& map, double blend, std::optional<KeptValue> source) {
     Item from = group(map.source);
     from.otherwise = std::move(source);
-    return {group(map.blend, blend),
-            from,
-            group(map.file, std::string()),
-            group(map.projection, number(1)),
-            group(map.tiling, number(1)),
-            group(map.transform, number(1)),
-            rows(map.matrix, {group(map.matrix)}, kMatrixSize)};
+    return {group(map.blend, blend),        from,
+            group(map.file, std::string()), group(map.projection, number(kBox)),
+            group(map.tiling, number(1)),   group(map.transform, number(1)),
+            matrix(map.matrix, kMatrixSize)};
 }
 
 KeptForm material() {
@@ -213,7 +180,7 @@ KeptForm material() {
     append(items, {group(145, 1.0)});
     append(items, itemsOf(kRefractionMap, 1, number(0)));
     append(items, {group(148, 0.0), group(149, 0.0), group(468, 0.0), group(93, number(0)),
-                   group(94, number(0)), group(282, number(0))});
+                   group(94, number(kAllChannels)), group(282, number(0))});
     form.layouts = {{0, std::move(items)}};
     return form;
 }
@@ -260,6 +227,59 @@ Item propertyItem(char kind, int key) {
     }
 }
 
+// The form of releases before 2010, which has no operations.
+KeptForm oldVisualStyle() {
+    KeptForm form{L"VISUALSTYLE",
+                  nullptr,
+                  {text(2),    int32(70), int32(71),  int32(72),
+                   int32(73),  real(40),  real(41),   color(63),
+                   int32(90),  int32(74), int32(91),  color(64),
+                   color(65),  int32(75), real(42),   int32(92),
+                   color(66),  real(43),  int16(76),  int16(77),
+                   int32(78),  color(67), int16(79),  byte(170),
+                   int16(171), bit(290),  int16(174), int16(175),
+                   int32(93),  int32(44), int32(173), real(45, kDHL_1021),
+                   bit(291)},
+                  {{0,
+                    {marker("AcDbVisualStyle"),
+                     group(2),
+                     group(70),
+                     group(71),
+                     group(72),
+                     group(73),
+                     group(90),
+                     group(40),
+                     group(41),
+                     constant(62, number(5)),
+                     indexColor(63, 421),
+                     group(74),
+                     group(91),
+                     indexColor(64, 422),
+                     indexColor(65, 423),
+                     group(75),
+                     group(175),
+                     group(42),
+                     group(92),
+                     indexColor(66, 424),
+                     group(43),
+                     group(76),
+                     group(77),
+                     group(78),
+                     indexColor(67, 425),
+                     group(79),
+                     group(170),
+                     group(171),
+                     group(290),
+                     group(174),
+                     group(93),
+                     wholeAsReal(44),
+                     group(173),
+                     group(291),
+                     group(45, 0.0)}}}};
+    form.until = kDHL_1024;
+    return form;
+}
+
 KeptForm visualStyle() {
     KeptForm form{L"VISUALSTYLE", nullptr, {}, {}};
     const std::string all = std::string(kFirst) + std::string(kLater);
@@ -290,7 +310,7 @@ constexpr int kBorders = 6;
 // The form of releases before 2010.
 KeptForm tableStyle() {
     constexpr int kRow = 1;
-    std::vector<Step> row = {id(7), real(140), int16(170), color(62), color(63), bit(283)};
+    std::vector<Step> row = {id(7), real(140), int16(170), fullColor(62), fullColor(63), bit(283)};
     std::vector<Item> items = {named(7, 7, NamedIn::textStyles),
                                group(140),
                                group(170),
@@ -298,7 +318,7 @@ KeptForm tableStyle() {
                                indexColor(63, 421),
                                group(283)};
     for (int border = 0; border < kBorders; ++border) {
-        append(row, {int16(274 + border), bit(284 + border), color(64 + border)});
+        append(row, {int16(274 + border), bit(284 + border), fullColor(64 + border)});
         append(items, {group(274 + border), group(284 + border), indexColor(64 + border)});
     }
     KeptForm form{L"TABLESTYLE",
@@ -315,8 +335,8 @@ KeptForm tableStyle() {
 }  // namespace
 
 const std::vector<KeptForm>& keptObjectForms() {
-    static const std::vector<KeptForm> kForms = {scale(), leaderStyle(), material(), visualStyle(),
-                                                 tableStyle()};
+    static const std::vector<KeptForm> kForms = {scale(),          leaderStyle(), material(),
+                                                 oldVisualStyle(), visualStyle(), tableStyle()};
     return kForms;
 }
 

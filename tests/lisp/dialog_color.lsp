@@ -1,0 +1,27 @@
+;; The colour dialog, and database files beside the drawing's own.
+(load "helpers/show")
+(load "helpers/standards")
+(show '(acad_colordlg 3 nil))
+(show '(acad_colordlg 3 nil))
+(show '(acad_colordlg 256))
+(show '(acad_colordlg 1 T))
+(show '(acad_colordlg 0 nil))
+(show '(acad_colordlg 257))
+(show '(acad_colordlg "red"))
+(make-standards)
+(fill-standards)
+(sg_table "tblLayer" "sName")
+(show '(host-database-select standards "select sName, iColor, bPlot, sLineweight from tblLayer"))
+(show '(host-database-execute standards
+         '("update tblLayer set iColor = 9 where iColor is Null" "delete from tblLayerKey")))
+;; The second statement fails, so that the first is not done either.
+(show '(host-database-execute standards
+         '("delete from tblLayer" "update tblNothing set a = 1")))
+(show '(host-database-select standards "select Count(*) from tblLayer"))
+(show '(host-database-execute standards nil))
+(show '(host-database-execute standards "delete from tblLayer where sName = 'A'"))
+(show '(host-database-select standards "selekt"))
+(show '(host-database-select "none.qn" "select 1"))
+(show '(sg_current_table))
+(show '(vl-catch-all-error-p (vl-catch-all-apply 'host-database-execute (list standards '(1)))))
+(princ)
