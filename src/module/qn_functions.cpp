@@ -3,7 +3,6 @@
 #include "leader/lisp_functions.h"
 #include "module/function_tables.h"
 #include "module/handlers.h"
-#include "module/missing.h"
 #include "solids/lisp_functions.h"
 #include "standards/lisp_functions.h"
 #include "support/lisp_functions.h"
@@ -11,8 +10,7 @@
 namespace sg {
 namespace {
 
-// The order gives the functions their numbers. A row of a function that this build has reads
-// {L"name", qnHandler<implementation>}.
+// The order gives the functions their numbers.
 constexpr FunctionRow kRows[] = {
     {L"qn_qn-setGroupSelectable", qnHandler<setGroupSelectable>},
     {L"qn_qn-GetGroup", qnHandler<getGroup>},

@@ -360,5 +360,10 @@ class SmallDialogs(SupportDialogTest):
             self.assertNotIn("dialog", errors)
 
 
+class Examples(SupportDialogTest):
+    def test_the_examples_of_the_page_run(self):
+        self.assertEqual(self.check_examples("support.md"), 4)
+
+
 if __name__ == "__main__":
     unittest.main()
