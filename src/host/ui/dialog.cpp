@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QEventLoop>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
@@ -26,6 +27,13 @@ namespace {
 QWidget* prepared(QWidget* parent) {
     graphics::needApplication();
     return parent;
+}
+
+// What stands in a dialog, or in a frame there, and is no part of another control.
+bool isControlOf(const QDialog& dialog, const QWidget& widget) {
+    const QWidget* parent = widget.parentWidget();
+    if (qobject_cast<const QGroupBox*>(parent) != nullptr) parent = parent->parentWidget();
+    return parent == &dialog;
 }
 
 QMessageBox::Icon iconOf(unsigned flags) {
@@ -190,7 +198,7 @@ template <class Take>
 void CDialog::EachControl(const Take& take) {
     for (QWidget* widget = nextInFocusChain(); widget != nullptr && widget != this;
          widget = widget->nextInFocusChain()) {
-        if (widget->parentWidget() != this) continue;
+        if (!isControlOf(*this, *widget)) continue;
         if (ui::ScriptedControl* const script = ScriptOf(*widget)) take(*widget, *script);
     }
 }
