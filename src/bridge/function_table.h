@@ -7,7 +7,6 @@ namespace sg {
 struct FunctionRow {
     const wchar_t* name;
     int (*handler)();      // what the host calls; answers RSRSLT or RSERR
-    bool missing = false;  // this build has no implementation; the handler says so
 };
 
 // Defines the functions of `count` rows in the current document under the numbers from `base` on,

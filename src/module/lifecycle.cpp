@@ -10,7 +10,6 @@
 #include "leader/qn_leader.h"
 #include "module/editor_reactor.h"
 #include "module/function_tables.h"
-#include "module/missing.h"
 #include "platform/ap/documents.h"
 #include "platform/dao/engine.h"
 #include "platform/ed/command_line.h"
@@ -141,8 +140,6 @@ void loadDrawing() {
     registerTable(sgFunctions(), kSgBase);
     addDocumentEntry();
     registerTable(qnFunctions(), qnBase());
-    declareMissing(sgFunctions());
-    declareMissing(qnFunctions());
 }
 
 void unloadDrawing() {

@@ -3,7 +3,6 @@
 #include "leader/lisp_functions.h"
 #include "module/function_tables.h"
 #include "module/handlers.h"
-#include "module/missing.h"
 #include "solids/lisp_functions.h"
 #include "standards/lisp_functions.h"
 #include "support/lisp_functions.h"
@@ -11,8 +10,7 @@
 namespace sg {
 namespace {
 
-// The order gives the functions their numbers. A row of a function that this build has reads
-// {L"name", qnHandler<implementation>}.
+// The order gives the functions their numbers.
 constexpr FunctionRow kRows[] = {
     {L"qn_qn-setGroupSelectable", qnHandler<setGroupSelectable>},
     {L"qn_qn-GetGroup", qnHandler<getGroup>},
@@ -42,7 +40,7 @@ constexpr FunctionRow kRows[] = {
     {L"qn_qn-SHGetFolderPath", qnHandler<folderPath>},
     {L"qn_qn-SHOpenFolderAndSelect", qnHandler<openFolderAndSelect>},
     {L"qn_qn-shellExecute", qnHandler<shellExecute>},
-    missingQnRow<L"ed_editMultilineText">(),
+    {L"ed_editMultilineText", qnHandler<editMultilineText>},
     {L"qn_qn-customizeLabelGroup", qnHandler<customizeLabelGroup>},
     {L"qn_qn-customizeLayers", qnHandler<customizeLayers>},
     {L"qn_qn-customizeTextStyles", qnHandler<customizeTextStyles>},
@@ -69,9 +67,9 @@ constexpr FunctionRow kRows[] = {
     {L"GetSystemMetrics::SM_CXSCREEN", qnHandler<screenWidth>},
     {L"GetSystemMetrics::SM_CYSCREEN", qnHandler<screenHeight>},
     {L"qn_qn-executeToDo", qnHandler<executeToDo>},
-    missingQnRow<L"qn_qn-submitBug">(),
-    missingQnRow<L"EditUserOptions">(),
-    missingQnRow<L"qn_qn-safeContinue">(),
+    {L"qn_qn-submitBug", qnHandler<submitBug>},
+    {L"EditUserOptions", qnHandler<editUserOptions>},
+    {L"qn_qn-safeContinue", qnHandler<safeContinue>},
     {L"qn_qn-createLayer", qnHandler<createLayer>},
     {L"GetComputerName", qnHandler<computerName>},
     {L"XFolderDialog", qnHandler<folderDialog>},

@@ -5,8 +5,7 @@
 namespace sg {
 namespace {
 
-// The order gives the functions their numbers. A row of a function that this build has reads
-// {L"sg_name", sgHandler<implementation>}.
+// The order gives the functions their numbers.
 constexpr FunctionRow kRows[] = {
     {L"sg_append", sgHandler<appendRecord>},
     {L"sg_append_withindex", sgHandler<appendRecordWithIndex>},

@@ -6,25 +6,13 @@
 #include "platform/lisp/external_functions.h"
 #include "platform/win/file_dialog.h"
 #include "platform/win/message_box.h"
+#include "support/active_window.h"
 #include "support/folder_dialog.h"
 #include "support/lisp_functions.h"
 #include "support/text_utilities.h"
 
 namespace sg {
 namespace {
-
-// Gives the window that was active its place back.
-class ActiveWindowKept {
-  public:
-    ActiveWindowKept() : window_(GetActiveWindow()) {}
-    ~ActiveWindowKept() { SetActiveWindow(window_); }
-    ActiveWindowKept(const ActiveWindowKept&) = delete;
-    ActiveWindowKept& operator=(const ActiveWindowKept&) = delete;
-    HWND window() const { return window_; }
-
-  private:
-    const HWND window_;
-};
 
 struct FileQuestion {
     bool opens = false;

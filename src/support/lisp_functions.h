@@ -1,7 +1,7 @@
 #pragma once
 
-// The LISP functions for archives, downloads, signatures, files and folders, as implementations for
-// the call guard.
+// The LISP functions for archives, downloads, signatures, files and folders, and for the support's
+// dialogs, as implementations for the call guard.
 namespace sg {
 
 // (CreateZip archive patterns): T when every pattern was appended, also when the archive could then
@@ -26,5 +26,17 @@ int fileDialog();
 
 // (XFolderDialog title folder): the chosen folder's full path, or no value.
 int folderDialog();
+
+// (qn_qn-submitBug mode suffix log-folder system-text [attachments]): no value.
+int submitBug();
+
+// (EditUserOptions discipline [edition]): no value.
+int editUserOptions();
+
+// (ed_editMultilineText text [title]): the edited text, or no value when it is cancelled.
+int editMultilineText();
+
+// (qn_qn-safeContinue title prompt word): T when the word was typed, otherwise nil.
+int safeContinue();
 
 }  // namespace sg

@@ -45,17 +45,6 @@ SupportReport::~SupportReport() {
     if (logFile_ != nullptr) std::fclose(logFile_);
 }
 
-SupportReport::Sender SupportReport::storedSender() {
-    return {GetRegistryText(kSection, L"Name"), GetRegistryText(kSection, L"Email"),
-            GetRegistryText(kSection, L"Phone"),
-            GetRegistryText(kSection, kSavesToDesktop) == L"1"};
-}
-
-ReportField SupportReport::Sender::firstFocus() const {
-    if (name.empty()) return ReportField::name;
-    return email.empty() ? ReportField::email : ReportField::text;
-}
-
 std::wstring SupportReport::trimmedField(ReportField field) const {
     return std::wstring(trimmed(dialog_.fieldText(field)));
 }

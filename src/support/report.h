@@ -8,35 +8,14 @@
 
 #include "support/mail_message.h"
 #include "support/mail_session.h"
+#include "support/report_dialog.h"
 
 namespace sg {
-
-// The fields of the report's dialog, by their control numbers.
-enum class ReportField : int {
-    phone = 1028,
-    email = 1029,
-    name = 1030,
-    text = 1031,
-    repeatedEmail = 1032,
-};
-
-// What a report asks of the dialog that shows it.
-class ReportDialog {
-  public:
-    virtual ~ReportDialog() = default;
-    // As it is in the control, untrimmed; lines of the text end with CR LF.
-    virtual std::wstring fieldText(ReportField field) = 0;
-    virtual void focusField(ReportField field) = 0;
-    virtual bool isSaveToDesktopChecked() = 0;
-    virtual void showStatus(const std::wstring& text) = 0;
-    // As MessageBoxW does.
-    virtual int showBox(const std::wstring& text, const std::wstring& caption, unsigned flags) = 0;
-};
 
 // A report to the support desk: what it carries, and what the dialog's OK button does with it. It
 // is mailed with its attachments in one archive, or saved as an archive on the desktop for the user
 // to send. Everything is told through the dialog.
-class SupportReport : private MailProgressSink {
+class SupportReport : public Report, private MailProgressSink {
   public:
     // `logFolder` ends with its own separator.
     SupportReport(ReportDialog& dialog, int32_t mode, std::wstring archiveSuffix,
@@ -45,19 +24,7 @@ class SupportReport : private MailProgressSink {
     SupportReport& operator=(const SupportReport&) = delete;
     ~SupportReport() override;
 
-    // Full paths; empty ones are left out where the report is made.
-    std::vector<std::wstring> attachments;
-
-    // What the dialog starts with, from the user's settings.
-    struct Sender {
-        std::wstring name, email, phone;
-        bool savesToDesktop = false;
-        ReportField firstFocus() const;
-    };
-    static Sender storedSender();
-
-    // The OK button. True when the dialog is to close; false keeps it open with all its fields.
-    bool submit();
+    bool submit() override;
 
     void SaveReportToDesktop();
 

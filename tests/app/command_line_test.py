@@ -268,17 +268,14 @@ class Lines(ProgramTest):
 
 
 class Help(ProgramTest):
-    def test_missing_lists_every_row_in_table_order(self):
-        code, output, _ = self.run_program("help", "--missing")
-        names = output.splitlines()
-        self.assertEqual((code, len(names), names[0], names[-1]),
-                         (0, 4, "ed_editMultilineText", "qn_qn-safeContinue"))
-        self.assertEqual(self.run_program("help", "--missing", "--no-module"), (0, "", ""))
+    def test_no_function_of_the_module_is_missing(self):
+        for words in [[], ["--no-module"]]:
+            self.assertEqual(self.run_program("help", "--missing", *words), (0, "", ""))
 
     def test_a_function_is_explained(self):
         for name, said in [("car", "car\n\n"), ("caddr", "cdr\n\n"), ("CAR", "car\n\n"), ("host-send", "host-send\n\n"),
                            ("SG_APPEND", "sg_append\n\n"),
-                           ("QN_QN-LINEJIG", "qn_qn-lineJig: not part of this build\n"),
+                           ("QN_QN-LINEJIG", "qn_qn-lineJig\n\n"),
                            ("acdbcurve::getlength", "length of a curve")]:
             with self.subTest(name):
                 code, output, errors = self.run_program("help", name)

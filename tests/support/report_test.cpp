@@ -212,7 +212,7 @@ TEST_F(ReportTest, TheFallbackAccepted) {
     EXPECT_EQ(setting(L"bSendToDesktop2"), "1");
     EXPECT_EQ(entries(), "plan.qn\nqn_error.txt\n");
     EXPECT_EQ(read("started"), "open " + (folder_ / "Desktop").string() + "\n");
-    EXPECT_TRUE(SupportReport::storedSender().savesToDesktop);
+    EXPECT_TRUE(storedSender().savesToDesktop);
 }
 
 TEST_F(ReportTest, FailureWithoutAttachmentsOffersNothing) {
@@ -330,12 +330,12 @@ TEST_F(ReportTest, WithoutATemporaryFolderThereIsNoErrorText) {
 }
 
 TEST_F(ReportTest, WhatTheDialogStartsWith) {
-    EXPECT_EQ(SupportReport::storedSender().firstFocus(), ReportField::name);
+    EXPECT_EQ(storedSender().firstFocus(), ReportField::name);
     SetRegistryText(L"Joe", L"Name", L"Shared");
-    EXPECT_EQ(SupportReport::storedSender().firstFocus(), ReportField::email);
+    EXPECT_EQ(storedSender().firstFocus(), ReportField::email);
     SetRegistryText(L"a@b.c", L"Email", L"Shared");
     SetRegistryText(L"2", L"bSendToDesktop2", L"Shared");
-    const SupportReport::Sender sender = SupportReport::storedSender();
+    const ReportSender sender = storedSender();
     EXPECT_EQ(sender.firstFocus(), ReportField::text);
     EXPECT_EQ(sender.email, L"a@b.c");
     EXPECT_FALSE(sender.savesToDesktop) << "only \"1\" counts";

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QEventLoop>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
@@ -26,6 +27,13 @@ namespace {
 QWidget* prepared(QWidget* parent) {
     graphics::needApplication();
     return parent;
+}
+
+// What stands in a dialog, or in a frame there, and is no part of another control.
+bool isControlOf(const QDialog& dialog, const QWidget& widget) {
+    const QWidget* parent = widget.parentWidget();
+    if (qobject_cast<const QGroupBox*>(parent) != nullptr) parent = parent->parentWidget();
+    return parent == &dialog;
 }
 
 QMessageBox::Icon iconOf(unsigned flags) {
@@ -59,8 +67,7 @@ CDialog::CDialog(QWidget* parent) : QDialog(prepared(parent)) {
 
 CDialog::~CDialog() = default;
 
-// ---- Running
-// -------------------------------------------------------------------------------------
+// --- Running ---
 
 intptr_t CDialog::DoModal() {
     Open();
@@ -109,8 +116,7 @@ void CDialog::OnPlace() {
     adjustSize();
 }
 
-// ---- Controls
-// ------------------------------------------------------------------------------------
+// --- Controls ---
 
 void CDialog::SetControlId(QWidget& control, int id) {
     control.setObjectName(QString::number(id));
@@ -161,8 +167,7 @@ QLabel* CDialog::NewLabel(const wchar_t* text, QWidget* control) {
     return label;
 }
 
-// ---- What a script is told and does
-// ----------------------------------------------------------------
+// --- What a script is told and does ---
 
 std::wstring CDialog::Title() const {
     return windowTitle().toStdWString();
@@ -193,7 +198,7 @@ template <class Take>
 void CDialog::EachControl(const Take& take) {
     for (QWidget* widget = nextInFocusChain(); widget != nullptr && widget != this;
          widget = widget->nextInFocusChain()) {
-        if (widget->parentWidget() != this) continue;
+        if (!isControlOf(*this, *widget)) continue;
         if (ui::ScriptedControl* const script = ScriptOf(*widget)) take(*widget, *script);
     }
 }
