@@ -11,6 +11,7 @@ namespace sg::model {
 namespace {
 
 constexpr int kDeepestNesting = 64;
+constexpr int kMostLookedAt = 100'000;
 
 // The angles of a sweep at which a circle reaches furthest along each axis of the world, and its
 // ends.
@@ -36,6 +37,7 @@ class MeasuringDraw::Geometry final : public AcGiGeometry {
     explicit Geometry(MeasuringDraw& draw) : draw_(draw) {}
 
     AcDbExtents extents;
+    int lookedAt = 0;
 
     AcGeMatrix3d getModelToWorldTransform() const override {
         return transforms_.empty() ? AcGeMatrix3d() : transforms_.back();
@@ -96,6 +98,7 @@ class MeasuringDraw::Geometry final : public AcGiGeometry {
     bool xline(const AcGePoint3d&, const AcGePoint3d&) override { return false; }
     bool draw(AcGiDrawable* drawable) override {
         if (drawable == nullptr || depth_ == kDeepestNesting) return false;
+        if (lookedAt < kMostLookedAt) ++lookedAt;
         ++depth_;
         const double thickness = draw_.subEntityTraits().thickness();
         draw_.subEntityTraits().setThickness(0);
@@ -164,9 +167,26 @@ class MeasuringDraw::Traits final : public AcGiSubEntityTraits {
     double thickness_ = 0;
 };
 
-MeasuringDraw::MeasuringDraw()
-    : geometry_(std::make_unique<Geometry>(*this)), traits_(std::make_unique<Traits>()) {}
+MeasuringDraw::MeasuringDraw() : MeasuringDraw(std::make_shared<BlockBoxes>()) {
+    geometry_->lookedAt = 0;
+}
+MeasuringDraw::MeasuringDraw(std::shared_ptr<BlockBoxes> boxes)
+    : geometry_(std::make_unique<Geometry>(*this)),
+      traits_(std::make_unique<Traits>()),
+      boxes_(std::move(boxes)) {
+    geometry_->lookedAt = kMostLookedAt;
+}
 MeasuringDraw::~MeasuringDraw() = default;
+
+bool MeasuringDraw::isInHaste() const {
+    return geometry_->lookedAt == kMostLookedAt;
+}
+
+void MeasuringDraw::addBox(const AcDbExtents& box, const AcGeMatrix3d& transform) {
+    AcDbExtents placed = box;
+    placed.transformBy(geometry_->getModelToWorldTransform() * transform);
+    geometry_->extents.addExt(placed);
+}
 
 const AcDbExtents& MeasuringDraw::extents() const {
     return geometry_->extents;

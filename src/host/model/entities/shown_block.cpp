@@ -1,5 +1,6 @@
 #include "host/model/entities/shown_block.h"
 
+#include "host/model/core/measuring_draw.h"
 #include "platform/db/attribute.h"
 #include "platform/db/database.h"
 #include "platform/db/sortents.h"
@@ -60,7 +61,9 @@ std::vector<AcDbObjectId> drawOrder(AcDbBlockTableRecord& block) {
     return order;
 }
 
-void drawBlock(AcGiWorldDraw* draw, AcDbObjectId block, const AcGeMatrix3d& transform) {
+namespace {
+
+void drawContents(AcGiWorldDraw* draw, AcDbObjectId block, const AcGeMatrix3d& transform) {
     const Nesting nesting;
     AcDbBlockTableRecord* record = nullptr;
     if (Nesting::isTooDeep() || acdbOpenObject(record, block) != Acad::eOk) return;
@@ -76,6 +79,27 @@ void drawBlock(AcGiWorldDraw* draw, AcDbObjectId block, const AcGeMatrix3d& tran
     }
     geometry.popModelTransform();
     record->close();
+}
+
+// The box around a block for a drawing in haste. A block within itself adds nothing to it.
+AcDbExtents boxOfBlock(AcDbObjectId block,
+                       const std::shared_ptr<MeasuringDraw::BlockBoxes>& boxes) {
+    const auto [at, isNew] = boxes->try_emplace(block);
+    if (!isNew) return at->second;
+    MeasuringDraw draw(boxes);
+    drawContents(&draw, block, AcGeMatrix3d());
+    return (*boxes)[block] = draw.extents();
+}
+
+}  // namespace
+
+void drawBlock(AcGiWorldDraw* draw, AcDbObjectId block, const AcGeMatrix3d& transform) {
+    auto* const measuring = dynamic_cast<MeasuringDraw*>(draw);
+    if (measuring != nullptr && measuring->isInHaste()) {
+        measuring->addBox(boxOfBlock(block, measuring->blockBoxes()), transform);
+    } else {
+        drawContents(draw, block, transform);
+    }
 }
 
 Acad::ErrorStatus forEachShown(AcDbObjectId block, const AcGeMatrix3d& transform,
