@@ -49,7 +49,7 @@ ShapePtr HvacSolid::shape() const {
     ShapePtr shape = shape_.lock();
     if (shape == nullptr) {
         for (const Step& step : steps_) {
-            shape = kernel->apply(shape, step);
+            shape = kernel->apply(shape, step, true);
             if (shape == nullptr) return nullptr;
         }
         shape_ = shape;
@@ -65,7 +65,7 @@ bool HvacSolid::apply(Step step) {
     if (kernel == nullptr) return false;
     const ShapePtr before = shape();
     if (before == nullptr && !steps_.empty()) return false;
-    const ShapePtr after = kernel->apply(before, step);
+    const ShapePtr after = kernel->apply(before, step, false);
     if (after == nullptr) return false;
     steps_.push_back(std::move(step));
     forgetShape();

@@ -1,6 +1,7 @@
 #include <map>
 
 #include "companion/hvac_solid.h"
+#include "companion/shape/reach.h"
 #include "platform/db/face.h"
 #include "platform/ed/command_line.h"
 #include "platform/gi/draw.h"
@@ -82,7 +83,13 @@ void HvacSolid::drawEdges(AcGiWorldDraw& draw, const Facets& facets, bool withSm
     if (withSmooth) drawChains(facets.smoothEdges);
 }
 
+// Saving a drawing measures all of it, which is no reason to make all bodies.
 Acad::ErrorStatus HvacSolid::subGetGeomExtents(AcDbExtents& extents) const {
+    assertReadEnabled();
+    if (const std::optional<AcDbExtents> reach = reachOf(steps_)) {
+        extents.addExt(*reach);
+        return Acad::eOk;
+    }
     const Facets* const drawn = facets();
     if (drawn == nullptr) return Acad::eInvalidExtents;
     extents.addExt(drawn->extents);

@@ -159,7 +159,7 @@ int customizeTextStyles() {
     takeText(arguments.next, key);
     showOnPathOrDocument(isNamed ? &path : nullptr,
                          [&](StandardsDialogs& dialogs, CDBConnection& connection) {
-                             return dialogs.customizeTextStyles(connection, key);
+                             return dialogs.customizeTextStyles(connection, !isNamed, key);
                          });
     return kLispOk;
 }

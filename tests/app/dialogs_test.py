@@ -96,6 +96,20 @@ class BadInput(DialogTest):
         self.assertIn("1: (1) | A | 1 | Continuous", output)
         self.assertIn("It is\nin use. [answered: OK]", errors)
 
+    def test_a_callback_that_replaces_the_drawings_connection(self):
+        for what in ('(sg_close_db)', '(sg_connect "other.qn")', '(sg_table "tblTextStyle") (sg_bottom)'):
+            program = """
+(sg_create_db "other.qn")
+(defun util-showTextStyle (key) %s T)
+(qn_qn-customizeTextStyles nil nil)""" % what
+            _, errors = self.dialog(program, "show\ncell 1048 1 Text Style X\nok\n", """
+(make-standards)
+(run-all '("insert into tblTextStyle (sKey, sStyleName, dHeight) values ('Default', 'S', 1)"
+           "insert into tblTextStyle (sKey) values ('Note')"))""")
+            self.assertIn("[answered: OK]", errors)
+            for name in ("other.qn", "standards.qn"):
+                os.remove(self.path(name))
+
     def test_names_with_quotes_and_sql_in_them(self):
         nasty = "x' or 1=1 --"
         self.dialog(
@@ -167,6 +181,14 @@ class Csv(DialogTest):
         self.assertEqual(
             self.rows("SELECT sKey, ixLayer FROM tblLayerKey WHERE ixLayerSystem = 1 ORDER BY sKey"),
             [["DUCT_10", "4"], ["DUCT_2", "1"]])
+
+    def test_the_file_is_asked_for(self):
+        _, errors = self.dialog(
+            "(qn_qn-customizeLayers standards)",
+            "press 1053\nfile out\npress 1053\nfile CANCEL\npress 1064\nfile CANCEL\ncancel\n")
+        self.assertIn('file dialog "Export Layers": standards-layers.csv', errors)
+        self.assertEqual(self.read("out.csv").splitlines()[1:],
+                         ["DUCT_10,B,2,HIDDEN,0,,", "DUCT_2,A,1,Continuous,1,25,"])
 
     def test_nothing_is_done_where_the_file_is_none(self):
         for text in ("", "Layer Key\n", "a,b\n,,\n"):

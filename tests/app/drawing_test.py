@@ -13,6 +13,12 @@ class Manual(ProgramTest):
     def test_functions_on_drawings(self):
         self.assertGreater(self.check_examples("drawing.md"), 29)
 
+    def test_functions_that_run_commands(self):
+        self.assertGreater(self.check_examples("commands.md"), 2)
+
+    def test_functions_on_selections_and_prompts(self):
+        self.assertGreater(self.check_examples("selection.md"), 12)
+
     def test_functions_on_entities(self):
         self.assertGreater(self.check_examples("entities.md"), 20)
 

@@ -27,8 +27,8 @@ class CombiningTest : public CompanionTest {
     const TestFrame across_ = flatFrame(90);
 };
 
-// A main of 20 by 10 with a stub of 10 by 10 to its left: as one body, what the stub has outside
-// the main.
+// A main of 20 by 10 with a branch of 10 by 10 to its left: as one body, what the branch has
+// outside the main.
 TEST_F(CombiningTest, BodiesThatOverlapAreOne) {
     const auto solid = newSolid();
     ASSERT_TRUE(addPiece(*solid, {-8, 0, 0}, {8, 0, 0}, true, 20, 10, along_));
@@ -52,7 +52,7 @@ TEST_F(CombiningTest, RoundBranchesMeetRoundMains) {
     EXPECT_LT(shape.volume, main + 8 * 10 * 10 * kPi / 4);
 }
 
-// The slices that trim a stub at the ends of its main take the stub only.
+// The slices that trim a branch at the ends of its main take the branch only.
 TEST_F(CombiningTest, SlicesTheLastBody) {
     const auto solid = newSolid();
     const TestFrame slanted = flatFrame(30);

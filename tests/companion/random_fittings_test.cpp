@@ -204,7 +204,7 @@ TEST_F(RandomFittingsTest, Wyes) {
     });
 }
 
-// Mains with stubs that leave them slantwise, trimmed at the ends of the main, as one body.
+// Mains with branches that leave them slantwise, trimmed at the ends of the main, as one body.
 TEST_F(RandomFittingsTest, Takeoffs) {
     make(150, 1, [&](HvacSolid& solid) {
         const AcGeMatrix3d place = anyPlace();
@@ -215,18 +215,18 @@ TEST_F(RandomFittingsTest, Takeoffs) {
         s.height = s.isRectangular ? std::min(s.height, m.height) * 0.7 : s.width;
         if (s.height > 0.7 * m.height) s = {s.isRectangular, 0.7 * m.height, 0.7 * m.height};
         const double angle = between(0.5, kPi - 0.5);
-        const TestFrame stub(place * AcGeMatrix3d::rotation(angle, AcGeVector3d::kZAxis));
+        const TestFrame branch(place * AcGeMatrix3d::rotation(angle, AcGeVector3d::kZAxis));
         const double half = (m.width + s.width) / std::sin(angle) + 3;
         const AcGePoint3d foot = place * AcGePoint3d();
         const AcGePoint3d start = foot - main.x() * half;
         const AcGePoint3d end = foot + main.x() * half;
-        const AcGePoint3d tip = foot + stub.x() * (m.width / std::sin(angle) + s.width + 3);
+        const AcGePoint3d tip = foot + branch.x() * (m.width / std::sin(angle) + s.width + 3);
         EXPECT_TRUE(solid.addTransition(start, m.isRectangular, m.width, m.height, end,
                                         m.isRectangular, m.width, m.height, main.get(), main.get(),
                                         0));
         EXPECT_TRUE(solid.addTransition(foot, s.isRectangular, s.width, s.height, tip,
-                                        s.isRectangular, s.width, s.height, stub.get(), stub.get(),
-                                        0));
+                                        s.isRectangular, s.width, s.height, branch.get(),
+                                        branch.get(), 0));
         solid.sliceLast(end, end + main.y(), end + main.z(), start);
         const double mainVolume = m.area() * 2 * half;
         expectBody(solid, mainVolume, mainVolume + s.area() * tip.distanceTo(foot),

@@ -82,7 +82,7 @@ TEST_F(SolidEntityTest, ReadsDamagedBytesWithoutHarm) {
         if (!companion::fromBytes(changed, steps)) continue;
         companion::ShapePtr shape;
         for (const companion::Step& step : steps)
-            shape = companion::solidKernel()->apply(shape, step);
+            shape = companion::solidKernel()->apply(shape, step, at % 2 == 0);
     }
     EXPECT_TRUE(companion::fromBytes(bytes, steps));
 }
@@ -155,6 +155,33 @@ TEST_F(SolidEntityTest, ExtentsAreThoseOfTheBodies) {
     EXPECT_LT(box.maxPoint().distanceTo({10, 2, 2}), 1e-6);
 }
 
+// Measured without making the bodies, and by what is drawn of them.
+TEST_F(SolidEntityTest, MeasuresWhatIsDrawn) {
+    const TestFrame in = flatFrame(20);
+    const TestFrame out = flatFrame(110);
+    for (const int kind : {0, 1, 2, 3}) {
+        const auto solid = newSolid();
+        AcGePoint3d head = AcGePoint3d() - in.x() * 50;
+        AcGePoint3d tail = AcGePoint3d() + out.x() * 50;
+        const bool isElbow = kind < 2;
+        ASSERT_TRUE(isElbow
+                        ? solid->addRadiusElbow(head, 12, kind == 0 ? 8 : 12, 1, 0, tail, 12, 8,
+                                                in.get(), out.get(), kind == 0, 1, true, 0, true)
+                        : solid->addTransition(head, false, 12, 12, AcGePoint3d(), kind == 3, 12,
+                                               kind == 3 ? 20 : 12, in.get(), in.get(), 0));
+        AcDbExtents measured;
+        ASSERT_EQ(solid->getGeomExtents(measured), Acad::eOk);
+        const AcDbExtents& drawn = solid->facets()->extents;
+        EXPECT_LT(measured.minPoint().distanceTo(drawn.minPoint()), 0.1) << kind;
+        EXPECT_LT(measured.maxPoint().distanceTo(drawn.maxPoint()), 0.1) << kind;
+    }
+    const auto sliced = piece();
+    sliced->sliceLast({4, 0, 0}, {4, 1, 0}, {4, 0, 1}, {0, 0, 0});
+    AcDbExtents box;
+    ASSERT_EQ(sliced->getGeomExtents(box), Acad::eOk);
+    EXPECT_NEAR(box.maxPoint().x, 4, 1e-6);
+}
+
 // The faces of a box, and of a cylinder so many that they lie within a thousandth of it. Their
 // edges show where they are edges of the body.
 TEST_F(SolidEntityTest, IsTakenApartIntoFaces) {
@@ -197,29 +224,32 @@ TEST_F(SolidEntityTest, NeedsToBeOpenToBeChanged) {
     EXPECT_NEAR(shapeOf(*solid.get()).volume, 160, 1e-6);
 }
 
-// Through a drawing file; and through one that was saved while the class was absent.
+// Through drawing files; and through one that was saved while the class was absent.
 TEST_F(SolidEntityTest, SurvivesDrawingFiles) {
     append(piece(false));
-    const std::wstring first = path("first.dxf");
-    const std::wstring second = path("second.dxf");
-    dxf::writeFile(*database_, first, {});
-    database_.reset();
-    HvacSolid::rxTerm();
-    {
-        AcDbDatabase without(false, true);
-        dxf::readFile(without, first);
-        dxf::writeFile(without, second, {});
+    for (const wchar_t* const ending : {L".dxf", L".dwg"}) {
+        const std::wstring first = path("first") + ending;
+        const std::wstring second = path("second") + ending;
+        dxf::writeFile(*database_, first, {});
+        HvacSolid::rxTerm();
+        {
+            AcDbDatabase without(false, true);
+            dxf::readFile(without, first);
+            dxf::writeFile(without, second, {});
+        }
+        HvacSolid::rxInit();
+        acrxBuildClassHierarchy();
+        for (const std::wstring& file : {first, second}) {
+            AcDbDatabase read(false, true);
+            dxf::readFile(read, file);
+            Opened<AcDbBlockTableRecord> space(read.modelSpaceId());
+            const auto walk = space->newIterator();
+            ASSERT_FALSE(walk->done());
+            AcDbObjectId id;
+            walk->getEntityId(id);
+            EXPECT_NEAR(volumeOf(id), 40 * kPi, 1e-6);
+        }
     }
-    HvacSolid::rxInit();
-    acrxBuildClassHierarchy();
-    AcDbDatabase read(false, true);
-    dxf::readFile(read, second);
-    Opened<AcDbBlockTableRecord> space(read.modelSpaceId());
-    const auto walk = space->newIterator();
-    ASSERT_FALSE(walk->done());
-    AcDbObjectId id;
-    walk->getEntityId(id);
-    EXPECT_NEAR(volumeOf(id), 40 * kPi, 1e-6);
 }
 
 }  // namespace

@@ -71,6 +71,10 @@ TEST_F(LeaderFilesTest, AnUnchangedOneKeepsWhatItsFileHas) {
     EXPECT_TRUE(dxf::read(copy, content, L"plan.dxf").empty());
     EXPECT_EQ(leaderOf(copy, "2018"), leaderOf(database(), "2018"))
         << "though the leader that was read has no symbol to draw";
+    const auto whole = leaderOf(database(), "2007");
+    EXPECT_EQ(count(leaderOf(copy, "2007"), "310 "), count(whole, "310 "))
+        << "in other releases too";
+    EXPECT_EQ(count(leaderOf(copy, "2007"), "92 "), 1u);
 }
 
 TEST_F(LeaderFilesTest, AChangedOneHasOnlyItsNewLooks) {

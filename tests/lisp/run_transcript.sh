@@ -27,7 +27,7 @@ mkdir "$TEMP/files" "$TEMP/home"
 actual=$TEMP
 TEMP=$TEMP/files
 export TEMP TMPDIR="$TEMP" HOME="$actual/home" LANG=C.UTF-8 SWIFTGATE_SHELL=false \
-    COMPUTERNAME=DRAFTING
+    COMPUTERNAME=DRAFTING QT_QPA_PLATFORM=offscreen
 unset XDG_CONFIG_HOME XDG_DATA_HOME XDG_STATE_HOME XDG_CACHE_HOME LC_ALL LC_TIME TMP || true
 trap 'rm -rf "$actual"' EXIT
 

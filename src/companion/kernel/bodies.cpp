@@ -124,8 +124,7 @@ bool isSound(const TopoDS_Shape& solid) {
 }
 
 TopoDS_Shape solidOf(const Body& body) {
-    TopoDS_Shape solid = std::visit(Maker(), body);
-    return isSound(solid) ? solid : TopoDS_Shape();
+    return std::visit(Maker(), body);
 }
 
 }  // namespace sg::companion

@@ -7,7 +7,7 @@
 
 namespace sg::companion {
 
-// The solid of a body; null when it has no volume or is not valid. Faults of the library go on.
+// The solid of a body, sound or not; null when there is none. Faults of the library go on.
 TopoDS_Shape solidOf(const Body& body);
 
 // Whether a solid is closed, valid and has its inside within.

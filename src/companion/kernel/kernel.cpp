@@ -55,18 +55,18 @@ TopoDS_Shape compoundOf(const Solids& solids) {
 // Does what steps say to the solids that stand; false when one of them cannot be done.
 class Doer {
   public:
-    explicit Doer(Standing& standing) : standing_(standing) {}
+    Doer(Standing& standing, bool isKnown) : standing_(standing), isKnown_(isKnown) {}
 
     bool operator()(const AddBody& step) {
         const TopoDS_Shape solid = solidOf(step.body);
-        if (solid.IsNull()) return false;
+        if (!isFit(solid)) return false;
         standing_.solids.push_back(solid);
         standing_.lastParts = 1;
         return true;
     }
     bool operator()(const CutBody& step) {
         const TopoDS_Shape tool = solidOf(step.body);
-        if (tool.IsNull()) return false;
+        if (!isFit(tool)) return false;
         return replace(standing_.solids.size(), [&](const TopoDS_Shape& solid, Solids& parts) {
             return cut(solid, tool, parts);
         });
@@ -78,7 +78,7 @@ class Doer {
     }
     bool operator()(const Unite& step) {
         Standing others;
-        Doer other(others);
+        Doer other(others, true);
         for (const Step& each : step.steps) {
             if (!std::visit(other, each.action)) return false;
         }
@@ -90,6 +90,10 @@ class Doer {
     }
 
   private:
+    bool isFit(const TopoDS_Shape& solid) const {
+        return !solid.IsNull() && (isKnown_ || isSound(solid));
+    }
+
     // Puts what `change` makes of each of the last solids in their place.
     template <class Change>
     bool replace(size_t count, const Change& change) {
@@ -109,14 +113,15 @@ class Doer {
     }
 
     Standing& standing_;
+    const bool isKnown_;
 };
 
 class Kernel final : public SolidKernel {
   public:
-    ShapePtr apply(const ShapePtr& before, const Step& step) const override {
+    ShapePtr apply(const ShapePtr& before, const Step& step, bool isKnown) const override {
         Standing standing;
         if (before != nullptr) standing = static_cast<const Bodies&>(*before).standing();
-        Doer doer(standing);
+        Doer doer(standing, isKnown);
         if (!withoutFaults([&] { return std::visit(doer, step.action); })) return nullptr;
         return std::make_shared<Bodies>(std::move(standing));
     }

@@ -47,8 +47,9 @@ class SolidKernel {
     virtual ~SolidKernel() = default;
 
     // The shape that a step makes of another, of which null is one without bodies. Null when it
-    // cannot be made.
-    virtual ShapePtr apply(const ShapePtr& before, const Step& step) const = 0;
+    // cannot be made. The bodies of a known step have been looked at when it was new, and are not
+    // again, which takes longer than making them.
+    virtual ShapePtr apply(const ShapePtr& before, const Step& step, bool isKnown) const = 0;
     // Bodies that overlap are one in all of these. False when the library gives up.
     virtual bool facets(const Shape& shape, Polygons polygons, Facets& facets) const = 0;
     virtual bool measure(const Shape& shape, Measures& measures) const = 0;

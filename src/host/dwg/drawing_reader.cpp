@@ -32,13 +32,27 @@ dxf::TextCodec codecOf(const FileContent& content) {
     return {codePageName(content.codePage), false, kHasCarets};
 }
 
-AcDbObjectId model::DatabaseRoots::*const kTables[] = {
-    &model::DatabaseRoots::blockTable,    &model::DatabaseRoots::layerTable,
-    &model::DatabaseRoots::linetypeTable, &model::DatabaseRoots::textStyleTable,
-    &model::DatabaseRoots::dimStyleTable, &model::DatabaseRoots::viewTable,
-    &model::DatabaseRoots::viewportTable, &model::DatabaseRoots::ucsTable,
-    &model::DatabaseRoots::regAppTable,
+// Where each table is, and the name of its class, which is that of its records but for an end.
+struct Table {
+    AcDbObjectId model::DatabaseRoots::*root;
+    std::wstring_view className;
 };
+constexpr Table kTables[] = {
+    {&model::DatabaseRoots::blockTable, L"AcDbBlockTable"},
+    {&model::DatabaseRoots::layerTable, L"AcDbLayerTable"},
+    {&model::DatabaseRoots::linetypeTable, L"AcDbLinetypeTable"},
+    {&model::DatabaseRoots::textStyleTable, L"AcDbTextStyleTable"},
+    {&model::DatabaseRoots::dimStyleTable, L"AcDbDimStyleTable"},
+    {&model::DatabaseRoots::viewTable, L"AcDbViewTable"},
+    {&model::DatabaseRoots::viewportTable, L"AcDbViewportTable"},
+    {&model::DatabaseRoots::ucsTable, L"AcDbUCSTable"},
+    {&model::DatabaseRoots::regAppTable, L"AcDbRegAppTable"},
+};
+
+bool isOfClass(AcDbObjectId id, const std::wstring& name) {
+    const AcDbObject* const object = model::DatabaseTable::objectOf(id);
+    return object != nullptr && object->isA()->name() == name;
+}
 
 }  // namespace
 
@@ -98,6 +112,7 @@ void DrawingReader::readObjects(const std::vector<ObjectPlace>& places) {
     ObjectReader reader(reading_);
     loadAll(reader, places);
     orderEntities(reader.links());
+    checkParts();
     checkBlocks();
 }
 
@@ -136,6 +151,26 @@ void DrawingReader::orderEntities(const Links& links) {
     }
 }
 
+// Parts are of one whole, which has no part of its own in them: damaged files may have circles.
+void DrawingReader::checkParts() {
+    std::vector<AcDbObject*> damaged;
+    reading_.state.forEach([&](AcDbObject& object) {
+        const auto* const whole = AcDbEntity::cast(&object);
+        if (whole == nullptr) return;
+        for (const AcDbObjectId id : ObjectAccess::partsOf(*whole)) {
+            const auto* const part = peek<AcDbEntity>(id);
+            if (part == nullptr || part->ownerId() == object.objectId()) continue;
+            damaged.push_back(&object);
+            return;
+        }
+    });
+    for (AcDbObject* const object : damaged) {
+        reading_.warn(L"object " + object->objectId().handle().text() +
+                      L" has parts of another object and is left out");
+        reading_.state.forget(*object);
+    }
+}
+
 // A block has the entities that are there and say that they are its, in its own order as far as it
 // has one.
 void DrawingReader::checkBlocks() {
@@ -169,17 +204,17 @@ void DrawingReader::checkBlocks() {
 
 // A table that is not there, or is none, is made anew; records that are not there are in none.
 void DrawingReader::checkTables() {
-    for (AcDbObjectId model::DatabaseRoots::*const root : kTables) {
-        AcDbObjectId& id = reading_.state.roots.*root;
-        const auto* const table = peek<AcDbSymbolTable>(id);
-        if (table == nullptr) {
+    for (const Table& known : kTables) {
+        const std::wstring className(known.className);
+        AcDbObjectId& id = reading_.state.roots.*known.root;
+        if (!isOfClass(id, className)) {
             id.setNull();
             continue;
         }
-        auto& records = ObjectAccess::records(*table);
+        auto& records = ObjectAccess::records(*peek<AcDbSymbolTable>(id));
         std::vector<AcDbObjectId> present = records.ids;
-        std::erase_if(present, [](AcDbObjectId record) {
-            return peek<AcDbSymbolTableRecord>(record) == nullptr;
+        std::erase_if(present, [&](AcDbObjectId record) {
+            return !isOfClass(record, className + L"Record");
         });
         records.assign(std::move(present));
         records.namesChanged();

@@ -18,6 +18,7 @@ class DrawingReader {
     void readObjects(const std::vector<ObjectPlace>& places);
     void loadAll(ObjectReader& reader, const std::vector<ObjectPlace>& places);
     void orderEntities(const Links& links);
+    void checkParts();
     void checkBlocks();
     void checkTables();
     void numberBlocks();

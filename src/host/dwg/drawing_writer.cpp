@@ -21,6 +21,8 @@ using model::peek;
 namespace {
 
 constexpr bool kHasCarets = false;
+// Previews have been small since release 2013; readers refuse the pages of greater ones.
+constexpr size_t kMostPreview = 0x7C00;
 
 std::string_view codePageOf(const model::DatabaseState& state) {
     return state.origin == nullptr || state.origin->codePage.empty()
@@ -48,8 +50,7 @@ bool isViewportHeader(const model::ProxyData& data) {
 }  // namespace
 
 DrawingWriter::DrawingWriter(const AcDbDatabase& database, const dxf::Release& release)
-    : database_(database),
-      state_(model::DatabaseState::of(database)),
+    : state_(model::DatabaseState::of(database)),
       own_(originOf(state_)),
       wanted_(release),
       context_{const_cast<AcDbDatabase&>(database),
@@ -145,8 +146,8 @@ void DrawingWriter::writeTables() {
     }
 }
 
-// Entities of one owner in their order; each of the parts of one is a row of its own.
-void DrawingWriter::writeRow(const std::vector<AcDbObjectId>& entities) {
+// Entities of one owner in their order. The parts of one, which have no parts, are another row.
+void DrawingWriter::writeRow(const std::vector<AcDbObjectId>& entities, bool areParts) {
     ObjectWriter::Neighbours neighbours;
     uint64_t own = 0;
     AcDbObjectId waiting;
@@ -155,9 +156,7 @@ void DrawingWriter::writeRow(const std::vector<AcDbObjectId>& entities) {
         neighbours.behind = behind;
         write(id, neighbours);
         neighbours.before = own;
-        const auto* const entity = peek<AcDbEntity>(id);
-        const std::vector<AcDbObjectId> parts = ObjectAccess::partsOf(*entity);
-        if (!parts.empty()) writeRow(parts);
+        if (!areParts) writeRow(ObjectAccess::partsOf(*peek<AcDbEntity>(id)), true);
     };
     for (const AcDbObjectId id : entities) {
         const uint64_t handle = handleOf(id);
@@ -172,7 +171,7 @@ void DrawingWriter::writeRow(const std::vector<AcDbObjectId>& entities) {
 void DrawingWriter::writeBlock(const AcDbBlockTableRecord& block) {
     const auto& contents = ObjectAccess::contents(block);
     write(contents.begin);
-    writeRow(contents.entities);
+    writeRow(contents.entities, false);
     write(contents.end);
 }
 
@@ -235,7 +234,8 @@ void DrawingWriter::keepSections(FileParts& parts) const {
         (state_.origin->release >= AcDb::kDHL_1021) == (release() >= AcDb::kDHL_1021);
     for (const model::DwgOrigin::Section& one : own_->sections) {
         if (one.name == section::kPreview) {
-            parts.preview = one.data;
+            const bool isSmall = release() < AcDb::kDHL_1027 || one.data.size() <= kMostPreview;
+            if (isSmall) parts.preview = one.data;
         } else if (one.name == section::kStoredData) {
             if (release() >= AcDb::kDHL_1027) parts.storedData = one.data;
         } else if (one.name == section::kSummary && hasSameTexts) {

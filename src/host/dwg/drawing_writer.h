@@ -26,7 +26,7 @@ class DrawingWriter {
     void writeTables();
     void writeBlocks();
     void writeBlock(const AcDbBlockTableRecord& block);
-    void writeRow(const std::vector<AcDbObjectId>& entities);
+    void writeRow(const std::vector<AcDbObjectId>& entities, bool areParts);
     void writeOthers();
     void write(AcDbObjectId id, ObjectWriter::Neighbours neighbours);
     void write(AcDbObjectId id);
@@ -37,7 +37,6 @@ class DrawingWriter {
     std::vector<uint64_t> rootHandles() const;
     uint64_t handleOf(AcDbObjectId id) const;
 
-    const AcDbDatabase& database_;
     const model::DatabaseState& state_;
     const model::DwgOrigin* own_;
     const dxf::Release& wanted_;

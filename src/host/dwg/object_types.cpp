@@ -75,7 +75,7 @@ constexpr ObjectType kTypes[] = {
     {67, L"APPID", L"AcDbRegAppTableRecord", false},
     {68, L"TABLE", L"AcDbDimStyleTable", false},
     {69, L"DIMSTYLE", L"AcDbDimStyleTableRecord", false},
-    {kViewportHeaders, L"TABLE", L"AcDbVXTable", false},
+    {kViewportHeaders, L"VX_CONTROL", L"AcDbVXTable", false},
     {kLastTable, L"VX", L"AcDbVXTableRecord", false},
     {72, L"GROUP", L"AcDbGroup", false},
     {73, L"MLINESTYLE", L"AcDbMlineStyle", false},

@@ -188,6 +188,8 @@ void DrawingWriter::writeEntities(AcDbObjectId blockId) {
 bool DrawingWriter::hasGroups(const AcDbObject& object) {
     const model::ProxyData* const data = model::proxyData(object);
     if (data == nullptr || data->bits == nullptr || !data->groups.empty()) return true;
+    // Tables of viewports that only old DWG files have, which every program makes anew.
+    if (data->className.starts_with(L"AcDbVX")) return false;
     ++losses_[model::dxfNameOf(object)];
     return false;
 }

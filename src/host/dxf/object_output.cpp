@@ -183,6 +183,24 @@ std::string graphicsOf(const AcDbObject& object) {
     return graphics;
 }
 
+bool hasGraphics(const GroupData& unknown) {
+    bool isHere = false;
+    for (GroupData::Walk walk(unknown); walk.next();) {
+        const GroupData::Group& group = walk.group();
+        if (group.code == kMarker) isHere = group.text == kEntitySection;
+        if (isHere && group.code == kGraphics) return true;
+    }
+    return false;
+}
+
+// Groups tell less of some entities than their file's graphics show, so that those stay as long as
+// the entity does.
+bool keepsGraphics(const AcDbObject& object, const model::FileForm& form) {
+    return hasGraphics(form.unknown) &&
+           form.fingerprint ==
+               fingerprintOf(object, static_cast<AcDb::AcDbDwgVersion>(form.release));
+}
+
 }  // namespace
 
 bool ObjectOutput::writeAsRead(const AcDbObject& object, std::string_view tableName) {
@@ -207,8 +225,8 @@ void ObjectOutput::writeAnew(const AcDbObject& object, std::string_view tableNam
     const bool keepsUnknown =
         form != nullptr && !form->unknown.empty() &&
         (release_.number >= form->release || release_.number >= AcDb::kDHL_1021);
-    const Additions additions{tableName, keepsUnknown ? &form->unknown : nullptr,
-                              graphicsOf(object)};
+    Additions additions{tableName, keepsUnknown ? &form->unknown : nullptr, {}};
+    if (!keepsUnknown || !keepsGraphics(object, *form)) additions.graphics = graphicsOf(object);
     const model::Unguarded guard(object);
     if (additions.isEmpty() && release_.number >= AcDb::kDHL_1021) {
         model::GroupWriter<GroupOutput> writer(output_, object.database(), release_.number);

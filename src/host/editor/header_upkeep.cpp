@@ -76,18 +76,18 @@ void HeaderUpkeep::join(SystemVariables& variables) {
 
 void HeaderUpkeep::stamp() {
     const model::DatabaseRoots& roots = model::DatabaseState::of(database_).roots;
-    const auto [low, high] = cornersOf(roots.modelSpace);
-    const auto [sheetLow, sheetHigh] = cornersOf(roots.paperSpace);
+    const auto model = cornersOf(roots.modelSpace);
+    const auto sheet = cornersOf(roots.paperSpace);
     const double timer = userTimer();
     const double open = inDrawing();
     changeHeader(database_, [&](HeaderVariables& header) {
         setTimes(header, L"TDUPDATE", L"TDUUPDATE");
         header.set(L"TDINDWG", open);
         header.set(L"TDUSRTIMER", timer);
-        header.set(L"EXTMIN", low);
-        header.set(L"EXTMAX", high);
-        header.set(L"PEXTMIN", sheetLow);
-        header.set(L"PEXTMAX", sheetHigh);
+        header.set(L"EXTMIN", model.first);
+        header.set(L"EXTMAX", model.second);
+        header.set(L"PEXTMIN", sheet.first);
+        header.set(L"PEXTMAX", sheet.second);
     });
     opened_ = std::chrono::steady_clock::now();
 }

@@ -104,12 +104,40 @@ std::optional<std::wstring> InputChain::file(const FileRequest& request) {
     return std::move(answer.value);
 }
 
+namespace {
+
+// How long the LISP expression is that a text begins with; 0 when it begins with none, or does not
+// end.
+size_t expressionLength(std::wstring_view text) {
+    if (!text.starts_with(L'(')) return 0;
+    size_t depth = 0;
+    bool inString = false;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const wchar_t c = text[i];
+        if (inString) {
+            if (c == L'\\') ++i;
+            inString = c != L'"';
+        } else if (c == L'"') {
+            inString = true;
+        } else if (c == L'(') {
+            ++depth;
+        } else if (c == L')' && --depth == 0) {
+            return i + 1;
+        }
+    }
+    return 0;
+}
+
+}  // namespace
+
 void TypedWords::set(std::wstring_view line) {
     rest_ = trimmed(line);
+    hasLines_ = false;
 }
 
 void TypedWords::setLines(std::wstring_view text) {
     rest_ = text;
+    hasLines_ = true;
     skipBlanks();
 }
 
@@ -121,7 +149,9 @@ void TypedWords::skipBlanks() {
 Answer<std::wstring> TypedWords::text(const TextRequest& request) {
     if (rest_.empty()) return {};
     const auto ends = [&](wchar_t c) { return c == L'\n' || (!request.wholeLine && isBlank(c)); };
-    const auto end = std::find_if(rest_.begin(), rest_.end(), ends);
+    const size_t expression = hasLines_ && !request.wholeLine ? expressionLength(rest_) : 0;
+    const auto first = rest_.begin() + static_cast<std::ptrdiff_t>(expression);
+    const auto end = std::find_if(first, rest_.end(), ends);
     std::wstring word(trimmedRight(std::wstring_view(rest_.begin(), end)));
     const bool endsLine = end != rest_.end() && *end == L'\n';
     rest_.erase(rest_.begin(), endsLine ? end + 1 : end);

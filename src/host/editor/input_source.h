@@ -147,7 +147,7 @@ class SG_API TypedWords : public InputSource {
   public:
     void set(std::wstring_view line);  // replaces what is left
     // The same with the lines behind it: the end of a line ends an answer, and where none has begun
-    // it is Enter.
+    // it is Enter. A LISP expression is one word.
     void setLines(std::wstring_view text);
     void clear() { rest_.clear(); }
     bool empty() const { return rest_.empty(); }
@@ -160,6 +160,7 @@ class SG_API TypedWords : public InputSource {
     void skipBlanks();
 
     std::wstring rest_;  // without blanks in front
+    bool hasLines_ = false;
 };
 
 // The person at the display, where there is one, closes dialogs, answers the boxes that come up

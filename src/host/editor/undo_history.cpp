@@ -46,9 +46,7 @@ void UndoHistory::close() {
 
 void UndoHistory::forgetOldest(size_t count) {
     if (count == 0 || count >= records_.size()) return;
-    const size_t before = log_.byteCount();
-    log_.forgetBefore(count);
-    if (log_.byteCount() == before) return;  // not now: something is open
+    if (!log_.forgetBefore(count)) return;
     records_.erase(records_.begin(), records_.begin() + static_cast<std::ptrdiff_t>(count));
     std::erase_if(marks_, [count](size_t mark) { return mark < count; });
     for (size_t& mark : marks_)

@@ -63,6 +63,7 @@ class Sorter {
 
     void drawByDistance(Items items) const {
         std::vector<std::pair<double, size_t>> order;
+        order.reserve(items.size());
         for (size_t i = 0; i < items.size(); ++i) {
             double sum = 0;
             for (const AcGePoint3d& p : items[i].points)

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <map>
+#include <tuple>
 
 namespace sg::render {
 namespace {
@@ -43,28 +43,48 @@ bool isGrey(uint32_t color) {
 class EdgeUses {
   public:
     void add(int32_t from, int32_t to, bool isFacing) {
-        Use& use = uses_[from < to ? std::pair(from, to) : std::pair(to, from)];
-        ++use.faces;
-        use.facing += isFacing ? 1 : 0;
+        uses_.push_back({std::min(from, to), std::max(from, to), isFacing});
+    }
+    // Brings the uses of an edge together. Nothing is added afterwards.
+    void gather() {
+        std::sort(uses_.begin(), uses_.end(), [](const Use& a, const Use& b) {
+            return std::tie(a.from, a.to) < std::tie(b.from, b.to);
+        });
     }
     bool isClosed() const {
-        return std::all_of(uses_.begin(), uses_.end(),
-                           [](const auto& each) { return each.second.faces == 2; });
+        bool areAllShared = true;
+        visit([&](std::span<const Use> edge) { areAllShared = areAllShared && edge.size() == 2; });
+        return areAllShared;
     }
     // Visits the edges between a face that looks at the eye and one that looks away.
     template <class Visit>
-    void visitOutline(const Visit& visit) const {
-        for (const auto& [edge, use] : uses_) {
-            if (use.faces == 2 && use.facing == 1) visit(edge.first, edge.second);
-        }
+    void visitOutline(const Visit& visitor) const {
+        visit([&](std::span<const Use> edge) {
+            if (edge.size() == 2 && edge[0].isFacing != edge[1].isFacing) {
+                visitor(edge[0].from, edge[0].to);
+            }
+        });
     }
 
   private:
     struct Use {
-        int faces = 0;
-        int facing = 0;
+        int32_t from, to;
+        bool isFacing;
     };
-    std::map<std::pair<int32_t, int32_t>, Use> uses_;
+
+    template <class Visit>
+    void visit(const Visit& visitor) const {
+        for (size_t at = 0; at < uses_.size();) {
+            size_t end = at + 1;
+            while (end < uses_.size() && uses_[end].from == uses_[at].from &&
+                   uses_[end].to == uses_[at].to)
+                ++end;
+            visitor(std::span(uses_).subspan(at, end - at));
+            at = end;
+        }
+    }
+
+    std::vector<Use> uses_;
 };
 
 }  // namespace
@@ -137,6 +157,7 @@ void ShadedCanvas::shell(const Look& look, std::span<const AcGePoint3d> points,
             edges.add(faces[at + i], faces[at + (i + 1) % count], face.isFacing);
         at += count;
     }
+    edges.gather();
     const bool isClosed = edges.isClosed();
     for (Face& face : found) {
         if (face.normal.isZeroLength() || (isClosed && !face.isFacing)) continue;
@@ -180,15 +201,16 @@ void ShadedCanvas::finish() {
         return;
     }
     std::vector<DepthItem> items;
+    items.reserve(calls_.size());
     for (uint32_t i = 0; i < calls_.size(); ++i)
         addItems(i, items);
     drawFromBehind(std::move(items), towardsEye_,
                    [this](const DepthItem& part) { drawPart(part); });
 }
 
-// Endless lines are behind everything.
-void ShadedCanvas::addItems(uint32_t source, std::vector<DepthItem>& items) const {
-    const Call& call = calls_[source];
+// Endless lines are behind everything. The points of areas are handed over.
+void ShadedCanvas::addItems(uint32_t source, std::vector<DepthItem>& items) {
+    Call& call = calls_[source];
     if (call.kind == Kind::endless || call.points.empty()) {
         draw(call);
         return;
@@ -199,7 +221,8 @@ void ShadedCanvas::addItems(uint32_t source, std::vector<DepthItem>& items) cons
                 ? call.normal
                 : areaVector({call.points.data(), call.counts.empty() ? 0 : call.counts.front()});
         if (normal.isZeroLength()) return;
-        items.push_back({source, false, call.points, call.counts, normal.normal()});
+        items.push_back(
+            {source, false, std::move(call.points), std::move(call.counts), normal.normal()});
         return;
     }
     const AcGeVector3d nearer = towardsEye_ * (kNearer * unitsPerPixel());
@@ -225,7 +248,7 @@ void ShadedCanvas::draw(const Call& call) const {
 }
 
 // Faces cover the seams between their parts too.
-void ShadedCanvas::drawPart(const DepthItem& part) const {
+void ShadedCanvas::drawPart(const DepthItem& part) {
     const Call& call = calls_[part.source];
     if (part.isLine) {
         target_.line(call.look, part.points, false, call.run);
@@ -233,9 +256,9 @@ void ShadedCanvas::drawPart(const DepthItem& part) const {
     }
     target_.area(call.look, part.points, part.counts, call.rule);
     if (call.kind != Kind::face || !isConvex(part)) return;
-    std::vector<AcGePoint3d> bound = part.points;
-    bound.push_back(bound.front());
-    target_.line(call.look, bound, true, PatternRun::none);
+    bound_.assign(part.points.begin(), part.points.end());
+    bound_.push_back(bound_.front());
+    target_.line(call.look, bound_, true, PatternRun::none);
 }
 
 }  // namespace sg::render

@@ -46,15 +46,16 @@ class ShadedCanvas final : public Canvas {
     };
 
     Look shaded(const Look& look, const AcGeVector3d& normal) const;
-    void addItems(uint32_t source, std::vector<DepthItem>& items) const;
+    void addItems(uint32_t source, std::vector<DepthItem>& items);
     void draw(const Call& call) const;
-    void drawPart(const DepthItem& part) const;
+    void drawPart(const DepthItem& part);
 
     Canvas& target_;
     const AcGeVector3d towardsEye_;
     const AcGeVector3d light_;
     std::vector<Call> calls_;
     bool hasFaces_ = false;
+    std::vector<AcGePoint3d> bound_;  // of the part that is being drawn
 };
 
 }  // namespace sg::render

@@ -4,9 +4,12 @@
 
 #include "base/encoding.h"
 #include "host/dxf/drawing_files.h"
-#include "host/editor/commands/active_command.h"
+#include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
 #include "host/editor/system_variables.h"
+#include "host/lisp/interpreter.h"
+#include "host/lisp/reader.h"
+#include "host/seam/command_answers.h"
 #include "host/seam/file_error.h"
 #include "host/seam/host.h"
 #include "host/seam/prompting.h"
@@ -47,19 +50,51 @@ void CommandRunner::answer(Document& document, std::optional<PromptAnswer> answe
     if (document.command->isDone()) document.command.reset();
 }
 
+std::optional<PromptAnswer> CommandRunner::askOnce(const ActiveCommand::Waiting& waiting) {
+    if (!waiting.isText) return host_.input().prompt(waiting.prompt);
+    const auto typed = host_.input().text(waiting.text);
+    if (!typed) return std::nullopt;
+    PromptAnswer answer;
+    answer.text = *typed;
+    return answer;
+}
+
 bool CommandRunner::askUser(Document& document) {
     if (document.command == nullptr) return false;
     const ActiveCommand::Waiting waiting = document.command->waiting();
-    std::optional<PromptAnswer> given;
-    if (!waiting.isText) {
-        given = host_.input().prompt(waiting.prompt);
-    } else if (auto typed = host_.input().text(waiting.text)) {
-        given.emplace();
-        given->text = std::move(*typed);
+    for (;;) {
+        std::optional<PromptAnswer> given = askOnce(waiting);
+        const bool isAnswered = given.has_value();
+        const bool isProgram = isAnswered && !waiting.isText &&
+                               given->kind == PromptAnswer::Kind::text &&
+                               (given->text.starts_with(L'(') || given->text.starts_with(L'!'));
+        if (isProgram) given = evaluated(document, given->text);
+        if (isProgram && !given) continue;
+        answer(document, std::move(given));
+        return isAnswered;
     }
-    const bool answered = given.has_value();
-    answer(document, std::move(given));
-    return answered;
+}
+
+// What an expression, or behind "!" anything, answers a prompt with; nullopt, with an error told,
+// when it does not.
+std::optional<PromptAnswer> CommandRunner::evaluated(Document& document,
+                                                     const std::wstring& program) {
+    lisp::Interpreter& in = host_.interpreter();
+    lisp::Namespace* const before = in.enterNamespace(&document.variables());
+    std::optional<PromptAnswer> answer;
+    const lisp::Interpreter::Outcome outcome = in.runProtected([&] {
+        const std::wstring_view text = program;
+        lisp::Reader reader(in, text.substr(program.starts_with(L'!') ? 1 : 0));
+        const lisp::Value form = reader.read();
+        in.push(form);
+        const lisp::Value value = in.eval(form);
+        in.push(value);
+        if (!value.isNil()) answer = answerFromLisp(in, value, false);
+        return lisp::Value::nil();
+    });
+    in.enterNamespace(in.isAlive(before) ? before : nullptr);
+    if (outcome.failed) host_.output().reportError(L"; error: " + outcome.error.message);
+    return answer;
 }
 
 void CommandRunner::finish(Document& document) {

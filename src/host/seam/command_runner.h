@@ -4,13 +4,12 @@
 #include <string_view>
 
 #include "base/export.h"
-#include "host/editor/input_source.h"
+#include "host/editor/commands/active_command.h"
 
 namespace sg {
 
 class Document;
 class Host;
-struct CommandRow;
 
 // The built-in commands of the host's documents: programs and people start them and answer their
 // prompts. A document has one on its way at most.
@@ -23,13 +22,16 @@ class SG_API CommandRunner {
     bool start(Document& document, std::wstring_view name, bool fromProgram);
     // Answers the prompt that the command waits at; nullopt is Esc.
     void answer(Document& document, std::optional<PromptAnswer> answer);
-    // Lets the person, or script, that answers prompts answer it. False: by Esc.
+    // Lets the person, or script, that answers prompts answer it. False: by Esc. Where no text is
+    // asked for, an answer that starts with "(" or "!" is LISP, whose value answers.
     bool askUser(Document& document);
     // Asks so until the command has ended.
     void finish(Document& document);
     void cancel(Document& document);
 
   private:
+    std::optional<PromptAnswer> askOnce(const ActiveCommand::Waiting& waiting);
+    std::optional<PromptAnswer> evaluated(Document& document, const std::wstring& program);
     void startRow(Document& document, const CommandRow& row, bool fromProgram);
     void open(const std::wstring& path);
     void save(Document& document, const std::wstring& path, const std::wstring& release);

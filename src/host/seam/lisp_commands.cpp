@@ -1,18 +1,13 @@
 #include <fmt/xchar.h>
 
-#include <charconv>
-
-#include "base/encoding.h"
 #include "base/text.h"
 #include "host/editor/command_line_output.h"
 #include "host/editor/commands/active_command.h"
-#include "host/editor/selection/selection_sets.h"
 #include "host/editor/system_variables.h"
+#include "host/seam/command_answers.h"
 #include "host/seam/command_runner.h"
-#include "host/seam/entity_lists.h"
 #include "host/seam/lisp_drawing.h"
 #include "host/seam/lisp_functions.h"
-#include "host/seam/lisp_points.h"
 #include "host/seam/prompting.h"
 
 // AutoLISP's functions that run commands.
@@ -26,14 +21,6 @@ using lisp::Interpreter;
 using lisp::Value;
 
 constexpr std::wstring_view kPause = L"\\";
-
-// With all its digits and without an exponent, as one may type it.
-std::wstring numberText(double number) {
-    char digits[400];
-    const auto [end, error] =
-        std::to_chars(digits, digits + sizeof(digits), number, std::chars_format::fixed);
-    return fromUtf8({digits, static_cast<size_t>(end - digits)});
-}
 
 // Gives the arguments of one call to the commands of the current drawing, one after the other.
 class CommandFeed {
@@ -56,7 +43,6 @@ class CommandFeed {
     Document& document() { return requireDocument(in_); }
     void startCommand(Value value);
     void pause();
-    PromptAnswer answerOf(Value value, bool isText);
     void echo(const std::wstring& text);
 
     // What a command prints shows only when commands echo.
@@ -95,39 +81,6 @@ void CommandFeed::startCommand(Value value) {
     output.print(fmt::format(L"Unknown command \"{}\".\n", upperCased(name)));
 }
 
-// An entity may come with the place where it is picked, as entsel answers it.
-PromptAnswer CommandFeed::answerOf(Value value, bool isText) {
-    PromptAnswer answer;
-    if (value.isString()) {
-        answer.text = in_.str(value);
-    } else if (value.isInt()) {
-        answer.text = std::to_wstring(value.asInt());
-    } else if (value.isNumber()) {
-        answer.text = numberText(value.asNumber());
-    } else if (isPoint(value)) {
-        answer.kind = PromptAnswer::Kind::point;
-        answer.point = pointArgument(in_, value);
-        if (isText) {
-            answer.text = numberText(answer.point.x) + L"," + numberText(answer.point.y) + L"," +
-                          numberText(answer.point.z);
-        }
-    } else if (lisp::asPickSet(value) != nullptr) {
-        answer.kind = PromptAnswer::Kind::set;
-        const SelectionSet* const set = host_.selectionSets().find(lisp::asPickSet(value)->name);
-        answer.set = std::make_shared<SelectionSet>(set == nullptr ? SelectionSet() : *set);
-    } else {
-        const bool hasPlace = value.isCons() && value.asCons()->cdr.isCons() &&
-                              isPoint(value.asCons()->cdr.asCons()->car);
-        const Value name = hasPlace ? value.asCons()->car : value;
-        const AcDbObjectId id = entityArgument(in_, name);
-        answer.kind = PromptAnswer::Kind::entity;
-        answer.handle = static_cast<uint64_t>(id.handle());
-        answer.hasPoint = hasPlace;
-        if (hasPlace) answer.point = pointArgument(in_, value.asCons()->cdr.asCons()->car);
-    }
-    return answer;
-}
-
 void CommandFeed::pause() {
     if (host_.commands().askUser(document())) return;
     succeeded_ = false;
@@ -140,7 +93,7 @@ void CommandFeed::take(Value value) {
     if (command == nullptr) return startCommand(value);
     if (value.isString() && in_.text(value) == kPause) return pause();
     const ActiveCommand::Waiting& waiting = command->waiting();
-    PromptAnswer answer = answerOf(value, waiting.isText);
+    PromptAnswer answer = answerFromLisp(in_, value, waiting.isText);
     echo(waiting.message() + answer.text);
     quietly([&](Document& document) { host_.commands().answer(document, std::move(answer)); });
 }

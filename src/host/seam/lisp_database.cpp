@@ -24,7 +24,7 @@ using lisp::Interpreter;
 using lisp::ListBuilder;
 using lisp::Value;
 
-// ---- Database files ----------------------------------------------------------------------------
+// --- Database files ---
 
 jet::Database openNamed(Interpreter& in, Value file, jet::OpenMode mode) {
     const std::wstring path = absolutePath(resolvePath(lisp::fileName(in, file)).path);
@@ -111,8 +111,7 @@ Value fnDatabaseExecute(Interpreter& in, Args a) {
     });
 }
 
-// ---- A colour
-// ------------------------------------------------------------------------------------
+// --- A colour ---
 
 // (acad_colordlg color [flag])
 Value fnColorDialog(Interpreter& in, Args a) {

@@ -51,8 +51,7 @@ QString nameOf(int color) {
 
 }  // namespace
 
-// ---- The fields
-// ----------------------------------------------------------------------------------
+// --- The fields ---
 
 ColorFields::ColorFields(QWidget* parent) : QWidget(parent) {
     setFocusPolicy(Qt::StrongFocus);
@@ -150,8 +149,7 @@ void ColorFields::keyPressEvent(QKeyEvent* event) {
     Take(next >= 0 ? next : ColorAt(here + 2 * step));
 }
 
-// ---- The dialog
-// ----------------------------------------------------------------------------------
+// --- The dialog ---
 
 ColorDialog::ColorDialog(QWidget* parent, int color, bool withNamed)
     : CDialog(parent), withNamed_(withNamed), color_(color) {

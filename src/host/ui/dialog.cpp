@@ -67,8 +67,7 @@ CDialog::CDialog(QWidget* parent) : QDialog(prepared(parent)) {
 
 CDialog::~CDialog() = default;
 
-// ---- Running
-// -------------------------------------------------------------------------------------
+// --- Running ---
 
 intptr_t CDialog::DoModal() {
     Open();
@@ -117,8 +116,7 @@ void CDialog::OnPlace() {
     adjustSize();
 }
 
-// ---- Controls
-// ------------------------------------------------------------------------------------
+// --- Controls ---
 
 void CDialog::SetControlId(QWidget& control, int id) {
     control.setObjectName(QString::number(id));
@@ -169,8 +167,7 @@ QLabel* CDialog::NewLabel(const wchar_t* text, QWidget* control) {
     return label;
 }
 
-// ---- What a script is told and does
-// ----------------------------------------------------------------
+// --- What a script is told and does ---
 
 std::wstring CDialog::Title() const {
     return windowTitle().toStdWString();

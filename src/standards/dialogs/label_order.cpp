@@ -106,8 +106,7 @@ void LabelOrderCustomization::RemoveHidden() {
     }
 }
 
-// ---- Editing
-// -------------------------------------------------------------------------------------
+// --- Editing ---
 
 bool LabelOrderCustomization::OnBeginEdit(grid::CGridCtrl&, grid::CCellID cell) {
     if (cell.col == kKey) return false;
@@ -136,8 +135,7 @@ void LabelOrderCustomization::Move(int step) {
     goTo(*grid_, other, grid_->GetFocusCell().col);
 }
 
-// ---- Writing
-// -------------------------------------------------------------------------------------
+// --- Writing ---
 
 std::wstring LabelOrderCustomization::UpdateOf(int row) const {
     const auto text = [&](int column) {

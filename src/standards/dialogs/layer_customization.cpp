@@ -79,8 +79,7 @@ void CLayerCustomization::OnOK() {
     CAcUiDialog::OnOK();
 }
 
-// ---- What the grids tell
-// -------------------------------------------------------------------------
+// --- What the grids tell ---
 
 void CLayerCustomization::OnSelectionChanged(grid::CGridCtrl& grid, grid::CCellID cell) {
     if (cell.row < 1) return;
@@ -116,8 +115,7 @@ bool CLayerCustomization::OnEndEdit(grid::CGridCtrl& grid, grid::CCellID cell) {
     return isAccepted;
 }
 
-// ---- Systems
-// -------------------------------------------------------------------------------------
+// --- Systems ---
 
 void CLayerCustomization::FillSystems(int32_t selected) {
     clearRows(*systemsGrid_);
@@ -255,8 +253,7 @@ void CLayerCustomization::DeleteSystem() {
     EnableMoves();
 }
 
-// ---- Keys and layers
-// -----------------------------------------------------------------------------
+// --- Keys and layers ---
 
 void CLayerCustomization::RebuildNames() {
     keys_->offer(layers_->names());

@@ -33,8 +33,7 @@ QHBoxLayout* nameRow(QWidget* label, QWidget* edit) {
 
 }  // namespace
 
-// ---- The system
-// ----------------------------------------------------------------------------------
+// --- The system ---
 
 void LayerSystemName::AttachConnection(CDBConnection& connection, int32_t system) {
     constexpr bool reportsErrors = true;
@@ -57,8 +56,7 @@ bool LayerSystemName::Take(const QLineEdit& edit) {
     return true;
 }
 
-// ---- Plumbing
-// ------------------------------------------------------------------------------------
+// --- Plumbing ---
 
 CLayerSystemOptionsPlumb::CLayerSystemOptionsPlumb(QWidget* parent) : CDialog(parent) {
     setWindowTitle(QStringLiteral("Layer System Options"));
@@ -78,8 +76,7 @@ void CLayerSystemOptionsPlumb::OnOK() {
     CDialog::OnOK();
 }
 
-// ---- Electrical
-// ----------------------------------------------------------------------------------
+// --- Electrical ---
 
 CLayerSystemOptionsElec::CLayerSystemOptionsElec(QWidget* parent, bool showSolid)
     : CDialog(parent), showSolid_(showSolid) {

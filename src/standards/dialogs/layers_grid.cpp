@@ -72,8 +72,7 @@ int32_t LayersGrid::idAt(int row) const {
     return wholeNumberIn(grid_.GetItemText(row, kId));
 }
 
-// ---- Filling
-// -------------------------------------------------------------------------------------
+// --- Filling ---
 
 void LayersGrid::fill() {
     clearRows(grid_);
@@ -132,8 +131,7 @@ int32_t LayersGrid::showName(const std::wstring& name) {
     return idAt(row);
 }
 
-// ---- Writing
-// -------------------------------------------------------------------------------------
+// --- Writing ---
 
 // The record is being edited or new. True colours are left as they are.
 void LayersGrid::takeRow(int row) {
@@ -205,8 +203,7 @@ bool LayersGrid::deleteLayer(CDBConnection& connection) {
     return true;
 }
 
-// ---- Editing
-// -------------------------------------------------------------------------------------
+// --- Editing ---
 
 bool LayersGrid::beginEdit(grid::CCellID cell) {
     if (cell.col == kColor || cell.col == kLinetype) kept_ = grid_.GetItemText(cell.row, cell.col);

@@ -50,8 +50,12 @@ class Dialogs final : public StandardsDialogs {
         return -1;
     }
 
-    intptr_t customizeTextStyles(CDBConnection& connection, const std::wstring& key) override {
-        CTextStyleCustomization dialog(sgMainWindow(), connection, key);
+    intptr_t customizeTextStyles(CDBConnection& connection, bool isDocuments,
+                                 const std::wstring& key) override {
+        const auto isThere = [&connection, isDocuments] {
+            return !isDocuments || services.isDocuments(&connection);
+        };
+        CTextStyleCustomization dialog(sgMainWindow(), connection, isThere, key);
         return dialog.DoModal();
     }
 

@@ -14,6 +14,8 @@ class CDBConnection;
 struct DialogServices {
     // reportDialogDatabaseError of the module, which keeps the last error's text.
     bool (*reportError)(const CDBConnection* connection);
+    // The connection is still there as the current document's: LISP may have replaced it.
+    bool (*isDocuments)(const CDBConnection* connection);
 };
 
 enum class Discipline { electrical, plumbing, hvac };
@@ -33,8 +35,10 @@ class StandardsDialogs {
     // Without `showSolid` the electrical one hides its check box.
     virtual intptr_t layerSystemOptions(Discipline discipline, CDBConnection& connection,
                                         int32_t system, bool showSolid) = 0;
-    // A key that is not empty is where the focus goes.
-    virtual intptr_t customizeTextStyles(CDBConnection& connection, const std::wstring& key) = 0;
+    // A key that is not empty is where the focus goes. The connection is the current document's,
+    // where `isDocuments` says so.
+    virtual intptr_t customizeTextStyles(CDBConnection& connection, bool isDocuments,
+                                         const std::wstring& key) = 0;
     virtual intptr_t customizeLabelGroup(CDBConnection& connection,
                                          const LabelGroupRequest& request) = 0;
 

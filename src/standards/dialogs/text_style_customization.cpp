@@ -33,8 +33,11 @@ std::wstring shown(const NullableColumn<std::wstring>& column) {
 }  // namespace
 
 CTextStyleCustomization::CTextStyleCustomization(QWidget* parent, CDBConnection& connection,
-                                                 std::wstring key)
-    : CAcUiDialog(parent), connection_(connection), key_(std::move(key)) {
+                                                 std::function<bool()> isThere, std::wstring key)
+    : CAcUiDialog(parent),
+      connection_(connection),
+      isThere_(std::move(isThere)),
+      key_(std::move(key)) {
     setWindowTitle(QStringLiteral("Text Styles"));
     SetDialogName(L"qn_swiftgate:TextStyleCustomization");
     grid_ = newDialogGrid(*this, 84, 18);
@@ -65,18 +68,29 @@ bool CTextStyleCustomization::OnInitDialog() {
     return false;
 }
 
-void CTextStyleCustomization::Fill() {
+std::vector<CTextStyleCustomization::Style> CTextStyleCustomization::ReadStyles() {
     constexpr bool reportsErrors = true;
     TextStyleRecord record(reportsErrors, &connection_);
-    if (!record.setIndex(L"sKey")) return;
+    std::vector<Style> styles;
+    if (!record.setIndex(L"sKey")) return styles;
     for (bool isRow = record.moveFirst(); isRow; isRow = record.moveNext()) {
-        if (!callLisp(L"util-showTextStyle", {record.sKey.get()}).isTrue()) continue;
-        const int row = grid_->InsertRow(record.sKey.get());
+        styles.push_back({std::to_wstring(record.ixTextStyle.get()), record.sKey.get(),
+                          shown(record.sStyleName), shown(record.dHeight),
+                          shown(record.dScaleFactor)});
+    }
+    return styles;
+}
+
+// All rows are read before LISP is called, which may move the table's cursor, or close it.
+void CTextStyleCustomization::Fill() {
+    for (const Style& style : ReadStyles()) {
+        if (!callLisp(L"util-showTextStyle", {style.key}).isTrue()) continue;
+        const int row = grid_->InsertRow(style.key);
         grid_->SetItemState(row, kKey, grid_->GetItemState(row, kKey) | grid::GVIS_READONLY);
-        grid_->SetItemText(row, kId, std::to_wstring(record.ixTextStyle.get()));
-        grid_->SetItemText(row, kStyle, shown(record.sStyleName));
-        grid_->SetItemText(row, kHeight, shown(record.dHeight));
-        grid_->SetItemText(row, kScaleFactor, shown(record.dScaleFactor));
+        grid_->SetItemText(row, kId, style.id);
+        grid_->SetItemText(row, kStyle, style.name);
+        grid_->SetItemText(row, kHeight, style.height);
+        grid_->SetItemText(row, kScaleFactor, style.scaleFactor);
     }
 }
 
@@ -118,7 +132,7 @@ std::wstring CTextStyleCustomization::UpdateOf(int row) const {
 // A statement that fails, as with a number that is none, leaves its row as it was.
 void CTextStyleCustomization::OnOK() {
     if (!IsDefaultWhole()) return;
-    for (int row = 1; row < grid_->GetRowCount(); ++row)
+    for (int row = 1; isThere_() && row < grid_->GetRowCount(); ++row)
         connection_.ExecuteAction(UpdateOf(row));
     CAcUiDialog::OnOK();
 }

@@ -68,6 +68,31 @@ TEST_F(DwgClassTest, AnObjectOutlivesAProgramWithoutItsClass) {
         expectAlive(load(files[i]), kWrittenReleases[i]);
 }
 
+// The class comes when the drawing is open already.
+TEST_F(DwgClassTest, ObjectsComeToLifeWithTheirClass) {
+    AcDbDatabase& database = drawingWithSample();
+    {
+        Opened<AcDbEntity> entity(onlyEntity(database), AcDb::kForWrite);
+        entity->createExtensionDictionary();
+    }
+    std::vector<std::string> files;
+    for (const char* const release : kWrittenReleases)
+        files.push_back(written(database, release));
+    unloadClass();
+    std::vector<AcDbDatabase*> drawings;
+    for (const std::string& file : files)
+        drawings.push_back(&load(file));
+    loadClass();
+    for (size_t i = 0; i < drawings.size(); ++i) {
+        expectAlive(*drawings[i], kWrittenReleases[i]);
+        const auto* const entity = model::peek<AcDbEntity>(onlyEntity(*drawings[i]));
+        ASSERT_NE(entity, nullptr);
+        EXPECT_EQ(entity->color().colorIndex(), 3);
+        EXPECT_TRUE(entity->extensionDictionary().isValid());
+        EXPECT_EQ(written(*drawings[i], kWrittenReleases[i]).size(), files[i].size());
+    }
+}
+
 TEST_F(DwgClassTest, AClassMayAskForAProxy) {
     const std::string file = written(drawingWithSample(), "2018");
     SampleEntity::asksForProxy = true;

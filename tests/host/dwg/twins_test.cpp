@@ -174,10 +174,11 @@ TEST_F(TwinsTest, DrawingsAgreeWithTheirTwins) {
         std::set<std::string> apart;    // what differs, and why is told below
         std::set<std::string> without;  // more classes without a description
     } cases[] = {
-        // A spline by its fit points has the tangents at its ends found otherwise. Bodies have the
-        // time at which they were written; the window was another then, which viewports show; and
-        // boundaries of wipeouts are closed in one of the files alone. Linetypes of multiple lines
-        // are named in another case, and a setting of visual styles came later than the release.
+        // A spline goes by its fit points as near as its tolerance, here through them. Bodies have
+        // the time at which they were written; the window was another then, which viewports show;
+        // and boundaries of wipeouts are closed in one of the files alone. Linetypes of multiple
+        // lines are named in another case, and a setting of visual styles came later than the
+        // release.
         {"example_2000",
          350,
          {"SPLINE 10", "SPLINE 40", "3DSOLID 1", "REGION 1", "VIEWPORT 68", "VPORT 12", "VPORT 40",

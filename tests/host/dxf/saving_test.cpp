@@ -77,12 +77,32 @@ TEST_F(SavingTest, TheOldFileStaysBesideTheNewOne) {
 
 TEST_F(SavingTest, WhatCannotBeWrittenIsRefusedBeforeAnythingHappens) {
     const AcDbDatabase& one = drawingOf(1);
-    write("plan.dwg", "old");
-    EXPECT_THAT(save(one, "plan.dwg"), HasSubstr("plan.dwg: drawings are written as .dxf only"));
+    write("plan.dwt", "old");
+    EXPECT_THAT(save(one, "plan.dwt"),
+                HasSubstr("plan.dwt: drawings are written as .dwg and .dxf"));
     EXPECT_THAT(save(one, "plan"), HasSubstr("the name has no ending"));
     EXPECT_THAT(save(one, "none/plan.dxf"), HasSubstr("No such file or directory"));
-    EXPECT_EQ(read("plan.dwg"), "old");
-    EXPECT_EQ(names(), std::vector<std::string>{"plan.dwg"});
+    EXPECT_EQ(read("plan.dwt"), "old");
+    EXPECT_EQ(names(), std::vector<std::string>{"plan.dwt"});
+}
+
+// DWG files take their names in the same way.
+TEST_F(SavingTest, ADwgFileThatIsCutOffLeavesTheOldFile) {
+    const AcDbDatabase& one = drawingOf(1);
+    const AcDbDatabase& many = drawingOf(5000);
+    ASSERT_EQ(save(one, "plan.dwg"), "saved");
+    const std::string before = read("plan.dwg");
+    for (const size_t limit : {size_t{0}, size_t{100}, size_t{50'000}}) {
+        const int status = endOf(inChild([&] {
+            const rlimit most{limit, limit};
+            setrlimit(RLIMIT_FSIZE, &most);
+            dxf::writeFile(many, path("plan.dwg"));
+        }));
+        EXPECT_TRUE(WIFSIGNALED(status)) << limit;
+        EXPECT_EQ(read("plan.dwg"), before) << limit;
+    }
+    ASSERT_EQ(save(many, "plan.dwg"), "saved");
+    EXPECT_EQ(read("plan.bak"), before);
 }
 
 // The system ends the process when a file grows beyond a limit: so a save ends at any byte.

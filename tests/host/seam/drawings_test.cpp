@@ -111,16 +111,17 @@ TEST_F(DrawingsTest, ANewNameIsTheDrawingsNameFromThenOn) {
 
 TEST_F(DrawingsTest, ANewDrawingNeedsANameWithAnEndingThatIsWritten) {
     EXPECT_EQ(save(active()), "Drawing1.dwg has no file yet: name one");
-    EXPECT_THAT(save(active(), path("new.dwg")), HasSubstr("as .dxf only"));
+    EXPECT_THAT(save(active(), path("new.dwt")), HasSubstr("as .dwg and .dxf"));
     EXPECT_THAT(save(active(), path("new")), HasSubstr("the name has no ending"));
-    EXPECT_FALSE(exists("new.dwg"));
+    EXPECT_FALSE(exists("new.dwt"));
     EXPECT_FALSE(active().isTitled());
     EXPECT_EQ(save(active(), path("new.DXF")), "saved");
     EXPECT_THAT(read("new.DXF"), HasSubstr("AC1032"));
     EXPECT_EQ(save(active()), "saved");
     open(path("plan.dwg"));
-    EXPECT_THAT(save(active()), HasSubstr("as .dxf only")) << "though it holds a DXF drawing";
-    EXPECT_EQ(read("plan.dwg"), kEmptyDrawing);
+    EXPECT_EQ(save(active()), "saved");
+    EXPECT_THAT(read("plan.dwg"), HasSubstr("AC1015")) << "the name tells the format now";
+    EXPECT_EQ(read("plan.bak"), kEmptyDrawing);
 }
 
 TEST_F(DrawingsTest, AFailedSaveLeavesEverything) {

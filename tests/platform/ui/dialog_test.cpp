@@ -330,8 +330,17 @@ TEST_F(DialogTest, TabGoesThroughTheControlsInTheirOrder) {
     EXPECT_EQ(dialog.list->currentRow(), 1) << "it came to the first one by Tab";
 }
 
-// ---- Places
-// --------------------------------------------------------------------------------------
+TEST_F(DialogTest, F1ShowsTheHelpOfANamedDialog) {
+    SampleDialog nameless;
+    run(nameless, L"key 10 F1\ncancel\n");
+    EXPECT_EQ(errors().find("help:"), std::string::npos);
+    SampleDialog named;
+    named.SetDialogName(L"sg_test:Sample");
+    run(named, L"key 13 F1\ncancel\n");
+    EXPECT_THAT(errors(), HasSubstr("help: ")) << "here there are no documents to show";
+}
+
+// --- Places ---
 
 class PlaceTest : public DialogTest {
   protected:

@@ -1,5 +1,6 @@
 #include "host/model/core/proxies.h"
 
+#include "host/dwg/kept_objects.h"
 #include "host/model/core/database_state.h"
 #include "host/model/core/group_writer.h"
 #include "host/model/core/list_filers.h"
@@ -216,6 +217,15 @@ std::unique_ptr<AcDbObject> makeFromGroups(const AcRxClass& descriptor, const Ac
     return std::unique_ptr<AcDbObject>(object);
 }
 
+// From what it keeps: what its class has filed, what a DWG file had of it, or groups.
+std::unique_ptr<AcDbObject> makeOriginal(const AcRxClass& descriptor, AcDbObject& proxy,
+                                         const ProxyData& data) {
+    if (data.bits != nullptr && data.bytes.empty()) return dwg::makeFromBits(descriptor, proxy);
+    const bool isFiled = !data.bytes.empty() || data.groups.empty();
+    return isFiled ? makeObject(descriptor, fileOriginal(proxy))
+                   : makeFromGroups(descriptor, proxy);
+}
+
 // True when the id has a proxy no more.
 bool revive(DatabaseState& state, AcDbObjectId id) {
     AcDbObject* const object = DatabaseTable::objectOf(id);
@@ -225,9 +235,7 @@ bool revive(DatabaseState& state, AcDbObjectId id) {
         static_cast<const AcRxClass*>(acrxClassDictionary()->at(data->className.c_str()));
     if (descriptor == nullptr || ObjectAccess::isOpen(*object)) return false;
     const auto* const entity = AcDbProxyEntity::cast(object);
-    const bool isFiled = !data->bytes.empty() || data->groups.empty();
-    std::unique_ptr<AcDbObject> original = isFiled ? makeObject(*descriptor, fileOriginal(*object))
-                                                   : makeFromGroups(*descriptor, *object);
+    std::unique_ptr<AcDbObject> original = makeOriginal(*descriptor, *object, *data);
     if (original == nullptr || proxyData(*original) != nullptr) return false;
     AcDbEntity* const revived = AcDbEntity::cast(original.get());
     if (entity != nullptr && revived != nullptr &&

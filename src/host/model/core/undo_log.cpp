@@ -235,8 +235,8 @@ void UndoLog::keepMarks(size_t count) {
     if (count < marks_.size()) marks_.resize(count);
 }
 
-void UndoLog::forgetBefore(size_t mark) {
-    if (mark >= marks_.size() || !scopes_.empty() || sessions_ != 0) return;
+bool UndoLog::forgetBefore(size_t mark) {
+    if (mark >= marks_.size() || !scopes_.empty() || sessions_ != 0) return false;
     const size_t first = marks_[mark];
     const auto entries = steps_.entries.begin();
     const auto kept = entries + static_cast<std::ptrdiff_t>(first);
@@ -255,6 +255,7 @@ void UndoLog::forgetBefore(size_t mark) {
         each -= first;
     closed_ -= std::min(closed_, first);
     ++span_;
+    return true;
 }
 
 size_t UndoLog::byteCount() const {

@@ -77,8 +77,9 @@ class UndoLog {
     bool dropEmptyRecord();
     // Takes all marks away but the first `count`, so that undo() goes back to the last of those.
     void keepMarks(size_t count);
-    // Forgets what happened before the mark of this index, and the marks before it.
-    void forgetBefore(size_t mark);
+    // Forgets what happened before the mark of this index, and the marks before it. False while a
+    // transaction is active or an object is open that has changed.
+    bool forgetBefore(size_t mark);
     size_t byteCount() const;
     // Another number whenever a state that is kept now would have to be kept again on a change.
     uint32_t span() const { return span_; }

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "base/text.h"
 #include "host/model/core/dwg_form.h"
 #include "host/model/core/symbol_records.h"
 #include "host/model/curves/filing_groups.h"
@@ -190,6 +191,8 @@ Acad::ErrorStatus AcDbMText::dwgInFields(AcDbDwgFiler* filer) {
 
 namespace {
 
+constexpr const wchar_t* kUsualStyle = L"Standard";
+
 // All but the last piece of the contents are of one length.
 void writeContents(AcDbDxfFiler* filer, const std::wstring& contents) {
     size_t at = 0;
@@ -201,20 +204,24 @@ void writeContents(AcDbDxfFiler* filer, const std::wstring& contents) {
 
 }  // namespace
 
+// Drawing files leave out what is usual.
 Acad::ErrorStatus AcDbMText::dxfOutFields(AcDbDxfFiler* filer) const {
+    const bool all = showsDefaults(filer);
     AcDbEntity::dxfOutFields(filer);
     filer->writeString(100, L"AcDbMText");
     filer->writePoint3d(10, location_);
     filer->writeDouble(40, textHeight_);
     filer->writeDouble(41, width_);
-    if (definedHeight_ != 0 || showsDefaults(filer)) filer->writeDouble(46, definedHeight_);
+    if (all || definedHeight_ != 0) filer->writeDouble(46, definedHeight_);
     filer->writeInt16(71, static_cast<int16_t>(attachment_));
     filer->writeInt16(72, static_cast<int16_t>(flow_));
     writeContents(filer, contents_);
-    sg::model::writeNameOf(filer, 7, style_, L"Standard");
+    const bool hasUsualStyle =
+        style_.isNull() || sg::equalIgnoringCase(sg::model::nameOf(style_), kUsualStyle);
+    if (all || !hasUsualStyle) sg::model::writeNameOf(filer, 7, style_, kUsualStyle);
     sg::model::writeNormal(filer, normal_);
-    filer->writeVector3d(11, direction_);
-    if (showsDefaults(filer)) {
+    if (all || direction_ != AcGeVector3d::kXAxis) filer->writeVector3d(11, direction_);
+    if (all) {
         const sg::text::TextLayout layout = layOut();
         filer->writeDouble(42, layout.width);
         filer->writeDouble(43, layout.height);

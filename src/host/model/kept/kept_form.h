@@ -147,6 +147,7 @@ bool readKeptBody(AcDbDwgFiler& filer, ProxyData& data);
 bool writeKeptBody(AcDbDwgFiler& filer, const ProxyData& data);
 
 // The descriptions.
+KeptForm keptVisualStyle();
 const std::vector<KeptForm>& keptEntityForms();
 const std::vector<KeptForm>& keptObjectForms();
 

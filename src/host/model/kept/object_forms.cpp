@@ -185,123 +185,6 @@ KeptForm material() {
     return form;
 }
 
-// ---- Visual styles ------------------------------------------------------------------------------
-
-// The properties of a style: the first ones of every release, the others from 2013 on. L is a whole
-// number, D a real, C a colour, B a flag, T a text.
-constexpr std::string_view kFirst = "LLLLDDCLLCCLLDLCDLLLCLLLBLDL";
-constexpr std::string_view kLater = "BBBBBBBBBLDDLCLLCBLLLBLCDLTBDD";
-constexpr int kProperty = 1000;  // the key of the first
-constexpr int kOperation = 2000;
-
-Step propertyStep(char kind, int key) {
-    switch (kind) {
-        case 'D':
-            return real(key);
-        case 'C':
-            return color(key);
-        case 'B':
-            return bit(key);
-        case 'T':
-            return text(key);
-        default:
-            return int32(key);
-    }
-}
-
-Item propertyItem(char kind, int key) {
-    switch (kind) {
-        case 'D':
-            return keyed(40, key);
-        case 'C': {
-            Item made = indexColor(62, 420);
-            made.key = key;
-            return made;
-        }
-        case 'B':
-            return keyed(290, key);
-        case 'T':
-            return keyed(1, key);
-        default:
-            return keyed(90, key);
-    }
-}
-
-// The form of releases before 2010, which has no operations.
-KeptForm oldVisualStyle() {
-    KeptForm form{L"VISUALSTYLE",
-                  nullptr,
-                  {text(2),    int32(70), int32(71),  int32(72),
-                   int32(73),  real(40),  real(41),   color(63),
-                   int32(90),  int32(74), int32(91),  color(64),
-                   color(65),  int32(75), real(42),   int32(92),
-                   color(66),  real(43),  int16(76),  int16(77),
-                   int32(78),  color(67), int16(79),  byte(170),
-                   int16(171), bit(290),  int16(174), int16(175),
-                   int32(93),  int32(44), int32(173), real(45, kDHL_1021),
-                   bit(291)},
-                  {{0,
-                    {marker("AcDbVisualStyle"),
-                     group(2),
-                     group(70),
-                     group(71),
-                     group(72),
-                     group(73),
-                     group(90),
-                     group(40),
-                     group(41),
-                     constant(62, number(5)),
-                     indexColor(63, 421),
-                     group(74),
-                     group(91),
-                     indexColor(64, 422),
-                     indexColor(65, 423),
-                     group(75),
-                     group(175),
-                     group(42),
-                     group(92),
-                     indexColor(66, 424),
-                     group(43),
-                     group(76),
-                     group(77),
-                     group(78),
-                     indexColor(67, 425),
-                     group(79),
-                     group(170),
-                     group(171),
-                     group(290),
-                     group(174),
-                     group(93),
-                     wholeAsReal(44),
-                     group(173),
-                     group(291),
-                     group(45, 0.0)}}}};
-    form.until = kDHL_1024;
-    return form;
-}
-
-KeptForm visualStyle() {
-    KeptForm form{L"VISUALSTYLE", nullptr, {}, {}};
-    const std::string all = std::string(kFirst) + std::string(kLater);
-    form.dwg = {text(2), int32(70), int16(177), bit(291)};
-    std::vector<Item> items = {marker("AcDbVisualStyle"),
-                               group(2),
-                               group(70),
-                               group(177),
-                               group(291),
-                               constant(70, number(static_cast<int64_t>(all.size())))};
-    for (size_t i = 0; i < all.size(); ++i) {
-        const int place = static_cast<int>(i);
-        form.dwg.push_back(propertyStep(all[i], kProperty + place));
-        form.dwg.push_back(int16(kOperation + place));
-        items.push_back(propertyItem(all[i], kProperty + place));
-        items.push_back(keyed(176, kOperation + place));
-    }
-    form.layouts = {{0, std::move(items)}};
-    form.since = kDHL_1027;
-    return form;
-}
-
 // ---- Tables -------------------------------------------------------------------------------------
 
 constexpr int kTableRows = 3;
@@ -335,8 +218,8 @@ KeptForm tableStyle() {
 }  // namespace
 
 const std::vector<KeptForm>& keptObjectForms() {
-    static const std::vector<KeptForm> kForms = {scale(),          leaderStyle(), material(),
-                                                 oldVisualStyle(), visualStyle(), tableStyle()};
+    static const std::vector<KeptForm> kForms = {scale(), leaderStyle(), material(),
+                                                 keptVisualStyle(), tableStyle()};
     return kForms;
 }
 

@@ -12,6 +12,8 @@ template <class... Cases>
 struct Overloaded : Cases... {
     using Cases::operator()...;
 };
+template <class... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
 
 void writeValue(AcDbDxfFiler* filer, const FieldRow& row, const VariableValue& value) {
     const int code = row.code;
