@@ -27,13 +27,12 @@ bool CXFolderDialog::accepts(const std::wstring& folder) const {
 intptr_t CXFolderDialog::DoModal() {
     if (title_.empty()) title_ = L"Select Folder";
     history_.LoadHistory();
-    std::wstring folder = history_.text();
-    do {
-        const std::wstring shown = folder;
-        if (!sgAskForFolder(parent_, title_, initial_, shown, history_.items(), folder)) {
-            return IDCANCEL;
-        }
-    } while (!accepts(folder));
+    const auto isAccepted = [this](const std::wstring& folder) { return accepts(folder); };
+    std::wstring folder;
+    if (!sgAskForFolder(parent_, title_, initial_, history_.text(), history_.items(), isAccepted,
+                        folder)) {
+        return IDCANCEL;
+    }
     path_ = sgFullPath(folder);
     history_.SaveHistory(path_);
     return IDOK;

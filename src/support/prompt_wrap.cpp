@@ -1,5 +1,6 @@
 #include "support/prompt_wrap.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include "base/encoding.h"

@@ -42,17 +42,23 @@ std::optional<std::wstring> askForFile(InputChain& input, FileDialog dialog) {
     std::wstring& folder = dialog.request.folder;
     folder = absolutePath(resolvePath(folder).path);
     if (!isFolder(folder)) folder = absolutePath(L".");
-    for (;;) {
-        const auto name = input.file(dialog.request);
-        if (!name) return std::nullopt;
-        if (name->empty()) continue;
-        ResolvedPath file = fileOf(dialog, *name);
+    std::optional<std::wstring> chosen;
+    dialog.request.takes = [&](const std::wstring& name) {
+        if (name.empty()) return false;
+        ResolvedPath file = fileOf(dialog, name);
         if (file.exists && isFolder(file.path)) {
             folder = std::move(file.path);
         } else if (takes(input, dialog, file)) {
-            return std::move(file.path);
+            chosen = std::move(file.path);
         }
+        return chosen.has_value();
+    };
+    while (!chosen) {
+        const auto name = input.file(dialog.request);
+        if (!name) return std::nullopt;
+        if (!chosen) dialog.request.takes(*name);
     }
+    return chosen;
 }
 
 }  // namespace sg

@@ -5,9 +5,25 @@
 #include "base/text.h"
 #include "host/editor/dialogs/dialog_script.h"
 #include "host/editor/message_buttons.h"
+#include "host/system/companion_library.h"
+#include "host/system/folders.h"
 #include "platform/ui/scripted.h"
 
 namespace sg {
+namespace {
+
+// Whether the toolkit would find a display, without opening it.
+bool mayHaveDisplay() {
+    const auto variable = [](const wchar_t* name) {
+        return environmentVariable(name).value_or(L"");
+    };
+    const std::wstring platform = variable(L"QT_QPA_PLATFORM");
+    if (platform.starts_with(L"offscreen") || platform.starts_with(L"minimal")) return false;
+    return !platform.empty() || !variable(L"DISPLAY").empty() ||
+           !variable(L"WAYLAND_DISPLAY").empty();
+}
+
+}  // namespace
 
 Answer<std::wstring> InputSource::text(const TextRequest&) {
     return {};
@@ -171,6 +187,16 @@ bool DisplayInput::dialog(const DialogRequest& request) {
     request.dialog.WaitForPerson();
     open_.pop_back();
     return true;
+}
+
+Answer<std::wstring> DisplayInput::file(const FileRequest& request) {
+    if (!mayHaveDisplay()) return {};
+    const auto choose = reinterpret_cast<bool (*)(const FileRequest&, std::wstring&)>(
+        companionSymbol("libswiftgate-ui.so", "swiftgateChooseFile"));
+    if (choose == nullptr) return {};
+    std::wstring answer;
+    return choose(request, answer) ? Answer<std::wstring>::of(std::move(answer))
+                                   : Answer<std::wstring>::cancel();
 }
 
 std::wstring boxReport(const BoxRequest& request, int button) {

@@ -95,6 +95,9 @@ struct FileRequest {
     std::wstring name;                 // what stands in its field at first
     std::wstring filter;               // of a file: "DWG Files (*.dwg)|*.dwg||"; empty: any file
     std::vector<std::wstring> recent;  // earlier answers that are offered again, the latest first
+    // What the one who asks does about an answer, with message boxes where it has to; true takes
+    // it. A chooser that stays open asks before it closes. May be empty: every answer is taken.
+    std::function<bool(const std::wstring& answer)> takes;
 };
 
 // Where answers come from: a script, the words behind a command, a terminal. Every kind of request
@@ -160,12 +163,13 @@ class SG_API TypedWords : public InputSource {
     bool hasLines_ = false;
 };
 
-// The person at the display, where there is one, closes dialogs and answers the boxes that come up
-// before them.
+// The person at the display, where there is one, closes dialogs, answers the boxes that come up
+// before them, and chooses files and folders in a window.
 class SG_API DisplayInput : public InputSource {
   public:
     Answer<int> messageBox(const BoxRequest& request) override;
     bool dialog(const DialogRequest& request) override;
+    Answer<std::wstring> file(const FileRequest& request) override;
 
   private:
     std::vector<ui::ScriptedDialog*> open_;  // the last one is in front

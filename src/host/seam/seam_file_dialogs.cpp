@@ -44,6 +44,7 @@ intptr_t CFileDialog::DoModal() {
 
 bool sgAskForFolder(HWND, const std::wstring& title, const std::wstring& initial,
                     const std::wstring& name, const std::vector<std::wstring>& history,
+                    const std::function<bool(const std::wstring& folder)>& accepts,
                     std::wstring& folder) {
     FileRequest request;
     request.kind = FileRequest::Kind::folder;
@@ -51,7 +52,17 @@ bool sgAskForFolder(HWND, const std::wstring& title, const std::wstring& initial
     request.folder = initial;
     request.name = name;
     request.recent = history;
-    auto chosen = Host::the().input().file(request);
-    if (chosen) folder = std::move(*chosen);
-    return chosen.has_value();
+    bool isTaken = false;
+    request.takes = [&](const std::wstring& answer) {
+        isTaken = accepts(answer);
+        if (isTaken) folder = answer;
+        return isTaken;
+    };
+    while (!isTaken) {
+        auto answer = Host::the().input().file(request);
+        if (!answer) return false;
+        if (!isTaken) request.takes(*answer);
+        request.name = std::move(*answer);  // what was refused stands there to be corrected
+    }
+    return true;
 }

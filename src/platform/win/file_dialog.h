@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -43,9 +44,10 @@ class SG_API CFileDialog {
     std::wstring path_;
 };
 
-// Asks once for a folder, in a chooser that opens in `initial` (empty: the current folder) with
-// `name` in its field, under which `history` is offered. False when it is cancelled; else `folder`
-// is what was chosen or typed, which need not exist. This host's own.
+// Asks for a folder, in a chooser that opens in `initial` (empty: the current folder) with `name`
+// in its field, under which `history` is offered, until `accepts` answers true for what was chosen
+// or typed, which is `folder` then. False when it is cancelled. This host's own.
 SG_API bool sgAskForFolder(HWND owner, const std::wstring& title, const std::wstring& initial,
                            const std::wstring& name, const std::vector<std::wstring>& history,
+                           const std::function<bool(const std::wstring& folder)>& accepts,
                            std::wstring& folder);
