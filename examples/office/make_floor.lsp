@@ -30,6 +30,8 @@
 
 ; --- Drawing
 
+(setvar "INSUNITS" 4)  ; millimetres
+
 (defun make-layer (name color weight)
   (entmake (list '(0 . "LAYER") '(100 . "AcDbSymbolTableRecord") '(100 . "AcDbLayerTableRecord")
                  (cons 2 name) '(70 . 0) (cons 62 color) '(6 . "Continuous") (cons 370 weight))))

@@ -6,6 +6,7 @@
 #include "drawing/call_arguments.h"
 #include "drawing/current_drawing.h"
 #include "leader/lisp_functions.h"
+#include "leader/plain_form.h"
 #include "leader/qn_leader.h"
 #include "platform/db/database.h"
 #include "platform/db/leader.h"
@@ -52,14 +53,6 @@ AcDbObjectId addLikeLeader(const QNLeader& leader, AcDbEntity* entity) {
     const AcDbObjectId id = entity->objectId();
     entity->close();
     return id;
-}
-
-AcDbBlockReference* newSymbol(const QNLeader& leader) {
-    const AcDbBlockReference& symbol = leader.symbol();
-    auto* const made = new AcDbBlockReference(symbol.position(), symbol.blockTableRecord());
-    made->setRotation(symbol.rotation());
-    made->setScaleFactors(symbol.scaleFactors());
-    return made;
 }
 
 // Adds an entity to model space and makes its name the call's result.
@@ -127,7 +120,7 @@ int leaderExplode() {
     const AcGePoint3d stop = leader->shortenedEndPoint();
     const AcDbObjectId first = addLikeLeader(*leader, new AcDbLine(start, middle));
     const AcDbObjectId second = addLikeLeader(*leader, new AcDbLine(middle, stop));
-    const AcDbObjectId symbol = addLikeLeader(*leader, newSymbol(*leader));
+    const AcDbObjectId symbol = addLikeLeader(*leader, newLeaderSymbol(*leader));
     resbuf* head = nullptr;
     resbuf* tail = nullptr;
     beginResultList(head, tail);

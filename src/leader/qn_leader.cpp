@@ -3,6 +3,7 @@
 #include <new>
 
 #include "drawing/current_drawing.h"
+#include "leader/plain_form.h"
 #include "platform/rx/modules.h"
 #include "platform/rx/rxdictionary.h"
 
@@ -53,6 +54,7 @@ void QNLeader::rxInit(AppNameChangeFuncPtr changeAppName) {
     constexpr int kEraseAllowed = 1;
     descriptor = newAcRxClass(kClassName, L"AcDbCurve", kDwgVersion, kMaintenanceVersion,
                               kEraseAllowed, makeLeader, L"QNLEADER", kApplication, changeAppName);
+    descriptor->addX(sgPlainFormPE::desc(), sg::leaderPlainForm());
 }
 
 QNLeader::QNLeader() = default;

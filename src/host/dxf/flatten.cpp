@@ -8,6 +8,7 @@
 #include "host/model/core/proxies.h"
 #include "host/model/core/symbol_records.h"
 #include "host/model/tables/filing.h"
+#include "platform/db/plain_form.h"
 
 namespace sg::dxf {
 namespace {
@@ -60,7 +61,11 @@ class Flattener {
         AcDbEntity* entity = nullptr;
         if (acdbOpenObject(entity, id, AcDb::kForRead) != Acad::eOk) return false;
         AcDbVoidPtrArray parts;
-        const bool isApart = entity->explode(parts) == Acad::eOk;
+        auto* const form =
+            static_cast<sgPlainFormPE*>(entity->isA()->queryX(sgPlainFormPE::desc()));
+        const Acad::ErrorStatus status =
+            form == nullptr ? entity->explode(parts) : form->plainForm(entity, parts);
+        const bool isApart = status == Acad::eOk;
         const std::wstring name = model::dxfNameOf(*entity);
         entity->close();
         for (void* const part : parts) {

@@ -12,6 +12,7 @@
 #include "platform/db/face.h"
 #include "platform/db/leader.h"
 #include "platform/db/mtext.h"
+#include "platform/db/plain_form.h"
 #include "platform/db/viewport.h"
 
 namespace sg::model {
@@ -33,7 +34,7 @@ void registerEntityClasses() {
                 AcDbRadialDimension, AcDbDiametricDimension, AcDbOrdinateDimension>();
     registerAll<AcDbRasterImage, AcDbWipeout, AcDbRasterImageDef, AcDbRasterImageDefReactor,
                 AcDbRasterVariables, AcDbWipeoutVariables, AcDbOle2Frame, AcDbOleFrame>();
-    registerAll<AcDbAnnotativeObjectPE, sgExactShapePE>();
+    registerAll<AcDbAnnotativeObjectPE, sgExactShapePE, sgPlainFormPE>();
 }
 
 }  // namespace sg::model

@@ -1,0 +1,3 @@
+#include "platform/db/plain_form.h"
+
+ACRX_NO_CONS_DEFINE_MEMBERS(sgPlainFormPE, AcRxObject)
