@@ -6,7 +6,7 @@ namespace sg {
 // position, so the order of rows is part of the interface.
 struct FunctionRow {
     const wchar_t* name;
-    int (*handler)();      // what the host calls; answers RSRSLT or RSERR
+    int (*handler)();  // what the host calls; answers RSRSLT or RSERR
 };
 
 // Defines the functions of `count` rows in the current document under the numbers from `base` on,

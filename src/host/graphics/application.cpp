@@ -36,7 +36,8 @@ void needApplication() {
     static char* arguments[] = {name, nullptr};
     // Never destroyed: windows and fonts may outlive every other static object.
     new QApplication(count, arguments);
-    // The toolkit takes the user's locale for the process; numbers of programs and files have a point.
+    // The toolkit takes the user's locale for the process; numbers of programs and files have a
+    // point.
     std::setlocale(LC_NUMERIC, "C");
 }
 

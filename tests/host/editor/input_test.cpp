@@ -176,12 +176,12 @@ TEST_F(ScriptInputTest, FileLinesAnswerChoosers) {
     EXPECT_EQ(script->file(file).outcome, Outcome::cancelled);
     EXPECT_EQ(script->text({L"Name: "}).outcome, Outcome::cancelled) << "a file is no text";
     EXPECT_EQ(script->file(file).outcome, Outcome::none);
-    EXPECT_THAT(reports_,
-                ElementsAre("file dialog \"Save\": b in /a [answered: /a/b c.dxf]",
-                            "file dialog \"Save\": b in /a [answered: Cancel]",
-                            HasSubstr("in.txt:3: the program asked for a file (\"Save\")"),
-                            "file dialog \"Save\": b in /a [answered: Cancel]",
-                            HasSubstr("in.txt:4: ")));
+    EXPECT_THAT(
+        reports_,
+        ElementsAre("file dialog \"Save\": b in /a [answered: /a/b c.dxf]",
+                    "file dialog \"Save\": b in /a [answered: Cancel]",
+                    HasSubstr("in.txt:3: the program asked for a file (\"Save\")"),
+                    "file dialog \"Save\": b in /a [answered: Cancel]", HasSubstr("in.txt:4: ")));
 }
 
 TEST(MessageButtonsTest, DefaultAndEscape) {
