@@ -13,6 +13,7 @@
 #include "platform/db/circle.h"
 #include "platform/db/database.h"
 #include "platform/db/line.h"
+#include "platform/db/plain_form.h"
 #include "platform/gi/draw.h"
 #include "platform/rx/modules.h"
 #include "platform/rx/rxdictionary.h"
@@ -227,6 +228,27 @@ TEST_F(LeaderTest, ItsPartsAnswerForIt) {
     for (void* const entity : entities) {
         delete static_cast<AcDbEntity*>(entity);
     }
+}
+
+// What explodes into the block's entities is a reference for programs that lack the class.
+TEST_F(LeaderTest, ThePlainFormKeepsTheSymbolAsAReference) {
+    auto* const form = static_cast<sgPlainFormPE*>(QNLeader::desc()->queryX(sgPlainFormPE::desc()));
+    ASSERT_NE(form, nullptr);
+    const auto made = leader();
+    AcDbVoidPtrArray entities;
+    EXPECT_EQ(form->plainForm(made.get(), entities), Acad::eOk);
+    ASSERT_EQ(entities.length(), 3);
+    const auto* const symbol = AcDbBlockReference::cast(static_cast<AcDbEntity*>(entities[2]));
+    ASSERT_NE(symbol, nullptr);
+    EXPECT_EQ(symbol->blockTableRecord(), made->symbol().blockTableRecord());
+    EXPECT_EQ(symbol->position(), made->symbol().position());
+    for (void* const entity : entities) {
+        EXPECT_EQ(static_cast<AcDbEntity*>(entity)->layerId(), made->layerId());
+        delete static_cast<AcDbEntity*>(entity);
+    }
+    const AcDbLine line;
+    entities.removeAll();
+    EXPECT_EQ(form->plainForm(&line, entities), Acad::eNotApplicable);
 }
 
 // --- Filing
