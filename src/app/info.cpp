@@ -80,6 +80,7 @@ std::wstring shown(const dxf::Summary& summary) {
 int info(const Arguments& arguments) {
     Session session(arguments, false);
     return session.conclude([&] {
+        session.start();  // modules bring the classes of custom entities
         const ResolvedPath found = resolvePath(absolutePath(arguments.drawingFile.file));
         if (!found.exists) throw FileError(L"no such drawing: " + found.path);
         try {
