@@ -97,7 +97,7 @@ struct FileRequest {
     std::vector<std::wstring> recent;  // earlier answers that are offered again, the latest first
     // What the one who asks does about an answer, with message boxes where it has to; true takes
     // it. A chooser that stays open asks before it closes. May be empty: every answer is taken.
-    std::function<bool(const std::wstring& answer)> takes;
+    std::function<bool(const std::wstring& answer)> takes{};
 };
 
 // Where answers come from: a script, the words behind a command, a terminal. Every kind of request
