@@ -50,6 +50,12 @@ class BadInput(DialogTest):
             self.assertIn("Database is read-only. Cannot be viewed at this time. [answered: OK]", errors)
             self.assertNotIn("dialog", errors)
 
+    def test_a_display_that_does_not_answer_is_none(self):
+        del self.environment["QT_QPA_PLATFORM"]
+        self.environment["DISPLAY"] = ":9731"
+        _, errors = self.dialog("(qn_qn-customizeLayers)")
+        self.assertIn('dialog "Layers": [answered: Cancel]', errors)
+
     def test_missing_tables_are_told_and_the_dialog_can_be_left(self):
         for table in ("tblLayer", "tblLayerKey", "tblLayerSystem"):
             with self.subTest(table=table):

@@ -15,10 +15,14 @@ bool isSet(const char* variable) {
 }
 
 // What the toolkit says goes to standard error, but for notices about a folder that nothing here
-// uses and about what a platform without a display cannot do: batches have neither as a rule.
+// uses, about what a platform without a display cannot do, and about platforms that were tried: why
+// a display did not answer is told by another notice.
 void report(QtMsgType, const QMessageLogContext&, const QString& text) {
-    if (text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR"))) return;
-    if (text.startsWith(QLatin1String("This plugin does not support"))) return;
+    for (const char* const spared :
+         {"QStandardPaths: XDG_RUNTIME_DIR", "This plugin does not support",
+          "Could not load the Qt platform", "Could not find the Qt platform"}) {
+        if (text.startsWith(QLatin1String(spared))) return;
+    }
     std::fprintf(stderr, "%s\n", qPrintable(text));
 }
 
@@ -27,8 +31,11 @@ void report(QtMsgType, const QMessageLogContext&, const QString& text) {
 void needApplication() {
     if (QCoreApplication::instance() != nullptr) return;
     qInstallMessageHandler(report);
-    if (!isSet("QT_QPA_PLATFORM") && !isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY")) {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The toolkit takes the first of these that it can reach, and ends the process without one.
+    if (!isSet("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", isSet("DISPLAY")           ? "xcb;wayland;offscreen"
+                                   : isSet("WAYLAND_DISPLAY") ? "wayland;xcb;offscreen"
+                                                              : "offscreen");
     }
     // The toolkit keeps references to both.
     static int count = 1;
