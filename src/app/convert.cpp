@@ -4,10 +4,10 @@
 #include "app/exit_codes.h"
 #include "app/session.h"
 #include "base/encoding.h"
-#include "host/dxf/drawing_files.h"
-#include "host/dxf/flatten.h"
 #include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
+#include "host/exchange/drawing_files.h"
+#include "host/exchange/flatten.h"
 #include "host/exchange/step_file.h"
 #include "host/seam/file_error.h"
 #include "host/system/file_lock.h"
@@ -20,14 +20,14 @@ namespace {
 void readDrawing(Session& session, AcDbDatabase& database, const std::wstring& name) {
     const ResolvedPath found = resolvePath(absolutePath(name));
     if (!found.exists) throw FileError(L"no such drawing: " + found.path);
-    for (const std::wstring& warning : dxf::readFile(database, found.path))
+    for (const std::wstring& warning : exchange::readFile(database, found.path))
         session.host().output().reportError(warning);
 }
 
 void writeDrawing(Session& session, const AcDbDatabase& database,
                   const DrawingArguments& arguments) {
     const std::wstring target = resolvePath(absolutePath(arguments.output)).path;
-    dxf::checkCanWrite(target);
+    exchange::checkCanWrite(target);
     const FileLock lock(target);
     if (!lock.isFree()) {
         throw FileError(fmt::format(L"{}: that drawing is open in {}", target, lock.holder()));
@@ -36,13 +36,13 @@ void writeDrawing(Session& session, const AcDbDatabase& database,
     if (!arguments.release.empty()) options.release = dxf::releaseNamed(toUtf8(arguments.release));
     options.isBinary = arguments.isBinary;
     options.report = [&](const std::wstring& text) { session.host().output().reportError(text); };
-    dxf::writeFile(database, target, options);
+    exchange::writeFile(database, target, options);
 }
 
 // Custom entities are taken apart by their module, which works on open drawings.
 void convertFlat(Session& session, const DrawingArguments& arguments) {
     AcDbDatabase& database = *session.document().database();
-    for (const auto& [name, count] : dxf::flatten(database)) {
+    for (const auto& [name, count] : exchange::flatten(database)) {
         session.complain(
             fmt::format(L"{} {} cannot be taken apart and stay as they are", count, name));
     }
@@ -65,7 +65,7 @@ int convert(const Arguments& arguments) {
         try {
             const DrawingArguments& drawing = arguments.drawingFile;
             const bool isStep = exchange::isStepName(drawing.output);
-            if (!isStep) dxf::checkCanWrite(drawing.output);
+            if (!isStep) exchange::checkCanWrite(drawing.output);
             // Modules bring the classes of custom entities, which no file can change its form
             // without.
             session.start();

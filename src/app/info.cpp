@@ -4,9 +4,9 @@
 #include "app/exit_codes.h"
 #include "app/session.h"
 #include "base/encoding.h"
-#include "host/dxf/drawing_files.h"
-#include "host/dxf/summary.h"
 #include "host/editor/command_line_output.h"
+#include "host/exchange/drawing_files.h"
+#include "host/exchange/summary.h"
 #include "host/seam/file_error.h"
 #include "host/system/paths.h"
 
@@ -19,7 +19,7 @@ std::wstring shown(const AcGePoint3d& point) {
     return fmt::format(L"{:.6g},{:.6g},{:.6g}", point.x, point.y, point.z);
 }
 
-std::wstring shown(const dxf::Summary::Layer& layer) {
+std::wstring shown(const exchange::Summary::Layer& layer) {
     std::wstring text = fmt::format(L"  {}  {}", layer.name, layer.entities);
     if (layer.isOff) text += L"  off";
     if (layer.isFrozen) text += L"  frozen";
@@ -34,10 +34,11 @@ void add(std::wstring& text, const wchar_t* title, const Counts& counts) {
         text += fmt::format(L"  {}  {}\n", name, count);
 }
 
-void add(std::wstring& text, const wchar_t* title, const std::vector<dxf::Summary::Space>& spaces) {
+void add(std::wstring& text, const wchar_t* title,
+         const std::vector<exchange::Summary::Space>& spaces) {
     if (spaces.empty()) return;
     text += fmt::format(L"{}\n", title);
-    for (const dxf::Summary::Space& space : spaces)
+    for (const exchange::Summary::Space& space : spaces)
         text += fmt::format(L"  {}  {}\n", space.name, space.entities);
 }
 
@@ -48,7 +49,7 @@ void add(std::wstring& text, const wchar_t* title, const std::vector<std::string
         text += fmt::format(L"  {}\n", fromUtf8(name));
 }
 
-std::wstring shown(const dxf::Summary& summary) {
+std::wstring shown(const exchange::Summary& summary) {
     std::wstring text =
         fmt::format(L"release {} ({}), {}", fromUtf8(summary.release), fromUtf8(summary.version),
                     summary.isDwg      ? L"DWG"
@@ -62,7 +63,7 @@ std::wstring shown(const dxf::Summary& summary) {
                             shown(summary.extents.maxPoint()));
     }
     text += L"layers\n";
-    for (const dxf::Summary::Layer& layer : summary.layers)
+    for (const exchange::Summary::Layer& layer : summary.layers)
         text += shown(layer) + L"\n";
     add(text, L"layouts", summary.layouts);
     add(text, L"blocks", summary.blocks);
@@ -85,9 +86,9 @@ int info(const Arguments& arguments) {
         if (!found.exists) throw FileError(L"no such drawing: " + found.path);
         try {
             AcDbDatabase database(false, true);
-            for (const std::wstring& warning : dxf::readFile(database, found.path))
+            for (const std::wstring& warning : exchange::readFile(database, found.path))
                 session.host().output().reportError(warning);
-            session.host().output().print(shown(dxf::summaryOf(database)));
+            session.host().output().print(shown(exchange::summaryOf(database)));
         } catch (const dxf::Error& error) {
             throw FileError(error.text());
         }

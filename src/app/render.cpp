@@ -6,8 +6,8 @@
 #include "app/exit_codes.h"
 #include "app/session.h"
 #include "base/text.h"
-#include "host/dxf/drawing_files.h"
 #include "host/editor/command_line_output.h"
+#include "host/exchange/drawing_files.h"
 #include "host/render/painter.h"
 #include "host/render/pdf_writer.h"
 #include "host/render/svg_writer.h"
@@ -58,7 +58,7 @@ void read(Session& session, AcDbDatabase& database, const std::wstring& file) {
     const ResolvedPath found = resolvePath(absolutePath(file));
     if (!found.exists) throw FileError(L"no such drawing: " + found.path);
     try {
-        for (const std::wstring& warning : dxf::readFile(database, found.path))
+        for (const std::wstring& warning : exchange::readFile(database, found.path))
             session.host().output().reportError(warning);
     } catch (const dxf::Error& error) {
         throw FileError(error.text());

@@ -6,7 +6,7 @@
 
 #include "companion/companion_fixture.h"
 #include "companion/solid_bytes.h"
-#include "host/dxf/drawing_files.h"
+#include "host/exchange/drawing_files.h"
 #include "host/model/core/measuring_draw.h"
 #include "host/model/sample_entity.h"
 #include "platform/db/block_table.h"
@@ -230,18 +230,18 @@ TEST_F(SolidEntityTest, SurvivesDrawingFiles) {
     for (const wchar_t* const ending : {L".dxf", L".dwg"}) {
         const std::wstring first = path("first") + ending;
         const std::wstring second = path("second") + ending;
-        dxf::writeFile(*database_, first, {});
+        exchange::writeFile(*database_, first, {});
         HvacSolid::rxTerm();
         {
             AcDbDatabase without(false, true);
-            dxf::readFile(without, first);
-            dxf::writeFile(without, second, {});
+            exchange::readFile(without, first);
+            exchange::writeFile(without, second, {});
         }
         HvacSolid::rxInit();
         acrxBuildClassHierarchy();
         for (const std::wstring& file : {first, second}) {
             AcDbDatabase read(false, true);
-            dxf::readFile(read, file);
+            exchange::readFile(read, file);
             Opened<AcDbBlockTableRecord> space(read.modelSpaceId());
             const auto walk = space->newIterator();
             ASSERT_FALSE(walk->done());

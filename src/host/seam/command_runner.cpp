@@ -3,10 +3,10 @@
 #include <stdexcept>
 
 #include "base/encoding.h"
-#include "host/dxf/drawing_files.h"
 #include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
 #include "host/editor/system_variables.h"
+#include "host/exchange/drawing_files.h"
 #include "host/lisp/interpreter.h"
 #include "host/lisp/reader.h"
 #include "host/seam/command_answers.h"

@@ -1,10 +1,10 @@
 #include <fmt/xchar.h>
 
-#include "host/dxf/drawing_files.h"
 #include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
 #include "host/editor/editor.h"
 #include "host/editor/header_upkeep.h"
+#include "host/exchange/drawing_files.h"
 #include "host/rx/exception_text.h"
 #include "host/rx/module_loader.h"
 #include "host/seam/file_error.h"
@@ -71,7 +71,7 @@ Document& Host::openDrawing(const std::wstring& path) {
     }
     FileLock lock(found.path);
     auto database = std::make_unique<AcDbDatabase>(false);
-    reportDrawing(withFileErrors([&] { return dxf::readFile(*database, found.path); }));
+    reportDrawing(withFileErrors([&] { return exchange::readFile(*database, found.path); }));
     if (!lock.isFree()) {
         output_->reportError(fmt::format(L"{}: the drawing is open in {}; it is opened read-only",
                                          found.path, lock.holder()));
@@ -92,7 +92,7 @@ void Host::saveDrawing(Document& document, const std::wstring& path,
         path.empty() ? std::wstring(document.fileName()) : resolvePath(absolutePath(path)).path;
     const bool isOwn = document.isTitled() && target == document.fileName();
     checkNotOpenElsewhere(documents(), document, target);
-    withFileErrors([&] { dxf::checkCanWrite(target); });
+    withFileErrors([&] { exchange::checkCanWrite(target); });
     if (isOwn && document.isReadOnly()) {
         throw FileError(
             fmt::format(L"{}: the drawing is open in {}, and read-only here; save it "
@@ -110,7 +110,7 @@ void Host::saveDrawing(Document& document, const std::wstring& path,
     dxf::WriteOptions reporting = options;
     reporting.report = [this](const std::wstring& text) { output_->reportError(text); };
     document.headerUpkeep().stamp();
-    withFileErrors([&] { dxf::writeFile(*document.database(), target, reporting); });
+    withFileErrors([&] { exchange::writeFile(*document.database(), target, reporting); });
     if (!isOwn) document.setFile(target, std::move(lock));
     notifyReactors(*this, [&](AcEditorReactor& reactor) {
         reactor.saveComplete(document.database(), target.c_str());

@@ -11,7 +11,7 @@
 #include "base/encoding.h"
 #include "base/text.h"
 #include "host/dwg/files.h"
-#include "host/dxf/drawing_files.h"
+#include "host/dwg/kept_objects.h"
 #include "host/editor/command_line_output.h"
 #include "host/editor/documents.h"
 #include "host/editor/editor.h"
@@ -21,6 +21,7 @@
 #include "host/editor/selection/selection_sets.h"
 #include "host/editor/status_bar.h"
 #include "host/editor/system_variables.h"
+#include "host/exchange/drawing_files.h"
 #include "host/lisp/functions/program_state.h"
 #include "host/lisp/interpreter.h"
 #include "host/model/core/database_table.h"
@@ -149,8 +150,9 @@ Host::Host(HostOptions options) : options_(std::move(options)) {
     systemRegistry_ = std::make_unique<SystemRegistry>(classes_->dictionary());
     services_ = std::make_unique<ApplicationServices>(*this);
     databases_ = std::make_unique<model::DatabaseTable>();
-    databases_->readers().add(dxf::isDrawing, dxf::readForDatabase);
-    databases_->readers().add(dwg::isDrawing, dxf::readForDatabase);
+    databases_->readers().add(dxf::isDrawing, exchange::readForDatabase);
+    databases_->readers().add(dwg::isDrawing, exchange::readForDatabase);
+    databases_->setMakeFromBits(dwg::makeFromBits);
     moduleState_ = std::make_unique<AFX_MODULE_STATE>();
     registerEditorClasses();
     model::registerDatabaseClasses();

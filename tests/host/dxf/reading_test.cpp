@@ -2,7 +2,7 @@
 
 #include "base/encoding.h"
 #include "host/dxf/dxf_fixture.h"
-#include "host/dxf/summary.h"
+#include "host/exchange/summary.h"
 #include "host/model/core/block_contents.h"
 #include "host/model/core/object_access.h"
 #include "host/model/core/proxies.h"
@@ -130,7 +130,7 @@ TEST_F(DxfReadingTest, MeshesOfRelease12AreKeptWithTheirVertices) {
     const std::string content = written(database);
     for (const char* marker : {"AcDbPolyFaceMesh\r", "AcDbPolyFaceMeshVertex", "AcDbFaceRecord"})
         EXPECT_THAT(content, HasSubstr(marker));
-    const dxf::Summary summary = dxf::summaryOf(database);
+    const exchange::Summary summary = exchange::summaryOf(database);
     EXPECT_EQ(summary.unreadEntities, (std::map<std::wstring, size_t>{{L"POLYLINE", 1}}));
 }
 

@@ -6,7 +6,7 @@
 
 #include <functional>
 
-#include "host/dxf/drawing_files.h"
+#include "host/exchange/drawing_files.h"
 #include "host/dxf/dxf_fixture.h"
 #include "host/system/file_lock.h"
 #include "platform/db/line.h"
@@ -34,7 +34,7 @@ class SavingTest : public test::DxfTest {
     }
     std::string save(const AcDbDatabase& database, const std::string& name) {
         try {
-            dxf::writeFile(database, path(name));
+            exchange::writeFile(database, path(name));
             return "saved";
         } catch (const dxf::Error& error) {
             return toUtf8(error.text());
@@ -96,7 +96,7 @@ TEST_F(SavingTest, ADwgFileThatIsCutOffLeavesTheOldFile) {
         const int status = endOf(inChild([&] {
             const rlimit most{limit, limit};
             setrlimit(RLIMIT_FSIZE, &most);
-            dxf::writeFile(many, path("plan.dwg"));
+            exchange::writeFile(many, path("plan.dwg"));
         }));
         EXPECT_TRUE(WIFSIGNALED(status)) << limit;
         EXPECT_EQ(read("plan.dwg"), before) << limit;
@@ -116,7 +116,7 @@ TEST_F(SavingTest, ASaveThatIsCutOffLeavesTheOldFile) {
         const int status = endOf(inChild([&] {
             const rlimit most{limit, limit};
             setrlimit(RLIMIT_FSIZE, &most);
-            dxf::writeFile(many, path("plan.dxf"));
+            exchange::writeFile(many, path("plan.dxf"));
         }));
         EXPECT_TRUE(WIFSIGNALED(status)) << limit;
         EXPECT_EQ(read("plan.dxf"), before) << limit;
@@ -132,8 +132,8 @@ TEST_F(SavingTest, WhoeverLooksSeesAWholeFileAlsoWhenTheProcessIsKilled) {
     for (int round = 0; round < 5; ++round) {
         const pid_t child = inChild([&] {
             while (true) {
-                dxf::writeFile(two, path("plan.dxf"));
-                dxf::writeFile(one, path("plan.dxf"));
+                exchange::writeFile(two, path("plan.dxf"));
+                exchange::writeFile(one, path("plan.dxf"));
             }
         });
         for (int look = 0; look < 40 + round; ++look)

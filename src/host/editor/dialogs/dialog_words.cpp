@@ -23,11 +23,9 @@ bool endsAt(std::wstring_view text, size_t place) {
 size_t lengthOf(std::wstring_view name, std::wstring_view text, bool isWhole) {
     if (name.empty()) return 0;
     for (const std::wstring_view form : {name, withoutColon(name)}) {
+        if (text.size() < form.size()) continue;
         const bool fits = isWhole ? form.size() == text.size() : endsAt(text, form.size());
-        if (text.size() >= form.size() && fits &&
-            equalIgnoringCase(text.substr(0, form.size()), form)) {
-            return form.size();
-        }
+        if (fits && equalIgnoringCase(text.substr(0, form.size()), form)) return form.size();
     }
     return 0;
 }

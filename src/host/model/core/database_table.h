@@ -49,6 +49,14 @@ class SG_API DatabaseTable {
     std::vector<DatabaseState*> all() const;
     DrawingReaders& readers() { return readers_; }
 
+    // How a proxy comes alive from the bits that a file had of its object: a new object of the
+    // class, in no database, to which goes over what every object has. Null, and the proxy is as it
+    // was, when the class cannot read them; so for every proxy while nobody has said how.
+    using MakeFromBits = std::unique_ptr<AcDbObject> (*)(const AcRxClass& descriptor,
+                                                         AcDbObject& proxy);
+    void setMakeFromBits(MakeFromBits make) { makeFromBits_ = make; }
+    MakeFromBits makeFromBits() const { return makeFromBits_; }
+
     // What an id stands for; null when its database is not open.
     static DatabaseState* databaseOf(AcDbObjectId id) {
         return the_ == nullptr ? nullptr : the_->find(sequenceOf(id));
@@ -65,6 +73,7 @@ class SG_API DatabaseTable {
     uint64_t first_;
     std::vector<DatabaseState*> states_;  // null: closed
     DrawingReaders readers_;
+    MakeFromBits makeFromBits_ = nullptr;
 };
 
 }  // namespace sg::model

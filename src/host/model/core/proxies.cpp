@@ -1,6 +1,5 @@
 #include "host/model/core/proxies.h"
 
-#include "host/dwg/kept_objects.h"
 #include "host/model/core/database_state.h"
 #include "host/model/core/group_writer.h"
 #include "host/model/core/list_filers.h"
@@ -220,7 +219,10 @@ std::unique_ptr<AcDbObject> makeFromGroups(const AcRxClass& descriptor, const Ac
 // From what it keeps: what its class has filed, what a DWG file had of it, or groups.
 std::unique_ptr<AcDbObject> makeOriginal(const AcRxClass& descriptor, AcDbObject& proxy,
                                          const ProxyData& data) {
-    if (data.bits != nullptr && data.bytes.empty()) return dwg::makeFromBits(descriptor, proxy);
+    if (data.bits != nullptr && data.bytes.empty()) {
+        const auto make = DatabaseTable::the()->makeFromBits();
+        return make == nullptr ? nullptr : make(descriptor, proxy);
+    }
     const bool isFiled = !data.bytes.empty() || data.groups.empty();
     return isFiled ? makeObject(descriptor, fileOriginal(proxy))
                    : makeFromGroups(descriptor, proxy);

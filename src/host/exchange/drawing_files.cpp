@@ -1,4 +1,4 @@
-#include "host/dxf/drawing_files.h"
+#include "host/exchange/drawing_files.h"
 
 #include <cstring>
 
@@ -8,7 +8,7 @@
 #include "host/system/files.h"
 #include "host/system/paths.h"
 
-namespace sg::dxf {
+namespace sg::exchange {
 namespace {
 
 constexpr std::wstring_view kDxf = L".dxf", kDwg = L".dwg";
@@ -23,32 +23,32 @@ std::wstring_view endingOf(const std::wstring& path) {
 
 std::vector<std::wstring> readFile(AcDbDatabase& database, const std::wstring& path) {
     const auto content = sg::readFile(path);
-    if (!content) throw Error(path + L": the drawing cannot be read");
+    if (!content) throw dxf::Error(path + L": the drawing cannot be read");
     if (dwg::isDrawing(*content)) return dwg::read(database, *content, path);
-    if (!isDrawing(*content)) throw Error(path + L": this is no drawing file");
-    return read(database, *content, path);
+    if (!dxf::isDrawing(*content)) throw dxf::Error(path + L": this is no drawing file");
+    return dxf::read(database, *content, path);
 }
 
 void checkCanWrite(const std::wstring& path) {
     const std::wstring_view ending = endingOf(path);
     if (equalIgnoringCase(ending, kDxf) || equalIgnoringCase(ending, kDwg)) return;
-    throw Error(path + L": drawings are written as .dwg and .dxf" +
-                (ending.empty() ? L"; the name has no ending" : L""));
+    throw dxf::Error(path + L": drawings are written as .dwg and .dxf" +
+                     (ending.empty() ? L"; the name has no ending" : L""));
 }
 
 namespace {
 
 // The release asked for when it can be written, else the next one that can.
-const Release& dwgRelease(const AcDbDatabase& database, const Release* wanted) {
+const dxf::Release& dwgRelease(const AcDbDatabase& database, const dxf::Release* wanted) {
     if (wanted == nullptr) return dwg::ownRelease(database);
-    const Release* release = wanted;
+    const dxf::Release* release = wanted;
     while (!dwg::isWritten(*release))
-        release = &releaseOf(static_cast<AcDb::AcDbDwgVersion>(release->number + 1));
+        release = &dxf::releaseOf(static_cast<AcDb::AcDbDwgVersion>(release->number + 1));
     return *release;
 }
 
-void writeDwg(const AcDbDatabase& database, const std::wstring& path, const WriteOptions& options,
-              ReplacementFile& file) {
+void writeDwg(const AcDbDatabase& database, const std::wstring& path,
+              const dxf::WriteOptions& options, ReplacementFile& file) {
     const dwg::Written written = dwg::write(database, dwgRelease(database, options.release));
     for (const std::wstring& loss : written.losses) {
         if (options.report) options.report(path + L": " + loss);
@@ -59,30 +59,30 @@ void writeDwg(const AcDbDatabase& database, const std::wstring& path, const Writ
 }  // namespace
 
 void writeFile(const AcDbDatabase& database, const std::wstring& path,
-               const WriteOptions& options) {
+               const dxf::WriteOptions& options) {
     checkCanWrite(path);
     ReplacementFile file(path);
     if (equalIgnoringCase(endingOf(path), kDwg)) {
         writeDwg(database, path, options, file);
     } else {
-        WriteOptions told = options;
+        dxf::WriteOptions told = options;
         if (options.report) {
             told.report = [&](const std::wstring& loss) { options.report(path + L": " + loss); };
         }
-        write(database, told, [&](std::string_view bytes) { return file.write(bytes); });
+        dxf::write(database, told, [&](std::string_view bytes) { return file.write(bytes); });
     }
     if (file.error() == 0 && file.commitKeeping(L".bak")) return;
-    throw Error(path + L": the drawing cannot be written: " +
-                fromUtf8(std::strerror(file.error())));
+    throw dxf::Error(path + L": the drawing cannot be written: " +
+                     fromUtf8(std::strerror(file.error())));
 }
 
 Acad::ErrorStatus readForDatabase(AcDbDatabase& database, const std::wstring& path) {
     try {
         readFile(database, path);
-    } catch (const Error&) {
+    } catch (const dxf::Error&) {
         return Acad::eBadDxfFile;
     }
     return Acad::eOk;
 }
 
-}  // namespace sg::dxf
+}  // namespace sg::exchange

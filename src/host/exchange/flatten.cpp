@@ -1,4 +1,4 @@
-#include "host/dxf/flatten.h"
+#include "host/exchange/flatten.h"
 
 #include <memory>
 
@@ -10,7 +10,7 @@
 #include "host/model/tables/filing.h"
 #include "platform/db/plain_form.h"
 
-namespace sg::dxf {
+namespace sg::exchange {
 namespace {
 
 using model::ObjectAccess;
@@ -93,4 +93,4 @@ std::map<std::wstring, size_t> flatten(AcDbDatabase& database) {
     return Flattener(database).run();
 }
 
-}  // namespace sg::dxf
+}  // namespace sg::exchange

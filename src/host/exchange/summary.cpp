@@ -1,4 +1,4 @@
-#include "host/dxf/summary.h"
+#include "host/exchange/summary.h"
 
 #include <algorithm>
 
@@ -14,7 +14,7 @@
 #include "host/model/tables/layout.h"
 #include "host/render/kept_graphics.h"
 
-namespace sg::dxf {
+namespace sg::exchange {
 namespace {
 
 using model::ObjectAccess;
@@ -39,8 +39,8 @@ class Surveyor {
         const model::FileOrigin* const origin = state_.origin.get();
         const auto number = origin == nullptr ? AcDb::kDHL_CURRENT
                                               : static_cast<AcDb::AcDbDwgVersion>(origin->release);
-        summary_.release = releaseOf(number).name;
-        summary_.version = releaseOf(number).version;
+        summary_.release = dxf::releaseOf(number).name;
+        summary_.version = dxf::releaseOf(number).version;
         if (origin == nullptr) return;
         summary_.version = origin->version.empty() ? summary_.version : origin->version;
         summary_.codePage = origin->codePage;
@@ -122,4 +122,4 @@ Summary summaryOf(const AcDbDatabase& database) {
     return Surveyor(database).survey();
 }
 
-}  // namespace sg::dxf
+}  // namespace sg::exchange

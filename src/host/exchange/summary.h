@@ -8,7 +8,7 @@
 #include "platform/db/database.h"
 #include "platform/db/extents.h"
 
-namespace sg::dxf {
+namespace sg::exchange {
 
 // What a drawing holds, for a person who looks at it from outside.
 struct Summary {
@@ -41,4 +41,4 @@ struct Summary {
 
 SG_API Summary summaryOf(const AcDbDatabase& database);
 
-}  // namespace sg::dxf
+}  // namespace sg::exchange
