@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -8,7 +9,7 @@
 
 // What a dictionary does when a copy brings a name that it has.
 namespace AcDb {
-enum DuplicateRecordCloning {
+enum DuplicateRecordCloning : int16_t {
     kDrcNotApplicable = 0,
     kDrcIgnore = 1,  // keeps what is there
     kDrcReplace = 2,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -19,7 +20,7 @@ class SG_API AcDbMText : public AcDbEntity {
     AcDbMText();
     ~AcDbMText() override;
 
-    enum AttachmentPoint {
+    enum AttachmentPoint : int16_t {
         kTopLeft = 1,
         kTopCenter = 2,
         kTopRight = 3,
@@ -30,8 +31,8 @@ class SG_API AcDbMText : public AcDbEntity {
         kBottomCenter = 8,
         kBottomRight = 9,
     };
-    enum FlowDirection { kLtoR = 1, kTtoB = 3, kByStyle = 5 };
-    enum LineSpacingStyle { kAtLeast = 1, kExactly = 2 };
+    enum FlowDirection : int16_t { kLtoR = 1, kTtoB = 3, kByStyle = 5 };
+    enum LineSpacingStyle : int16_t { kAtLeast = 1, kExactly = 2 };
 
     AcGePoint3d location() const { return location_; }
     Acad::ErrorStatus setLocation(const AcGePoint3d& location);
