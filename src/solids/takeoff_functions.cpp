@@ -55,8 +55,8 @@ struct Branch {
     AcGePoint3d tip;
 };
 
-// A straight piece of a main with one or two stubs, and behind it a reducer where the main changes
-// its size.
+// A straight piece of a main with one or two spigots, and behind it a reducer where the main
+// changes its size.
 class Takeoff {
   public:
     explicit Takeoff(const TakeoffRequest& request);
@@ -69,10 +69,10 @@ class Takeoff {
     bool measureBranches();
     bool measure(Branch& branch) const;
     void placeMain();
-    void placeStubs();
+    void placeSpigots();
     bool buildBodies();
-    bool addStub(const Branch& branch);
-    void trimLastStub();
+    bool addSpigot(const Branch& branch);
+    void trimLastSpigot();
     bool addReducer();
     double longer(double Branch::*length) const {
         return std::max(branches_[0].*length, branches_[1].*length);
@@ -124,10 +124,10 @@ void Takeoff::take(const DuctSection& section) {
 bool Takeoff::build() {
     if (!measureBranches()) return false;
     placeMain();
-    placeStubs();
+    placeSpigots();
     fitting_ = newSolid();
     if (fitting_ == nullptr || !buildBodies()) return false;
-    trimLastStub();
+    trimLastSpigot();
     return !sectionSizesDiffer(request_.mainBefore, request_.mainBehind) || addReducer();
 }
 
@@ -181,7 +181,7 @@ void Takeoff::placeMain() {
     mainEnd2_ = head2_ + frame_.x() * ahead;
 }
 
-void Takeoff::placeStubs() {
+void Takeoff::placeSpigots() {
     for (Branch& branch : branches()) {
         const AcGeVector3d& along = branch.frame.x();
         branch.foot = branch.head + along * along.dotProduct(tail1_ - branch.head);
@@ -196,11 +196,11 @@ bool Takeoff::buildBodies() {
         return false;
     }
     return std::ranges::all_of(branches(),
-                               [this](const Branch& branch) { return addStub(branch); });
+                               [this](const Branch& branch) { return addSpigot(branch); });
 }
 
-// A little smaller than the branch, so that no face of the stub lies in one of the main's.
-bool Takeoff::addStub(const Branch& branch) {
+// A little smaller than the branch, so that no face of the spigot lies in one of the main's.
+bool Takeoff::addSpigot(const Branch& branch) {
     constexpr double kLessWidth = 0.01;
     constexpr double kLessHeight = 0.001;
     Profile profile = branch.profile;
@@ -210,9 +210,9 @@ bool Takeoff::addStub(const Branch& branch) {
                          {branch.tip, profile, branch.frame}, bodyOption_);
 }
 
-// Cuts off what the stub added last has beyond the main piece's ends. That the first of two
-// stubs stays as it is is deliberate.
-void Takeoff::trimLastStub() {
+// Cuts off what the spigot added last has beyond the main piece's ends. That the first of two
+// spigots stays as it is is deliberate.
+void Takeoff::trimLastSpigot() {
     fitting_->sliceLast(start_, start_ + frame_.y(), start_ + frame_.z(), end_);
     fitting_->sliceLast(end_, end_ + frame_.y(), end_ + frame_.z(), start_);
 }
@@ -231,14 +231,16 @@ bool Takeoff::addReducer() {
 void Takeoff::addToDrawingAndReturn() {
     const AcDbObjectId reducer = addToDrawing(std::move(reducer_));
     const AcDbObjectId fitting = addToDrawing(std::move(fitting_));
-    const auto stubLength = [](const Branch& branch) { return branch.head.distanceTo(branch.tip); };
+    const auto spigotLength = [](const Branch& branch) {
+        return branch.head.distanceTo(branch.tip);
+    };
     PairList()
         .add(L"en1", fitting)
         .add(L"en2", reducer)
         .add(L"dHeadLength", tail1_.distanceTo(start_))
         .add(L"dTailLength1", head2_.distanceTo(mainEnd2_))
-        .add(L"dTailLength2", stubLength(branches_[0]))
-        .add(L"dTailLength3", stubLength(branches_[1]))
+        .add(L"dTailLength2", spigotLength(branches_[0]))
+        .add(L"dTailLength3", spigotLength(branches_[1]))
         .finish();
 }
 

@@ -44,7 +44,7 @@ TEST_F(TakeoffTest, TheMainReachesPastItsBranches) {
         const char* branches;
         const char* start;
         const char* end;
-        std::vector<std::string> stubs;
+        std::vector<std::string> spigots;
         std::string result;
     } cases[] = {
         {"square",
@@ -72,7 +72,7 @@ TEST_F(TakeoffTest, TheMainReachesPastItsBranches) {
          {"(54 0 0) 9.99x9.999 (54 13 0) 9.99x9.999 [+Y, -X, +Z]"},
          lengths("4.0", "12.0", "13.0")},
         // At 45 degrees the slant is 10 and half the branch 7.0711 of the main: -2.9289 before,
-        // where the branch that is not there counts with 0, and 17.0711 after. The stub reaches
+        // where the branch that is not there counts with 0, and 17.0711 after. The spigot reaches
         // 5 + 14.1421 + 3 along the diagonal.
         {"slanting",
          "(run 50 0 0 90 40 0 10 10)",
@@ -137,8 +137,8 @@ TEST_F(TakeoffTest, TheMainReachesPastItsBranches) {
     for (const auto& c : cases) {
         EXPECT_EQ(takeoff(c.branches), c.result) << c.what;
         std::vector<std::string> expected = {mainPiece(c.start, c.end)};
-        for (const std::string& stub : c.stubs)
-            expected.push_back("addTransition " + stub + " 4");
+        for (const std::string& spigot : c.spigots)
+            expected.push_back("addTransition " + spigot + " 4");
         expected.push_back(slice(c.start, c.end));
         expected.push_back(slice(c.end, c.start));
         EXPECT_THAT(lines(), ElementsAreArray(expected)) << c.what;
@@ -167,7 +167,7 @@ TEST_F(TakeoffTest, AMainThatChangesGetsAReducer) {
 
 TEST_F(TakeoffTest, ARefusedBodyIsNilAndLeavesNothing) {
     const char* const branches = "(run 48 0 0 48 40 0 10 10) (run 52 0 0 52 -40 0 10 10)";
-    for (size_t body = 0; body < 4; ++body) {  // main, two stubs, reducer
+    for (size_t body = 0; body < 4; ++body) {  // main, two spigots, reducer
         solids.answers["addTransition"].assign(body, true);
         solids.answers["addTransition"].push_back(false);
         EXPECT_EQ(takeoff(branches, "(run 50 0 0 100 0 0 12 10)"), "nil");

@@ -6,8 +6,8 @@
 
 #include <functional>
 
-#include "host/exchange/drawing_files.h"
 #include "host/dxf/dxf_fixture.h"
+#include "host/exchange/drawing_files.h"
 #include "host/system/file_lock.h"
 #include "platform/db/line.h"
 
