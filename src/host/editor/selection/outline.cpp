@@ -4,6 +4,7 @@
 #include <numbers>
 
 #include "host/model/core/object_access.h"
+#include "host/model/core/plain_traits.h"
 #include "host/model/curves/curve_access.h"
 #include "host/model/curves/ellipse.h"
 #include "host/model/curves/polyline_3d.h"
@@ -28,36 +29,6 @@ using model::Piece;
 
 constexpr int kDeepestNesting = 64;
 constexpr double kInfinite = std::numeric_limits<double>::infinity();
-
-class Traits final : public AcGiSubEntityTraits {
-  public:
-    void setColor(uint16_t index) override { color_.setColorIndex(index); }
-    void setTrueColor(const AcCmColor& color) override { color_ = color; }
-    void setLayer(AcDbObjectId layer) override { layer_ = layer; }
-    void setLineType(AcDbObjectId linetype) override { linetype_ = linetype; }
-    void setLineTypeScale(double scale) override { linetypeScale_ = scale; }
-    void setLineWeight(int weight) override { lineWeight_ = weight; }
-    void setFillType(AcGiFillType type) override { fillType_ = type; }
-    void setSelectionMarker(int64_t) override {}
-    void setThickness(double thickness) override { thickness_ = thickness; }
-
-    uint16_t color() const override { return color_.colorIndex(); }
-    AcCmColor trueColor() const override { return color_; }
-    AcDbObjectId layerId() const override { return layer_; }
-    AcDbObjectId lineTypeId() const override { return linetype_; }
-    double lineTypeScale() const override { return linetypeScale_; }
-    int lineWeight() const override { return lineWeight_; }
-    AcGiFillType fillType() const override { return fillType_; }
-    double thickness() const override { return thickness_; }
-
-  private:
-    AcCmColor color_;
-    AcDbObjectId layer_, linetype_;
-    double linetypeScale_ = 1;
-    int lineWeight_ = -1;
-    AcGiFillType fillType_ = kAcGiFillNever;
-    double thickness_ = 0;
-};
 
 // Curves that draw nothing but their shape.
 bool isItsShape(const AcDbCurve& curve) {
@@ -250,7 +221,7 @@ class OutlineDraw final : public AcGiWorldDraw, private AcGiGeometry {
 
     std::vector<AcGeMatrix3d> transforms_;
     OutlineSink& sink_;
-    mutable Traits traits_;
+    mutable model::PlainTraits traits_;
     int depth_ = 0;
     bool done_ = false;
 };

@@ -4,6 +4,7 @@
 #include <numbers>
 #include <vector>
 
+#include "host/model/core/plain_traits.h"
 #include "host/text/line.h"
 #include "platform/gi/drawable.h"
 
@@ -136,43 +137,12 @@ class MeasuringDraw::Geometry final : public AcGiGeometry {
     int depth_ = 0;
 };
 
-// Of the properties only the thickness reaches anywhere.
-class MeasuringDraw::Traits final : public AcGiSubEntityTraits {
-  public:
-    void setColor(uint16_t index) override { color_.setColorIndex(index); }
-    void setTrueColor(const AcCmColor& color) override { color_ = color; }
-    void setLayer(AcDbObjectId layer) override { layer_ = layer; }
-    void setLineType(AcDbObjectId linetype) override { linetype_ = linetype; }
-    void setLineTypeScale(double scale) override { linetypeScale_ = scale; }
-    void setLineWeight(int weight) override { lineWeight_ = weight; }
-    void setFillType(AcGiFillType type) override { fillType_ = type; }
-    void setSelectionMarker(int64_t) override {}
-    void setThickness(double thickness) override { thickness_ = thickness; }
-
-    uint16_t color() const override { return color_.colorIndex(); }
-    AcCmColor trueColor() const override { return color_; }
-    AcDbObjectId layerId() const override { return layer_; }
-    AcDbObjectId lineTypeId() const override { return linetype_; }
-    double lineTypeScale() const override { return linetypeScale_; }
-    int lineWeight() const override { return lineWeight_; }
-    AcGiFillType fillType() const override { return fillType_; }
-    double thickness() const override { return thickness_; }
-
-  private:
-    AcCmColor color_;
-    AcDbObjectId layer_, linetype_;
-    double linetypeScale_ = 1;
-    int lineWeight_ = -1;
-    AcGiFillType fillType_ = kAcGiFillNever;
-    double thickness_ = 0;
-};
-
 MeasuringDraw::MeasuringDraw() : MeasuringDraw(std::make_shared<BlockBoxes>()) {
     geometry_->lookedAt = 0;
 }
 MeasuringDraw::MeasuringDraw(std::shared_ptr<BlockBoxes> boxes)
     : geometry_(std::make_unique<Geometry>(*this)),
-      traits_(std::make_unique<Traits>()),
+      traits_(std::make_unique<PlainTraits>()),
       boxes_(std::move(boxes)) {
     geometry_->lookedAt = kMostLookedAt;
 }

@@ -9,6 +9,8 @@
 
 namespace sg::model {
 
+class PlainTraits;
+
 // A drawing that keeps only how far what is drawn reaches. Rays and construction lines reach
 // nowhere.
 //
@@ -39,10 +41,9 @@ class SG_API MeasuringDraw final : public AcGiWorldDraw {
 
   private:
     class Geometry;
-    class Traits;
 
     std::unique_ptr<Geometry> geometry_;
-    std::unique_ptr<Traits> traits_;
+    std::unique_ptr<PlainTraits> traits_;
     std::shared_ptr<BlockBoxes> boxes_;
 };
 
