@@ -1,10 +1,7 @@
 #include "support/dialogs/edit_multiline_text.h"
 
-#include <QHBoxLayout>
-#include <QPushButton>
-#include <QVBoxLayout>
-
 #include "platform/win/message_box.h"
+#include "support/dialogs/above_buttons.h"
 #include "support/dialogs/lines_edit.h"
 #include "support/dialogs/product_icon.h"
 
@@ -34,20 +31,9 @@ CEditMultilineText::CEditMultilineText(QWidget* parent, const std::wstring& text
     const QFontMetrics metrics = edit_->fontMetrics();
     edit_->setMinimumSize(60 * metrics.averageCharWidth(), 14 * metrics.height());
 
-    auto* const buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(NewOkButton());
-    buttons->addWidget(NewCancelButton());
-    buttons->addStretch();
-    auto* const all = new QVBoxLayout(this);
-    all->addWidget(edit_);
-    all->addLayout(buttons);
-    SetControlProperty({{kEdit, ELASTICX, 100},
-                        {kEdit, ELASTICY, 100},
-                        {IDOK, MOVEX, 50},
-                        {IDOK, MOVEY, 100},
-                        {IDCANCEL, MOVEX, 50},
-                        {IDCANCEL, MOVEY, 100}});
+    QPushButton* const ok = NewOkButton();
+    QPushButton* const cancel = NewCancelButton();
+    layOutAboveButtons(*this, *edit_, kEdit, ok, cancel);
 }
 
 bool CEditMultilineText::OnInitDialog() {

@@ -1,13 +1,10 @@
 #include "support/dialogs/user_options.h"
 
-#include <QHBoxLayout>
-#include <QPushButton>
-#include <QVBoxLayout>
-
 #include "grid/combo_cell.h"
 #include "grid/in_place_list.h"
 #include "grid/tree_column.h"
 #include "platform/win/message_box.h"
+#include "support/dialogs/above_buttons.h"
 #include "support/dialogs/option_rows.h"
 #include "support/dialogs/product_icon.h"
 #include "support/settings.h"
@@ -31,20 +28,9 @@ CUserOptions::CUserOptions(QWidget* parent, std::wstring discipline, std::wstrin
     const QFontMetrics metrics = grid_->fontMetrics();
     grid_->setMinimumSize(108 * metrics.averageCharWidth(), 17 * metrics.height());
 
-    auto* const buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(NewOkButton());
-    buttons->addWidget(NewCancelButton());
-    buttons->addStretch();
-    auto* const all = new QVBoxLayout(this);
-    all->addWidget(grid_);
-    all->addLayout(buttons);
-    SetControlProperty({{kGrid, ELASTICX, 100},
-                        {kGrid, ELASTICY, 100},
-                        {IDOK, MOVEX, 50},
-                        {IDOK, MOVEY, 100},
-                        {IDCANCEL, MOVEX, 50},
-                        {IDCANCEL, MOVEY, 100}});
+    QPushButton* const ok = NewOkButton();
+    QPushButton* const cancel = NewCancelButton();
+    layOutAboveButtons(*this, *grid_, kGrid, ok, cancel);
 }
 
 bool CUserOptions::OnInitDialog() {
