@@ -212,7 +212,7 @@ void addSql(CLI::App& db, Narrow& narrow, DatabaseArguments& arguments) {
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false)
         ->check(CLI::Validator(checkParameter, ""));
-    command->footer("EXPLAIN before a query prints how it is run, and which indexes it uses.");
+    command->footer("EXPLAIN before a statement prints how it is run, and which indexes it uses.");
 }
 
 void addImport(CLI::App& db, Narrow& narrow, DatabaseArguments& arguments) {

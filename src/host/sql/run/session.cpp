@@ -1,5 +1,8 @@
 #include "host/sql/run/session.h"
 
+#include <numeric>
+#include <optional>
+
 #include "base/encoding.h"
 #include "host/jet/database/database.h"
 #include "host/jet/format/error.h"
@@ -37,34 +40,40 @@ const Query& queryOf(const Statement& statement) {
     return *query;
 }
 
-// Translates whatever of a statement may name parameters.
-struct Describing {
+// What a statement asks for before it does anything: the whole of a query, the rows that an action
+// touches with their new values. None of a definition, and of EXECUTE its arguments.
+struct Asked {
     Translator& translator;
 
-    void operator()(const QueryPtr& query) { translator.query(*query); }
-    void operator()(const Insert& node) {
-        if (node.query != nullptr) {
-            translator.query(*node.query);
-        } else {
-            translator.values(node.values);
-        }
+    std::optional<Program> operator()(const QueryPtr& query) { return translator.query(*query); }
+    std::optional<Program> operator()(const Insert& node) {
+        return node.query != nullptr ? translator.query(*node.query)
+                                     : translator.values(node.values);
     }
-    void operator()(const Update& node) {
+    std::optional<Program> operator()(const Update& node) {
         std::vector<const Expression*> values;
         for (const Assignment& each : node.assignments) {
             values.push_back(each.value.get());
         }
-        rows(node.from, node.where, values);
+        return rows(node.from, node.where, values);
     }
-    void operator()(const Delete& node) { rows(node.from, node.where, {}); }
-    void operator()(const Execute& node) { translator.values(node.arguments); }
+    std::optional<Program> operator()(const Delete& node) {
+        return rows(node.from, node.where, {});
+    }
+    std::optional<Program> operator()(const Execute& node) {
+        return translator.values(node.arguments);
+    }
     template <class Definition>
-    void operator()(const Definition&) {}
+    std::optional<Program> operator()(const Definition&) {
+        return std::nullopt;
+    }
 
-    void rows(const From& from, const ExpressionPtr& where,
-              const std::vector<const Expression*>& values) {
+    Program rows(const From& from, const ExpressionPtr& where,
+                 const std::vector<const Expression*>& values) {
         Scope scope = translator.sources(from);
-        translator.rows(scope, where.get(), {}, values);
+        std::vector<size_t> targets(scope.bases.size());
+        std::iota(targets.begin(), targets.end(), size_t(0));
+        return translator.rows(scope, where.get(), targets, values);
     }
 };
 
@@ -120,7 +129,11 @@ std::vector<std::wstring> Session::explain(const Statement& statement,
         return explain(called, argumentsOf(*this, setting(statement, parameters), *call, called));
     }
     Translator translator(state_->database, statement.parameters, parameters, state_->engine);
-    return state_->engine.explain(translator.query(queryOf(statement)));
+    const std::optional<Program> asked = std::visit(Asked{translator}, statement.body);
+    if (!asked) {
+        throw jet::Error(jet::InvalidOperation);
+    }
+    return state_->engine.explain(*asked);
 }
 
 Description Session::describe(const Statement& statement) {
@@ -131,7 +144,7 @@ Description Session::describe(const Statement& statement) {
     if (const Query* query = findQuery(statement)) {
         made.columns = recordColumns(translator.query(*query));
     } else {
-        std::visit(Describing{translator}, statement.body);
+        std::visit(Asked{translator}, statement.body);
     }
     for (const Translator::MissingParameter& each : translator.missing()) {
         made.parameters.push_back({each.name, each.type});

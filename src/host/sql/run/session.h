@@ -93,9 +93,10 @@ class SG_API Session {
     // told are those that its rows give now.
     Description describe(const Statement& statement);
 
-    // How a query is to be run, a line a step: SEARCH where an index is used to find rows, SCAN
-    // where all are read. A TRANSIENT INDEX is made for the statement, in memory, where rows of a
-    // table are looked for again and again and it has no index for it.
+    // How a query is to be run, or how the rows are found that an action changes, a line a step;
+    // 3219 for what defines tables, indexes and queries. SEARCH where an index is used to find
+    // rows, SCAN where all are read. A TRANSIENT INDEX is made for the statement, in memory, where
+    // rows of a table are looked for again and again and it has no index for it.
     std::vector<std::wstring> explain(const Statement& statement,
                                       const Parameters& parameters = {});
 

@@ -37,8 +37,7 @@ Parameters argumentsOf(Session& session, const Setting& setting, const Execute& 
     const std::vector<Description::Parameter> wanted = session.describe(called).parameters;
     if (call.arguments.size() > wanted.size()) {
         throw jet::Error(jet::InvalidArgument, {},
-                         {.detail = call.procedure.text + L" takes " +
-                                    std::to_wstring(wanted.size()) + L" parameters"});
+                         {.detail = call.procedure.text + L" has fewer parameters"});
     }
     Translator translator(setting.database, setting.declared, setting.parameters, setting.engine);
     const Program program = translator.values(call.arguments);

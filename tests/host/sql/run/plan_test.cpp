@@ -260,5 +260,22 @@ TEST_F(PlanTest, FirstRows) {
            {L"SELECT TOP 1 Area FROM Rooms WHERE Level = 2 ORDER BY Area, 1", "5.25; 5.25"}});
 }
 
+// EXPLAIN of a statement that changes rows tells how it finds them, and changes none.
+TEST_F(PlanTest, StepsOfActions) {
+    EXPECT_EQ(steps(L"DELETE FROM Indexed WHERE Id = 5"),
+              "SEARCH Indexed USING INDEX PrimaryKey (Id=?)");
+    EXPECT_EQ(steps(L"UPDATE Indexed SET Code = 'x' WHERE Id = 5"),
+              "SEARCH Indexed USING INDEX PrimaryKey (Id=?)");
+    EXPECT_EQ(steps(L"UPDATE Plain INNER JOIN Indexed ON Plain.Id = Indexed.Id "
+                    L"SET Plain.Code = Indexed.Code"),
+              "SCAN Plain; SEARCH Indexed USING INDEX PrimaryKey (Id=?)");
+    EXPECT_EQ(steps(L"INSERT INTO Plain (Id) SELECT Id FROM Indexed WHERE Id = 5"),
+              "SEARCH Indexed USING INDEX PrimaryKey (Id=?)");
+    EXPECT_EQ(steps(L"SELECT Id INTO Made FROM Indexed WHERE Id = 5"),
+              "SEARCH Indexed USING INDEX PrimaryKey (Id=?)");
+    EXPECT_EQ(rows(L"SELECT Count(*) FROM Indexed WHERE Id = 5"), "1");
+    EXPECT_THROW(steps(L"DROP TABLE Plain"), jet::Error);
+}
+
 }  // namespace
 }  // namespace sg::sql
