@@ -6,9 +6,10 @@
 namespace sg::sql {
 namespace detail {
 
-SyntaxParser::SyntaxParser(std::wstring_view text)
-    : text_(text), lexer_(text, jet::detail::LexerUse::Statement) {
-    if (text.size() > maxTextLength) {
+SyntaxParser::SyntaxParser(std::wstring_view text, jet::detail::LexerUse use)
+    : text_(text), lexer_(text, use) {
+    const bool isScript = use == jet::detail::LexerUse::Script;
+    if (text.size() > (isScript ? maxScriptLength : maxTextLength)) {
         throw jet::Error(TooComplex);
     }
     advance();
@@ -98,6 +99,9 @@ void SyntaxParser::script(std::vector<ScriptEntry>& into) {
         const bool explain = take(L"EXPLAIN");
         ScriptEntry entry{explain, statement()};
         endOfStatement();
+        if (entry.statement.range.length > maxTextLength) {
+            throw jet::Error(TooComplex);
+        }
         into.push_back(std::move(entry));
     }
 }
@@ -121,7 +125,7 @@ Statement parseStatement(std::wstring_view text) {
 }
 
 void parseScript(std::wstring_view text, std::vector<ScriptEntry>& into) {
-    detail::SyntaxParser(text).script(into);
+    detail::SyntaxParser(text, jet::detail::LexerUse::Script).script(into);
 }
 
 ExpressionPtr parseExpression(std::wstring_view text) {

@@ -21,7 +21,8 @@ using jet::detail::infixOf;
 using enum jet::detail::Precedence;
 class SyntaxParser {
   public:
-    explicit SyntaxParser(std::wstring_view text);
+    explicit SyntaxParser(std::wstring_view text,
+                          jet::detail::LexerUse use = jet::detail::LexerUse::Statement);
 
     Statement wholeStatement();
     void script(std::vector<ScriptEntry>& into);

@@ -232,6 +232,27 @@ TEST(SqlParser, Scripts) {
     EXPECT_EQ(others.size(), 1u);
 }
 
+// "--" begins a comment at the start of a line alone; else it is a difference and a sign.
+TEST(SqlParser, CommentsInScripts) {
+    const std::wstring text = L"-- first\r\nSELECT 1--2\n  -- a ' and a #\n , 3;\n--\n-- last";
+    std::vector<ScriptEntry> script;
+    parseScript(text, script);
+    ASSERT_EQ(script.size(), 1u);
+    EXPECT_EQ(toText(script[0].statement), L"SELECT 1 - -2, 3");
+    EXPECT_EQ(toText(parseStatement(L"SELECT 1\n-- 2")), L"SELECT 1 - -2");
+}
+
+// Each statement by itself may be as long as one can be, and the script longer.
+TEST(SqlParser, LongScripts) {
+    const std::wstring half = L"SELECT '" + std::wstring(maxTextLength / 2, L'x') + L"'";
+    std::vector<ScriptEntry> script;
+    parseScript(half + L";" + half + L";" + half, script);
+    EXPECT_EQ(script.size(), 3u);
+    const std::wstring whole = L"SELECT '" + std::wstring(maxTextLength, L'x') + L"'";
+    EXPECT_THROW(parseScript(whole, script), jet::Error);
+    EXPECT_THROW(parseScript(std::wstring(maxScriptLength + 1, L' '), script), jet::Error);
+}
+
 TEST(SqlParser, RangesOfClauses) {
     const std::wstring text =
         L"SELECT (a+b) AS c, t.* FROM [x.mdb].t AS y INNER JOIN u ON y.i = u.i ORDER BY  a DESC";

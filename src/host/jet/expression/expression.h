@@ -46,7 +46,8 @@ class SG_API Expression {
   public:
     // A value's expression, with or without a "=" before it. Throws ExpressionSyntax with what is
     // wrong and the text, also for one that is longer than 16,384 characters or nested more than
-    // some hundred levels deep; UndefinedFunction with the function's name.
+    // some hundred levels deep; InvalidBracketing for a "[" without its "]"; UndefinedFunction with
+    // the function's name.
     static Expression parse(std::wstring_view text);
     // A validation rule of a column: a comparison may leave out its left side ("> 0 And < 100",
     // "In ('a','b')", "Is Not Null", or a bare value, which must be equal), which then is the

@@ -40,10 +40,23 @@ void throwSyntax(std::wstring what, std::wstring_view expression) {
     throw Error(ExpressionSyntax, {std::move(what), std::wstring(expression)});
 }
 
-Token ExpressionLexer::next(bool behindOperand) {
-    while (at_ < text_.size() && isBlank(text_[at_])) {
-        ++at_;
+// And comments.
+void ExpressionLexer::skipBlanks() {
+    bool isLineStart = at_ == 0;
+    while (at_ < text_.size()) {
+        if (isBlank(text_[at_])) {
+            isLineStart = isLineStart || text_[at_] == L'\n';
+            ++at_;
+        } else if (use_ == LexerUse::Script && isLineStart && text_.substr(at_, 2) == L"--") {
+            at_ = std::min(text_.find(L'\n', at_), text_.size());
+        } else {
+            return;
+        }
     }
+}
+
+Token ExpressionLexer::next(bool behindOperand) {
+    skipBlanks();
     const size_t start = at_;
     Token token = at_ == text_.size() ? Token() : cut(behindOperand);
     token.offset = start;
@@ -107,7 +120,7 @@ Token ExpressionLexer::date() {
 size_t ExpressionLexer::endOfBrackets() const {
     size_t depth = 1;
     for (size_t end = at_ + 1; end < text_.size(); ++end) {
-        if (text_[end] == L'[' && use_ == LexerUse::Statement) {
+        if (text_[end] == L'[' && use_ != LexerUse::Expression) {
             ++depth;
         } else if (text_[end] == L']' && --depth == 0) {
             return end;

@@ -34,8 +34,9 @@ struct Token {
 [[noreturn]] void throwSyntax(std::wstring what, std::wstring_view expression);
 
 // What is cut: statements have "?" and ";" too, and take every other character for a symbol that
-// somebody else will complain about; their brackets may hold a whole query, with brackets in it.
-enum class LexerUse : uint8_t { Expression, Statement };
+// somebody else will complain about; their brackets may hold a whole query, with brackets in it. In
+// scripts of statements, lines that begin with "--" are comments besides.
+enum class LexerUse : uint8_t { Expression, Statement, Script };
 
 // Cuts an expression into tokens, one at a time.
 class ExpressionLexer {
@@ -46,15 +47,16 @@ class ExpressionLexer {
         : text_(text), use_(use), at_(start) {}
 
     // The next token; an End token at the end, as often as asked. `behindOperand` tells that an
-    // operator must follow, so that "&" is one and doesn't begin "&HFF". Throws ExpressionSyntax, or
-    // InvalidBracketing for a "[" without its "]", and then stands behind what was wrong as far as
-    // that has an end.
+    // operator must follow, so that "&" is one and doesn't begin "&HFF". Throws ExpressionSyntax,
+    // or InvalidBracketing for a "[" without its "]", and then stands behind what was wrong as far
+    // as that has an end.
     Token next(bool behindOperand);
 
     // Where the next token, or blanks before it, begin.
     size_t place() const { return at_; }
 
   private:
+    void skipBlanks();
     Token cut(bool behindOperand);
     Token quoted(wchar_t quote);
     Token date();

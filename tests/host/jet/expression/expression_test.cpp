@@ -449,14 +449,16 @@ TEST_F(ExpressionTest, FormatOfDatesAndTexts) {
 
 TEST_F(ExpressionTest, WhatIsNotAnExpression) {
     for (const wchar_t* text :
-         {L"",       L"=",           L"1 +",       L"1 2",         L"(1",    L"1)",
-          L"\"open", L"#soon#",      L"#1/1/2017", L"[open",       L"[]",    L"1a",
-          L"1.2.3",  L"&H",          L"&HG",       L"&H123456789", L"a ? b", L"1 = > 2",
-          L"* 2",    L"Len()",       L"Len(1,2)",  L"Len(1",       L"Len 1", L"[Len](1)",
-          L"x Is 5", L"x Between 1", L"x In 1",    L"x In ()",     L"And",   L"a.",
-          L"1 Like", L"> 5",         L"Is Null"}) {
+         {L"",         L"=",           L"1 +",       L"1 2",      L"(1",     L"1)",
+          L"\"open",   L"#soon#",      L"#1/1/2017", L"1a",       L"1.2.3",  L"&H",
+          L"&HG",      L"&H123456789", L"a ? b",     L"1 = > 2",  L"* 2",    L"Len()",
+          L"Len(1,2)", L"Len(1",       L"Len 1",     L"[Len](1)", L"x Is 5", L"x Between 1",
+          L"x In 1",   L"x In ()",     L"And",       L"a.",       L"1 Like", L"> 5",
+          L"Is Null"}) {
         EXPECT_EQ(evaluated(text), "error 3075") << toUtf8(text);
     }
+    for (const wchar_t* text : {L"[open", L"[]"})
+        EXPECT_EQ(evaluated(text), "error 3126") << toUtf8(text);
     try {
         Expression::parse(L"1 +* 2");
         ADD_FAILURE();
