@@ -1,5 +1,6 @@
 #include <cmath>
 
+#include "base/numbers.h"
 #include "host/dwg/header_fields.h"
 #include "host/dwg/header_flags.h"
 #include "host/dwg/header_roots.h"
@@ -126,7 +127,7 @@ class HeaderWriter {
     void writeValue(const HeaderField& field, const VariableValue* value) {
         BitWriter& data = streams_.data;
         const double number = numberOf(value, field.standard);
-        const auto whole = static_cast<int32_t>(number);
+        const auto whole = wholeOf<int32_t>(number);
         switch (field.coding) {
             case Coding::flag:
                 return data.bit(number != 0);
