@@ -3,7 +3,7 @@
 JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 
-.PHONY: all deps build asan test demo bench fuzz format lint install clean
+.PHONY: all deps build asan test demo bench fuzz memcheck format lint install clean
 
 all: build
 
@@ -31,6 +31,10 @@ bench: build
 # Five minutes a target; FUZZ_SECONDS=60 make fuzz for less.
 fuzz: deps
 	@scripts/fuzz.sh
+
+# The unit tests under valgrind.
+memcheck: build
+	@scripts/memcheck.sh
 
 format:
 	git ls-files '*.cpp' '*.h' | xargs clang-format -i
