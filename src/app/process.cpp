@@ -10,6 +10,8 @@
 #include <string>
 
 #include "base/encoding.h"
+#include "host/system/files.h"
+#include "host/system/paths.h"
 
 namespace sg::app {
 namespace {
@@ -27,6 +29,16 @@ bool makeFolders(const std::string& path) {
     }
 }
 
+// A path from the folder that holds this executable.
+std::wstring besideExecutable(const std::wstring& relative) {
+    std::string path(4096, '\0');
+    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
+    path.resize(length > 0 ? static_cast<size_t>(length) : 0);
+    const size_t slash = path.rfind('/');
+    const std::wstring folder = fromUtf8(path.substr(0, slash == std::string::npos ? 0 : slash));
+    return absolutePath(joinPath(folder, relative));
+}
+
 }  // namespace
 
 void raiseStackLimit() {
@@ -40,12 +52,13 @@ void raiseStackLimit() {
     setrlimit(RLIMIT_STACK, &limit);
 }
 
-std::wstring executableFolder() {
-    std::string path(4096, '\0');
-    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
-    path.resize(length > 0 ? static_cast<size_t>(length) : 0);
-    const size_t slash = path.rfind('/');
-    return fromUtf8(path.substr(0, slash == std::string::npos ? 0 : slash));
+std::wstring moduleFolder() {
+    const std::wstring installed = besideExecutable(L"../lib/swiftgate/modules");
+    return isFolder(installed) ? installed : besideExecutable(L"../modules");
+}
+
+std::wstring shareFolder() {
+    return besideExecutable(L"../share/swiftgate");
 }
 
 std::wstring stateFolder() {
