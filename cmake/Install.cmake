@@ -2,12 +2,13 @@
 # the whole may be moved:
 #
 #   bin/swiftgate
-#   lib/swiftgate/            the libraries, which nobody else links
+#   lib/swiftgate/lib/        the libraries, which nobody else links. Right below lib/ or in a folder
+#                             of it a package would have the system's linker told of them
 #   lib/swiftgate/modules/    what the host loads
 #   share/swiftgate/          the documents, whose function pages are the help; support/: programs
 #   share/doc/swiftgate/      licences, changes, examples
 #   share/man, and the completions of bash and zsh
-set(private_libraries lib/swiftgate)
+set(private_libraries lib/swiftgate/lib)
 set(documents share/swiftgate)
 set(papers share/doc/swiftgate)
 
@@ -16,10 +17,10 @@ set(libraries swiftgate-host swiftgate-geometry swiftgate-step swiftgate-graphic
 set(modules SwiftGate2017 qn_qn-solid2017)
 set_target_properties(swiftgate PROPERTIES INSTALL_RPATH "\$ORIGIN/../${private_libraries}")
 set_target_properties(${libraries} PROPERTIES INSTALL_RPATH "\$ORIGIN")
-set_target_properties(${modules} PROPERTIES INSTALL_RPATH "\$ORIGIN/..")
+set_target_properties(${modules} PROPERTIES INSTALL_RPATH "\$ORIGIN/../lib")
 install(TARGETS swiftgate RUNTIME DESTINATION bin)
 install(TARGETS ${libraries} LIBRARY DESTINATION ${private_libraries})
-install(TARGETS ${modules} LIBRARY DESTINATION ${private_libraries}/modules)
+install(TARGETS ${modules} LIBRARY DESTINATION lib/swiftgate/modules)
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${documents}
         FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg)
