@@ -15,7 +15,9 @@ set(papers share/doc/swiftgate)
 set(libraries swiftgate-host swiftgate-geometry swiftgate-step swiftgate-graphics swiftgate-ui
     swiftgate-grid swiftgate-browse swiftgate-standards swiftgate-support swiftgate-solids)
 set(modules SwiftGate2017 qn_qn-solid2017)
-set_target_properties(swiftgate PROPERTIES INSTALL_RPATH "\$ORIGIN/../${private_libraries}")
+# The second place is the package's: where /proc is not mounted, a program has no place of its own.
+set_target_properties(swiftgate PROPERTIES
+  INSTALL_RPATH "\$ORIGIN/../${private_libraries};/usr/${private_libraries}")
 set_target_properties(${libraries} PROPERTIES INSTALL_RPATH "\$ORIGIN")
 set_target_properties(${modules} PROPERTIES INSTALL_RPATH "\$ORIGIN/../lib")
 install(TARGETS swiftgate RUNTIME DESTINATION bin)
