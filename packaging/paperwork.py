@@ -103,7 +103,7 @@ def zsh_lines(commands):
             names, value = flags(heading)
             told = re.sub(r"([\[\]:'])", r"\\\1", told).replace("\\'", "'\\''")
             for name in names:
-                action = f":{value.replace(':', '')}:_swiftgate_value '{value}'" if value else ""
+                action = f":{value.replace(':', '')}: _swiftgate_value '{value}'" if value else ""
                 lines.append(f"                '*{name}[{told}]{action.replace(chr(39), chr(34))}'")
         lines.append("            )")
         arguments = " ".join(heading for heading, _ in command.arguments)
