@@ -3,7 +3,7 @@
 JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 
-.PHONY: all deps build asan test demo bench fuzz memcheck format lint install clean
+.PHONY: all deps build asan test demo bench fuzz memcheck format lint install clean uninstall package
 
 all: build
 
@@ -43,7 +43,15 @@ lint: build
 	git ls-files 'src/*.cpp' | xargs clang-tidy -p build/release --quiet
 
 install: build
-	cmake --install build/release --prefix $(PREFIX)
+	cmake --install build/release --prefix "$$(realpath -m -- "$(PREFIX)")"
+
+# What the last `make install` has put in place.
+uninstall:
+	cmake -DMANIFEST=$(CURDIR)/build/release/install_manifest.txt -P cmake/uninstall.cmake
+
+# A Debian package, in build/.
+package: build
+	cpack --config build/release/CPackConfig.cmake -B build
 
 clean:
 	rm -rf build
