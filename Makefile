@@ -25,8 +25,10 @@ test: build asan
 demo: build
 	@scripts/demo.sh
 
+# One table of every budget, beside the programs that do the same where they are installed.
+# make bench WRITE=docs/performance.md keeps it.
 bench: build
-	@scripts/bench.sh
+	@/usr/bin/python3 bench/compare $(if $(WRITE),--write $(WRITE))
 
 # Five minutes a target; FUZZ_SECONDS=60 make fuzz for less.
 fuzz: deps
