@@ -73,11 +73,11 @@ bool CGridCtrl::DeleteColumn(int column) {
 }
 
 bool CGridCtrl::SetColumnOrder(const std::vector<int>& order) {
+    EndEditing();
     std::vector<int> sorted = order, all(columns_.size());
     std::sort(sorted.begin(), sorted.end());
     std::iota(all.begin(), all.end(), 0);
     if (sorted != all) return false;
-    EndEditing();
     ResetSelectedRange();
     SetFocusCell(-1, -1);
     // A block would be torn apart.
