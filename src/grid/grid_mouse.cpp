@@ -210,7 +210,9 @@ void CGridCtrl::EndPress(QPoint point) {
         cell->OnClick(inCell);
     }
     if (watch.Grid() == nullptr) return;
-    Tell(&GridListener::OnClick, IsValid(id) ? id : pressed);
+    // A drag that ends on a heading or beside all cells clicks where it began.
+    const bool isOnCell = id == pressed || (IsValid(id) && IsPlain(id));
+    Tell(&GridListener::OnClick, isOnCell ? id : pressed);
     cell = watch.Cell();
     if (cell == nullptr || mode != MouseMode::PrepareEdit || id != pressed) return;
     const CCellID now = watch.Place();
