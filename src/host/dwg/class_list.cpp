@@ -11,6 +11,11 @@ namespace {
 // What classes say that tell nothing of themselves.
 constexpr const wchar_t* kProduct = L"ObjectDBX Classes";
 
+// What may be done with wrapped objects where nobody knows them.
+constexpr uint16_t kWrappedFlags = model::kProxyEraseAllowed | model::kProxyCloningAllowed |
+                                   model::kProxyColorChangeAllowed |
+                                   model::kProxyLayerChangeAllowed;
+
 ClassEntry entryOf(const model::FileOrigin::ClassRecord& record) {
     ClassEntry entry;
     entry.dxfName = record.dxfName;
@@ -49,6 +54,11 @@ ClassList::Known ClassList::find(const std::wstring& className, const std::wstri
 }
 
 void ClassList::describe(ClassEntry& entry, const AcDbObject& object) const {
+    if (!model::hasDwgForm(object, release_)) {
+        entry.applicationName = L"Swift Gate";
+        entry.proxyFlags = kWrappedFlags;
+        return;
+    }
     if (const dxf::ProductClass* const known = dxf::productClass(entry.dxfName)) {
         entry.applicationName = known->applicationName;
         entry.proxyFlags = static_cast<uint16_t>(known->flags);
@@ -91,8 +101,13 @@ uint16_t ClassList::typeOf(const AcDbObject& object) {
     if (data == nullptr && found != types_.end()) {
         known = found->second;
     } else {
-        const std::wstring className = data != nullptr ? data->className : descriptor->name();
-        const std::wstring dxfName = data != nullptr ? data->dxfName : descriptor->dxfName();
+        std::wstring className = data != nullptr ? data->className : descriptor->name();
+        std::wstring dxfName = data != nullptr ? data->dxfName : descriptor->dxfName();
+        if (!model::hasDwgForm(object, release_)) {
+            const bool isEntity = AcDbEntity::cast(&object) != nullptr;
+            className = isEntity ? model::kWrappedEntity : model::kWrappedObject;
+            dxfName = isEntity ? L"SG_KEPT_ENTITY" : L"SG_KEPT_OBJECT";
+        }
         known = find(className, dxfName);
         if (known.type == 0) known = add(object, className, dxfName);
         if (data == nullptr) types_.emplace(descriptor, known);
