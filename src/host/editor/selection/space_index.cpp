@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
+#include "host/editor/selection/tile_order.h"
 #include "host/model/core/database_state.h"
 #include "host/model/core/object_access.h"
 #include "platform/db/curve.h"
@@ -47,10 +49,10 @@ SpaceIndex::~SpaceIndex() {
 }
 
 void SpaceIndex::objectChanges(AcDbObjectId id) {
-    if (!isBuilt_ || (!changed_.empty() && changed_.back() == id)) return;
+    if (!isMeasured_ || (!changed_.empty() && changed_.back() == id)) return;
     changed_.push_back(id);
     if (changed_.size() > 1000 + entries_.size()) {  // building anew costs less
-        isBuilt_ = false;
+        isMeasured_ = false;
         changed_.clear();
     }
 }
@@ -69,11 +71,13 @@ void SpaceIndex::measureAgain(AcDbObjectId id) {
     const Box2d box = boxOf(*entity);
     loose_[id] = box;
     if (box.isEmpty()) endless_.insert(id);
-    if (isDependent(*entity)) dependents_.insert(id);
+    if (!isDependent(*entity)) return;
+    const auto place = std::lower_bound(dependents_.begin(), dependents_.end(), id);
+    if (place == dependents_.end() || *place != id) dependents_.insert(place, id);
 }
 
 void SpaceIndex::follow() {
-    if (!isBuilt_) return build();
+    if (!isMeasured_) return measureAll();
     std::vector<AcDbObjectId> changed = std::exchange(changed_, {});
     std::sort(changed.begin(), changed.end());
     changed.erase(std::unique(changed.begin(), changed.end()), changed.end());
@@ -97,25 +101,25 @@ void SpaceIndex::follow() {
         for (const AcDbObjectId id : dependents_)
             measureAgain(id);
     }
-    if (loose_.size() > 256 + entries_.size() / 8) build();
+    if (loose_.size() > 256 + entries_.size() / 8) return measureAll();
+    if (!isPacked_) pack();
 }
 
-// ---- The tree -----------------------------------------------------------------------------------
-
-// Packs it: slices of equal numbers from left to right, each ordered from bottom to top.
-void SpaceIndex::build() {
+void SpaceIndex::measureAll() {
     entries_.clear();
     levels_.clear();
     dependents_.clear();
     loose_.clear();
     endless_.clear();
-    isBuilt_ = true;
+    isMeasured_ = true;
+    isPacked_ = false;
     const auto* const block = peek<AcDbBlockTableRecord>(space_);
     if (block == nullptr) return;
+    entries_.reserve(block->entityIds().size());
     for (const AcDbObjectId id : block->entityIds()) {
         const auto* const entity = peek<AcDbEntity>(id);
         if (entity == nullptr || entity->isErased()) continue;
-        if (isDependent(*entity)) dependents_.insert(id);
+        if (isDependent(*entity)) dependents_.push_back(id);
         const Box2d box = boxOf(*entity);
         if (box.isEmpty()) {
             endless_.insert(id);
@@ -124,25 +128,25 @@ void SpaceIndex::build() {
         }
         if (isOpenForWrite(*entity)) changed_.push_back(id);
     }
+    std::sort(dependents_.begin(), dependents_.end());
+}
 
-    const auto byX = [](const Entry& a, const Entry& b) {
-        return a.box.left + a.box.right < b.box.left + b.box.right;
-    };
-    const auto byY = [](const Entry& a, const Entry& b) {
-        return a.box.bottom + a.box.top < b.box.bottom + b.box.top;
-    };
-    std::sort(entries_.begin(), entries_.end(), byX);
-    const double leaves = std::ceil(static_cast<double>(entries_.size()) / kFanOut);
-    const size_t slice = kFanOut * static_cast<size_t>(std::ceil(std::sqrt(leaves)));
-    for (size_t at = 0; at < entries_.size(); at += slice) {
-        const auto first = entries_.begin() + static_cast<std::ptrdiff_t>(at);
-        const auto count = std::min(slice, entries_.size() - at);
-        std::sort(first, first + static_cast<std::ptrdiff_t>(count), byY);
-    }
+// ---- The tree -----------------------------------------------------------------------------------
 
+void SpaceIndex::pack() {
+    isPacked_ = true;
     std::vector<Box2d> below;
+    std::vector<Entry> packed;
+    below.reserve(entries_.size());
+    packed.reserve(entries_.size());
     for (const Entry& entry : entries_)
         below.push_back(entry.box);
+    for (const uint32_t place : tileOrder(below, kFanOut))
+        packed.push_back(entries_[place]);
+    entries_ = std::move(packed);
+
+    for (size_t i = 0; i < below.size(); ++i)
+        below[i] = entries_[i].box;
     while (below.size() > 1 || (levels_.empty() && !below.empty())) {
         std::vector<Box2d> level((below.size() + kFanOut - 1) / kFanOut);
         for (size_t i = 0; i < below.size(); ++i)
@@ -161,7 +165,10 @@ void SpaceIndex::findInTree(const Box2d& box, size_t level, size_t node, const V
             findInTree(box, level - 1, child, visit);
         return;
     }
-    const size_t end = std::min(first + kFanOut, entries_.size());
+    findAmong(box, first, std::min(first + kFanOut, entries_.size()), visit);
+}
+
+void SpaceIndex::findAmong(const Box2d& box, size_t first, size_t end, const Visit& visit) const {
     for (size_t i = first; i < end; ++i) {
         const Entry& entry = entries_[i];
         if (!entry.box.meets(box) || loose_.contains(entry.id)) continue;
@@ -171,7 +178,11 @@ void SpaceIndex::findInTree(const Box2d& box, size_t level, size_t node, const V
 
 void SpaceIndex::find(const Box2d& box, const Visit& visit) {
     follow();
-    if (!levels_.empty()) findInTree(box, levels_.size() - 1, 0, visit);
+    if (!isPacked_) {
+        findAmong(box, 0, entries_.size(), visit);
+    } else if (!levels_.empty()) {
+        findInTree(box, levels_.size() - 1, 0, visit);
+    }
     for (const auto& [id, own] : loose_) {
         if (!own.isEmpty() && own.meets(box) && memberOf(id) != nullptr) visit(id);
     }
