@@ -7,6 +7,7 @@
 #include "host/editor/selection/tile_order.h"
 #include "host/model/core/database_state.h"
 #include "host/model/core/object_access.h"
+#include "platform/db/block_reference.h"
 #include "platform/db/curve.h"
 #include "platform/db/leader.h"
 
@@ -17,11 +18,25 @@ using model::DatabaseState;
 using model::DatabaseTable;
 using model::peek;
 
-// Empty for what has no ends or shows nothing.
-Box2d boxOf(const AcDbEntity& entity) {
-    const model::Unguarded guard(entity);
+using BlockBoxes = std::shared_ptr<model::MeasuringDraw::BlockBoxes>;
+
+// Blocks are measured once for all of their references, whose boxes may be somewhat large then.
+// Drawing changes nothing in an entity, though it is no const operation.
+AcDbExtents reachOf(const AcDbEntity& entity, const BlockBoxes& boxes) {
     AcDbExtents reach;
-    if (entity.getGeomExtents(reach) != Acad::eOk || reach.isEmpty()) return {};
+    if (AcDbBlockReference::cast(&entity) != nullptr) {
+        model::MeasuringDraw draw(boxes);
+        const_cast<AcDbEntity&>(entity).worldDraw(&draw);
+        return draw.extents();
+    }
+    return entity.getGeomExtents(reach) == Acad::eOk ? reach : AcDbExtents();
+}
+
+// Empty for what has no ends or shows nothing.
+Box2d boxOf(const AcDbEntity& entity, const BlockBoxes& boxes) {
+    const model::Unguarded guard(entity);
+    const AcDbExtents reach = reachOf(entity, boxes);
+    if (reach.isEmpty()) return {};
     const AcGePoint3d &low = reach.minPoint(), &high = reach.maxPoint();
     const double margin = 1e-9 * std::max({1.0, std::abs(low.x), std::abs(low.y), std::abs(high.x),
                                            std::abs(high.y)});
@@ -65,10 +80,10 @@ const AcDbEntity* SpaceIndex::memberOf(AcDbObjectId id) const {
     return isHere ? entity : nullptr;
 }
 
-void SpaceIndex::measureAgain(AcDbObjectId id) {
+void SpaceIndex::measureAgain(AcDbObjectId id, const BlockBoxes& boxes) {
     const AcDbEntity* const entity = memberOf(id);
     if (entity == nullptr) return;
-    const Box2d box = boxOf(*entity);
+    const Box2d box = boxOf(*entity, boxes);
     loose_[id] = box;
     if (box.isEmpty()) endless_.insert(id);
     if (!isDependent(*entity)) return;
@@ -81,6 +96,7 @@ void SpaceIndex::follow() {
     std::vector<AcDbObjectId> changed = std::exchange(changed_, {});
     std::sort(changed.begin(), changed.end());
     changed.erase(std::unique(changed.begin(), changed.end()), changed.end());
+    const auto boxes = std::make_shared<model::MeasuringDraw::BlockBoxes>();
     bool othersChanged = false;  // what entities are shown by
     for (const AcDbObjectId id : changed) {
         const AcDbObject* object = DatabaseTable::objectOf(id);
@@ -91,7 +107,7 @@ void SpaceIndex::follow() {
         while (peek<AcDbEntity>(object->ownerId()) != nullptr)
             object = DatabaseTable::objectOf(object->ownerId());
         if (object->ownerId() == space_) {
-            measureAgain(object->objectId());
+            measureAgain(object->objectId(), boxes);
         } else {
             const auto* const block = peek<AcDbBlockTableRecord>(object->ownerId());
             othersChanged = othersChanged || block == nullptr || !block->isLayout();
@@ -99,7 +115,7 @@ void SpaceIndex::follow() {
     }
     if (othersChanged) {
         for (const AcDbObjectId id : dependents_)
-            measureAgain(id);
+            measureAgain(id, boxes);
     }
     if (loose_.size() > 256 + entries_.size() / 8) return measureAll();
     if (!isPacked_) pack();
@@ -115,12 +131,13 @@ void SpaceIndex::measureAll() {
     isPacked_ = false;
     const auto* const block = peek<AcDbBlockTableRecord>(space_);
     if (block == nullptr) return;
+    const auto boxes = std::make_shared<model::MeasuringDraw::BlockBoxes>();
     entries_.reserve(block->entityIds().size());
     for (const AcDbObjectId id : block->entityIds()) {
         const auto* const entity = peek<AcDbEntity>(id);
         if (entity == nullptr || entity->isErased()) continue;
         if (isDependent(*entity)) dependents_.push_back(id);
-        const Box2d box = boxOf(*entity);
+        const Box2d box = boxOf(*entity, boxes);
         if (box.isEmpty()) {
             endless_.insert(id);
         } else {
@@ -135,24 +152,29 @@ void SpaceIndex::measureAll() {
 
 void SpaceIndex::pack() {
     isPacked_ = true;
-    std::vector<Box2d> below;
+    std::vector<AcGePoint2d> middles;
     std::vector<Entry> packed;
-    below.reserve(entries_.size());
+    middles.reserve(entries_.size());
     packed.reserve(entries_.size());
-    for (const Entry& entry : entries_)
-        below.push_back(entry.box);
-    for (const uint32_t place : tileOrder(below, kFanOut))
+    for (const Entry& entry : entries_) {
+        const Box2d& box = entry.box;
+        middles.emplace_back((box.left + box.right) / 2, (box.bottom + box.top) / 2);
+    }
+    for (const uint32_t place : tileOrder(middles, kFanOut))
         packed.push_back(entries_[place]);
     entries_ = std::move(packed);
 
-    for (size_t i = 0; i < below.size(); ++i)
-        below[i] = entries_[i].box;
-    while (below.size() > 1 || (levels_.empty() && !below.empty())) {
-        std::vector<Box2d> level((below.size() + kFanOut - 1) / kFanOut);
-        for (size_t i = 0; i < below.size(); ++i)
-            level[i / kFanOut].add(below[i]);
-        levels_.push_back(level);
-        below = std::move(level);
+    const auto boxesAround = [](size_t count, const auto& boxOf) {
+        std::vector<Box2d> level((count + kFanOut - 1) / kFanOut);
+        for (size_t i = 0; i < count; ++i)
+            level[i / kFanOut].add(boxOf(i));
+        return level;
+    };
+    if (entries_.empty()) return;
+    levels_.push_back(boxesAround(entries_.size(), [this](size_t i) { return entries_[i].box; }));
+    while (levels_.back().size() > 1) {
+        const std::vector<Box2d>& below = levels_.back();
+        levels_.push_back(boxesAround(below.size(), [&](size_t i) { return below[i]; }));
     }
 }
 

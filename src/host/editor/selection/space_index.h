@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -8,6 +9,7 @@
 #include "base/export.h"
 #include "host/editor/selection/region.h"
 #include "host/model/core/change_listener.h"
+#include "host/model/core/measuring_draw.h"
 #include "platform/db/block_table.h"
 #include "platform/db/database.h"
 
@@ -35,6 +37,7 @@ class SG_API SpaceIndex final : public model::ChangeListener {
 
   private:
     static constexpr size_t kFanOut = 16;
+    using BlockBoxes = std::shared_ptr<model::MeasuringDraw::BlockBoxes>;
 
     struct Entry {
         Box2d box;
@@ -45,7 +48,7 @@ class SG_API SpaceIndex final : public model::ChangeListener {
     const AcDbEntity* memberOf(AcDbObjectId id) const;  // null for what is not, or erased
     void measureAll();
     void pack();
-    void measureAgain(AcDbObjectId id);
+    void measureAgain(AcDbObjectId id, const BlockBoxes& boxes);
     void findInTree(const Box2d& box, size_t level, size_t node, const Visit& visit) const;
     void findAmong(const Box2d& box, size_t first, size_t end, const Visit& visit) const;
 

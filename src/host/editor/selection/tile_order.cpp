@@ -43,22 +43,18 @@ uint32_t keyOf(double number) {
 
 }  // namespace
 
-std::vector<uint32_t> tileOrder(const std::vector<Box2d>& boxes, size_t tile) {
-    Box2d whole;
-    for (const Box2d& box : boxes)
-        whole.add(box);
-    std::vector<Keyed> order(boxes.size());
-    std::vector<Keyed> spare(boxes.size());
-    for (size_t i = 0; i < boxes.size(); ++i) {
-        const double middle = (boxes[i].left + boxes[i].right) / 2;
-        order[i] = {keyOf(middle - whole.left), static_cast<uint32_t>(i)};
-    }
+std::vector<uint32_t> tileOrder(const std::vector<AcGePoint2d>& points, size_t tile) {
+    AcGePoint2d least(INFINITY, INFINITY);
+    for (const AcGePoint2d& p : points)
+        least.set(std::min(least.x, p.x), std::min(least.y, p.y));
+    std::vector<Keyed> order(points.size());
+    std::vector<Keyed> spare(points.size());
+    for (size_t i = 0; i < points.size(); ++i)
+        order[i] = {keyOf(points[i].x - least.x), static_cast<uint32_t>(i)};
     sortByKey(order, spare);
-    for (Keyed& item : order) {
-        const Box2d& box = boxes[item.place];
-        item.key = keyOf((box.bottom + box.top) / 2 - whole.bottom);
-    }
-    const double leaves = std::ceil(static_cast<double>(boxes.size()) / static_cast<double>(tile));
+    for (Keyed& item : order)
+        item.key = keyOf(points[item.place].y - least.y);
+    const double leaves = std::ceil(static_cast<double>(points.size()) / static_cast<double>(tile));
     const size_t slice = tile * static_cast<size_t>(std::ceil(std::sqrt(leaves)));
     for (size_t at = 0; at < order.size(); at += slice) {
         const size_t count = std::min(slice, order.size() - at);
