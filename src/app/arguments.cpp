@@ -6,8 +6,10 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 
 #include "app/exit_codes.h"
+#include "app/help_format.h"
 #include "base/encoding.h"
 #include "platform/variant/date_text.h"
 
@@ -100,9 +102,8 @@ CLI::App* addConvert(CLI::App& app, Narrow& narrow, Arguments& arguments) {
         ->required();
     command
         ->add_option("--release", narrow.release,
-                     "The release of OUT: 2000, 2007, 2013 or 2018 [that of FILE, or the next one "
-                     "of these]")
-        ->type_name("RELEASE")
+                     "The release of OUT [that of FILE, or the next one of these]")
+        ->type_name("2000|2007|2013|2018")
         ->check(CLI::IsMember({"2000", "2007", "2013", "2018"}));
     command->add_flag("--binary", arguments.drawingFile.isBinary, "Write a binary file");
     command->add_flag("--flatten", arguments.drawingFile.isFlat,
@@ -389,6 +390,7 @@ ParsedArguments parseArguments(int count, char** words) {
     CLI::App app("Runs AutoLISP programs for building services.", "swiftgate");
     app.set_version_flag("--version", "swiftgate " + toUtf8(SWIFTGATE_VERSION));
     app.require_subcommand(0, 1);
+    app.formatter(std::make_shared<HelpFormat>());
 
     CLI::App* const run = app.add_subcommand("run", "Run a program");
     run->add_option("PROGRAM", narrow.program,
@@ -418,6 +420,7 @@ ParsedArguments parseArguments(int count, char** words) {
     help->add_option("FUNCTION", narrow.function, "The function's name")->type_name("");
     help->add_flag("--missing", arguments.missing,
                    "List the module's functions that are not part of this build");
+    help->add_flag("--names", arguments.names, "List the names of all functions, one a line");
     addHostOptions(*help, narrow, arguments);
 
     app.failure_message([](const CLI::App*, const CLI::Error& error) {

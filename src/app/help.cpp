@@ -31,7 +31,7 @@ bool isOfModule(const FunctionPages::Family& family) {
 }
 
 std::wstring functionFolder() {
-    return absolutePath(executableFolder() + L"/../share/swiftgate/functions");
+    return joinPath(shareFolder(), L"functions");
 }
 
 // The spelling that the module's table has of a missing function; null when it is none.
@@ -111,6 +111,11 @@ int explain(Session& session, const Arguments& arguments) {
     }
     const FunctionPages pages = FunctionPages::read(functionFolder());
     if (pages.families().empty()) throw FileError(L"no function pages in " + functionFolder());
+    if (arguments.names) {
+        for (const std::wstring& name : explainedNames(pages))
+            output.print(name + L"\n");
+        return kDone;
+    }
     if (!arguments.function.empty()) return printFunction(session, arguments.function, pages);
     printOverview(output, pages);
     return kDone;

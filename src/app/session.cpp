@@ -31,10 +31,9 @@ constexpr const wchar_t* kModule = L"SwiftGate2017.arx";
 HostOptions hostOptions(const Arguments& arguments) {
     HostOptions options;
     options.supportPath = arguments.folders;
-    options.supportPath.push_back(
-        absolutePath(executableFolder() + L"/../share/swiftgate/support"));
-    options.helpFolder = absolutePath(executableFolder() + L"/../share/swiftgate");
-    options.moduleFolder = absolutePath(executableFolder() + L"/../modules");
+    options.supportPath.push_back(joinPath(shareFolder(), L"support"));
+    options.helpFolder = shareFolder();
+    options.moduleFolder = moduleFolder();
     if (!arguments.noModule) options.modules = {kModule};
     options.failEngine = arguments.failEngine;
     options.locale = arguments.locale;

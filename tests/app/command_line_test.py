@@ -306,6 +306,16 @@ class Help(ProgramTest):
         self.assertEqual(sorted(undocumented), [])
 
 
+    def test_the_names_of_all_functions_are_those_that_exist(self):
+        code, output, errors = self.run_program("help", "--names")
+        self.assertEqual((code, errors), (0, ""))
+        names = output.splitlines()
+        self.assertEqual(len(names), len(set(names)))
+        _, symbols, _ = self.run_program(
+            "run", "--eval", "(foreach s (atoms-family 1) (princ s) (terpri))")
+        self.assertEqual(sorted({name.upper() for name in names} - set(symbols.split())), [])
+
+
 class Module(ProgramTest):
     def test_the_module_exports_its_two_symbols_only(self):
         for module in ["modules/SwiftGate2017.arx", "examples/marshalling.arx"]:
