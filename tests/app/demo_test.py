@@ -1,13 +1,13 @@
 """The demo as a whole, and that its checks find what is wrong."""
 
 import os
+import re
 import shutil
 import subprocess
-import sys
 import tempfile
 import unittest
 
-from program import BUILD, ProgramTest
+from program import BUILD, SWIFTGATE, ProgramTest
 
 SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 OFFICE = os.path.join(SOURCE, "examples", "office")
@@ -115,6 +115,38 @@ class Demo(ProgramTest):
         self.assertEqual(code, 1)
         self.assertIn("job.sha256: the signature is not that of the file", errors)
 
+    def commands_of(self, page, heading):
+        """The commands of the first block behind a heading that runs swiftgate."""
+        with open(os.path.join(SOURCE, page), encoding="utf-8") as file:
+            text = file.read().partition("\n## %s\n" % heading)[2]
+        return next(block for block in re.findall(r"```\n(.*?)```", text, re.S)
+                    if "swiftgate run" in block)
+
+    def run_commands(self, lines):
+        done = subprocess.run(
+            ["sh", "-euc", "\n".join(lines)], cwd=self.folder, capture_output=True, text=True,
+            timeout=120, env=dict(self.environment, office=OFFICE,
+                                  PATH=os.path.dirname(SWIFTGATE) + ":" + os.environ["PATH"]))
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+        return done.stdout
+
+    def test_the_tour_is_as_the_readme_tells(self):
+        for name in ("floor.dxf", "project.mdb", "office.dwg"):
+            os.remove(self.path(name))
+        enter, *lines = self.commands_of("README.md", "Five minutes").splitlines()
+        self.assertIn("office=../../examples/office", enter)
+        self.assertIn("  ok       ", self.run_commands(lines))
+
+    def test_the_first_program_is_as_the_guide_tells(self):
+        with open(os.path.join(SOURCE, "docs", "guide.md"), encoding="utf-8") as file:
+            shown = file.read().partition("```lisp\n")[2].partition("```")[0]
+        with open(os.path.join(SOURCE, "examples", "lamps.lsp"), encoding="utf-8") as file:
+            self.assertEqual(file.read(), shown)
+        lines = self.commands_of("docs/guide.md", "A program of one's own").replace(
+            "../../examples", os.path.join(SOURCE, "examples"))
+        printed = self.run_commands(lines.splitlines())
+        self.assertRegex(printed, r"\bE-TEXT +13\n")
+
     def test_mistakes_are_named(self):
         for name, words, message in [
                 ("make_project", [], "Name the database to make behind --"),
@@ -131,4 +163,4 @@ class Demo(ProgramTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv)
+    unittest.main()
