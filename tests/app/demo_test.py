@@ -59,10 +59,12 @@ class Demo(ProgramTest):
             shutil.copy(os.path.join(self.files, name), self.path(name))
 
     def office(self, name, *words):
-        return self.run_program("run", os.path.join(OFFICE, name + ".lsp"), "--path", OFFICE, *words)
+        program = os.path.join(OFFICE, name + ".lsp")
+        return self.run_program("run", program, "--path", OFFICE, *words)
 
     def check(self, *files):
-        code, printed, _ = self.office("check", "--drawing", "floor.dxf", "--", "project.mdb", *files)
+        code, printed, _ = self.office(
+            "check", "--drawing", "floor.dxf", "--", "project.mdb", *files)
         return code, [line.split(":")[0].split(None, 1)[1] for line in printed.splitlines()
                       if line.startswith("  DIFFERS ")]
 
@@ -116,11 +118,11 @@ class Demo(ProgramTest):
         self.assertIn("job.sha256: the signature is not that of the file", errors)
 
     def commands_of(self, page, heading):
-        """The commands of the first block behind a heading that runs swiftgate."""
+        """The commands of the first block of commands behind a heading."""
         with open(os.path.join(SOURCE, page), encoding="utf-8") as file:
             text = file.read().partition("\n## %s\n" % heading)[2]
-        return next(block for block in re.findall(r"```\n(.*?)```", text, re.S)
-                    if "swiftgate run" in block)
+        blocks = re.findall(r"```(\w*)\n(.*?)```", text, re.S)
+        return next(block for language, block in blocks if not language).splitlines()
 
     def run_commands(self, lines):
         done = subprocess.run(
@@ -133,7 +135,7 @@ class Demo(ProgramTest):
     def test_the_tour_is_as_the_readme_tells(self):
         for name in ("floor.dxf", "project.mdb", "office.dwg"):
             os.remove(self.path(name))
-        enter, *lines = self.commands_of("README.md", "Five minutes").splitlines()
+        enter, *lines = self.commands_of("README.md", "Five minutes")
         self.assertIn("office=../../examples/office", enter)
         self.assertIn("  ok       ", self.run_commands(lines))
 
@@ -142,16 +144,16 @@ class Demo(ProgramTest):
             shown = file.read().partition("```lisp\n")[2].partition("```")[0]
         with open(os.path.join(SOURCE, "examples", "lamps.lsp"), encoding="utf-8") as file:
             self.assertEqual(file.read(), shown)
-        lines = self.commands_of("docs/guide.md", "A program of one's own").replace(
-            "../../examples", os.path.join(SOURCE, "examples"))
-        printed = self.run_commands(lines.splitlines())
+        printed = self.run_commands(
+            line.replace("../../examples", os.path.join(SOURCE, "examples"))
+            for line in self.commands_of("docs/guide.md", "A program of one's own"))
         self.assertRegex(printed, r"\bE-TEXT +13\n")
 
     def test_mistakes_are_named(self):
         for name, words, message in [
                 ("make_project", [], "Name the database to make behind --"),
                 ("make_project", ["--", "project.mdb"], "project.mdb is there already"),
-                ("office", ["--", "none.mdb"], "There is no file none.mdb (the project's database)"),
+                ("office", ["--", "none.mdb"], "There is no file none.mdb"),
                 ("office", ["--", "floor.dxf"], "floor.dxf cannot be opened"),
                 ("office", ["--", "project.mdb"], "The drawing has no rooms"),
                 ("archive", ["--", "job.zip", "unpacked", "none.dwg"], "There is no file none.dwg"),
