@@ -4,9 +4,9 @@
 ;   swiftgate run examples/office/check.lsp --drawing floor.dxf --path examples/office
 ;       -- project.mdb [office.dwg | plain.dxf | ducts.step]
 ;
-; The drawing may be a plain one too, as `swiftgate convert --flatten` makes it: leaders are then two
-; lines and a symbol, ducts are faces. Of a STEP file the bodies are counted and named. The program
-; ends with an error when something differs.
+; The drawing may be a plain one too, as `swiftgate convert --flatten` makes it: leaders are then
+; two lines and a symbol, ducts are faces. Of a STEP file the bodies are counted and named. The
+; program ends with an error when something differs.
 
 (foreach part '("tools" "rooms" "checks" "expected" "check_database" "check_ducts") (load part))
 
@@ -58,10 +58,12 @@
 (defun leader-start-p (data)
   (not (equal (cadr (value-of 10 data)) (cadr (value-of 11 data)) 0.001)))
 
+(defun on-floor (piece) (at-height (value-of "place" piece) 0.0))
+
 (defun check-tags (equipment layers plain / tagged)
   (setq tagged (tagged-ducts))
   (check-list "leaders, by where they start"
-              (append (mapcar '(lambda (piece) (point-text (value-of "place" piece))) equipment)
+              (append (mapcar '(lambda (piece) (point-text (on-floor piece))) equipment)
                       (mapcar '(lambda (duct) (point-text (value-of "middle" duct))) tagged))
               (leader-starts layers plain))
   (check-list "texts at leaders"

@@ -15,7 +15,7 @@
              (schedule-text (value-of "sTag" row) (value-of "sRoom" row)
                             (value-of "sType" row) (value-of "dAirflow" row)
                             (value-of "dPower" row)
-                            (list (value-of "dX" row) (value-of "dY" row) 0.0)))
+                            (list (value-of "dX" row) (value-of "dY" row) (value-of "dZ" row))))
           rows))
 
 (defun duct-text (size serves long) (line-of (list size "for" serves "length" long)))

@@ -3,7 +3,6 @@
 
 (setq hanger-spacing 3000.0
       slab-height 3300.0
-      diffuser-height 2700.0
       corridor-middle 6900.0
       plant-x 35000.0
       plant-y 12600.0
@@ -119,7 +118,7 @@
         diameter (branch-diameter (value-of "air" outlet))
         over (at-height place z)
         branch (round-duct (section-to main) over diameter)
-        drop (round-duct over (at-height place diffuser-height) diameter)
+        drop (round-duct over place diameter)
         fitting (record-fitting (qn_qn-drawTripleTakeoff nil 0 nil 0.0 main behind branch nil)
                                 "Takeoff" main air serves))
   (draw-main (used-at-tail main fitting "dHeadLength") air)
