@@ -1,5 +1,6 @@
 #include "host/dwg/class_list.h"
 
+#include "base/encoding.h"
 #include "host/dwg/object_types.h"
 #include "host/dxf/class_records.h"
 #include "host/model/core/proxies.h"
@@ -27,6 +28,25 @@ ClassEntry entryOf(const model::FileOrigin::ClassRecord& record) {
         if (walk.group().code == 281 && walk.group().whole != 0) entry.kind = kEntityClass;
     }
     return entry;
+}
+
+// Interchange files have no class names for what is a part of every drawing format. Meshes and
+// their vertices share theirs with other polylines; their markers tell them.
+std::wstring classNameOf(const model::ProxyData& data) {
+    if (!data.className.empty()) return data.className;
+    std::wstring marker;
+    for (model::GroupData::Walk walk(data.groups); walk.next();) {
+        if (walk.group().code == 100) marker = fromUtf8(walk.group().text);
+    }
+    const ObjectType* found = nullptr;
+    size_t count = 0;
+    for (const ObjectType& type : objectTypes()) {
+        if (type.dxfName != data.dxfName) continue;
+        if (type.className == marker) return marker;
+        found = &type;
+        ++count;
+    }
+    return count == 1 ? found->className : std::wstring();
 }
 
 }  // namespace
@@ -101,7 +121,7 @@ uint16_t ClassList::typeOf(const AcDbObject& object) {
     if (data == nullptr && found != types_.end()) {
         known = found->second;
     } else {
-        std::wstring className = data != nullptr ? data->className : descriptor->name();
+        std::wstring className = data != nullptr ? classNameOf(*data) : descriptor->name();
         std::wstring dxfName = data != nullptr ? data->dxfName : descriptor->dxfName();
         if (!model::hasDwgForm(object, release_)) {
             const bool isEntity = AcDbEntity::cast(&object) != nullptr;
