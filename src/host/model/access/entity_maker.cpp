@@ -5,12 +5,14 @@
 #include "base/text.h"
 #include "host/model/access/block_cycles.h"
 #include "host/model/access/class_names.h"
+#include "host/model/access/entity_parts.h"
 #include "host/model/access/group_checks.h"
 #include "host/model/core/list_filers.h"
 #include "host/model/core/object_access.h"
 #include "host/model/core/proxies.h"
 #include "host/model/curves/polyline_3d.h"
 #include "host/model/curves/sequence_end.h"
+#include "host/model/entities/mesh/mesh.h"
 #include "host/model/entities/ole_frame.h"
 #include "host/model/tables/dim_style_table.h"
 #include "host/model/tables/layout.h"
@@ -62,6 +64,16 @@ bool appendPart(AcDbEntity& whole, std::unique_ptr<AcDbEntity>& part) {
         if (auto* const vertex = AcDb3dPolylineVertex::cast(part.get())) {
             status = spatial->appendVertex(vertex);
         }
+    } else if (auto* const net = AcDbPolygonMesh::cast(&whole)) {
+        if (auto* const vertex = AcDbPolygonMeshVertex::cast(part.get())) {
+            status = net->appendVertex(vertex);
+        }
+    } else if (auto* const mesh = AcDbPolyFaceMesh::cast(&whole)) {
+        if (auto* const face = AcDbFaceRecord::cast(part.get())) {
+            status = mesh->appendFaceRecord(face);
+        } else if (auto* const vertex = AcDbPolyFaceMeshVertex::cast(part.get())) {
+            status = mesh->appendVertex(vertex);
+        }
     }
     if (status != Acad::eOk) return false;
     part.release()->close();
@@ -91,11 +103,10 @@ bool isPart(const AcRxClass* type) {
     return type->isDerivedFrom(AcDbVertex::desc()) || type->isDerivedFrom(AcDbAttribute::desc());
 }
 
-bool isPartOf(const AcRxClass* type, const AcDbEntity& whole) {
-    if (AcDbBlockReference::cast(&whole) != nullptr)
-        return type->isDerivedFrom(AcDbAttribute::desc());
-    if (AcDb2dPolyline::cast(&whole) != nullptr) return type->isDerivedFrom(AcDb2dVertex::desc());
-    return type->isDerivedFrom(AcDb3dPolylineVertex::desc());
+// A net has the vertices of all its rows and columns.
+bool isWhole(const AcDbEntity& entity) {
+    const auto* const net = AcDbPolygonMesh::cast(&entity);
+    return net == nullptr || net->isComplete();
 }
 
 }  // namespace
@@ -251,6 +262,7 @@ EntityMaker::Result EntityMaker::endParts() {
         result.made = result.made && appendPart(*entity, part);
     }
     parts_.clear();
+    result.made = result.made && isWhole(*entity);
     if (!result.made) entity->erase();
     entity->close();
     return result;
