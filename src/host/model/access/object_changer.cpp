@@ -9,6 +9,7 @@
 #include "host/model/core/database_state.h"
 #include "host/model/core/list_filers.h"
 #include "host/model/core/object_access.h"
+#include "host/model/core/proxies.h"
 #include "platform/db/block_reference.h"
 
 namespace sg::model {
@@ -22,7 +23,7 @@ bool read(AcDbObject& object, const resbuf* groups) {
 bool isOfAnotherKind(const AcDbObject& object, const resbuf* groups) {
     const resbuf* const type = findGroup(groups, 0);
     return type != nullptr && type->resval.rstring != nullptr &&
-           !equalIgnoringCase(object.isA()->dxfName(), type->resval.rstring);
+           !equalIgnoringCase(dxfNameOf(object), type->resval.rstring);
 }
 
 // A reference that has come to show the block in which it stands.
