@@ -98,6 +98,13 @@ bool isBeyondLists(const AcRxClass* type) {
            type->isDerivedFrom(AcDbProxyObject::desc());
 }
 
+// The name of a space, of which a layout may have one with a number.
+bool isSpace(std::wstring_view name) {
+    const std::wstring_view paper = ACDB_PAPER_SPACE;
+    return equalIgnoringCase(name, ACDB_MODEL_SPACE) ||
+           equalIgnoringCase(name.substr(0, paper.size()), paper);
+}
+
 // Vertices and attributes are made only for what they belong to.
 bool isPart(const AcRxClass* type) {
     return type->isDerivedFrom(AcDbVertex::desc()) || type->isDerivedFrom(AcDbAttribute::desc());
@@ -270,7 +277,7 @@ EntityMaker::Result EntityMaker::endParts() {
 
 EntityMaker::Result EntityMaker::beginBlock(const resbuf* groups) {
     const std::wstring name(textAt(groups, kName));
-    if (name.empty() || !block_.isNull() || whole_ != nullptr) return {};
+    if (name.empty() || isSpace(name) || !block_.isNull() || whole_ != nullptr) return {};
     AcDbBlockTable* table = nullptr;
     if (database_.getBlockTable(table, AcDb::kForWrite) != Acad::eOk) return {};
     auto block = std::make_unique<AcDbBlockTableRecord>();
