@@ -8,8 +8,10 @@
 #include "host/model/access/group_checks.h"
 #include "host/model/core/list_filers.h"
 #include "host/model/core/object_access.h"
+#include "host/model/core/proxies.h"
 #include "host/model/curves/polyline_3d.h"
 #include "host/model/curves/sequence_end.h"
+#include "host/model/entities/ole_frame.h"
 #include "host/model/tables/dim_style_table.h"
 #include "host/model/tables/layout.h"
 #include "host/model/tables/references.h"
@@ -77,6 +79,13 @@ bool read(AcDbObject& object, ListReader& reader) {
     return true;
 }
 
+// Frames of other programs' objects, and what stands for an unknown class, need more than a list.
+bool isBeyondLists(const AcRxClass* type) {
+    return type->isDerivedFrom(AcDbOle2Frame::desc()) ||
+           type->isDerivedFrom(AcDbProxyEntity::desc()) ||
+           type->isDerivedFrom(AcDbProxyObject::desc());
+}
+
 // Vertices and attributes are made only for what they belong to.
 bool isPart(const AcRxClass* type) {
     return type->isDerivedFrom(AcDbVertex::desc()) || type->isDerivedFrom(AcDbAttribute::desc());
@@ -132,7 +141,7 @@ EntityMaker::Result EntityMaker::make(const resbuf* groups, bool objects) {
         result = endBlock();
     } else if (equalIgnoringCase(type, L"SEQEND")) {
         result = endParts();
-    } else if (made == nullptr) {
+    } else if (made == nullptr || isBeyondLists(made)) {
         result = {};
     } else if (whole_ != nullptr) {
         result = addPart(groups, made);
@@ -186,8 +195,10 @@ AcDbObjectId EntityMaker::spaceOf(const resbuf* groups) const {
     return paper->resval.rint != 0 ? database_.paperSpaceId() : database_.modelSpaceId();
 }
 
-// A reference in the new definition of a block that it shows.
+// A reference to a space, or one in the new definition of a block that it shows.
 bool EntityMaker::wouldShowItself(const AcDbBlockReference& reference) const {
+    const auto* const shown = peek<AcDbBlockTableRecord>(reference.blockTableRecord());
+    if (shown != nullptr && shown->isLayout()) return true;
     if (block_.isNull()) return false;
     const AcDbObjectId existing = recordNamed(&database_, NamedIn::blocks, blockName_);
     return !existing.isNull() && showsBlock(reference.blockTableRecord(), existing);

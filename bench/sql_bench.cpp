@@ -1,15 +1,15 @@
-// Jet SQL over a Jet file, and SQLite over a file of its own with the same rows and indexes, one
-// after the other: milliseconds from the text to the last value, the best of several runs.
+// Jet SQL over a Jet file, and SQLite over a file of its own with the same rows and indexes: from
+// the text to the last value. Each case is there twice, as "ours/..." and as "SQLite/...", and both
+// must find as many rows.
 
+#include <benchmark/benchmark.h>
 #include <fmt/format.h>
 #include <sqlite3.h>
 
-#include <algorithm>
-#include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -26,7 +26,7 @@ using namespace sg::bench;
 constexpr int fewRows = 20'000;
 
 [[noreturn]] void fail(const std::string& what) {
-    std::fprintf(stderr, "sql_compare: %s\n", what.c_str());
+    fmt::print(stderr, "sql_bench: {}\n", what);
     std::exit(1);
 }
 
@@ -194,8 +194,7 @@ class Peer {
 
 // ---- Jet
 
-int64_t select(jet::Database& database, const std::wstring& text) {
-    sql::Session session(database);
+int64_t select(sql::Session& session, const std::wstring& text) {
     const auto rows = session.select(text);
     jet::Value value;
     for (; !rows->isEof(); rows->move(1)) {
@@ -216,18 +215,6 @@ struct Case {
     const wchar_t* ours;
     const char* theirs = nullptr;  // null: the same text
 };
-
-double milliseconds(const std::function<void()>& work) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start)
-        .count();
-}
-
-void report(const char* name, int64_t rows, double ours, double theirs) {
-    fmt::print("{:<34}{:>9}{:>11.2f}{:>11.2f}{:>9.2f}\n", name, rows, ours, theirs, ours / theirs);
-    std::fflush(stdout);
-}
 
 const Case queries[] = {
     {"all values", L"SELECT * FROM tblPart"},
@@ -298,84 +285,117 @@ std::string textOf(const Case& each) {
     return each.theirs != nullptr ? each.theirs : toUtf8(each.ours);
 }
 
-void compareQuery(const Case& each, jet::Database& database, Peer& peer) {
-    constexpr int runs = 7;
-    double ours = 1e9;
-    double theirs = 1e9;
-    int64_t rows = 0;
-    int64_t others = 0;
-    for (int i = 0; i < runs; ++i) {
-        ours = std::min(ours, milliseconds([&] { rows = select(database, each.ours); }));
-        theirs = std::min(theirs, milliseconds([&] { others = peer.run(textOf(each)); }));
+struct Files {
+    std::wstring jet = folder().file("rows.mdb");
+    std::string peer = toUtf8(folder().file("rows.sqlite"));
+
+    void make() const {
+        jet::Database database = jet::Database::create(jet);
+        Peer other(peer);
+        for (const Rows& rows : allRows()) {
+            jet::createTable(database, rows.table);
+            fill(database, rows.table.name.c_str(), rows.count, rows.make);
+            other.fill(rows);
+        }
+        other.run("ANALYZE");
     }
-    if (rows != others) {
-        fail(fmt::format("{}: {} rows, and {} of SQLite", each.name, rows, others));
-    }
-    report(each.name, rows, ours, theirs);
+};
+
+// Made by the first benchmark that runs.
+const Files& files() {
+    static const Files made = [] {
+        Files files;
+        files.make();
+        return files;
+    }();
+    return made;
 }
 
-// Each time on files of their own.
-void compareAction(const Case& each, const std::string& jetFile, const std::string& peerFile) {
-    constexpr int runs = 3;
-    double ours = 1e9;
-    double theirs = 1e9;
-    int64_t rows = 0;
-    int64_t others = 0;
-    const auto copy = [](const std::string& from, const char* name) {
-        const std::string to = toUtf8(folder().file(name));
-        std::filesystem::copy_file(from, to);
-        return to;
-    };
-    for (int i = 0; i < runs; ++i) {
-        jet::Database database =
-            jet::Database::open(fromUtf8(copy(jetFile, "changed.mdb")), jet::OpenMode::Shared);
-        sql::Session session(database);
-        ours = std::min(ours, milliseconds([&] { rows = session.execute(each.ours); }));
-        Peer peer(copy(peerFile, "changed.sqlite"));
-        theirs = std::min(theirs, milliseconds([&] { others = peer.execute(textOf(each)); }));
-    }
-    if (rows != others) {
-        fail(fmt::format("{}: {} rows, and {} of SQLite", each.name, rows, others));
-    }
-    report(each.name, rows, ours, theirs);
+std::string copied(const std::string& from, const char* name) {
+    const std::string to = toUtf8(folder().file(name));
+    std::filesystem::copy_file(from, to);
+    return to;
 }
 
-bool isWanted(const Case& each, int argc, char** argv) {
-    return argc < 2 || std::any_of(argv + 1, argv + argc, [&](const char* word) {
-               return std::string(each.name).find(word) != std::string::npos;
-           });
+// The side that runs second must find what the first one found.
+void tellRows(benchmark::State& state, const Case& each, int64_t rows) {
+    static std::map<const Case*, int64_t> known;
+    const int64_t expected = known.try_emplace(&each, rows).first->second;
+    if (rows != expected) {
+        state.SkipWithError(fmt::format("{} rows, and {} before", rows, expected).c_str());
+    }
+    state.counters["rows"] = static_cast<double>(rows);
+}
+
+void queryOurs(benchmark::State& state, const Case& each) {
+    jet::Database database = jet::Database::open(files().jet, jet::OpenMode::Shared);
+    sql::Session session(database);
+    int64_t rows = 0;
+    for (auto _ : state)
+        rows = select(session, each.ours);
+    tellRows(state, each, rows);
+}
+
+void queryPeer(benchmark::State& state, const Case& each) {
+    Peer peer(files().peer);
+    int64_t rows = 0;
+    for (auto _ : state)
+        rows = peer.run(textOf(each));
+    tellRows(state, each, rows);
+}
+
+// Actions run on a new copy of the file each time.
+void actOurs(benchmark::State& state, const Case& each) {
+    int64_t rows = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        {
+            const std::string copy = copied(toUtf8(files().jet), "changed.mdb");
+            jet::Database database = jet::Database::open(fromUtf8(copy), jet::OpenMode::Shared);
+            sql::Session session(database);
+            state.ResumeTiming();
+            rows = session.execute(each.ours);
+            state.PauseTiming();
+        }
+        state.ResumeTiming();
+    }
+    tellRows(state, each, rows);
+}
+
+void actPeer(benchmark::State& state, const Case& each) {
+    int64_t rows = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        {
+            Peer peer(copied(files().peer, "changed.sqlite"));
+            state.ResumeTiming();
+            rows = peer.execute(textOf(each));
+            state.PauseTiming();
+        }
+        state.ResumeTiming();
+    }
+    tellRows(state, each, rows);
+}
+
+using Run = void (*)(benchmark::State&, const Case&);
+
+void add(const Case& each, Run ours, Run peer) {
+    for (const auto& [side, run] : {std::pair("ours/", ours), std::pair("SQLite/", peer)}) {
+        benchmark::RegisterBenchmark(
+            (side + std::string(each.name)).c_str(),
+            [&each, run = run](benchmark::State& state) { run(state, each); })
+            ->Unit(benchmark::kMillisecond);
+    }
 }
 
 }  // namespace
 
-// With arguments only the cases whose names have one of them in it.
 int main(int argc, char** argv) {
-    const std::wstring jetFile = folder().file("rows.mdb");
-    const std::string peerFile = toUtf8(folder().file("rows.sqlite"));
-    {
-        jet::Database database = jet::Database::create(jetFile);
-        Peer peer(peerFile);
-        for (const Rows& rows : allRows()) {
-            jet::createTable(database, rows.table);
-            fill(database, rows.table.name.c_str(), rows.count, rows.make);
-            peer.fill(rows);
-        }
-        peer.run("ANALYZE");
-    }
-    fmt::print("{:<34}{:>9}{:>11}{:>11}{:>9}\n", "", "rows", "ours, ms", "SQLite, ms", "times");
-    {
-        jet::Database database = jet::Database::open(jetFile, jet::OpenMode::Shared);
-        Peer peer(peerFile);
-        for (const Case& each : queries) {
-            if (isWanted(each, argc, argv)) {
-                compareQuery(each, database, peer);
-            }
-        }
-    }
-    for (const Case& each : actions) {
-        if (isWanted(each, argc, argv)) {
-            compareAction(each, toUtf8(jetFile), peerFile);
-        }
-    }
+    for (const Case& each : queries)
+        add(each, queryOurs, queryPeer);
+    for (const Case& each : actions)
+        add(each, actOurs, actPeer);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
     return 0;
 }
