@@ -176,8 +176,10 @@ def is_measured(row, solids):
 
 def check_solids(report, ducts, folder):
     """The solids, as FreeCAD reads them: their number, volumes and places."""
-    text = run("freecadcmd", os.path.join(HERE, "measure_step.py"),
-               env=dict(os.environ, STEP_FILE=os.path.join(folder, "ducts.step")))
+    with tempfile.TemporaryDirectory() as home:  # FreeCAD keeps settings there
+        text = run("freecadcmd", os.path.join(HERE, "measure_step.py"),
+                   env=dict(os.environ, HOME=home,
+                            STEP_FILE=os.path.abspath(os.path.join(folder, "ducts.step"))))
     solids = [[float(value) for value in line.split()[1:]] for line in text.splitlines()
               if line.startswith("solid ")]
     report.check("FreeCAD: solids", len(ducts), len(solids))
