@@ -144,11 +144,20 @@ bool drawMultiLine(AcGiWorldDraw& draw, const std::vector<KeptGroup>& groups) {
 
 }  // namespace
 
+std::string keptGraphics(const AcDbEntity& entity) {
+    const model::ProxyData* const data = model::proxyData(entity);
+    if (data == nullptr) return {};
+    if (data->bits != nullptr && !data->bits->graphics.empty()) {
+        return {data->bits->graphics.begin(), data->bits->graphics.end()};
+    }
+    return graphicsIn(keptGroups(entity));
+}
+
 bool drawKeptGraphics(AcGiWorldDraw& draw, const AcDbEntity& entity) {
     const model::ProxyData* const data = model::proxyData(entity);
     if (data == nullptr || entity.database() == nullptr) return false;
+    if (playProxyGraphics(draw, keptGraphics(entity))) return true;
     const std::vector<KeptGroup> groups = keptGroups(entity);
-    if (playProxyGraphics(draw, graphicsIn(groups))) return true;
     if (drawItsBlock(draw, entity, groups) || drawKeptMesh(draw, entity, groups)) return true;
     return data->dxfName == L"MLINE" && drawMultiLine(draw, groups);
 }

@@ -22,7 +22,9 @@ bool ObjectAccess::adoptPart(AcDbEntity& whole, AcDbObjectId id) {
     if (part == nullptr) return false;
     const bool isEnd = AcDbSequenceEnd::cast(part) != nullptr;
     if (auto* const proxy = AcDbProxyEntity::cast(&whole)) {
-        proxy->data.parts.emplace_back(id);
+        auto& parts = proxy->data.parts;
+        const bool hasEnd = !parts.empty() && peek<AcDbSequenceEnd>(parts.back()) != nullptr;
+        if (!hasEnd || !isEnd) parts.emplace(parts.end() - (hasEnd ? 1 : 0), id);
         return true;
     }
     if (auto* const reference = AcDbBlockReference::cast(&whole)) {

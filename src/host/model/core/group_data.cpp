@@ -1,4 +1,5 @@
 #include "host/model/core/group_data.h"
+#include "host/model/core/dwg_form.h"
 
 #include <string>
 
@@ -291,9 +292,11 @@ Acad::ErrorStatus readValue(AcDbDwgFiler& filer, GroupData::Group& group, std::s
             uint32_t length = 0;
             const Acad::ErrorStatus status = filer.readUInt32(&length);
             if (status != Acad::eOk) return status;
-            data.resize(length);
+            std::vector<uint8_t> bytes;
+            readBytes(&filer, length, bytes);
+            data.assign(bytes.begin(), bytes.end());
             group.text = data;
-            return filer.readBytes(data.data(), length);
+            return filer.filerStatus();
         }
         case Kind::real:
             return filer.readDouble(&group.real);

@@ -58,7 +58,7 @@ KeptForm polyFace() {
             {int16(71), int16(72)},
             {{0,
               {marker("AcDbPolyFaceMesh"), constant(66, number(1)), constant(10, AcGePoint3d()),
-               constant(70, number(kIsPolyFace)), group(71), group(72)}}},
+               constant(70, number(kIsPolyFace)), group(71, number(0)), group(72, number(0))}}},
             true};
 }
 

@@ -292,8 +292,8 @@ void readParts(AcDbDwgFiler& filer, std::vector<AcDbHardOwnershipId>& parts) {
     readPartIds(&filer, count, parts);
     AcDbHardOwnershipId end;
     filer.readHardOwnershipId(&end);
-    // Before 2004 it comes with the others.
-    if (!hasLinkedParts(&filer) && !end.isNull()) parts.push_back(end);
+    if (hasLinkedParts(&filer)) parts.clear();  // before 2004 the others come by their links
+    if (!end.isNull()) parts.push_back(end);
 }
 
 // ---- Descriptions -------------------------------------------------------------------------------
