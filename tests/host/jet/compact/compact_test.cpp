@@ -145,6 +145,23 @@ TEST_F(CompactTest, DesignsComeOverWithColumnsThatWentAndLinksAndQueries) {
     EXPECT_EQ(room[0], Value(int32_t(4)));
 }
 
+TEST_F(CompactTest, CountersKeepTheirSteps) {
+    create();
+    ColumnDesign number = longColumn(L"Number", true);
+    number.firstNumber = 3;
+    number.numberStep = -2;
+    createTable(db(), tableOf(L"Down", {number, textColumn(L"Name")}));
+    insert(L"Down", {Value(), Value()});
+    insert(L"Down", {Value(), Value()});
+    close();
+
+    compactDatabase(path("test.mdb"), path("made.mdb"));
+    Database to = Database::open(path("made.mdb"), OpenMode::Exclusive);
+    std::vector<Value> row(2);
+    to.writer(L"Down").insert(row);
+    EXPECT_EQ(row[0], Value(int32_t(-1)));
+}
+
 // A table with every kind of column that a Jet 4 file does not have.
 TEST_F(CompactTest, NewerKindsOfColumnsBecomeWhatThereIs) {
     FileBuilder file(Version::Ace17);
