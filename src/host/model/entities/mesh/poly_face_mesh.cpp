@@ -45,9 +45,7 @@ Acad::ErrorStatus AcDbPolyFaceMesh::appendFaceRecord(AcDbFaceRecord* face) {
 }
 
 int16_t AcDbPolyFaceMesh::countVertices() const {
-    size_t count = 0;
-    forEachVertex<AcDbPolyFaceMeshVertex>([&](const AcDbPolyFaceMeshVertex&) { ++count; });
-    return asCount(count);
+    return asCount(corners().size());
 }
 
 int16_t AcDbPolyFaceMesh::countFaces() const {
