@@ -110,6 +110,15 @@ bool isPart(const AcRxClass* type) {
     return type->isDerivedFrom(AcDbVertex::desc()) || type->isDerivedFrom(AcDbAttribute::desc());
 }
 
+// A vertex without widths of its own has the polyline's.
+void takeWidths(AcDbEntity& part, const AcDbEntity& whole) {
+    auto* const vertex = AcDb2dVertex::cast(&part);
+    const auto* const polyline = AcDb2dPolyline::cast(&whole);
+    if (vertex == nullptr || polyline == nullptr) return;
+    vertex->setStartWidth(polyline->defaultStartWidth());
+    vertex->setEndWidth(polyline->defaultEndWidth());
+}
+
 // A net has the vertices of all its rows and columns.
 bool isWhole(const AcDbEntity& entity) {
     const auto* const net = AcDbPolygonMesh::cast(&entity);
@@ -254,6 +263,7 @@ EntityMaker::Result EntityMaker::addPart(const resbuf* groups, const AcRxClass* 
     if (part == nullptr) return {};
     part->setLayer(whole_->layerId());
     part->subSetDatabaseDefaults(&database_);
+    takeWidths(*part, *whole_);
     if (!fill(*part, groups)) return {};
     parts_.push_back(std::move(part));
     return {true, {}, {}};

@@ -49,7 +49,10 @@ bool ObjectAccess::adoptPart(AcDbEntity& whole, AcDbObjectId id) {
         list->sequenceEnd_ = id;
         return true;
     }
-    if (!isPartOf(part->isA(), whole)) return false;
+    // Files take the vertices of one kind of mesh for those of the other.
+    const bool isMeshVertex = dynamic_cast<const Mesh*>(&whole) != nullptr &&
+                              dynamic_cast<const MeshVertex*>(part) != nullptr;
+    if (!isMeshVertex && !isPartOf(part->isA(), whole)) return false;
     list->slots_.emplace_back().id = id;
     return true;
 }

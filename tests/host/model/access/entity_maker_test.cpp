@@ -128,6 +128,20 @@ TEST_F(EntityMakerTest, PolylinesComeWithTheirVertices) {
     EXPECT_DOUBLE_EQ(end, 2);
 }
 
+TEST_F(EntityMakerTest, VerticesHaveThePolylinesWidthsUnlessTheyHaveTheirOwn) {
+    make(acutBuildList(RTDXF0, L"POLYLINE", 66, 1, 70, 0, 10, kStart, 40, 2.0, 41, 3.0, 0));
+    make(acutBuildList(RTDXF0, L"VERTEX", 10, kStart, 0));
+    make(acutBuildList(RTDXF0, L"VERTEX", 10, kEnd, 40, 0.0, 0));
+    Opened<AcDb2dPolyline> polyline(make(acutBuildList(RTDXF0, L"SEQEND", 0)).id);
+    ASSERT_TRUE(polyline);
+    std::vector<std::pair<double, double>> widths;
+    for (auto each = polyline->vertexIterator(); !each->done(); each->step()) {
+        const Opened<AcDb2dVertex> vertex(each->objectId());
+        widths.emplace_back(vertex->startWidth(), vertex->endWidth());
+    }
+    EXPECT_EQ(widths, (std::vector<std::pair<double, double>>{{2, 3}, {0, 3}}));
+}
+
 // References of blocks within blocks, to any depth, are found where they stand.
 TEST_F(EntityMakerTest, BlocksKnowTheirReferences) {
     const AcDbObjectId inner = addBlock(L"Inner");

@@ -1,5 +1,6 @@
 #include "host/model/entities/mesh/mesh.h"
 
+#include "host/model/core/list_filers.h"
 #include "host/model/entities/entity_fixture.h"
 #include "platform/db/face.h"
 
@@ -28,6 +29,27 @@ TEST_F(MeshTest, FacesNameVerticesThatAreThere) {
     ASSERT_EQ(faces.size(), 2u);
     EXPECT_EQ(faces[1].corners[3], AcGePoint3d(0, 0, 3));
     EXPECT_EQ(faces[0].isHidden, (std::array{false, false, false, true}));
+}
+
+// Numbers below 0 whose product is that of the vertices make no mesh.
+TEST_F(MeshTest, NetsHaveAsManyVerticesAsRowsAndColumns) {
+    struct Case {
+        int16_t rows, columns;
+        bool isComplete;
+    };
+    for (const Case& each : {Case{2, 3, true}, Case{3, 2, true}, Case{-2, -3, false},
+                             Case{6, 1, false}, Case{2, 2, false}, Case{0, 0, false}}) {
+        AcDbPolygonMesh net;
+        for (int i = 0; i < 6; ++i)
+            net.appendVertex(new AcDbPolygonMeshVertex(AcGePoint3d(i, i % 2, 0)));
+        resbuf* const groups =
+            acutBuildList(100, L"AcDbPolygonMesh", 70, 16, 71, each.rows, 72, each.columns, 0);
+        model::ListReader reader(groups, database.get());
+        EXPECT_EQ(net.dxfIn(&reader), Acad::eOk);
+        acutRelRb(groups);
+        EXPECT_EQ(net.isComplete(), each.isComplete);
+        EXPECT_EQ(net.faces().size(), each.isComplete ? 2u : 0u);
+    }
 }
 
 // Outside a database a copy owns vertices and faces of its own, each of its kind.

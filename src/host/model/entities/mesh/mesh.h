@@ -104,9 +104,10 @@ class SG_API AcDbPolygonMesh : public sg::model::Mesh {
     bool isSmooth() const { return type_ != 0; }
     bool isClosedAlongM() const;
     bool isClosedAlongN() const;
-    // Of the vertices that are drawn.
-    size_t rows() const { return static_cast<size_t>(isSmooth() ? smoothRows_ : rows_); }
-    size_t columns() const { return static_cast<size_t>(isSmooth() ? smoothColumns_ : columns_); }
+    // Of the vertices that are drawn; 0 for what is no number of them.
+    size_t rows() const { return countOf(isSmooth() ? smoothRows_ : rows_); }
+    size_t columns() const { return countOf(isSmooth() ? smoothColumns_ : columns_); }
+    static size_t countOf(int16_t count) { return count > 0 ? static_cast<size_t>(count) : 0; }
 
     int16_t flags_ = 0;  // group 70 without the bit of meshes
     int16_t type_ = 0;   // of the smooth surface: 5, 6, 8; 0 for none

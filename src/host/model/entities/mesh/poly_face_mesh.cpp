@@ -45,9 +45,7 @@ Acad::ErrorStatus AcDbPolyFaceMesh::appendFaceRecord(AcDbFaceRecord* face) {
 }
 
 int16_t AcDbPolyFaceMesh::countVertices() const {
-    size_t count = 0;
-    forEachVertex<AcDbPolyFaceMeshVertex>([&](const AcDbPolyFaceMeshVertex&) { ++count; });
-    return asCount(count);
+    return asCount(corners().size());
 }
 
 int16_t AcDbPolyFaceMesh::countFaces() const {
@@ -97,7 +95,8 @@ void AcDbPolyFaceMesh::drawEdges(AcGiGeometry& geometry) const {
         const auto& numbers = record.vertices();
         const auto end = std::find(numbers.begin(), numbers.end(), 0);
         const auto count = static_cast<size_t>(end - numbers.begin());
-        for (size_t i = 0; i < (count == 2 ? 1 : count); ++i) {
+        const size_t edges = count > 2 ? count : count / 2;
+        for (size_t i = 0; i < edges; ++i) {
             const auto from = static_cast<size_t>(std::abs(int{numbers[i]}));
             const auto to = static_cast<size_t>(std::abs(int{numbers[(i + 1) % count]}));
             if (numbers[i] < 0 || from > points.size() || to > points.size()) continue;
