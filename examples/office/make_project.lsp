@@ -76,7 +76,8 @@
         '("iSortOrder" "INT" nil nil)))
 
 (fill-table "tblGlobal" '("sKey" "bNumeric" "sText" "dNumber")
-  '(("Units" nil "mm" nil) ("DuctHeightAboveFloor" T nil 2900.0) ("DuctVelocity" T nil 4.5)
+  '(("Units" nil "mm" nil) ("DuctHeightAboveFloor" T nil 2900.0) ("CeilingHeight" T nil 2700.0)
+    ("DuctVelocity" T nil 4.5)
     ("SupplyTemperature" T nil 18.0)))
 
 ; Name, colour, linetype, lineweight in hundredths of a millimetre; all of them plot.
@@ -146,7 +147,7 @@
   (list (id-field "ixSchedule") '("sTag" "TEXT" 20 T nil "X" T) '("sRoom" "TEXT" 10 T nil "X")
         '("sType" "TEXT" 40 T nil) '("sHandle" "TEXT" 16 nil nil) '("dAirflow" "REAL" nil nil)
         '("dPower" "REAL" nil nil) '("dX" "REAL" nil nil) '("dY" "REAL" nil nil)
-        '("tPlaced" "DATE" nil nil)))
+        '("dZ" "REAL" nil nil) '("tPlaced" "DATE" nil nil)))
 
 ; Pieces of duct: straight ones from one end to the other; fittings and hangers have a place only.
 (make-table "tblDuct"

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Reads the files of the office floor with other programs, where they are installed, and compares
-them with what the floor's programs were given: the rooms of floor.dxf, and the tables of the project
-database that say what a room needs.
+them with what the floor's programs were given: the rooms of floor.dxf, and the tables of the
+project database that say what a room needs.
 
     other_readers.py FOLDER
 
@@ -17,7 +17,7 @@ import sys
 import tempfile
 import zipfile
 
-from reading import Report, number, read_table, run
+from reading import Report, has_mdbtools, number, read_table, run
 
 try:
     import ezdxf
@@ -53,30 +53,35 @@ def read_rooms(path):
     return [Room(outline, *texts) for outline in model.query('LWPOLYLINE[layer=="A-AREA"]')]
 
 
+def setting(rows, key):
+    return next(number(row["dNumber"]) for row in rows if row["sKey"] == key)
+
+
+def rounded(point):
+    """A point to compare: to a thousandth of a millimetre."""
+    return tuple(round(value, 3) for value in point)
+
+
 class Piece:
     """A piece of equipment that the floor must have."""
 
-    def __init__(self, room, row, index, x, y):
-        self.room, self.type, self.x, self.y = room.number, row["sType"], x, y
+    def __init__(self, room, row, index, place):
+        self.room, self.type, self.place = room.number, row["sType"], rounded(place)
         self.tag = "%s-%s-%d" % (row["sPrefix"], room.number, index + 1)
         self.air, self.power = number(row["dAirflow"]), number(row["dPower"])
         self.block = self.type.upper().replace(" ", "_").replace("/", "_")
 
-    @property
-    def place(self):
-        return round(self.x, 3), round(self.y, 3)
 
-
-def pieces_in(room, row, needed, rows):
+def pieces_in(room, row, needed, rows, ceiling):
     columns = math.ceil(max(1, math.ceil(needed - 1e-9)) / rows)
     for index in range(rows * columns):
         across, up = index % columns, index // columns
         yield Piece(room, row, index,
-                    room.west + (room.east - room.west) * (across + 0.5) / columns,
-                    room.south + (room.north - room.south) * (up + 0.5) / rows)
+                    (room.west + (room.east - room.west) * (across + 0.5) / columns,
+                     room.south + (room.north - room.south) * (up + 0.5) / rows, ceiling))
 
 
-def expected_equipment(rooms, uses, types):
+def expected_equipment(rooms, uses, types, ceiling):
     uses = {row["sName"]: row for row in uses}
     types = {row["sType"]: row for row in types}
     pieces = []
@@ -85,11 +90,12 @@ def expected_equipment(rooms, uses, types):
         diffuser, luminaire = types.get(use.get("sDiffuser")), types.get(use.get("sLuminaire"))
         if diffuser:
             air = room.area * number(use["dAirPerArea"])
-            pieces += pieces_in(room, diffuser, air / number(diffuser["dAirflow"]), 1)
+            pieces += pieces_in(room, diffuser, air / number(diffuser["dAirflow"]), 1,
+                                ceiling)
         if luminaire:
             deep = room.north - room.south > 4000
             pieces += pieces_in(room, luminaire, room.area / number(use["dAreaPerLuminaire"]),
-                                2 if deep else 1)
+                                2 if deep else 1, ceiling)
     return pieces
 
 
@@ -101,8 +107,9 @@ def check_database(report, pieces, folder):
     rows = read_table(os.path.join(folder, "project.mdb"), "tblSchedule")
     report.check_items("mdbtools: pieces, with room, type and place",
                        [(piece.tag, piece.room, piece.type, *piece.place) for piece in pieces],
-                       [(row["sTag"], row["sRoom"], row["sType"], round(number(row["dX"]), 3),
-                         round(number(row["dY"]), 3)) for row in rows])
+                       [(row["sTag"], row["sRoom"], row["sType"],
+                         *rounded(number(row[name]) for name in ("dX", "dY", "dZ")))
+                        for row in rows])
     report.check("mdbtools: sum of air, m3/h", sum(piece.air for piece in pieces),
                  sum(number(row["dAirflow"]) for row in rows))
     report.check("mdbtools: sum of power, W", sum(piece.power for piece in pieces),
@@ -125,8 +132,8 @@ def check_drawing(report, pieces, layers, folder):
     references = [reference for reference in model.query("INSERT") if tag_of(reference)]
     report.check_items("ezdxf: equipment, with tag, block and place",
                        [(piece.tag, piece.block, *piece.place) for piece in pieces],
-                       [(tag_of(reference), reference.dxf.name, round(reference.dxf.insert.x, 3),
-                         round(reference.dxf.insert.y, 3)) for reference in references])
+                       [(tag_of(reference), reference.dxf.name,
+                         *rounded(reference.dxf.insert)) for reference in references])
     texts = {text.text for text in model.query("MTEXT")}
     for what, value in (("air", sum(piece.air for piece in pieces)),
                         ("power", sum(piece.power for piece in pieces))):
@@ -169,8 +176,10 @@ def is_measured(row, solids):
 
 def check_solids(report, ducts, folder):
     """The solids, as FreeCAD reads them: their number, volumes and places."""
-    text = run("freecadcmd", os.path.join(HERE, "measure_step.py"),
-               env=dict(os.environ, STEP_FILE=os.path.join(folder, "ducts.step")))
+    with tempfile.TemporaryDirectory() as home:  # FreeCAD keeps settings there
+        text = run("freecadcmd", os.path.join(HERE, "measure_step.py"),
+                   env=dict(os.environ, HOME=home,
+                            STEP_FILE=os.path.abspath(os.path.join(folder, "ducts.step"))))
     solids = [[float(value) for value in line.split()[1:]] for line in text.splitlines()
               if line.startswith("solid ")]
     report.check("FreeCAD: solids", len(ducts), len(solids))
@@ -233,23 +242,23 @@ def check_signature(report, folder):
 
 def main(folder):
     report = Report()
-    has_tables = shutil.which("mdb-export") is not None
-    if not has_tables:
-        report.skip("mdb-export (mdbtools)", "the database")
+    tables = {name: read_table(os.path.join(folder, "project.mdb"), name)
+              for name in ("tblGlobal", "tblRoomUse", "tblEquipment", "tblLayer", "tblDuct")}
     if ezdxf is None:
-        report.skip("ezdxf (python3-ezdxf)", "the drawing")
-    if has_tables:
-        tables = {name: read_table(os.path.join(folder, "project.mdb"), name)
-                  for name in ("tblRoomUse", "tblEquipment", "tblLayer", "tblDuct")}
-        if ezdxf is not None:
-            pieces = expected_equipment(read_rooms(os.path.join(folder, "floor.dxf")),
-                                        tables["tblRoomUse"], tables["tblEquipment"])
+        report.skip("ezdxf (python3-ezdxf)", "the database and the drawing")
+    else:
+        pieces = expected_equipment(read_rooms(os.path.join(folder, "floor.dxf")),
+                                    tables["tblRoomUse"], tables["tblEquipment"],
+                                    setting(tables["tblGlobal"], "CeilingHeight"))
+        if has_mdbtools():
             check_database(report, pieces, folder)
-            check_drawing(report, pieces, tables["tblLayer"], folder)
-        if shutil.which("freecadcmd"):
-            check_solids(report, tables["tblDuct"], folder)
         else:
-            report.skip("freecadcmd (FreeCAD)", "the solids")
+            report.skip("mdb-export (mdbtools)", "the database")
+        check_drawing(report, pieces, tables["tblLayer"], folder)
+    if shutil.which("freecadcmd"):
+        check_solids(report, tables["tblDuct"], folder)
+    else:
+        report.skip("freecadcmd (FreeCAD)", "the solids")
     check_archive(report, folder)
     check_signature(report, folder)
     return 1 if report.failed else 0

@@ -1,18 +1,17 @@
 ; The schedules: what the database knows of the equipment and of the ducts, drawn as tables.
 
+; The rows of a query of several columns, each as its values alone.
+(defun query-rows (sql) (mapcar '(lambda (row) (mapcar 'cdr row)) (sg_sql sql)))
+
 ; The columns that are shown of a group of labels: ((key label width justification) ...).
 (defun label-columns (group)
-  (mapcar '(lambda (row) (mapcar 'cdr row))
-          (sg_sql (strcat "SELECT sKey, sLabel, dWidth, sJustification FROM tblLabelGroup "
-                          "WHERE sGroup = '" group "' AND bDisplay = True AND iSortOrder >= 0 "
-                          "ORDER BY iSortOrder"))))
+  (query-rows (strcat "SELECT sKey, sLabel, dWidth, sJustification FROM tblLabelGroup "
+                      "WHERE sGroup = '" group "' AND bDisplay = True AND iSortOrder >= 0 "
+                      "ORDER BY iSortOrder")))
 
 (defun label-title (group)
   (car (sg_sql (strcat "SELECT sLabel FROM tblLabelGroup WHERE sGroup = '" group
                        "' AND sKey = 'Schedule Title'"))))
-
-; Rows of a query, each as its values alone. (A query of one row of one column would differ.)
-(defun query-rows (sql) (mapcar '(lambda (row) (mapcar 'cdr row)) (sg_sql sql)))
 
 ; The equipment, a line for each room and type: ((key . text) ...), and at last their sums.
 (defun equipment-lines (/ rows)
@@ -26,9 +25,9 @@
                              (strcat (itoa (fix (cadddr row))) " x " (caddr row))
                              (number-text (nth 4 row) 0) (number-text (nth 5 row) 0))))
             rows)
-    (query-total)))
+    (equipment-total)))
 
-(defun query-total (/ row)
+(defun equipment-total (/ row)
   (setq row (car (query-rows (strcat "SELECT Count(*), Sum(dAirflow), Sum(dPower) "
                                      "FROM tblSchedule"))))
   (list (mapcar 'cons '("Tag" "Type" "Airflow" "Power")
@@ -43,10 +42,12 @@
           (query-rows (strcat "SELECT sSize, Count(*), Sum(dLength) / 1000 FROM tblDuct "
                               "WHERE sKind = 'Straight' GROUP BY sSize ORDER BY sSize"))))
 
+; The texts of a line in the order of the columns.
+(defun cells-of (line columns)
+  (mapcar '(lambda (column) (cond ((value-of (car column) line)) (""))) columns))
+
 ; Draws the schedule of a group of labels and answers the y of its lower edge.
 (defun draw-schedule (group lines layer corner / columns)
   (setq columns (label-columns group))
   (draw-table (list layer 300.0 140.0) corner (label-title group) (mapcar 'cdr columns)
-              (mapcar '(lambda (line)
-                         (mapcar '(lambda (column) (cond ((value-of (car column) line)) (""))) columns))
-                      lines)))
+              (mapcar '(lambda (line) (cells-of line columns)) lines)))

@@ -4,9 +4,9 @@
 ;   swiftgate run examples/office/signature.lsp --path examples/office -- sign job.sha256
 ;   swiftgate run examples/office/signature.lsp --path examples/office -- verify job.sha256
 ;
-; The signature goes to FILE.signature: the public key in the first line, the signature in the second.
-; Each file is signed with a key of its own, which nobody keeps: whoever has the public key from the
-; office can tell that neither file nor signature has been exchanged.
+; The signature goes to FILE.signature: the public key in the first line, the signature in the
+; second. Each file is signed with a key of its own, which nobody keeps: whoever has the public key
+; from the office can tell that neither file nor signature has been exchanged.
 
 (load "tools")
 

@@ -32,8 +32,8 @@
 
 (defun underlined (text) (strcat "{\\L" text "}"))
 
-; Draws a table with its top left corner at a point. `columns` are ((label width justification) ...),
-; `lines` are lists of as many texts. Answers the y of its lower edge.
+; Draws a table with its top left corner at a point. `columns` are ((label width justification)
+; ...), `lines` are lists of as many texts. Answers the y of its lower edge.
 (defun draw-table (table-style corner title columns lines / width x y top)
   (setq width (apply '+ (mapcar 'cadr columns))
         x (car corner)

@@ -21,7 +21,7 @@
                  (cons 10 (moved end (+ radius (* 0.5 height)) (* -0.5 height)))
                  (cons 40 height) (cons 1 text))))
 
-; A piece of equipment, as place-equipment answers it.
+; A piece of equipment, as place-equipment answers it. Tags lie on the floor, as all texts do.
 (defun tag-equipment (piece layer height)
-  (tag-place (value-of "place" piece) (value-of "tag" piece) layer height
+  (tag-place (at-height (value-of "place" piece) 0.0) (value-of "tag" piece) layer height
              (* 4.0 height) (* 2.5 height)))

@@ -41,8 +41,8 @@
 
 ; --- Rows
 
-; Makes a table the current one. When that fails the one before it would stay current, and be read or
-; written in its place: so the program ends.
+; Makes a table the current one. When that fails the one before it would stay current, and be read
+; or written in its place: so the program ends.
 (defun use-table (table index)
   (if (null (if index (sg_table table index) (sg_table table)))
     (fail (strcat "The table " table " cannot be opened: " (sg_lastError)))))

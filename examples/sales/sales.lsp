@@ -1,11 +1,11 @@
-; Draws what a trading company has sold, by category, beside whatever a drawing holds: a table of the
-; figures, and a bar for each category with the figures as extended data.
+; Draws what a trading company has sold, by category, beside whatever a drawing holds: a table of
+; the figures, and a bar for each category with the figures as extended data.
 ;
 ;   swiftgate run examples/sales/sales.lsp --drawing plan.dwg --path examples/office
 ;       --path examples/sales --save sales.dwg -- nwind.mdb
 ;
-; The database is the well-known sample of a trading company, with its tables Categories, Products and
-; Order Details.
+; The database is the well-known sample of a trading company, with its tables Categories, Products
+; and Order Details.
 
 (foreach part '("tools" "table" "bars") (load part))
 
@@ -20,7 +20,8 @@
 (defun sales-by-category ()
   (cond ((sg_sql (strcat "SELECT CategoryName AS Category, Count(*) AS Lines, "
                          "Sum(Quantity) AS Pieces, "
-                         "Sum(CDbl([Order Details].UnitPrice) * Quantity * (1 - Discount)) AS Sales "
+                         "Sum(CDbl([Order Details].UnitPrice) * Quantity * (1 - Discount)) "
+                         "AS Sales "
                          "FROM (Categories INNER JOIN Products "
                          "ON Categories.CategoryID = Products.CategoryID) "
                          "INNER JOIN [Order Details] "

@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -106,7 +108,9 @@ void Session::setInput(const Arguments& arguments) {
     std::vector<std::shared_ptr<InputSource>> sources;
     if (!arguments.script.empty()) {
         const auto bytes = readFile(arguments.script);
-        if (!bytes) throw FileError(L"the input script cannot be read: " + arguments.script);
+        if (!bytes)
+            throw FileError(L"the input script cannot be read: " + arguments.script + L": " +
+                            fromUtf8(std::strerror(errno)));
         std::wstring error;
         auto script = ScriptInput::parse(
             decodeTextFile(*bytes), arguments.script,
