@@ -292,8 +292,10 @@ class Mistakes(ProgramTest):
         self.write("own.lsp", "(princ 1)")
         os.mkdir(self.path("folder"))
         self.run_program("run", "--eval", '(sg_create_db "p.mdb")', "--save", "plan.dwg")
+        self.write("plan.dxf", EMPTY_DRAWING)
         for words, said in [
             (["run", "plan.dwg"], "plan.dwg is a drawing, no program; --drawing opens it"),
+            (["run", "plan.dxf"], "plan.dxf is a drawing, no program"),
             (["run", "p.mdb"], "p.mdb is a database, no program; swiftgate db tables"),
             (["run", "folder"], "folder is a folder, no program"),
             (["run", "own.lsp", "--drawing", "folder"], "folder: this is a folder, no drawing"),
