@@ -17,7 +17,7 @@ rm -rf "$out"
 mkdir -p "$out"
 out=$(cd "$out" && pwd)
 data=$(cd "$data" 2>/dev/null && pwd) || data=""
-export QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8 PYTHONDONTWRITEBYTECODE=1
+export QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8 PYTHONDONTWRITEBYTECODE=1 SWIFTGATE="$build/bin/swiftgate"
 steps=$(grep -c '^ *\(run\|check\) "' scripts/demo.sh)
 cd "$out"
 
@@ -60,7 +60,7 @@ check() { attempt "$@" || differs=1; }
 
 # --- Programs
 
-swiftgate() { "$build/bin/swiftgate" "$@"; }
+swiftgate() { "$SWIFTGATE" "$@"; }
 
 # A program of the office, or of the sales example: its name, further options, --, its arguments.
 office() {

@@ -12,12 +12,10 @@
 
 ; --- The floor: nothing of it may have changed
 
-(defun count-by-layer-and-kind (layers / data counts key)
-  (foreach entity (entities-like (list (cons 8 layers)))
-    (setq data (entget entity)
-          key (strcat (value-of 8 data) " " (value-of 0 data))
-          counts (cons key counts)))
-  counts)
+; Layer and kind of each entity on some layers.
+(defun layers-and-kinds (layers)
+  (mapcar '(lambda (data) (strcat (value-of 8 data) " " (value-of 0 data)))
+          (data-like (list (cons 8 layers)))))
 
 (defun room-texts (rooms)
   (mapcar '(lambda (room) (line-of (mapcar 'cdr room))) rooms))
@@ -121,7 +119,7 @@
 (defun given-floor (/ rooms)
   (setq rooms (read-rooms)
         given-rooms (room-texts rooms)
-        given-entities (count-by-layer-and-kind "A-*")
+        given-entities (layers-and-kinds "A-*")
         equipment (expected-equipment rooms)
         ducts (expected-ducts equipment)))
 
@@ -130,7 +128,7 @@
   (open-project project)
   (setq plain (null (entities-like '((0 . "QNLEADER,QN_HVACSOLID")))))
   (check-list "rooms, with name and area" given-rooms (room-texts (read-rooms)))
-  (check-list "entities of the floor" given-entities (count-by-layer-and-kind "A-*"))
+  (check-list "entities of the floor" given-entities (layers-and-kinds "A-*"))
   (check-layers)
   (check-list "equipment, with extended data" (expected-references equipment)
               (drawn-references "M-DIFF-*,E-LITE"))

@@ -73,7 +73,9 @@
               (stored-places (rows-of-kind "Takeoff")))
   (check-list "elbows, by diffuser and place" (expected-elbows equipment)
               (stored-places (rows-of-kind "Elbow")))
-  (check "transitions" 1 (length (rows-of-kind "Transition"))))
+  (check "transitions" 1 (length (rows-of-kind "Transition")))
+  (check "reducers" (expected-reducers equipment) (length (rows-of-kind "Reducer")))
+  (check "hangers" (expected-hangers ducts) (length (rows-of-kind "Hanger"))))
 
 ; --- The standard
 

@@ -1,5 +1,8 @@
 ; The supply duct: from the plant room along the corridor, with a branch to each diffuser. Every
 ; piece is an exact solid with extended data, and has its row in the table tblDuct.
+;
+; The work begins with draw-ducts, at the end. The layers that it finds, and the height `z` of the
+; duct's middle that draw-run reads, are seen by the functions that they call.
 
 (setq hanger-spacing 3000.0
       slab-height 3300.0
@@ -145,9 +148,10 @@
     (done))
   (draw-main main air))
 
-; Draws all of it for the diffusers, as place-equipment answers them. The main gets narrower as its
-; air leaves. `done` is called after each diffuser. Nothing is drawn where there is none.
-(defun draw-ducts (outlets done / duct-layer hanger-layer)
+; Draws all of it for the diffusers, as place-equipment answers them; sizes are tagged on
+; `label-layer`. The main gets narrower as its air leaves. `done` is called after each diffuser.
+; Nothing is drawn where there is none.
+(defun draw-ducts (outlets label-layer done / duct-layer hanger-layer)
   (setq duct-layer (layer-for "Supply air" "Duct")
         hanger-layer (layer-for nil "DuctHanger"))
   (if outlets (draw-run (vl-sort outlets '(lambda (a b) (> (x-of a) (x-of b)))))))

@@ -133,3 +133,25 @@
           from (- x reach (reducer-length width narrower))
           width narrower))
   (append pieces (expected-piece (rectangle-text width) "main" (- from (- x 400.0)))))
+
+; How often the main gets narrower.
+(defun expected-reducers (equipment / velocity air width count)
+  (setq velocity (setting "DuctVelocity")
+        air (sum-of "air" equipment)
+        width (expected-width air)
+        count 0)
+  (foreach diffuser (diffusers-of equipment)
+    (setq air (- air (value-of "air" diffuser)))
+    (if (< (expected-width air) width)
+      (setq width (expected-width air)
+            count (1+ count))))
+  count)
+
+; A hanger for every 3 m, begun or whole, of each piece of the main in the corridor that is longer
+; than 0.6 m. The first two pieces are in the plant room.
+(defun expected-hangers (ducts / count)
+  (setq count 0)
+  (foreach duct (cddr ducts)
+    (if (and (= (value-of "serves" duct) "main") (> (value-of "length" duct) 600.0))
+      (setq count (+ count (least-count 3000.0 (value-of "length" duct))))))
+  count)

@@ -38,9 +38,9 @@
                " luminaires"))
   (list diffusers luminaires))
 
-(defun tag-all (pieces key radius / layer)
+(defun tag-all (pieces key height / layer)
   (setq layer (layer-for nil key))
-  (foreach piece pieces (tag-equipment piece layer radius)))
+  (foreach piece pieces (tag-equipment piece layer height)))
 
 ; How many rows of tblDuct are of a kind.
 (defun count-of (kind) (fix (car (sg_sql (strcat "SELECT Count(*) FROM tblDuct WHERE sKind = '"
@@ -48,7 +48,7 @@
 
 (defun lay-ducts (diffusers)
   (acedSetStatusBarProgressMeter "Laying ducts" 0 (length diffusers))
-  (draw-ducts diffusers step)
+  (draw-ducts diffusers (layer-for nil "Label") step)
   (say (strcat (itoa (count-of "Straight")) " straight pieces, "
                (itoa (count-of "Takeoff")) " takeoffs, " (itoa (count-of "Elbow")) " elbows, "
                (itoa (count-of "Transition")) " transition, "
@@ -77,14 +77,13 @@
         bottom (draw-schedule "Equipment schedule" (equipment-lines) layer '(38000.0 13650.0 0.0)))
   (draw-schedule "Duct schedule" (duct-lines) layer (list 38000.0 (- bottom 1200.0) 0.0)))
 
-(defun equip-floor (/ rooms placed label-layer)
+(defun equip-floor (/ rooms placed)
   (setvar "DIMSCALE" 50.0)
   (start-over)
   (setq rooms (read-rooms))
   (say (strcat (itoa (length rooms)) " rooms, " (number-text (sum-of "area" rooms) 1) " m2"))
   (make-tag-symbol)
-  (setq placed (equip-rooms rooms)
-        label-layer (layer-for nil "Label"))
+  (setq placed (equip-rooms rooms))
   (tag-all (car placed) "Label" 120.0)
   (tag-all (cadr placed) "LuminaireLabel" 90.0)
   (lay-ducts (car placed))

@@ -17,7 +17,7 @@ import sys
 import tempfile
 import zipfile
 
-from reading import Report, number, read_table, run
+from reading import Report, has_mdbtools, number, read_table, run
 
 try:
     import ezdxf
@@ -176,8 +176,10 @@ def is_measured(row, solids):
 
 def check_solids(report, ducts, folder):
     """The solids, as FreeCAD reads them: their number, volumes and places."""
-    text = run("freecadcmd", os.path.join(HERE, "measure_step.py"),
-               env=dict(os.environ, STEP_FILE=os.path.join(folder, "ducts.step")))
+    with tempfile.TemporaryDirectory() as home:  # FreeCAD keeps settings there
+        text = run("freecadcmd", os.path.join(HERE, "measure_step.py"),
+                   env=dict(os.environ, HOME=home,
+                            STEP_FILE=os.path.abspath(os.path.join(folder, "ducts.step"))))
     solids = [[float(value) for value in line.split()[1:]] for line in text.splitlines()
               if line.startswith("solid ")]
     report.check("FreeCAD: solids", len(ducts), len(solids))
@@ -240,24 +242,23 @@ def check_signature(report, folder):
 
 def main(folder):
     report = Report()
-    has_tables = shutil.which("mdb-export") is not None
-    if not has_tables:
-        report.skip("mdb-export (mdbtools)", "the database")
+    tables = {name: read_table(os.path.join(folder, "project.mdb"), name)
+              for name in ("tblGlobal", "tblRoomUse", "tblEquipment", "tblLayer", "tblDuct")}
     if ezdxf is None:
-        report.skip("ezdxf (python3-ezdxf)", "the drawing")
-    if has_tables:
-        tables = {name: read_table(os.path.join(folder, "project.mdb"), name)
-                  for name in ("tblGlobal", "tblRoomUse", "tblEquipment", "tblLayer", "tblDuct")}
-        if ezdxf is not None:
-            pieces = expected_equipment(read_rooms(os.path.join(folder, "floor.dxf")),
-                                        tables["tblRoomUse"], tables["tblEquipment"],
-                                        setting(tables["tblGlobal"], "CeilingHeight"))
+        report.skip("ezdxf (python3-ezdxf)", "the database and the drawing")
+    else:
+        pieces = expected_equipment(read_rooms(os.path.join(folder, "floor.dxf")),
+                                    tables["tblRoomUse"], tables["tblEquipment"],
+                                    setting(tables["tblGlobal"], "CeilingHeight"))
+        if has_mdbtools():
             check_database(report, pieces, folder)
-            check_drawing(report, pieces, tables["tblLayer"], folder)
-        if shutil.which("freecadcmd"):
-            check_solids(report, tables["tblDuct"], folder)
         else:
-            report.skip("freecadcmd (FreeCAD)", "the solids")
+            report.skip("mdb-export (mdbtools)", "the database")
+        check_drawing(report, pieces, tables["tblLayer"], folder)
+    if shutil.which("freecadcmd"):
+        check_solids(report, tables["tblDuct"], folder)
+    else:
+        report.skip("freecadcmd (FreeCAD)", "the solids")
     check_archive(report, folder)
     check_signature(report, folder)
     return 1 if report.failed else 0

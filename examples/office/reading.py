@@ -3,6 +3,8 @@
 import csv
 import io
 import math
+import os
+import shutil
 import subprocess
 from collections import Counter
 
@@ -51,9 +53,16 @@ def run(*words, **options):
         done.returncode, done.stdout.strip()[-200:])
 
 
+def has_mdbtools():
+    return shutil.which("mdb-export") is not None
+
+
 def read_table(database, table):
-    text = run("mdb-export", database, table)
-    return list(csv.DictReader(io.StringIO(text)))
+    """The rows of a table, as mdbtools reads them; where that is missing, as swiftgate (or the
+    program that SWIFTGATE of the environment names) exports them."""
+    reader = ["mdb-export"] if has_mdbtools() else [
+        os.environ.get("SWIFTGATE", "swiftgate"), "db", "export"]
+    return list(csv.DictReader(io.StringIO(run(*reader, database, table))))
 
 
 def number(text):

@@ -97,15 +97,6 @@ TEST_F(ConnectTest, TheModeDecidesWhetherItIsOpenedAgain) {
     }
 }
 
-TEST_F(ConnectTest, AReadOnlyFileIsOpenedToBeRead) {
-    makeFile("plan.mdb", {L"A"});
-    std::filesystem::permissions(folder_ / "plan.mdb", std::filesystem::perms(0444));
-    EXPECT_EQ(connectTo("plan.mdb"), "T");
-    EXPECT_EQ(run("(sg_readonly)"), "T");
-    EXPECT_EQ(run("(sg_command \"DELETE FROM Rooms\")"), "nil");
-    EXPECT_EQ(run("(sg_sql \"SELECT Count(*) FROM Rooms\")"), "(1)");
-}
-
 TEST_F(ConnectTest, AFileThatMayNotBeWrittenIsOpenedToBeRead) {
     makeFile("plan.mdb", {L"A"});
     makeReadOnly("plan.mdb");

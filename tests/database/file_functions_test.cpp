@@ -121,6 +121,16 @@ TEST_F(FileFunctionsTest, CopiesOfAnOpenDatabaseHaveEveryWrite) {
         EXPECT_EQ(call(step.call), step.answer) << step.call;
 }
 
+TEST_F(FileFunctionsTest, ArchivesOfAnOpenDatabaseHaveEveryWrite) {
+    call("(sg_create_db \"@plan.mdb\")");
+    call("(sg_connect \"@plan.mdb\")");
+    call("(sg_command \"CREATE TABLE Rooms (n LONG)\")");
+    EXPECT_EQ(call("(CreateZip \"@plan.zip\" '(\"@plan.mdb\"))"), "T");
+    EXPECT_EQ(call("(ExtractZip \"@plan.zip\" \"@out\")"), "T");
+    EXPECT_EQ(call("(sg_connect \"@out/plan.mdb\")"), "T");
+    EXPECT_EQ(call("(sg_list_tables)"), "(\"Rooms\")");
+}
+
 TEST_F(FileFunctionsTest, AChangeOfAnOpenDatabaseMakesItNewer) {
     call("(sg_create_db \"@plan.mdb\")");
     call("(sg_fcopy \"@plan.mdb\" \"@copy.mdb\")");

@@ -315,6 +315,21 @@ TEST_F(EditTest, AnOpenListIsChosenFrom) {
     EXPECT_EQ(List(), nullptr);
 }
 
+TEST_F(EditTest, EscInAnOpenListEndsTheEdit) {
+    Combo(2, 2, kListOnly);
+    const std::string before = Text(2, 2);
+    Key(Qt::Key_F2);
+    QTest::keyClick(List(), Qt::Key_Down, Qt::AltModifier);
+    QTest::keyClick(List()->view(), Qt::Key_Down);
+    recorder.Take();
+    QTest::keyClick(List()->view(), Qt::Key_Escape);
+    Settle();
+    EXPECT_EQ(List(), nullptr);
+    EXPECT_EQ(Text(2, 2), before);
+    EXPECT_EQ(recorder.Take(), Heard());
+    EXPECT_EQ(grid->window()->focusWidget(), grid.get());
+}
+
 TEST_F(EditTest, AnEditableListTakesAnyText) {
     Combo(2, 2, kListEditable);
     Key(Qt::Key_Q);

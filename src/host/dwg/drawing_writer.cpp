@@ -114,7 +114,7 @@ void DrawingWriter::tellLosses() {
     for (const auto& [name, count] : wrapped_)
         names += (names.empty() ? L"" : L", ") + std::to_wstring(count) + L" " + name;
     if (names.empty()) return;
-    losses_.push_back(L"other programs have only how these look: " + names);
+    losses_.push_back(L"kept in a form that other programs show only by its graphics: " + names);
 }
 
 void DrawingWriter::findReferences() {

@@ -172,11 +172,13 @@ void ChangingSink::endSection() {
     section_.clear();
 }
 
-// How an entity looks for programs without its class. What groups have of a proxy says it.
+// How an entity looks for programs without its class. The groups of a proxy from a DXF file have
+// it.
 std::string graphicsOf(const AcDbObject& object) {
     const model::ProxyData* const data = model::proxyData(object);
-    return data == nullptr || data->isOnlyBits() ? render::graphicsForOthers(object)
-                                                 : std::string();
+    const bool isSaid = data != nullptr && !data->isOnlyBits() &&
+                        (data->bits == nullptr || data->bits->graphics.empty());
+    return isSaid ? std::string() : render::graphicsForOthers(object);
 }
 
 bool hasGraphics(const GroupData& unknown) {

@@ -238,13 +238,29 @@ Value fnDictNext(Interpreter& in, Args a) {
     return next.isNull() ? Value::nil() : objectData(in, next);
 }
 
-// (dictadd dictionary key object): the object's name; nil when the key is taken or the object is an
-// entity.
+// Whether the object is the dictionary or owns it, by way of others too. Owners that never end, as
+// a damaged drawing may have them, count as such.
+bool holds(AcDbObjectId object, AcDbObjectId dictionary) {
+    constexpr int kDeepest = 1000;
+    AcDbObjectId at = dictionary;
+    for (int depth = 0; depth < kDeepest; ++depth) {
+        const auto* const inner = model::peek<AcDbObject>(at);
+        if (inner == nullptr || at == object) return at == object;
+        at = inner->ownerId();
+    }
+    return true;
+}
+
+// (dictadd dictionary key object): the object's name; nil when the key is taken, the object is an
+// entity, or the dictionary is a part of it.
 Value fnDictAdd(Interpreter& in, Args a) {
     const Dictionary dictionary(in, a[0], AcDb::kForWrite);
     const std::wstring key = in.str(a[1]);
     const AcDbObjectId id = entityArgument(in, a[2]);
-    if (!dictionary || dictionary->has(key.c_str())) return Value::nil();
+    if (!dictionary || dictionary->has(key.c_str()) || holds(id, dictionary.id) ||
+        id == requireDatabase(in).namedObjectsDictionaryId()) {
+        return Value::nil();
+    }
     AcDbObject* object = nullptr;
     if (acdbOpenAcDbObject(object, id, AcDb::kForWrite) != Acad::eOk) return Value::nil();
     AcDbObjectId set;

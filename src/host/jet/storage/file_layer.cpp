@@ -179,11 +179,6 @@ class PosixFiles final : public FileLayer {
         if (::fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) {
             throw Error(CannotOpenFile, {path}, {.file = path, .detail = L"it is not a file"});
         }
-        // The system lets its administrator write these.
-        const bool nobodyMayWrite = (status.st_mode & 0222) == 0;
-        if (access == FileAccess::ReadWrite && nobodyMayWrite) {
-            throw Error(CannotOpenFile, {path}, {.file = path, .detail = L"it is read-only"});
-        }
         return opened;
     }
 

@@ -5,12 +5,14 @@
 #include "base/text.h"
 #include "host/model/access/block_cycles.h"
 #include "host/model/access/class_names.h"
+#include "host/model/access/entity_parts.h"
 #include "host/model/access/group_checks.h"
 #include "host/model/core/list_filers.h"
 #include "host/model/core/object_access.h"
 #include "host/model/core/proxies.h"
 #include "host/model/curves/polyline_3d.h"
 #include "host/model/curves/sequence_end.h"
+#include "host/model/entities/mesh/mesh.h"
 #include "host/model/entities/ole_frame.h"
 #include "host/model/tables/dim_style_table.h"
 #include "host/model/tables/layout.h"
@@ -62,6 +64,16 @@ bool appendPart(AcDbEntity& whole, std::unique_ptr<AcDbEntity>& part) {
         if (auto* const vertex = AcDb3dPolylineVertex::cast(part.get())) {
             status = spatial->appendVertex(vertex);
         }
+    } else if (auto* const net = AcDbPolygonMesh::cast(&whole)) {
+        if (auto* const vertex = AcDbPolygonMeshVertex::cast(part.get())) {
+            status = net->appendVertex(vertex);
+        }
+    } else if (auto* const mesh = AcDbPolyFaceMesh::cast(&whole)) {
+        if (auto* const face = AcDbFaceRecord::cast(part.get())) {
+            status = mesh->appendFaceRecord(face);
+        } else if (auto* const vertex = AcDbPolyFaceMeshVertex::cast(part.get())) {
+            status = mesh->appendVertex(vertex);
+        }
     }
     if (status != Acad::eOk) return false;
     part.release()->close();
@@ -86,16 +98,22 @@ bool isBeyondLists(const AcRxClass* type) {
            type->isDerivedFrom(AcDbProxyObject::desc());
 }
 
+// The name of a space, of which a layout may have one with a number.
+bool isSpace(std::wstring_view name) {
+    const std::wstring_view paper = ACDB_PAPER_SPACE;
+    return equalIgnoringCase(name, ACDB_MODEL_SPACE) ||
+           equalIgnoringCase(name.substr(0, paper.size()), paper);
+}
+
 // Vertices and attributes are made only for what they belong to.
 bool isPart(const AcRxClass* type) {
     return type->isDerivedFrom(AcDbVertex::desc()) || type->isDerivedFrom(AcDbAttribute::desc());
 }
 
-bool isPartOf(const AcRxClass* type, const AcDbEntity& whole) {
-    if (AcDbBlockReference::cast(&whole) != nullptr)
-        return type->isDerivedFrom(AcDbAttribute::desc());
-    if (AcDb2dPolyline::cast(&whole) != nullptr) return type->isDerivedFrom(AcDb2dVertex::desc());
-    return type->isDerivedFrom(AcDb3dPolylineVertex::desc());
+// A net has the vertices of all its rows and columns.
+bool isWhole(const AcDbEntity& entity) {
+    const auto* const net = AcDbPolygonMesh::cast(&entity);
+    return net == nullptr || net->isComplete();
 }
 
 }  // namespace
@@ -251,6 +269,7 @@ EntityMaker::Result EntityMaker::endParts() {
         result.made = result.made && appendPart(*entity, part);
     }
     parts_.clear();
+    result.made = result.made && isWhole(*entity);
     if (!result.made) entity->erase();
     entity->close();
     return result;
@@ -258,7 +277,7 @@ EntityMaker::Result EntityMaker::endParts() {
 
 EntityMaker::Result EntityMaker::beginBlock(const resbuf* groups) {
     const std::wstring name(textAt(groups, kName));
-    if (name.empty() || !block_.isNull() || whole_ != nullptr) return {};
+    if (name.empty() || isSpace(name) || !block_.isNull() || whole_ != nullptr) return {};
     AcDbBlockTable* table = nullptr;
     if (database_.getBlockTable(table, AcDb::kForWrite) != Acad::eOk) return {};
     auto block = std::make_unique<AcDbBlockTableRecord>();

@@ -35,7 +35,8 @@ Acad::ErrorStatus writeBits(AcDbDwgFiler& filer, const ProxyData& data) {
     if (sg::model::keepsBitsFor(data, filer.dwgVersion())) {
         return filer.dwgForm()->writeKept(*data.bits);
     }
-    if (!sg::model::writeKept(filer, data)) data.dwgOut(filer);
+    const bool hasForm = sg::model::canWriteKept(data, filer.dwgVersion());
+    if (!hasForm || !sg::model::writeKept(filer, data)) data.dwgOut(filer);
     return filer.filerStatus();
 }
 

@@ -31,15 +31,6 @@ TEST_F(FileLayerTest, OpeningTellsWhatIsWrong) {
     }
 }
 
-// Also for who may write everything.
-TEST_F(FileLayerTest, WhatNobodyMayWriteIsOnlyRead) {
-    posixFiles().open(path("file"), FileAccess::CreateNew);
-    std::filesystem::permissions(folder_ / "file", std::filesystem::perms(0444));
-    EXPECT_EQ(codeOf([&] { posixFiles().open(path("file"), FileAccess::ReadWrite); }),
-              CannotOpenFile);
-    EXPECT_NE(posixFiles().open(path("file"), FileAccess::Read), nullptr);
-}
-
 TEST_F(FileLayerTest, ReadsAndWrites) {
     const auto file = posixFiles().open(path("file"), FileAccess::ReadWriteOrCreate);
     file->write(3, Bytes{1, 2, 3});
