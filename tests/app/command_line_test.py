@@ -298,7 +298,7 @@ class Mistakes(ProgramTest):
             (["run", "plan.dxf"], "plan.dxf is a drawing, no program"),
             (["run", "p.mdb"], "p.mdb is a database, no program; swiftgate db tables"),
             (["run", "folder"], "folder is a folder, no program"),
-            (["run", "own.lsp", "--drawing", "folder"], "folder: this is a folder, no drawing"),
+            (["run", "own.lsp", "--drawing", "folder"], "folder, but a folder"),
             (["run", "own.lsp", "--input", "folder"], "folder: Is a directory"),
             (["info", "own.lsp"], "own.lsp: this is no drawing file, but a program"),
             (["info", "p.mdb"], "p.mdb: this is no drawing file, but a database"),
