@@ -50,7 +50,7 @@ std::wstring locateProgram(Host& host, const std::wstring& name) {
 
 // Throws for a file of another kind, with what to do with such ones.
 void checkKind(FileKind kind, const std::wstring& file) {
-    if (kind == FileKind::Unknown || kind == FileKind::Empty) return;
+    if (kind == FileKind::Program || nameOf(kind).empty()) return;
     std::wstring advice;
     if (kind == FileKind::Drawing) advice = L"; --drawing opens it for a program";
     if (kind == FileKind::Database) advice = L"; swiftgate db tables shows what is in it";
@@ -65,7 +65,7 @@ Program readProgram(Host& host, const std::wstring& name) {
         throw FileError(L"the program cannot be read: " + file + L": " +
                         fromUtf8(std::strerror(errno)));
     }
-    checkKind(fileKind(*bytes, L""), file);
+    checkKind(fileKind(*bytes, file), file);
     return {file, decodeTextFile(*bytes)};
 }
 

@@ -292,11 +292,13 @@ class Mistakes(ProgramTest):
         self.write("own.lsp", "(princ 1)")
         os.mkdir(self.path("folder"))
         self.run_program("run", "--eval", '(sg_create_db "p.mdb")', "--save", "plan.dwg")
+        self.write("plan.dxf", EMPTY_DRAWING)
         for words, said in [
             (["run", "plan.dwg"], "plan.dwg is a drawing, no program; --drawing opens it"),
+            (["run", "plan.dxf"], "plan.dxf is a drawing, no program"),
             (["run", "p.mdb"], "p.mdb is a database, no program; swiftgate db tables"),
             (["run", "folder"], "folder is a folder, no program"),
-            (["run", "own.lsp", "--drawing", "folder"], "folder: this is a folder, no drawing"),
+            (["run", "own.lsp", "--drawing", "folder"], "folder, but a folder"),
             (["run", "own.lsp", "--input", "folder"], "folder: Is a directory"),
             (["info", "own.lsp"], "own.lsp: this is no drawing file, but a program"),
             (["info", "p.mdb"], "p.mdb: this is no drawing file, but a database"),
