@@ -30,7 +30,8 @@ class SG_API SpaceIndex final : public model::ChangeListener {
 
     using Visit = std::function<void(AcDbObjectId)>;
     // Calls `visit` once for each entity, erased ones left out, that may reach into the box: those
-    // whose own boxes meet it, and those without ends. In no order.
+    // whose own boxes meet it, and those without ends. In no order. Boxes of turned references of
+    // blocks may be too large.
     void find(const Box2d& box, const Visit& visit);
 
     void objectChanges(AcDbObjectId id) override;
