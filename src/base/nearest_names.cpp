@@ -1,4 +1,4 @@
-#include "app/nearest_names.h"
+#include "base/nearest_names.h"
 
 #include <fmt/xchar.h>
 
@@ -7,7 +7,7 @@
 
 #include "base/text.h"
 
-namespace sg::app {
+namespace sg {
 namespace {
 
 // How many letters must be changed, put in, left out or exchanged with their neighbour.
@@ -60,4 +60,4 @@ std::wstring suggestion(const std::vector<std::wstring>& near) {
                         : fmt::format(L"; did you mean: {}", fmt::join(near, L", "));
 }
 
-}  // namespace sg::app
+}  // namespace sg

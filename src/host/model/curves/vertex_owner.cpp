@@ -1,4 +1,4 @@
-#include "platform/db/vertex_curve.h"
+#include "platform/db/vertex_owner.h"
 
 #include <algorithm>
 
@@ -10,10 +10,10 @@
 
 namespace sg::model {
 
-VertexCurve::VertexCurve() = default;
-VertexCurve::~VertexCurve() = default;
+VertexList::VertexList() = default;
+VertexList::~VertexList() = default;
 
-class VertexCurve::Iterator : public AcDbObjectIterator {
+class VertexList::Iterator : public AcDbObjectIterator {
   public:
     explicit Iterator(const std::vector<VertexSlot>& slots) : slots_(slots) { start(); }
 
@@ -42,12 +42,12 @@ class VertexCurve::Iterator : public AcDbObjectIterator {
     std::ptrdiff_t at_ = 0;
 };
 
-std::unique_ptr<AcDbObjectIterator> VertexCurve::vertexIterator() const {
+std::unique_ptr<AcDbObjectIterator> VertexList::vertexIterator() const {
     return std::make_unique<Iterator>(slots_);
 }
 
 // Ids mostly rise along a polyline, so that a vertex is found by halving; where not, one by one.
-AcDbObjectId VertexCurve::vertexAfter(AcDbObjectId vertex) const {
+AcDbObjectId VertexList::vertexAfter(AcDbObjectId vertex) const {
     auto at = slots_.begin();
     if (!vertex.isNull()) {
         at = std::lower_bound(slots_.begin(), slots_.end(), vertex,
@@ -63,43 +63,56 @@ AcDbObjectId VertexCurve::vertexAfter(AcDbObjectId vertex) const {
     return at == slots_.end() ? AcDbObjectId() : at->id;
 }
 
-const AcDbEntity* VertexCurve::peekVertex(const VertexSlot& slot) {
+const AcDbEntity* VertexList::peekVertex(const VertexSlot& slot) {
     if (slot.loose != nullptr) return slot.loose.get();
     const AcDbEntity* const vertex = peek<AcDbEntity>(slot.id);
     return vertex == nullptr || vertex->isErased() ? nullptr : vertex;
 }
 
-AcDbEntity* VertexCurve::openVertex(const VertexSlot& slot) {
+AcDbEntity* VertexList::openVertex(const VertexSlot& slot) {
     if (slot.loose != nullptr) return slot.loose.get();
     AcDbEntity* vertex = nullptr;
     acdbOpenObject(vertex, slot.id, AcDb::kForWrite);
     return vertex;
 }
 
-void VertexCurve::closeVertex(const VertexSlot& slot, AcDbEntity* vertex) {
+void VertexList::closeVertex(const VertexSlot& slot, AcDbEntity* vertex) {
     if (slot.loose == nullptr) vertex->close();
 }
 
-void VertexCurve::eraseSlot(const VertexSlot& slot) {
+void VertexList::eraseSlot(const VertexSlot& slot) {
     if (slot.loose == nullptr) eraseObject(slot.id);
 }
 
-std::vector<VertexSlot> VertexCurve::takeSlots() {
-    assertWriteEnabled();
+template <class Base>
+VertexOwner<Base>::VertexOwner() = default;
+template <class Base>
+VertexOwner<Base>::~VertexOwner() = default;
+
+template <class Base>
+uint8_t VertexOwner<Base>::kindOf(const AcDbEntity&) const {
+    return 0;
+}
+
+template <class Base>
+std::vector<VertexSlot> VertexOwner<Base>::takeSlots() {
+    this->assertWriteEnabled();
     return std::move(slots_);
 }
 
-void VertexCurve::setSlots(std::vector<VertexSlot> slots) {
+template <class Base>
+void VertexOwner<Base>::setSlots(std::vector<VertexSlot> slots) {
     slots_ = std::move(slots);
-    if (!objectId().isNull()) moveIntoDatabase();
+    if (!this->objectId().isNull()) moveIntoDatabase();
 }
 
-Acad::ErrorStatus VertexCurve::place(size_t at, AcDbObjectId& id, AcDbEntity* vertex) {
+template <class Base>
+Acad::ErrorStatus VertexOwner<Base>::place(size_t at, AcDbObjectId& id, AcDbEntity* vertex) {
     if (vertex == nullptr) return Acad::eNullEntityPointer;
-    assertWriteEnabled();
+    this->assertWriteEnabled();
     id.setNull();
     VertexSlot slot;
-    AcDbDatabase* const owner = database();
+    AcDbDatabase* const owner = this->database();
     if (owner == nullptr) {
         slot.loose.reset(vertex);
     } else {
@@ -107,19 +120,21 @@ Acad::ErrorStatus VertexCurve::place(size_t at, AcDbObjectId& id, AcDbEntity* ve
         if (!slots_.empty() && slots_.back().loose != nullptr) moveIntoDatabase();
         const Acad::ErrorStatus status = owner->addAcDbObject(id, vertex);
         if (status != Acad::eOk) return status;
-        vertex->setOwnerId(objectId());
+        vertex->setOwnerId(this->objectId());
         slot.id = id;
     }
     slots_.insert(slots_.begin() + static_cast<std::ptrdiff_t>(at), std::move(slot));
     return Acad::eOk;
 }
 
-Acad::ErrorStatus VertexCurve::appendVertexEntity(AcDbObjectId& id, AcDbEntity* vertex) {
+template <class Base>
+Acad::ErrorStatus VertexOwner<Base>::appendVertexEntity(AcDbObjectId& id, AcDbEntity* vertex) {
     return place(slots_.size(), id, vertex);
 }
 
-Acad::ErrorStatus VertexCurve::insertVertexEntity(AcDbObjectId& id, AcDbObjectId after,
-                                                  AcDbEntity* vertex) {
+template <class Base>
+Acad::ErrorStatus VertexOwner<Base>::insertVertexEntity(AcDbObjectId& id, AcDbObjectId after,
+                                                        AcDbEntity* vertex) {
     if (after.isNull()) return place(0, id, vertex);
     for (size_t i = 0; i < slots_.size(); ++i) {
         if (slots_[i].id == after) return place(i + 1, id, vertex);
@@ -140,40 +155,45 @@ bool give(AcDbDatabase& database, std::unique_ptr<AcDbEntity>& entity, AcDbObjec
 
 }  // namespace
 
-void VertexCurve::moveIntoDatabase() {
-    AcDbDatabase* const owner = database();
+template <class Base>
+void VertexOwner<Base>::moveIntoDatabase() {
+    AcDbDatabase* const owner = this->database();
     if (owner == nullptr) return;
     for (VertexSlot& slot : slots_) {
-        if (slot.loose != nullptr) give(*owner, slot.loose, objectId(), slot.id);
+        if (slot.loose != nullptr) give(*owner, slot.loose, this->objectId(), slot.id);
     }
 }
 
-void VertexCurve::addSequenceEnd() {
-    AcDbDatabase* const owner = database();
+template <class Base>
+void VertexOwner<Base>::addSequenceEnd() {
+    AcDbDatabase* const owner = this->database();
     if (owner == nullptr || !sequenceEnd_.isNull()) return;
     std::unique_ptr<AcDbEntity> end = std::make_unique<AcDbSequenceEnd>();
     end->setPropertiesFrom(this);
-    give(*owner, end, objectId(), sequenceEnd_);
+    give(*owner, end, this->objectId(), sequenceEnd_);
 }
 
-Acad::ErrorStatus VertexCurve::setOwnerId(AcDbObjectId owner) {
-    const Acad::ErrorStatus status = AcDbCurve::setOwnerId(owner);
-    if (status == Acad::eOk && isNewObject()) moveIntoDatabase();
+template <class Base>
+Acad::ErrorStatus VertexOwner<Base>::setOwnerId(AcDbObjectId owner) {
+    const Acad::ErrorStatus status = Base::setOwnerId(owner);
+    if (status == Acad::eOk && this->isNewObject()) moveIntoDatabase();
     return status;
 }
 
 // The sequence ends when the new polyline is closed, so that its handle follows those of the
 // vertices that were appended since it came into the database.
-Acad::ErrorStatus VertexCurve::subClose() {
-    if (isNewObject()) {
+template <class Base>
+Acad::ErrorStatus VertexOwner<Base>::subClose() {
+    if (this->isNewObject()) {
         moveIntoDatabase();
         addSequenceEnd();
     }
-    return AcDbCurve::subClose();
+    return Base::subClose();
 }
 
-Acad::ErrorStatus VertexCurve::subErase(bool erasing) {
-    const Acad::ErrorStatus status = AcDbCurve::subErase(erasing);
+template <class Base>
+Acad::ErrorStatus VertexOwner<Base>::subErase(bool erasing) {
+    const Acad::ErrorStatus status = Base::subErase(erasing);
     if (status != Acad::eOk) return status;
     for (const VertexSlot& slot : slots_) {
         if (slot.loose == nullptr) eraseObject(slot.id, erasing);
@@ -182,57 +202,68 @@ Acad::ErrorStatus VertexCurve::subErase(bool erasing) {
     return Acad::eOk;
 }
 
-Acad::ErrorStatus VertexCurve::setColor(const AcCmColor& color, bool doSubents) {
-    return carriedOn(AcDbCurve::setColor(color, doSubents), doSubents,
+template <class Base>
+Acad::ErrorStatus VertexOwner<Base>::setColor(const AcCmColor& color, bool doSubents) {
+    return carriedOn(Base::setColor(color, doSubents), doSubents,
                      [&](AcDbEntity& vertex) { vertex.setColor(color); });
 }
 
-Acad::ErrorStatus VertexCurve::setLayer(AcDbObjectId layer, bool doSubents, bool allowHiddenLayer) {
-    return carriedOn(AcDbCurve::setLayer(layer, doSubents, allowHiddenLayer), doSubents,
+template <class Base>
+Acad::ErrorStatus VertexOwner<Base>::setLayer(AcDbObjectId layer, bool doSubents,
+                                              bool allowHiddenLayer) {
+    return carriedOn(Base::setLayer(layer, doSubents, allowHiddenLayer), doSubents,
                      [&](AcDbEntity& vertex) { vertex.setLayer(layer, true, allowHiddenLayer); });
 }
 
-Acad::ErrorStatus VertexCurve::setLinetype(AcDbObjectId linetype, bool doSubents) {
-    return carriedOn(AcDbCurve::setLinetype(linetype, doSubents), doSubents,
+template <class Base>
+Acad::ErrorStatus VertexOwner<Base>::setLinetype(AcDbObjectId linetype, bool doSubents) {
+    return carriedOn(Base::setLinetype(linetype, doSubents), doSubents,
                      [&](AcDbEntity& vertex) { vertex.setLinetype(linetype); });
 }
 
-Acad::ErrorStatus VertexCurve::setLinetypeScale(double scale, bool doSubents) {
-    return carriedOn(AcDbCurve::setLinetypeScale(scale, doSubents), doSubents,
+template <class Base>
+Acad::ErrorStatus VertexOwner<Base>::setLinetypeScale(double scale, bool doSubents) {
+    return carriedOn(Base::setLinetypeScale(scale, doSubents), doSubents,
                      [&](AcDbEntity& vertex) { vertex.setLinetypeScale(scale); });
 }
 
-Acad::ErrorStatus VertexCurve::setLineWeight(AcDb::LineWeight weight, bool doSubents) {
-    return carriedOn(AcDbCurve::setLineWeight(weight, doSubents), doSubents,
+template <class Base>
+Acad::ErrorStatus VertexOwner<Base>::setLineWeight(AcDb::LineWeight weight, bool doSubents) {
+    return carriedOn(Base::setLineWeight(weight, doSubents), doSubents,
                      [&](AcDbEntity& vertex) { vertex.setLineWeight(weight); });
 }
 
-Acad::ErrorStatus VertexCurve::setVisibility(AcDb::Visibility visibility, bool doSubents) {
-    return carriedOn(AcDbCurve::setVisibility(visibility, doSubents), doSubents,
+template <class Base>
+Acad::ErrorStatus VertexOwner<Base>::setVisibility(AcDb::Visibility visibility, bool doSubents) {
+    return carriedOn(Base::setVisibility(visibility, doSubents), doSubents,
                      [&](AcDbEntity& vertex) { vertex.setVisibility(visibility); });
 }
 
-Acad::ErrorStatus VertexCurve::setPlotStyleName(AcDb::PlotStyleNameType type, AcDbObjectId style,
-                                                bool doSubents) {
-    return carriedOn(AcDbCurve::setPlotStyleName(type, style, doSubents), doSubents,
+template <class Base>
+Acad::ErrorStatus VertexOwner<Base>::setPlotStyleName(AcDb::PlotStyleNameType type,
+                                                      AcDbObjectId style, bool doSubents) {
+    return carriedOn(Base::setPlotStyleName(type, style, doSubents), doSubents,
                      [&](AcDbEntity& vertex) { vertex.setPlotStyleName(type, style); });
 }
 
-Acad::ErrorStatus VertexCurve::setTransparency(uint32_t transparency, bool doSubents) {
-    return carriedOn(AcDbCurve::setTransparency(transparency, doSubents), doSubents,
+template <class Base>
+Acad::ErrorStatus VertexOwner<Base>::setTransparency(uint32_t transparency, bool doSubents) {
+    return carriedOn(Base::setTransparency(transparency, doSubents), doSubents,
                      [&](AcDbEntity& vertex) { vertex.setTransparency(transparency); });
 }
 
-Acad::ErrorStatus VertexCurve::setMaterial(AcDbObjectId material, bool doSubents) {
-    return carriedOn(AcDbCurve::setMaterial(material, doSubents), doSubents,
+template <class Base>
+Acad::ErrorStatus VertexOwner<Base>::setMaterial(AcDbObjectId material, bool doSubents) {
+    return carriedOn(Base::setMaterial(material, doSubents), doSubents,
                      [&](AcDbEntity& vertex) { vertex.setMaterial(material); });
 }
 
 // The vertices go by their ids, which copies within and between databases translate. A copy that
 // belongs to no database has vertices of its own; so has a polyline outside one: they go whole.
-Acad::ErrorStatus VertexCurve::writeVertices(AcDbDwgFiler* filer) const {
+template <class Base>
+Acad::ErrorStatus VertexOwner<Base>::writeVertices(AcDbDwgFiler* filer) const {
     const bool whole = filer->dwgForm() == nullptr &&
-                       (objectId().isNull() || filer->filerType() == AcDb::kCopyFiler);
+                       (this->objectId().isNull() || filer->filerType() == AcDb::kCopyFiler);
     if (filer->dwgForm() == nullptr) filer->writeBool(whole);
     if (!whole) return writeIds(filer);
     uint32_t count = 0;
@@ -240,13 +271,14 @@ Acad::ErrorStatus VertexCurve::writeVertices(AcDbDwgFiler* filer) const {
     filer->writeUInt32(count);
     forEachVertex<AcDbEntity>([&](const AcDbEntity& vertex) {
         const Unguarded guard(vertex);
+        filer->writeUInt8(kindOf(vertex));
         vertex.dwgOutFields(filer);
     });
     return filer->filerStatus();
 }
 
 // A file has no erased vertices.
-Acad::ErrorStatus VertexCurve::writeIds(AcDbDwgFiler* filer) const {
+Acad::ErrorStatus VertexList::writeIds(AcDbDwgFiler* filer) const {
     std::vector<AcDbHardOwnershipId> ids;
     ids.reserve(slots_.size());
     for (const VertexSlot& slot : slots_) {
@@ -257,7 +289,8 @@ Acad::ErrorStatus VertexCurve::writeIds(AcDbDwgFiler* filer) const {
     return filer->writeHardOwnershipId(sequenceEnd_);
 }
 
-Acad::ErrorStatus VertexCurve::readVertices(AcDbDwgFiler* filer) {
+template <class Base>
+Acad::ErrorStatus VertexOwner<Base>::readVertices(AcDbDwgFiler* filer) {
     bool whole = false;
     uint32_t count = 0;
     if (filer->dwgForm() == nullptr) filer->readBool(&whole);
@@ -267,14 +300,16 @@ Acad::ErrorStatus VertexCurve::readVertices(AcDbDwgFiler* filer) {
     filer->readUInt32(&count);
     for (uint32_t i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i) {
         VertexSlot slot;
-        slot.loose = newVertex();
+        uint8_t kind = 0;
+        filer->readUInt8(&kind);
+        slot.loose = newVertex(kind);
         slot.loose->dwgInFields(filer);
         slots_.push_back(std::move(slot));
     }
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus VertexCurve::readIds(AcDbDwgFiler* filer) {
+Acad::ErrorStatus VertexList::readIds(AcDbDwgFiler* filer) {
     std::vector<AcDbHardOwnershipId> ids;
     uint32_t count = 0;
     readPartCount(filer, count);
@@ -289,5 +324,8 @@ Acad::ErrorStatus VertexCurve::readIds(AcDbDwgFiler* filer) {
     sequenceEnd_ = end;
     return status;
 }
+
+template class VertexOwner<AcDbCurve>;
+template class VertexOwner<AcDbEntity>;
 
 }  // namespace sg::model
