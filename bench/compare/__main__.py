@@ -1,7 +1,7 @@
 """Measures every budget, and the same work of other programs where they are installed.
 
-Prints one table. A peer that is not installed is a dash. Run by a quiet machine's own Python, which
-sees the system's packages: /usr/bin/python3 bench/compare
+Prints one table. A peer that is not installed is a dash. For a quiet machine; with the system's
+Python, which sees the system's packages: /usr/bin/python3 bench/compare
 """
 import argparse
 import sys
@@ -22,9 +22,10 @@ PAGE = """# Performance
 What `make bench WRITE=docs/performance.md` measured, each line in a process of its own or by a
 program of `bench/`. Times are processor time; where the time by the clock differs by more than a
 tenth both are given. Rates are pieces of work a second. Memory is the most that was resident, of
-the whole program. The ratio is our processor time to the peer's: under 1 we are faster. Of a line
-with several cases the one that is worst beside the peer, or longest, is shown and named. A budget
-is met when both times keep it; "by CPU" says that only the processor time does, as on a busy machine.
+the whole program. The ratio is our processor time to the peer's: under 1 we are faster; a dash
+stands for a peer that was not there. Of a line with several cases the one that is worst beside the
+peer, or longest, is shown and named. A budget is met when both times keep it; "by CPU" says that
+only the processor time does, as on a busy machine.
 
 {machine}
 {table}"""

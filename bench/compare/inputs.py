@@ -18,9 +18,9 @@ def plan(workshop, path):
 
 
 def plan_dwg(workshop, path):
-    """The same drawing as a DWG file."""
+    """The same drawing as a DWG file of release 2018."""
     workshop.file("plan.dxf")
-    workshop.run(f"{{swiftgate}} convert plan.dxf {path.name}")
+    workshop.run(f"{{swiftgate}} convert plan.dxf {path.name} --release 2018")
 
 
 def parts(workshop, path):

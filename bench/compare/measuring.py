@@ -19,10 +19,11 @@ class Missing(Exception):
 
 @dataclass(frozen=True)
 class Figure:
-    """What a piece of work took. A count is what a benchmark counts beside time."""
+    """What a piece of work took. The peak is the whole process's, a count what a benchmark counts
+    beside time."""
     cpu: float  # seconds of processor time
     wall: float  # seconds by the clock
-    peak: float | None = None  # most resident bytes, where they were measured
+    peak: float  # most resident bytes
     count: float | None = None
 
     def minus(self, other):
@@ -73,6 +74,7 @@ class Workshop:
         self._makers = makers
         self._known = {}
         self._results = {}  # by program: by name of the benchmark
+        self._peaks = {}  # by program
         self._wanted = defaultdict(set)
         self._environment = os.environ | {"TMPDIR": str(folder), "TEMP": str(folder),
                                           "QT_QPA_PLATFORM": "offscreen"}
@@ -158,9 +160,10 @@ class Workshop:
     def _run_benchmarks(self, program):
         report = self.folder / f"{program}.json"
         names = "|".join(_escaped(name) for name in sorted(self._wanted[program]))
-        self.run(f"{{bench}}/{program} --benchmark_filter='^({names})$'"
-                 f" --benchmark_min_time=0.2 --benchmark_out={report}"
-                 " --benchmark_out_format=json")
+        whole = self.run(f"{{bench}}/{program} --benchmark_filter='^({names})$'"
+                         f" --benchmark_min_time=0.2 --benchmark_out={report}"
+                         " --benchmark_out_format=json")
+        self._peaks[program] = whole.peak
         text = report.read_text()
         return {each["name"]: each for each in json.loads(text)["benchmarks"]} if text else {}
 
@@ -172,7 +175,7 @@ class Workshop:
             raise Failed(f"{program}: {name}: {result['error_message']}")
         unit = _SECONDS[result["time_unit"]]
         return Figure(result["cpu_time"] * unit, result["real_time"] * unit,
-                      count=result[counter] if counter else None)
+                      self._peaks[program], count=result[counter] if counter else None)
 
 
 def _remove(path):

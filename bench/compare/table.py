@@ -9,7 +9,8 @@ HEADER = ("work", "budget", "ours", "memory", "peer", "theirs", "ratio", "met")
 
 @dataclass(frozen=True)
 class Result:
-    """What a line came to; `error` says what did not work."""
+    """What a line came to. `memory` is there when the budget names it, `error` says what did not
+    work."""
     line: Line
     case: Case | None = None
     ours: Figure | None = None

@@ -123,6 +123,7 @@ void SpaceIndex::follow() {
 
 void SpaceIndex::measureAll() {
     entries_.clear();
+    order_.clear();
     levels_.clear();
     dependents_.clear();
     loose_.clear();
@@ -153,16 +154,12 @@ void SpaceIndex::measureAll() {
 void SpaceIndex::pack() {
     isPacked_ = true;
     std::vector<AcGePoint2d> middles;
-    std::vector<Entry> packed;
     middles.reserve(entries_.size());
-    packed.reserve(entries_.size());
     for (const Entry& entry : entries_) {
         const Box2d& box = entry.box;
         middles.emplace_back((box.left + box.right) / 2, (box.bottom + box.top) / 2);
     }
-    for (const uint32_t place : tileOrder(middles, kFanOut))
-        packed.push_back(entries_[place]);
-    entries_ = std::move(packed);
+    order_ = tileOrder(middles, kFanOut);
 
     const auto boxesAround = [](size_t count, const auto& boxOf) {
         std::vector<Box2d> level((count + kFanOut - 1) / kFanOut);
@@ -171,7 +168,8 @@ void SpaceIndex::pack() {
         return level;
     };
     if (entries_.empty()) return;
-    levels_.push_back(boxesAround(entries_.size(), [this](size_t i) { return entries_[i].box; }));
+    levels_.push_back(
+        boxesAround(entries_.size(), [this](size_t i) { return entries_[order_[i]].box; }));
     while (levels_.back().size() > 1) {
         const std::vector<Box2d>& below = levels_.back();
         levels_.push_back(boxesAround(below.size(), [&](size_t i) { return below[i]; }));
@@ -187,21 +185,22 @@ void SpaceIndex::findInTree(const Box2d& box, size_t level, size_t node, const V
             findInTree(box, level - 1, child, visit);
         return;
     }
-    findAmong(box, first, std::min(first + kFanOut, entries_.size()), visit);
+    const size_t end = std::min(first + kFanOut, order_.size());
+    for (size_t i = first; i < end; ++i)
+        findIn(entries_[order_[i]], box, visit);
 }
 
-void SpaceIndex::findAmong(const Box2d& box, size_t first, size_t end, const Visit& visit) const {
-    for (size_t i = first; i < end; ++i) {
-        const Entry& entry = entries_[i];
-        if (!entry.box.meets(box) || loose_.contains(entry.id)) continue;
-        if (memberOf(entry.id) != nullptr) visit(entry.id);
-    }
+// Those beside the tree are found there.
+void SpaceIndex::findIn(const Entry& entry, const Box2d& box, const Visit& visit) const {
+    if (!entry.box.meets(box) || loose_.contains(entry.id)) return;
+    if (memberOf(entry.id) != nullptr) visit(entry.id);
 }
 
 void SpaceIndex::find(const Box2d& box, const Visit& visit) {
     follow();
     if (!isPacked_) {
-        findAmong(box, 0, entries_.size(), visit);
+        for (const Entry& entry : entries_)
+            findIn(entry, box, visit);
     } else if (!levels_.empty()) {
         findInTree(box, levels_.size() - 1, 0, visit);
     }

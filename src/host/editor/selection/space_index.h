@@ -30,7 +30,8 @@ class SG_API SpaceIndex final : public model::ChangeListener {
 
     using Visit = std::function<void(AcDbObjectId)>;
     // Calls `visit` once for each entity, erased ones left out, that may reach into the box: those
-    // whose own boxes meet it, and those without ends. In no order.
+    // whose own boxes meet it, and those without ends. In no order. Boxes of turned references of
+    // blocks may be too large.
     void find(const Box2d& box, const Visit& visit);
 
     void objectChanges(AcDbObjectId id) override;
@@ -50,15 +51,17 @@ class SG_API SpaceIndex final : public model::ChangeListener {
     void pack();
     void measureAgain(AcDbObjectId id, const BlockBoxes& boxes);
     void findInTree(const Box2d& box, size_t level, size_t node, const Visit& visit) const;
-    void findAmong(const Box2d& box, size_t first, size_t end, const Visit& visit) const;
+    void findIn(const Entry& entry, const Box2d& box, const Visit& visit) const;
 
     AcDbDatabase& database_;
     const AcDbObjectId space_;
     bool isMeasured_ = false;
     bool isPacked_ = false;
     std::vector<AcDbObjectId> changed_;  // heard of since it was asked last
-    std::vector<Entry> entries_;         // packed: neighbours in the plane are neighbours here
-    // The boxes around kFanOut entries each, around kFanOut of those each, and so on up to one.
+    std::vector<Entry> entries_;
+    std::vector<uint32_t> order_;  // packed: neighbours in the plane are neighbours here
+    // The boxes around kFanOut entries of that order each, around kFanOut of those each, and so on
+    // up to one.
     std::vector<std::vector<Box2d>> levels_;
     std::vector<AcDbObjectId> dependents_;  // whose boxes follow from other objects; in order
     std::unordered_map<AcDbObjectId, Box2d> loose_;  // those beside the tree

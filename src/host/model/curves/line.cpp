@@ -35,9 +35,11 @@ bool AcDbLine::subShape(CurveShape& shape) const {
 
 Acad::ErrorStatus AcDbLine::subGetGeomExtents(AcDbExtents& extents) const {
     assertReadEnabled();
-    for (const AcGeVector3d& rise : {AcGeVector3d(), normal_ * thickness_}) {
-        extents.addPoint(start_ + rise);
-        extents.addPoint(end_ + rise);
+    extents.addPoint(start_);
+    extents.addPoint(end_);
+    if (thickness_ != 0) {
+        extents.addPoint(start_ + normal_ * thickness_);
+        extents.addPoint(end_ + normal_ * thickness_);
     }
     return Acad::eOk;
 }
