@@ -107,7 +107,18 @@ std::wstring sized(const wchar_t* type, size_t size) {
     return type + (L"(" + std::to_wstring(size) + L")");
 }
 
-std::wstring typeName(const jet::Column& column, const jet::Format& format) {
+// One that does not count by 1 is told with its next number.
+std::wstring counterName(const jet::TableDefinition& table) {
+    if (table.autoNumberStep == 1) return L"COUNTER";
+    const auto signedText = [](uint32_t value) {
+        return std::to_wstring(static_cast<int32_t>(value));
+    };
+    return L"COUNTER(" + signedText(table.lastAutoNumber + table.autoNumberStep) + L", " +
+           signedText(table.autoNumberStep) + L")";
+}
+
+std::wstring typeName(const jet::TableDefinition& table, const jet::Column& column,
+                      const jet::Format& format) {
     switch (column.type) {
         case jet::ColumnType::Boolean:
             return L"YESNO";
@@ -116,7 +127,7 @@ std::wstring typeName(const jet::Column& column, const jet::Format& format) {
         case jet::ColumnType::Integer:
             return L"SHORT";
         case jet::ColumnType::Long:
-            return column.isAutoNumber() ? L"COUNTER" : L"LONG";
+            return column.isAutoNumber() ? counterName(table) : L"LONG";
         case jet::ColumnType::Currency:
             return L"CURRENCY";
         case jet::ColumnType::Single:
@@ -156,13 +167,13 @@ std::wstring defaultOf(const jet::Column& column, const jet::Properties& propert
     return makesOne ? L" DEFAULT GenGUID()" : L"";
 }
 
-std::wstring columnSchema(const jet::Column& column, const jet::Properties& properties,
-                          const jet::Format& format) {
+std::wstring columnSchema(const jet::TableDefinition& table, const jet::Column& column,
+                          const jet::Properties& properties, const jet::Format& format) {
     const std::wstring indent(4, L' ');
     std::wstring text = comments(indent, properties, column.name);
     if (column.isHyperlink()) text += indent + L"-- a hyperlink\n";
     if (column.isCalculated()) text += indent + L"-- calculated\n";
-    text += indent + quoted(column.name) + L" " + typeName(column, format);
+    text += indent + quoted(column.name) + L" " + typeName(table, column, format);
     if (column.isText() && column.isCompressed()) text += L" WITH COMPRESSION";
     if (properties.flag(column.name, L"Required")) text += L" NOT NULL";
     return text + defaultOf(column, properties);
@@ -215,7 +226,7 @@ std::wstring tableSchema(const jet::TableDefinition& table, const jet::Propertie
     std::wstring text = comments({}, properties, {});
     text += L"CREATE TABLE " + quoted(table.name) + L" (\n";
     for (size_t i = 0; i < columns.size(); ++i) {
-        text += columnSchema(*columns[i], properties, format);
+        text += columnSchema(table, *columns[i], properties, format);
         text += i + 1 < columns.size() ? L",\n" : L"\n";
     }
     text += L");\n";

@@ -210,8 +210,10 @@ std::unique_ptr<Output> outputFor(const DatabaseArguments& arguments,
 
 // True for what is wrong with a statement whatever rows there are.
 bool isOfTheText(int code) {
-    constexpr int codes[] = {3061, 3062, 3065, 3070, 3073, 3075, 3078, 3079, 3085, 3095, 3096, 3102,
-                             3103, 3122, 3125, 3127, 3128, 3138, 3219, 3306, 3307, 3346, 3360};
+    constexpr int codes[] = {3061, 3062, 3063, 3065, 3070, 3073, 3075, 3078, 3079, 3085,
+                             3093, 3095, 3096, 3098, 3099, 3102, 3103, 3104, 3121, 3122,
+                             3123, 3125, 3127, 3128, 3138, 3191, 3192, 3219, 3306, 3307,
+                             3346, 3351, 3360, 3371, 3372, 3376, 3381, 3409, 3615};
     return std::find(std::begin(codes), std::end(codes), code) != std::end(codes);
 }
 
@@ -239,7 +241,7 @@ void run(sql::Session& session, const sql::ScriptEntry& entry, const sql::Parame
          Output& output) {
     if (entry.explain) {
         output.steps(session.explain(entry.statement, parameters));
-    } else if (givesRows(entry.statement)) {
+    } else if (session.givesRows(entry.statement)) {
         output.rows(*session.select(entry.statement, parameters));
     } else {
         const int64_t count = session.execute(entry.statement, parameters);

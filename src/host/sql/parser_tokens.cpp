@@ -46,13 +46,29 @@ bool beginsJoin(const Token& token) {
     return token.isWord(L"INNER") || token.isWord(L"LEFT") || token.isWord(L"RIGHT");
 }
 
+// The next token, or a literal for one that is wrong; the end behind an open quote or bracket.
+Token tolerated(jet::detail::ExpressionLexer& lexer, bool behindOperand, size_t end) {
+    const size_t begin = lexer.place();
+    try {
+        return lexer.next(behindOperand);
+    } catch (const jet::Error&) {
+        Token token;
+        token.offset = end;
+        if (lexer.place() > begin && lexer.place() < end) {
+            token.kind = TokenKind::Literal;
+            token.offset = begin;
+        }
+        return token;
+    }
+}
+
 // Where the expression ends that begins at `start`, as far as a wrong one tells.
 size_t endOfExpression(std::wstring_view text, size_t start) {
     jet::detail::ExpressionLexer lexer(text, jet::detail::LexerUse::Statement, start);
     int depth = 0;
     Token last;
     while (true) {
-        Token token = lexer.next(endsOperand(last));
+        Token token = tolerated(lexer, endsOperand(last), text.size());
         if (beginsJoin(last) && depth == 0 && (token.isWord(L"JOIN") || token.isWord(L"OUTER"))) {
             return last.offset;
         }
@@ -88,13 +104,19 @@ uint16_t SyntaxParser::counted(int height) {
 // ---- Tokens
 
 Token SyntaxParser::cut() {
+    const size_t begin = lexer_.place();
     try {
         Token token = lexer_.next(behindOperand_);
         behindOperand_ = endsOperand(token) || (behindPoint_ && token.kind == TokenKind::Name);
         behindPoint_ = token.isSymbol(L".") || token.isSymbol(L"!");
         return token;
     } catch (const jet::Error& error) {
-        failExpression(error.names().at(0));
+        if (error.code() != jet::ExpressionSyntax) {
+            throw;
+        }
+        const size_t from = expressionStart_.value_or(begin);
+        throw jet::Error(jet::ExpressionSyntax,
+                         {error.names().at(0), std::wstring(expressionFrom(from))});
     }
 }
 
@@ -170,21 +192,13 @@ void SyntaxParser::fail(SyntaxError code) const {
     throw jet::Error(code, {}, {.detail = std::move(detail)});
 }
 
-std::wstring_view SyntaxParser::failingExpression() const {
-    const size_t begin = expressionStart_.value_or(token_.offset);
-    size_t end = text_.size();
-    try {
-        end = endOfExpression(text_, begin);
-    } catch (const jet::Error&) {  // it goes on to the end: a quote is open
-    }
-    while (end > begin && isBlank(text_[end - 1])) {
-        --end;
-    }
-    return text_.substr(begin, end - begin);
+std::wstring_view SyntaxParser::expressionFrom(size_t begin) const {
+    return trimmed(text_.substr(begin, endOfExpression(text_, begin) - begin));
 }
 
 void SyntaxParser::failExpression(std::wstring what) const {
-    throw jet::Error(jet::ExpressionSyntax, {std::move(what), std::wstring(failingExpression())});
+    const size_t begin = expressionStart_.value_or(token_.offset);
+    throw jet::Error(jet::ExpressionSyntax, {std::move(what), std::wstring(expressionFrom(begin))});
 }
 
 // ---- Names
@@ -200,7 +214,7 @@ Name SyntaxParser::anyName(SyntaxError otherwise) {
     }
     Name made{std::move(token_.text), {}, token_.kind == TokenKind::Bracketed};
     if (made.text.find(L'[') != std::wstring::npos) {
-        throw jet::Error(InvalidBracketing, {L"[" + made.text + L"]"});
+        throw jet::Error(jet::InvalidBracketing, {L"[" + made.text + L"]"});
     }
     const size_t begin = start();
     advance();

@@ -6,7 +6,6 @@ namespace sg::sql {
 
 enum SyntaxError : int {
     HavingInCrosstab = 3092,
-    InvalidBracketing = 3126,
     NoStatement = 3129,
     DeleteSyntax = 3130,
     FromSyntax = 3131,

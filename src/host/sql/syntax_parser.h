@@ -64,7 +64,8 @@ class SyntaxParser {
     [[noreturn]] void fail(SyntaxError code) const;
     // Throws ExpressionSyntax with the expression that is being read.
     [[noreturn]] void failExpression(std::wstring what) const;
-    std::wstring_view failingExpression() const;
+    // As far as a wrong one tells.
+    std::wstring_view expressionFrom(size_t begin) const;
 
     // ---- Names (parser_tokens.cpp)
 

@@ -134,7 +134,7 @@ TEST(SqlExpressions, WhatIsWrongIsQuoted) {
          "b)'."},
         {L"a.f(1)", "error 3075 Invalid use of '.', '!', or '()'. in query expression 'a.f(1)'."},
         {L"a.*", "error 3075 Invalid use of '.', '!', or '()'. in query expression 'a.*'."},
-        {L"[a", "error 3075 Invalid bracketing of name in query expression '[a'."},
+        {L"[a", "error 3126 Invalid bracketing of name '[a'."},
         {L"[a[b]]", "error 3126 Invalid bracketing of name '[a[b]]'."},
         {L"", "error 3075 Syntax error in query expression ''."},
         {L"a; b", "error 3075 Syntax error in query expression 'a'."},

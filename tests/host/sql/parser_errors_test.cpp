@@ -126,7 +126,7 @@ TEST(SqlErrors, EachClauseHasItsNumber) {
         {L"DROP t", 3295},
         {L"DROP TABLE", 3295},
         {L"DROP INDEX i", 3295},
-        {L"SELECT [a[b] FROM t", 3075},
+        {L"SELECT [a[b] FROM t", 3126},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(codeOf(c.text), c.code) << toUtf8(c.text);

@@ -210,6 +210,7 @@ TablePlan planTable(const Source& source, const TableDefinition& table, SortOrde
     plan.definition.name = table.name;
     plan.definition.isSystem = table.isSystem;
     plan.definition.lastAutoNumber = table.lastAutoNumber;
+    plan.definition.autoNumberStep = table.autoNumberStep;
     uint16_t fixedOffset = 0;
     for (size_t i = 0; i < table.columns.size(); ++i) {
         Column column = table.columns[i];
@@ -296,8 +297,10 @@ void copyCounters(const Source& source, const Table& from, Database& into, uint3
     uint32_t last = from.definition().lastAutoNumber;
     if (source.run().repairs()) {
         // One that is behind its rows gives numbers out again.
-        const uint32_t highest = readAutoNumber(into.store(), made.definition());
-        if (static_cast<int32_t>(highest) > static_cast<int32_t>(last)) last = highest;
+        const auto reached = static_cast<int32_t>(readAutoNumber(into.store(), made.definition()));
+        const auto told = static_cast<int32_t>(last);
+        const bool isDescending = static_cast<int32_t>(from.definition().autoNumberStep) < 0;
+        if (isDescending ? reached < told : reached > told) last = static_cast<uint32_t>(reached);
     }
     WriteScope scope(into);
     scope.changing();

@@ -107,8 +107,8 @@ Expression TableRules::defaultExpression(const Column& column, const std::wstrin
         if (column.isText()) parsed.evaluate(NoNames());
         return parsed;
     } catch (const Error& error) {
-        const bool isBare = error.code() == ExpressionSyntax || error.code() == UnknownName ||
-                            error.code() == UndefinedFunction;
+        const bool isBare = error.code() == ExpressionSyntax || error.code() == InvalidBracketing ||
+                            error.code() == UnknownName || error.code() == UndefinedFunction;
         if (!isBare || !column.isText() || text.starts_with(L'=')) throw;
     }
     std::wstring quoted = L"\"";

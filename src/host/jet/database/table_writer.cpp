@@ -220,7 +220,8 @@ void TableWriter::convert(std::vector<Value>& row, const std::vector<bool>* chan
 void TableWriter::makeCounters(std::vector<Value>& row, const PageStore& pages) {
     for (const size_t column : counters_) {
         if (!isNull(row[column])) continue;
-        row[column] = static_cast<int32_t>(readAutoNumber(pages, definition()) + 1);
+        row[column] = static_cast<int32_t>(readAutoNumber(pages, definition()) +
+                                           readAutoNumberStep(pages, definition()));
         made_.push_back(column);
     }
     for (const size_t column : autoGuids_) {
@@ -269,14 +270,18 @@ void TableWriter::countKeys(DefinitionCounters& counters) const {
     }
 }
 
-// The next number is above those that were given; behind the highest that there is it is the
-// lowest.
+// The next number is above those that were given, or below them where the step is negative; behind
+// the highest that there is it is the lowest.
 void TableWriter::countOn(DefinitionCounters& counters, const Value& value) {
     const int32_t* number = std::get_if<int32_t>(&value);
     if (number == nullptr) return;
     const uint32_t last = counters.autoNumber();
-    const bool isNext = static_cast<uint32_t>(*number) == last + 1;
-    if (isNext || *number > static_cast<int32_t>(last))
+    const uint32_t step = counters.autoNumberStep();
+    const bool isNext = static_cast<uint32_t>(*number) == last + step;
+    const bool isDescending = static_cast<int32_t>(step) < 0;
+    const bool isBeyond = isDescending ? *number < static_cast<int32_t>(last)
+                                       : *number > static_cast<int32_t>(last);
+    if (isNext || isBeyond)
         counters.setAutoNumber(static_cast<uint32_t>(*number));
 }
 

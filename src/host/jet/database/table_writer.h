@@ -67,7 +67,7 @@ class SG_API TableWriter {
 
     // Adds a row and answers its id. A counter that is Null gets its next value and an automatic
     // Guid a new one, both of which are set in `row`; a counter that is given is kept, and counts
-    // on from there when it is higher.
+    // on from there when it is higher (or lower, where it counts down).
     RowId insert(std::vector<Value>& row);
 
     // Gives the row new values: those of `row` whose flag in `changed` is set; the others of `row`

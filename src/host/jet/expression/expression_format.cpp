@@ -236,52 +236,6 @@ std::wstring DateWriter::write() {
     return std::move(text_);
 }
 
-// --- texts ---
-
-bool isPlace(wchar_t c) {
-    return c == L'@' || c == L'&';
-}
-
-// "@" and "&" are places for characters, filled from the right, or from the left with "!"; an "@"
-// without one is a blank. "<" and ">" change the case of all.
-std::wstring formattedText(const std::wstring& given, std::wstring_view pattern) {
-    const auto count = static_cast<size_t>(std::count_if(pattern.begin(), pattern.end(), isPlace));
-    const bool fromLeft = pattern.find(L'!') != pattern.npos;
-    std::wstring text = pattern.find(L'<') != pattern.npos   ? lowerCased(given)
-                        : pattern.find(L'>') != pattern.npos ? upperCased(given)
-                                                             : given;
-    const size_t empty = count - std::min(count, text.size());
-    const size_t excess = text.size() - std::min(count, text.size());
-    std::wstring result;
-    size_t place = 0;
-    size_t next = 0;
-    if (count == 0 || !fromLeft) {
-        result = text.substr(0, excess);
-        next = excess;
-    }
-    for (size_t i = 0; i < pattern.size(); ++i) {
-        const wchar_t c = pattern[i];
-        if (isPlace(c)) {
-            const bool isEmpty = fromLeft ? place >= count - empty : place < empty;
-            ++place;
-            if (!isEmpty) {
-                result += text[next++];
-            } else if (c == L'@') {
-                result += L' ';
-            }
-        } else if (c == L'"') {
-            const size_t end = std::min(pattern.find(L'"', i + 1), pattern.size());
-            result += pattern.substr(i + 1, end - i - 1);
-            i = end;
-        } else if (c == L'\\') {
-            result += pattern.substr(++i, 1);
-        } else if (c != L'<' && c != L'>' && c != L'!') {
-            result += c;
-        }
-    }
-    return result.append(text, next);
-}
-
 }  // namespace
 
 std::wstring formatted(const Value& value, std::wstring_view pattern, int firstDayOfWeek,

@@ -113,27 +113,6 @@ Digits digitsOf(const Value& value) {
 
 // --- taking a pattern apart ---
 
-// Where the element at `at` ends: a quoted text and an escaped character are one.
-size_t elementEnd(std::wstring_view pattern, size_t at) {
-    if (pattern[at] == L'"') {
-        return std::min(pattern.find(L'"', at + 1), pattern.size() - 1) + 1;
-    }
-    return std::min(at + (pattern[at] == L'\\' ? 2 : 1), pattern.size());
-}
-
-std::vector<std::wstring_view> sectionsOf(std::wstring_view pattern) {
-    std::vector<std::wstring_view> sections;
-    size_t start = 0;
-    for (size_t at = 0; at < pattern.size(); at = elementEnd(pattern, at)) {
-        if (pattern[at] == L';') {
-            sections.push_back(pattern.substr(start, at - start));
-            start = at + 1;
-        }
-    }
-    sections.push_back(pattern.substr(start));
-    return sections;
-}
-
 class SectionReader {
   public:
     explicit SectionReader(std::wstring_view pattern) : pattern_(pattern) {}
@@ -196,7 +175,7 @@ size_t SectionReader::exponent(size_t at) {
 
 size_t SectionReader::element(size_t at) {
     const wchar_t c = pattern_[at];
-    const size_t end = elementEnd(pattern_, at);
+    const size_t end = formatElementEnd(pattern_, at);
     switch (c) {
         case L'0':
             place(Element::Kind::Zero);
@@ -361,7 +340,7 @@ bool vanishes(const Section& section, Digits digits) {
 }  // namespace
 
 std::wstring formattedNumber(const Value& value, std::wstring_view pattern) {
-    const std::vector<std::wstring_view> sections = sectionsOf(pattern);
+    const std::vector<std::wstring_view> sections = formatSections(pattern);
     const auto has = [&](size_t place) {
         return place < sections.size() && !sections[place].empty();
     };

@@ -1,5 +1,6 @@
 #include "host/jet/expression/expression_lexer.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -92,13 +93,13 @@ Token ExpressionLexer::quoted(wchar_t quote) {
 }
 
 Token ExpressionLexer::date() {
-    const size_t end = text_.find(L'#', at_ + 1);
+    const size_t start = at_ + 1;
+    const size_t end = std::min(text_.find(L'#', start), text_.size());
+    at_ = std::min(end + 1, text_.size());
     Date date;
-    if (end == std::wstring_view::npos ||
-        !parseDate(trimmed(text_.substr(at_ + 1, end - at_ - 1)), date)) {
+    if (end == text_.size() || !parseDate(trimmed(text_.substr(start, end - start)), date)) {
         throwSyntax(L"Syntax error in date", text_);
     }
-    at_ = end + 1;
     return {TokenKind::Literal, {}, date};
 }
 
@@ -118,7 +119,7 @@ size_t ExpressionLexer::endOfBrackets() const {
 Token ExpressionLexer::bracketed() {
     const size_t end = endOfBrackets();
     if (end == text_.size() || end == at_ + 1) {
-        throwSyntax(L"Invalid bracketing of name", text_);
+        throw Error(InvalidBracketing, {std::wstring(text_.substr(at_))});
     }
     std::wstring name(text_.substr(at_ + 1, end - at_ - 1));
     at_ = end + 1;

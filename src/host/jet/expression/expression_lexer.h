@@ -46,8 +46,13 @@ class ExpressionLexer {
         : text_(text), use_(use), at_(start) {}
 
     // The next token; an End token at the end, as often as asked. `behindOperand` tells that an
-    // operator must follow, so that "&" is one and doesn't begin "&HFF". Throws ExpressionSyntax.
+    // operator must follow, so that "&" is one and doesn't begin "&HFF". Throws ExpressionSyntax, or
+    // InvalidBracketing for a "[" without its "]", and then stands behind what was wrong as far as
+    // that has an end.
     Token next(bool behindOperand);
+
+    // Where the next token, or blanks before it, begin.
+    size_t place() const { return at_; }
 
   private:
     Token cut(bool behindOperand);

@@ -44,6 +44,7 @@ enum ErrorCode : int {
     InputTableNotFound = 3078,
     UndefinedFunction = 3085,
     CircularReference = 3102,
+    InvalidBracketing = 3126,
     InvalidBookmark = 3159,
     FieldTooSmall = 3163,
     RecordDeleted = 3167,

@@ -106,6 +106,7 @@ struct TableLayout {
     size_t length;
     size_t rowCount;
     size_t autoNumber;
+    size_t autoNumberStep;     // 0 where there is none
     size_t complexAutoNumber;  // 0 where there is none
     size_t tableType;
     size_t maxColumns;

@@ -34,6 +34,11 @@ void put(WriteTransaction& pages, uint32_t page, size_t offset, uint32_t value) 
     store(bytes.data() + offset, value);
 }
 
+// Some programs leave it empty.
+uint32_t stepOf(uint32_t stored) {
+    return stored == 0 ? 1 : stored;
+}
+
 size_t entryCountOffset(const Format& format, size_t index) {
     return format.table.head + index * format.index.countSize + format.index.countRows;
 }
@@ -48,6 +53,11 @@ uint32_t readAutoNumber(const PageStore& pages, const TableDefinition& table) {
     return get(pages, table.page, pages.format().table.autoNumber);
 }
 
+uint32_t readAutoNumberStep(const PageStore& pages, const TableDefinition& table) {
+    const size_t offset = pages.format().table.autoNumberStep;
+    return stepOf(offset == 0 ? 0 : get(pages, table.page, offset));
+}
+
 uint32_t readEntryCount(const PageStore& pages, const TableDefinition& table, size_t index) {
     return get(pages, table.page, entryCountOffset(pages.format(), index));
 }
@@ -58,6 +68,10 @@ void writeRowCount(WriteTransaction& pages, const TableDefinition& table, uint32
 
 void writeAutoNumber(WriteTransaction& pages, const TableDefinition& table, uint32_t last) {
     put(pages, table.page, pages.format().table.autoNumber, last);
+}
+
+void writeAutoNumberStep(WriteTransaction& pages, const TableDefinition& table, uint32_t step) {
+    put(pages, table.page, pages.format().table.autoNumberStep, step);
 }
 
 void writeEntryCount(WriteTransaction& pages, const TableDefinition& table, size_t index,
@@ -89,6 +103,10 @@ uint32_t DefinitionCounters::autoNumber() const {
 
 void DefinitionCounters::setAutoNumber(uint32_t last) {
     store(at(format_->table.autoNumber), last);
+}
+
+uint32_t DefinitionCounters::autoNumberStep() const {
+    return stepOf(load(at(format_->table.autoNumberStep)));
 }
 
 void DefinitionCounters::addEntry(size_t index) {

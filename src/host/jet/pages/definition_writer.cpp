@@ -16,7 +16,6 @@ namespace {
 constexpr size_t mostIndexes = 32;  // of a table, logical ones
 constexpr size_t freeSpace = 2;     // of a page: what is behind the definition's end
 constexpr size_t headMark = 12;     // of the head
-constexpr size_t headOne = 24;      // of the head: the step of the counters
 constexpr size_t columnMark = 1;    // of a column's record
 constexpr size_t nameLengthMost = 0xfffe;
 constexpr size_t endSize = 8;          // of zeros that every definition ends with
@@ -131,7 +130,7 @@ void DefinitionBuilder::addHead() {
         put32(head, headMark, tableMark);
         put32(head, layout.rowCount, table_.rowCount);
         put32(head, layout.autoNumber, table_.lastAutoNumber);
-        put32(head, headOne, 1);
+        put32(head, layout.autoNumberStep, table_.autoNumberStep);
     }
     put8(head, layout.tableType, table_.isSystem ? systemTable : userTable);
     put16(head, layout.maxColumns, table_.maxColumns);

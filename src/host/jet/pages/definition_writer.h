@@ -27,9 +27,13 @@ SG_API void dropDefinition(PageAllocator& allocator, const TableDefinition& tabl
 // The numbers on the definition's first page that change with rows, read and written in place.
 SG_API uint32_t readRowCount(const PageStore& pages, const TableDefinition& table);
 SG_API uint32_t readAutoNumber(const PageStore& pages, const TableDefinition& table);
+// What is added to a counter's last number for the next, modulo 2^32: 1 unless it is told.
+SG_API uint32_t readAutoNumberStep(const PageStore& pages, const TableDefinition& table);
 SG_API uint32_t readEntryCount(const PageStore& pages, const TableDefinition& table, size_t index);
 SG_API void writeRowCount(WriteTransaction& pages, const TableDefinition& table, uint32_t count);
 SG_API void writeAutoNumber(WriteTransaction& pages, const TableDefinition& table, uint32_t last);
+SG_API void writeAutoNumberStep(WriteTransaction& pages, const TableDefinition& table,
+                                uint32_t step);
 SG_API void writeEntryCount(WriteTransaction& pages, const TableDefinition& table, size_t index,
                             uint32_t count);
 
@@ -43,6 +47,7 @@ class SG_API DefinitionCounters {
     void setRowCount(uint32_t count);
     uint32_t autoNumber() const;
     void setAutoNumber(uint32_t last);
+    uint32_t autoNumberStep() const;
     // One more key in the index.
     void addEntry(size_t index);
 

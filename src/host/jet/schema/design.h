@@ -16,6 +16,7 @@ struct ColumnDesign {
     uint16_t size = 0;         // Text: characters (0: 255); Binary: bytes (0: 255)
     bool autoNumber = false;   // Long: a counter; Guid: made at random
     int32_t firstNumber = 1;   // a counter's
+    int32_t numberStep = 1;    // a counter's, from one number to the next; not 0
     bool fixedLength = false;  // Text and Binary
     bool hyperlink = false;    // Memo
     bool compressed = true;    // Text and Memo: Unicode compression where it saves room

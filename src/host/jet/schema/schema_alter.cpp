@@ -84,10 +84,6 @@ void setOrdinal(Database& database, const std::wstring& name, const std::wstring
     change.done();
 }
 
-void setCounter(SchemaChange& change, const CatalogObject& object, int32_t first) {
-    writeAutoNumber(change.pages(), change.definition(object), static_cast<uint32_t>(first) - 1);
-}
-
 // What is kept with the column and the design says nothing of.
 void keepProperties(Database& database, const std::wstring& table, const ColumnDesign& design,
                     const Properties& before) {
@@ -172,7 +168,7 @@ void alterColumn(Database& database, std::wstring_view name, const ColumnDesign&
         replaceColumn(database, object, before, place, design);
     }
     if (design.autoNumber && design.type == ColumnType::Long) {
-        setCounter(change, object, design.firstNumber);
+        startCounter(change.pages(), change.definition(object), design, 0);
     }
     change.done();
 }

@@ -45,6 +45,12 @@ bool isCounter(const Column& column) {
     return column.type == ColumnType::Long && (column.flags & columns::autoNumberFlag) != 0;
 }
 
+// The number of the row that `before` others are before, modulo 2^32.
+uint32_t numberOf(const ColumnDesign& design, uint32_t before) {
+    return static_cast<uint32_t>(design.firstNumber) +
+           before * static_cast<uint32_t>(design.numberStep);
+}
+
 void setNumber(Column& column, const ColumnDesign& design) {
     if (design.precision == 0 || design.precision > mostDigits || design.scale > design.precision) {
         throw Error(InvalidArgument, {}, {.detail = L"precision and scale of " + design.name});
@@ -124,6 +130,9 @@ uint16_t sizeOf(ColumnType type) {
 Column& addDesignedColumn(TableDefinition& table, const ColumnDesign& design, SortOrder order) {
     checkName(design.name);
     Column column = columnOf(design, order);
+    if (isCounter(column) && design.numberStep == 0) {
+        throw Error(InvalidArgument, {}, {.detail = L"the step of counter " + design.name});
+    }
     if (isCounter(column) && std::any_of(table.columns.begin(), table.columns.end(), isCounter)) {
         throw Error(secondCounter, {}, {.table = table.name});
     }
@@ -144,6 +153,13 @@ Column& addDesignedColumn(TableDefinition& table, const ColumnDesign& design, So
     }
     table.columns.push_back(std::move(column));
     return table.columns.back();
+}
+
+void startCounter(WriteTransaction& pages, const TableDefinition& table, const ColumnDesign& design,
+                  uint32_t rows) {
+    const auto step = static_cast<uint32_t>(design.numberStep);
+    writeAutoNumber(pages, table, numberOf(design, rows) - step);
+    writeAutoNumberStep(pages, table, step);
 }
 
 void checkRowSize(const TableDefinition& table, const Format& format) {
@@ -231,7 +247,7 @@ Value randomGuid() {
 // `before`, and answers how many rows there are. The rest of a row's bytes stays as it is, and
 // neither rules nor indexes see it.
 uint32_t numberRows(SchemaChange& change, const TableDefinition& before,
-                    const TableDefinition& after) {
+                    const TableDefinition& after, const ColumnDesign& design) {
     const Format& format = change.format();
     const Column& added = after.columns.back();
     const Table old = change.table(before);
@@ -252,9 +268,9 @@ uint32_t numberRows(SchemaChange& change, const TableDefinition& before,
                 parts[i].bytes.assign(bytes.begin(), bytes.end());
             }
         }
-        ++count;
-        const Value value =
-            added.type == ColumnType::Guid ? randomGuid() : Value(static_cast<int32_t>(count));
+        const Value value = added.type == ColumnType::Guid
+                                ? randomGuid()
+                                : Value(static_cast<int32_t>(numberOf(design, count++)));
         parts.back().isNull = false;
         encodeValue(added, value, format, parts.back().bytes);
         encodeRow(after, format, parts, row);
@@ -326,9 +342,9 @@ void addColumn(Database& database, std::wstring_view name, const ColumnDesign& d
         table.columns.back().ownedPages = createMap(change.allocator(), table.ownedPages);
         table.columns.back().freePages = createMap(change.allocator(), table.ownedPages);
     }
-    const uint32_t rows = design.autoNumber ? numberRows(change, before, table) : 0;
+    const uint32_t rows = design.autoNumber ? numberRows(change, before, table, design) : 0;
     writeDefinition(change.allocator(), table);
-    if (isCounter(table.columns.back())) writeAutoNumber(change.pages(), table, rows);
+    if (isCounter(table.columns.back())) startCounter(change.pages(), table, design, rows);
     changeObject(database, object, {propertiesField(properties, change.format())});
     change.done();
 }

@@ -23,6 +23,10 @@ uint16_t sizeOf(ColumnType type);
 // Throws RecordTooLarge when not even a row of Nulls fits.
 void checkRowSize(const TableDefinition& table, const Format& format);
 
+// Lets the counter of a table that has `rows` numbered ones go on behind them.
+void startCounter(WriteTransaction& pages, const TableDefinition& table, const ColumnDesign& design,
+                  uint32_t rows);
+
 void setColumnProperties(Properties& properties, const ColumnDesign& design);
 void setTableProperties(Properties& properties, const TableDesign& design);
 

@@ -87,8 +87,8 @@ void createTable(Database& database, const TableDesign& design) {
     change.changing();
     makeTablePages(change.allocator(), table);
     for (const ColumnDesign& column : design.columns) {
-        if (column.autoNumber && column.type == ColumnType::Long && column.firstNumber != 1) {
-            writeAutoNumber(change.pages(), table, static_cast<uint32_t>(column.firstNumber) - 1);
+        if (column.autoNumber && column.type == ColumnType::Long) {
+            startCounter(change.pages(), table, column, 0);
         }
     }
     addObject(database, {.id = static_cast<int32_t>(table.page),

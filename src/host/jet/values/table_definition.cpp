@@ -95,6 +95,8 @@ void DefinitionReader::readHead() {
     bytes_ = bytes_.sub(0, static_cast<size_t>(length));
     table_.rowCount = bytes_.get32(layout.rowCount);
     table_.lastAutoNumber = bytes_.get32(layout.autoNumber);
+    const uint32_t step = layout.autoNumberStep == 0 ? 0 : bytes_.get32(layout.autoNumberStep);
+    table_.autoNumberStep = step == 0 ? 1 : step;
     if (layout.complexAutoNumber != 0) {
         table_.lastComplexAutoNumber = bytes_.get32(layout.complexAutoNumber);
     }

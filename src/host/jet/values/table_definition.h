@@ -111,6 +111,7 @@ struct SG_API TableDefinition {
     std::vector<uint32_t> pages;  // the chain, `page` first
     uint32_t rowCount = 0;
     uint32_t lastAutoNumber = 0;
+    uint32_t autoNumberStep = 1;  // from one number to the next, modulo 2^32; never 0
     uint32_t lastComplexAutoNumber = 0;
     bool isSystem = false;
     uint16_t maxColumns = 0;  // columns that a row may have, deleted ones too

@@ -1,21 +1,27 @@
+#include "host/model/access/entity_parts.h"
 #include "host/model/core/object_access.h"
 #include "host/model/core/proxies.h"
 #include "host/model/curves/polyline_3d.h"
 #include "host/model/curves/sequence_end.h"
+#include "host/model/entities/mesh/mesh.h"
 #include "platform/db/block_reference.h"
 #include "platform/db/polyline_2d.h"
 
 // The entities that a polyline or a block reference owns, as drawing files have them behind it.
 
 namespace sg::model {
-namespace {
 
-bool isVertexOf(const AcDbEntity& whole, const AcDbEntity& part) {
-    if (AcDb2dPolyline::cast(&whole) != nullptr) return AcDb2dVertex::cast(&part) != nullptr;
-    return AcDb3dPolyline::cast(&whole) != nullptr && AcDb3dPolylineVertex::cast(&part) != nullptr;
+bool isPartOf(const AcRxClass* type, const AcDbEntity& whole) {
+    const AcRxClass* const kind = whole.isA();
+    if (kind->isDerivedFrom(AcDbBlockReference::desc())) {
+        return type->isDerivedFrom(AcDbAttribute::desc());
+    }
+    if (kind == AcDb2dPolyline::desc()) return type == AcDb2dVertex::desc();
+    if (kind == AcDb3dPolyline::desc()) return type == AcDb3dPolylineVertex::desc();
+    if (kind == AcDbPolygonMesh::desc()) return type == AcDbPolygonMeshVertex::desc();
+    return kind == AcDbPolyFaceMesh::desc() &&
+           (type == AcDbPolyFaceMeshVertex::desc() || type == AcDbFaceRecord::desc());
 }
-
-}  // namespace
 
 bool ObjectAccess::adoptPart(AcDbEntity& whole, AcDbObjectId id) {
     const auto* const part = peek<AcDbEntity>(id);
@@ -37,16 +43,14 @@ bool ObjectAccess::adoptPart(AcDbEntity& whole, AcDbObjectId id) {
         }
         return true;
     }
-    if (AcDb2dPolyline::cast(&whole) == nullptr && AcDb3dPolyline::cast(&whole) == nullptr) {
-        return false;
-    }
-    auto& curve = static_cast<VertexCurve&>(whole);
+    auto* const list = dynamic_cast<VertexList*>(&whole);
+    if (list == nullptr) return false;
     if (isEnd) {
-        curve.sequenceEnd_ = id;
+        list->sequenceEnd_ = id;
         return true;
     }
-    if (!isVertexOf(whole, *part)) return false;
-    curve.slots_.emplace_back().id = id;
+    if (!isPartOf(part->isA(), whole)) return false;
+    list->slots_.emplace_back().id = id;
     return true;
 }
 
@@ -58,11 +62,10 @@ std::vector<AcDbObjectId> ObjectAccess::partsOf(const AcDbEntity& whole) {
     } else if (const auto* const reference = AcDbBlockReference::cast(&whole)) {
         parts.assign(reference->attributes_.begin(), reference->attributes_.end());
         end = reference->sequenceEnd_;
-    } else if (AcDb2dPolyline::cast(&whole) != nullptr || AcDb3dPolyline::cast(&whole) != nullptr) {
-        const auto& curve = static_cast<const VertexCurve&>(whole);
-        for (const VertexSlot& slot : curve.slots_)
+    } else if (const auto* const list = dynamic_cast<const VertexList*>(&whole)) {
+        for (const VertexSlot& slot : list->slots_)
             parts.push_back(slot.id);
-        end = curve.sequenceEnd_;
+        end = list->sequenceEnd_;
     }
     std::erase_if(parts, [](AcDbObjectId id) { return id.isErased(); });
     if (!end.isErased()) parts.push_back(end);

@@ -33,6 +33,15 @@ bool AcDbLine::subShape(CurveShape& shape) const {
     return true;
 }
 
+Acad::ErrorStatus AcDbLine::subGetGeomExtents(AcDbExtents& extents) const {
+    assertReadEnabled();
+    for (const AcGeVector3d& rise : {AcGeVector3d(), normal_ * thickness_}) {
+        extents.addPoint(start_ + rise);
+        extents.addPoint(end_ + rise);
+    }
+    return Acad::eOk;
+}
+
 AcDbCurve* AcDbLine::subPart(double from, double to) const {
     CurveShape shape;
     subShape(shape);

@@ -195,9 +195,11 @@ Acad::ErrorStatus AcDbBlockReference::subErase(bool erasing) {
 
 std::vector<AcGeMatrix3d> AcDbBlockReference::shownAt(Copies which) const {
     const AcGeMatrix3d transform = blockTransform();
+    const std::vector<AcGeVector3d> offsets = copies(which);
+    if (offsets.size() == 1) return {transform};
     const AcGeMatrix3d turn = sg::model::Frame{{}, normal_, rotation_}.toWorld();
     std::vector<AcGeMatrix3d> places;
-    for (const AcGeVector3d& copy : copies(which))
+    for (const AcGeVector3d& copy : offsets)
         places.push_back(AcGeMatrix3d::translation(turn * copy) * transform);
     return places;
 }

@@ -224,6 +224,10 @@ std::vector<Target> targetsOf(const Update& statement, Translator& translator, S
             found =
                 targets.insert(found, Target{place.base, scope.bases[place.base].table, {}, {}});
         }
+        if (std::find(found->columns.begin(), found->columns.end(), place.column) !=
+            found->columns.end()) {
+            throw jet::Error(ColumnTwice, {statement.assignments[i].column.name.text});
+        }
         found->columns.push_back(place.column);
         found->values.push_back(i);
     }
@@ -367,6 +371,44 @@ jet::ColumnDesign designOf(const OutputColumn& column) {
     return design;
 }
 
+bool anyIsNull(const jet::PackedRows& rows, size_t column) {
+    jet::Value value;
+    for (size_t i = 0; i < rows.size(); ++i) {
+        rows.value(i, column, value);
+        if (jet::isNull(value)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// A column that is a table's takes over what its type says of numbers: their digits, and that they
+// count, unless it is grouped by or an outer join has left it empty.
+void inheritNumbers(jet::Database& database, const Query& query, const Program& program,
+                    const jet::PackedRows& rows, jet::TableDesign& design) {
+    const auto* select = std::get_if<Select>(&query.body);
+    const bool isGrouped = select == nullptr || !select->groupBy.empty();
+    for (size_t i = 0; i < program.columns.size(); ++i) {
+        const FieldOrigin& field = program.columns[i].field;
+        if (field.table.empty()) {
+            continue;
+        }
+        std::wstring name = field.table;
+        const jet::Table table = database.home(name).table(name);
+        const auto place = table.definition().columnByName(field.column);
+        if (!place) {
+            continue;
+        }
+        const jet::Column& column = table.definition().columns[*place];
+        if (column.type == ColumnType::Numeric) {
+            design.columns[i].precision = column.precision;
+            design.columns[i].scale = column.scale;
+        }
+        design.columns[i].autoNumber = column.type == ColumnType::Long && column.isAutoNumber() &&
+                                       !isGrouped && !anyIsNull(rows, i);
+    }
+}
+
 }  // namespace
 
 Transaction::Transaction(jet::Database& database)
@@ -489,6 +531,7 @@ int64_t makeTable(const Setting& setting, const Query& query, const IntoTable& i
         design.columns.push_back(designOf(column));
     }
     const jet::PackedRows rows = collected(setting, program);
+    inheritNumbers(setting.database, query, program, rows, design);
     jet::createTable(database, design);
     jet::TableWriter& writer = database.writer(design.name);
     std::vector<jet::Value> row(program.columns.size());

@@ -29,6 +29,7 @@ jet::ColumnDesign designOf(const ColumnDefinition& column) {
     design.type = column.type.type.value_or(ColumnType::Text);
     design.autoNumber = column.type.autoNumber;
     design.firstNumber = column.type.seed;
+    design.numberStep = column.type.increment;
     design.fixedLength = column.type.fixed;
     if (column.type.length) {
         if (*column.type.length < 1 || *column.type.length > 255) {

@@ -93,6 +93,7 @@ struct Scope {
     Scope* outer = nullptr;
     std::string from;  // SQLite's text
     std::vector<std::pair<std::wstring, const Expression*>> aliases;
+    const Expression* whole = nullptr;  // that is being translated, with all its parts
 
     bool isGrouped = false;
     std::set<std::wstring> groupTexts;   // in capitals

@@ -6,6 +6,7 @@
 #include "host/sql/parser.h"
 #include "host/sql/run/session_state.h"
 #include "host/sql/run/sqlite_values.h"
+#include "host/sql/run/stored_call.h"
 #include "host/sql/run/translator.h"
 
 namespace sg::sql {
@@ -67,6 +68,15 @@ struct Describing {
     }
 };
 
+// What is told of a call by the statement that it calls, whose first parameters get `arguments`.
+void addCalled(Session& session, const Statement& called, size_t arguments, Description& call) {
+    Description of = session.describe(called);
+    call.columns = std::move(of.columns);
+    for (size_t i = arguments; i < of.parameters.size(); ++i) {
+        call.parameters.push_back(std::move(of.parameters[i]));
+    }
+}
+
 }  // namespace
 
 Session::Session(jet::Database& database) : state_(std::make_unique<State>(database)) {}
@@ -84,6 +94,10 @@ std::unique_ptr<jet::SnapshotRecordset> Session::select(std::wstring_view text,
 
 std::unique_ptr<jet::SnapshotRecordset> Session::select(const Statement& statement,
                                                         const Parameters& parameters) {
+    if (const auto* call = std::get_if<Execute>(&statement.body)) {
+        const Statement called = calledStatement(state_->database, *call);
+        return select(called, argumentsOf(*this, setting(statement, parameters), *call, called));
+    }
     Translator translator(state_->database, statement.parameters, parameters, state_->engine);
     const Program program = translator.query(queryOf(statement));
     auto rows = std::make_unique<jet::SnapshotRecordset>(recordColumns(program));
@@ -101,6 +115,10 @@ std::unique_ptr<jet::SnapshotRecordset> Session::select(const Statement& stateme
 
 std::vector<std::wstring> Session::explain(const Statement& statement,
                                            const Parameters& parameters) {
+    if (const auto* call = std::get_if<Execute>(&statement.body)) {
+        const Statement called = calledStatement(state_->database, *call);
+        return explain(called, argumentsOf(*this, setting(statement, parameters), *call, called));
+    }
     Translator translator(state_->database, statement.parameters, parameters, state_->engine);
     return state_->engine.explain(translator.query(queryOf(statement)));
 }
@@ -118,7 +136,23 @@ Description Session::describe(const Statement& statement) {
     for (const Translator::MissingParameter& each : translator.missing()) {
         made.parameters.push_back({each.name, each.type});
     }
+    const auto* call = std::get_if<Execute>(&statement.body);
+    if (call != nullptr && isStored(state_->database, *call)) {
+        addCalled(*this, calledStatement(state_->database, *call), call->arguments.size(), made);
+    }
     return made;
+}
+
+bool Session::givesRows(const Statement& statement) const {
+    if (const auto* call = std::get_if<Execute>(&statement.body)) {
+        return findQuery(calledStatement(state_->database, *call)) != nullptr;
+    }
+    return findQuery(statement) != nullptr;
+}
+
+Setting Session::setting(const Statement& statement, const Parameters& parameters,
+                         Refused refused) const {
+    return {state_->database, state_->engine, statement.parameters, parameters, refused};
 }
 
 int64_t Session::execute(std::wstring_view text, const Parameters& parameters, Refused refused) {

@@ -45,6 +45,8 @@ struct Description {
     std::vector<jet::RecordColumn> columns;  // none where it gives no rows
 };
 
+struct Setting;
+
 // What a statement may cost.
 struct Limits {
     // Asked now and then, at least every few thousand rows: true ends the statement with Canceled
@@ -66,14 +68,18 @@ class SG_API Session {
     // For the statements from now on.
     void limit(Limits limits);
 
-    // The rows of a query as they are now. Throws what parseStatement() throws; InputTableNotFound
-    // (3078), UnknownName (3061) with the number of parameters that have no value,
-    // UndefinedFunction, ConversionError and whatever else the statement meets; 3219 for a
-    // statement that gives no rows.
+    // The rows of a query, or of a stored one that EXECUTE names, as they are now. Throws what
+    // parseStatement() throws; InputTableNotFound (3078), UnknownName (3061) with the number of
+    // parameters that have no value, UndefinedFunction, ConversionError and whatever else the
+    // statement meets; 3219 for a statement that gives no rows.
     std::unique_ptr<jet::SnapshotRecordset> select(std::wstring_view text,
                                                    const Parameters& parameters = {});
     std::unique_ptr<jet::SnapshotRecordset> select(const Statement& statement,
                                                    const Parameters& parameters = {});
+
+    // Whether it is for select(). Throws InputTableNotFound for an EXECUTE of no stored query, and
+    // OperationNotSupported for one that cannot be run.
+    bool givesRows(const Statement& statement) const;
 
     // Runs a statement that changes rows or the design, as one transaction: done wholly or, when
     // it throws, not at all. Answers how many records it changed. Throws as select() and as
@@ -95,6 +101,9 @@ class SG_API Session {
 
   private:
     struct State;
+    Setting setting(const Statement& statement, const Parameters& parameters,
+                    Refused refused = Refused::UndoesAll) const;
+
     std::unique_ptr<State> state_;
 };
 

@@ -18,9 +18,9 @@ bool isVolatile(std::wstring_view name) {
                        [&](std::wstring_view each) { return equalIgnoringCase(each, name); });
 }
 
-[[noreturn]] void failArguments(const Call& call) {
+[[noreturn]] void failArguments(const Scope& scope) {
     throw jet::Error(jet::ExpressionSyntax,
-                     {L"Wrong number of arguments used with function", call.function.text});
+                     {L"Wrong number of arguments used with function", toText(*scope.whole)});
 }
 
 // The IIf that an IIf answers where its condition isn't met; null for anything else. Where there
@@ -44,7 +44,7 @@ Typed Translator::call(const Call& call, Scope& scope) {
         throw jet::Error(jet::UndefinedFunction, {name});
     }
     if (call.arguments.size() < function->least || call.arguments.size() > function->most) {
-        failArguments(call);
+        failArguments(scope);
     }
     if (std::optional<Typed> chosen = choice(call, scope)) {
         return *chosen;
@@ -80,7 +80,7 @@ std::optional<Typed> Translator::choice(const Call& call, Scope& scope) {
         }
     } else if (named(L"Switch")) {
         if (arguments.size() % 2 != 0) {
-            failArguments(call);
+            failArguments(scope);
         }
         for (size_t i = 0; i < arguments.size(); i += 2) {
             branches.emplace_back(condition(*arguments[i], scope), emit(*arguments[i + 1], scope));
@@ -136,7 +136,7 @@ Typed Translator::cases(const std::vector<std::pair<std::string, Typed>>& branch
 Typed Translator::aggregate(const Aggregate& aggregate, Scope& scope) {
     if (!scope.mayAggregate || scope.ungrouped > 0) {
         throw jet::Error(scope.mayAggregate ? NoAggregateInExpression : scope.noAggregate,
-                         {aggregate.argument ? toText(*aggregate.argument) : L"*"});
+                         {toText(*scope.whole)});
     }
     const std::string filter =
         scope.filter.empty() ? "" : std::string(" FILTER (WHERE ") + scope.filter + ")";

@@ -178,12 +178,15 @@ void Translator::count() {
 
 Typed Translator::emit(const Expression& expression, Scope& scope) {
     count();
+    const bool isWhole = scope.whole == nullptr;
+    if (isWhole) scope.whole = &expression;
     const bool isKey = scope.isGrouped && !scope.groupTexts.empty() && scope.ungrouped == 0 &&
                        !std::holds_alternative<ColumnName>(expression.node) &&
                        scope.groupTexts.contains(upperCased(toText(expression)));
     scope.ungrouped += isKey;
     Typed made = emitNode(expression, scope);
     scope.ungrouped -= isKey;
+    if (isWhole) scope.whole = nullptr;
     return made;
 }
 
@@ -204,9 +207,7 @@ Typed Translator::emitNode(const Expression& expression, Scope& scope) {
             made.isStrict = true;
             return made;
         }
-        Typed operator()(const ColumnName& node) {
-            return self.nameOrParameter(expression, node, scope);
-        }
+        Typed operator()(const ColumnName& node) { return self.nameOrParameter(node, scope); }
         Typed operator()(const Star&) {
             throw jet::Error(jet::ExpressionSyntax, {L"Syntax error", toText(expression)});
         }
@@ -276,8 +277,7 @@ std::optional<Typed> Translator::column(const ColumnName& name, Scope& scope) {
     return scope.outer != nullptr ? column(name, *scope.outer) : std::nullopt;
 }
 
-Typed Translator::nameOrParameter(const Expression& expression, const ColumnName& name,
-                                  Scope& scope) {
+Typed Translator::nameOrParameter(const ColumnName& name, Scope& scope) {
     if (const std::optional<Typed> found = column(name, scope)) {
         const bool own =
             std::any_of(scope.sources.begin(), scope.sources.end(), [&](const ScopeSource& source) {
@@ -285,7 +285,7 @@ Typed Translator::nameOrParameter(const Expression& expression, const ColumnName
             });
         if (own && scope.isGrouped && scope.mayAggregate && scope.ungrouped == 0 &&
             !scope.groupColumns.contains(found->sql)) {
-            throw jet::Error(3122, {toText(expression)});
+            throw jet::Error(3122, {toText(*scope.whole)});
         }
         return *found;
     }

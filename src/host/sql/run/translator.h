@@ -117,7 +117,7 @@ class Translator {
     Typed emit(const Expression& expression, Scope& scope);
     Typed emitNode(const Expression& expression, Scope& scope);
     std::optional<Typed> column(const ColumnName& name, Scope& scope);
-    Typed nameOrParameter(const Expression& expression, const ColumnName& name, Scope& scope);
+    Typed nameOrParameter(const ColumnName& name, Scope& scope);
     Typed parameter(const std::wstring& name);
     Typed positionalParameter(uint32_t index);
     Typed unary(const Unary& unary, Scope& scope);

@@ -3,6 +3,7 @@
 #include "host/model/access/class_names.h"
 #include "host/model/entities/dimension/kinds.h"
 #include "host/model/entities/entity_fixture.h"
+#include "host/model/entities/mesh/mesh.h"
 #include "platform/db/block_reference.h"
 #include "platform/db/line.h"
 #include "platform/db/polyline_2d.h"
@@ -49,7 +50,12 @@ TEST_F(EntityMakerTest, ListsTellTheirClass) {
                                     L"AcDbRadialDimension", 0)),
               AcDbRadialDimension::desc());
     EXPECT_EQ(classOf(acutBuildList(RTDXF0, L"POLYLINE", 70, 1, 0)), AcDb2dPolyline::desc());
-    EXPECT_EQ(classOf(acutBuildList(RTDXF0, L"POLYLINE", 70, 16, 0)), nullptr);  // a mesh
+    EXPECT_EQ(classOf(acutBuildList(RTDXF0, L"POLYLINE", 70, 17, 0)), AcDbPolygonMesh::desc());
+    EXPECT_EQ(classOf(acutBuildList(RTDXF0, L"POLYLINE", 70, 64, 0)), AcDbPolyFaceMesh::desc());
+    EXPECT_EQ(classOf(acutBuildList(RTDXF0, L"VERTEX", 70, 64, 0)), AcDbPolygonMeshVertex::desc());
+    EXPECT_EQ(classOf(acutBuildList(RTDXF0, L"VERTEX", 70, 192, 0)),
+              AcDbPolyFaceMeshVertex::desc());
+    EXPECT_EQ(classOf(acutBuildList(RTDXF0, L"VERTEX", 70, 128, 0)), AcDbFaceRecord::desc());
     EXPECT_EQ(classOf(acutBuildList(RTDXF0, L"NO_SUCH_THING", 0)), nullptr);
     EXPECT_EQ(classOf(acutBuildList(8, L"0", 0)), nullptr);
 }

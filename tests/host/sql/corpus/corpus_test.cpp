@@ -103,7 +103,7 @@ class CorpusTest : public FolderTest, public testing::WithParamInterface<std::fi
 
     void compare(const Entry& entry, const std::wstring& text) {
         const Statement statement = parseStatement(text);
-        if (entry.rows || (entry.error && givesRows(statement))) {
+        if (entry.rows || (entry.error && session_->givesRows(statement))) {
             const auto rows = session_->select(statement, entry.parameters);
             ASSERT_TRUE(entry.rows) << "there are " << rows->recordCount() << " rows";
             ExpectedRows result = resultOf(*rows, entry.rows->inOrder);
@@ -117,13 +117,6 @@ class CorpusTest : public FolderTest, public testing::WithParamInterface<std::fi
         } else {
             EXPECT_TRUE(entry.isDone) << "there is no error";
         }
-    }
-
-    static bool givesRows(const Statement& statement) {
-        const auto* query = std::get_if<QueryPtr>(&statement.body);
-        if (query == nullptr) return false;
-        const auto* select = std::get_if<Select>(&(*query)->body);
-        return select == nullptr || !select->into;
     }
 
     void follow(const std::vector<std::string>& words) {
