@@ -3,7 +3,7 @@
 JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 
-.PHONY: all deps build asan test demo bench fuzz format lint install clean
+.PHONY: all deps build asan test demo bench fuzz memcheck format lint install clean uninstall package
 
 all: build
 
@@ -25,12 +25,18 @@ test: build asan
 demo: build
 	@scripts/demo.sh
 
+# One table of every budget, beside the programs that do the same where they are installed.
+# make bench WRITE=docs/performance.md keeps it.
 bench: build
-	@scripts/bench.sh
+	@/usr/bin/python3 bench/compare $(if $(WRITE),--write $(WRITE))
 
 # Five minutes a target; FUZZ_SECONDS=60 make fuzz for less.
 fuzz: deps
 	@scripts/fuzz.sh
+
+# The unit tests under valgrind.
+memcheck: build
+	@scripts/memcheck.sh
 
 format:
 	git ls-files '*.cpp' '*.h' | xargs clang-format -i
@@ -39,7 +45,15 @@ lint: build
 	git ls-files 'src/*.cpp' | xargs clang-tidy -p build/release --quiet
 
 install: build
-	cmake --install build/release --prefix $(PREFIX)
+	cmake --install build/release --prefix "$$(realpath -m -- "$(PREFIX)")"
+
+# What the last `make install` has put in place.
+uninstall:
+	cmake -DMANIFEST=$(CURDIR)/build/release/install_manifest.txt -P cmake/uninstall.cmake
+
+# A Debian package, in build/.
+package: build
+	cpack --config build/release/CPackConfig.cmake -B build
 
 clean:
 	rm -rf build

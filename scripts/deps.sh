@@ -7,7 +7,7 @@ packages="g++ cmake ninja-build make pkg-config ccache git python3
 libfmt-dev libcli11-dev libedit-dev libgtest-dev libgmock-dev libbenchmark-dev libsqlite3-dev libzip-dev
 zlib1g-dev libcurl4-openssl-dev libssl-dev openssl unzip zip python3-aiosmtpd python3-ezdxf qt6-base-dev
 libocct-foundation-dev libtbb-dev
-libocct-modeling-data-dev libocct-modeling-algorithms-dev libocct-data-exchange-dev hershey-fonts-data binutils"
+libocct-modeling-data-dev libocct-modeling-algorithms-dev libocct-data-exchange-dev hershey-fonts-data binutils bash-completion file dpkg-dev"
 
 missing=""
 for package in $packages; do

@@ -1,5 +1,6 @@
-;; The language benchmarks, each the best of five runs in milliseconds; language.py holds the same
-;; algorithms for CPython.
+;; One of the language programs, twenty times; language.py holds the same algorithms for CPython.
+;;
+;;   swiftgate run bench/compare/language.lsp -- fib|list|strings|while
 
 (defun fib (n)
   (if (< n 2) n (+ (fib (- n 1)) (fib (- n 2)))))
@@ -30,16 +31,6 @@
           i (+ i 1)))
   i)
 
-(defun measure (name work / best start took)
-  (repeat 5
-    (setq start (getvar "MILLISECS"))
-    (work)
-    (setq took (- (getvar "MILLISECS") start))
-    (if (or (null best) (< took best)) (setq best took)))
-  (princ (strcat name " " (itoa best) "\n")))
-
-(measure "fib(25)" run-fib)
-(measure "list-300k" run-list)
-(measure "strings-200k" run-strings)
-(measure "while-1M" run-while)
+(setq work (eval (read (strcat "run-" (car (host-arguments))))))
+(repeat 20 (work))
 (princ)

@@ -97,7 +97,7 @@
 (make-layer "A-DOOR" 3 25)
 (make-layer "A-GLAZ" 4 25)
 (make-layer "A-AREA" 9 13)
-(make-layer "A-AREA-NUMB" 2 25)
+(make-layer "A-AREA-NUMB" 14 25)
 (make-layer "A-AREA-NAME" 7 25)
 
 ; --- Walls

@@ -1,14 +1,16 @@
 ; Makes the project database of an office floor: a layer standard, equipment types, what rooms need,
-; and an empty schedule.
+; and empty schedules.
 ;
-;   swiftgate run examples/office/make_project.lsp -- project.mdb
+;   swiftgate run examples/office/make_project.lsp --path examples/office -- project.mdb
 ;
 ; The standards tables are those that the customization dialogs edit (qn_qn-customizeLayers and its
 ; kin); the others are the office's own.
 
+(load "tools")
+
 (setq project (car (host-arguments)))
-(if (null project) (progn (princ "\nName the database to make: -- project.mdb\n") (exit)))
-(if (findfile project) (progn (princ (strcat "\n" project " is there already.\n")) (exit)))
+(if (null project) (fail "Name the database to make behind --"))
+(if (findfile project) (fail (strcat project " is there already")))
 
 ; What every row of a standards table carries besides its own values.
 (setq master '(("ixMasterDatabase" "LONG" nil nil) ("iMasterDatabaseIndex" "LONG" nil nil)))
@@ -25,19 +27,17 @@
 
 ; Makes a table, or ends the program with the engine's reason.
 (defun make-table (name fields)
-  (if (null (sg_create_table name fields))
-    (progn (princ (strcat "\n" name ": " (sg_lastError) "\n")) (exit))))
+  (if (null (sg_create_table name fields)) (fail (strcat name ": " (sg_lastError)))))
 
 ; Appends rows to a table; a row lists its values in the order of `fields`.
 (defun fill-table (table fields rows)
-  (sg_table table)
-  (foreach row rows (sg_append (mapcar 'cons fields row)))
+  (foreach row rows (add-row table (mapcar 'cons fields row)))
   (sg_close_table)
   (princ (strcat "\n  " table ": " (itoa (length rows)) " rows")))
 
 (princ (strcat "\nMaking " project))
-(sg_create_db project)
-(sg_connect project)
+(if (null (sg_create_db project)) (fail (strcat project " cannot be made")))
+(open-project project)
 
 ; --- The layer standard
 
@@ -76,7 +76,8 @@
         '("iSortOrder" "INT" nil nil)))
 
 (fill-table "tblGlobal" '("sKey" "bNumeric" "sText" "dNumber")
-  '(("Units" nil "mm" nil) ("DuctHeightAboveFloor" T nil 2900.0) ("DuctVelocity" T nil 4.5)
+  '(("Units" nil "mm" nil) ("DuctHeightAboveFloor" T nil 2900.0) ("CeilingHeight" T nil 2700.0)
+    ("DuctVelocity" T nil 4.5)
     ("SupplyTemperature" T nil 18.0)))
 
 ; Name, colour, linetype, lineweight in hundredths of a millimetre; all of them plot.
@@ -90,10 +91,11 @@
              (list (car layer) nil (cadr layer) (caddr layer) T (cadddr layer)))
           layers))
 
+; Angles are in radians.
 (fill-table "tblLayerSystem"
   '("sDescription" "iSortOrder" "bSolid" "sPrefix" "sSuffix" "supplyHatchOn" "supplyHatchType"
     "supplyHatchPattern" "supplyHatchAngle" "supplyHatchScale" "bHatchFlexDucts")
-  '(("Supply air" 1 T "SA" "" T "Predefined" "ANSI31" 45.0 1.0 nil)
+  '(("Supply air" 1 T "SA" "" T "Predefined" "ANSI31" 0.7853982 1.0 nil)
     ("Extract air" 2 T "EA" "" nil "Predefined" "ANSI31" 0.0 1.0 nil)))
 
 (defun layer-id (name)
@@ -119,12 +121,17 @@
 
 (fill-table "tblLabelGroup"
   '("sGroup" "sKey" "sLabel" "dWidth" "sJustification" "bDisplay" "iSortOrder")
-  '(("Equipment schedule" "Tag" "TAG" 1500.0 "Left" T 0)
+  '(("Equipment schedule" "Schedule Title" "AIR AND LIGHTING" nil "Left" T -1)
+    ("Equipment schedule" "Tag" "TAG" 1500.0 "Left" T 0)
     ("Equipment schedule" "Room" "ROOM" 1500.0 "Left" T 1)
     ("Equipment schedule" "Type" "TYPE" 3600.0 "Left" T 2)
     ("Equipment schedule" "Airflow" "AIR m3/h" 1800.0 "Right" T 3)
     ("Equipment schedule" "Power" "POWER W" 1800.0 "Right" T 4)
-    ("Equipment schedule" "Remarks" "REMARKS" nil "Left" nil -1)))
+    ("Equipment schedule" "Remarks" "REMARKS" nil "Left" nil 5)
+    ("Duct schedule" "Schedule Title" "SUPPLY DUCT" nil "Left" T -1)
+    ("Duct schedule" "Size" "SIZE mm" 1800.0 "Left" T 0)
+    ("Duct schedule" "Pieces" "PIECES" 1500.0 "Right" T 1)
+    ("Duct schedule" "Length" "LENGTH m" 1800.0 "Right" T 2)))
 
 ; --- The office's own tables
 
@@ -140,7 +147,15 @@
   (list (id-field "ixSchedule") '("sTag" "TEXT" 20 T nil "X" T) '("sRoom" "TEXT" 10 T nil "X")
         '("sType" "TEXT" 40 T nil) '("sHandle" "TEXT" 16 nil nil) '("dAirflow" "REAL" nil nil)
         '("dPower" "REAL" nil nil) '("dX" "REAL" nil nil) '("dY" "REAL" nil nil)
-        '("tPlaced" "DATE" nil nil)))
+        '("dZ" "REAL" nil nil) '("tPlaced" "DATE" nil nil)))
+
+; Pieces of duct: straight ones from one end to the other; fittings and hangers have a place only.
+(make-table "tblDuct"
+  (list (id-field "ixDuct") '("sHandle" "TEXT" 16 T nil "X" T) '("sKind" "TEXT" 20 T nil "X")
+        '("sSize" "TEXT" 20 T nil) '("sServes" "TEXT" 20 T nil "X") '("dAirflow" "REAL" nil nil)
+        '("dWidth" "REAL" nil nil) '("dHeight" "REAL" nil nil) '("dLength" "REAL" nil nil)
+        '("dX1" "REAL" nil nil) '("dY1" "REAL" nil nil) '("dZ1" "REAL" nil nil)
+        '("dX2" "REAL" nil nil) '("dY2" "REAL" nil nil) '("dZ2" "REAL" nil nil)))
 
 ; Air in cubic metres an hour, power in watts.
 (fill-table "tblEquipment"

@@ -1,20 +1,5 @@
-; The rooms of a floor, as its drawing tells them.
-
-; A value of an entity's data; nil when it has none.
-(defun value-of (code data) (cdr (assoc code data)))
-
-; Every entity of the drawing that fits a filter, as a list of its data.
-(defun entities-like (filter / found index list-of)
-  (setq found (ssget "_X" filter)
-        index 0)
-  (if found
-    (repeat (sslength found)
-      (setq list-of (cons (entget (ssname found index)) list-of)
-            index (1+ index))))
-  (reverse list-of))
-
-(defun all-values (code data)
-  (mapcar 'cdr (vl-remove-if-not '(lambda (pair) (= (car pair) code)) data)))
+; The rooms of a floor, as its drawing tells them: a closed polyline on "A-AREA", its number and its
+; name as texts inside it.
 
 (defun inside-p (point west south east north)
   (and (< west (car point) east) (< south (cadr point) north)))
@@ -25,25 +10,28 @@
     (if (inside-p (value-of 11 text) west south east north) (setq found (value-of 1 text))))
   (if found found ""))
 
-; Every room as (("number" . ..) ("name" . ..) ("west" . ..) ("south" . ..) ("east" . ..)
-; ("north" . ..) ("area" . square metres)), by number.
-(defun read-rooms (/ numbers names rooms points xs ys west south east north)
-  (setq numbers (entities-like '((0 . "TEXT") (8 . "A-AREA-NUMB")))
-        names (entities-like '((0 . "TEXT") (8 . "A-AREA-NAME"))))
-  (foreach outline (entities-like '((0 . "LWPOLYLINE") (8 . "A-AREA")))
-    (setq points (all-values 10 outline)
-          xs (mapcar 'car points)
-          ys (mapcar 'cadr points)
-          west (apply 'min xs)
-          south (apply 'min ys)
-          east (apply 'max xs)
-          north (apply 'max ys)
-          rooms (cons (list (cons "number" (text-inside numbers west south east north))
-                            (cons "name" (text-inside names west south east north))
-                            (cons "west" west) (cons "south" south) (cons "east" east)
-                            (cons "north" north)
-                            (cons "area" (/ (* (- east west) (- north south)) 1000000.0)))
-                      rooms)))
+; A room as (("number" . ..) ("name" . ..) ("west" . ..) ("south" . ..) ("east" . ..) ("north" . ..)
+; ("area" . square metres)).
+(defun room-of (outline numbers names / points xs ys west south east north)
+  (setq points (all-values 10 outline)
+        xs (mapcar 'car points)
+        ys (mapcar 'cadr points)
+        west (apply 'min xs)
+        south (apply 'min ys)
+        east (apply 'max xs)
+        north (apply 'max ys))
+  (list (cons "number" (text-inside numbers west south east north))
+        (cons "name" (text-inside names west south east north))
+        (cons "west" west) (cons "south" south) (cons "east" east) (cons "north" north)
+        (cons "area" (/ (* (- east west) (- north south)) 1000000.0))))
+
+; Every room, by number.
+(defun read-rooms (/ numbers names rooms)
+  (setq numbers (data-like '((0 . "TEXT") (8 . "A-AREA-NUMB")))
+        names (data-like '((0 . "TEXT") (8 . "A-AREA-NAME")))
+        rooms (mapcar '(lambda (outline) (room-of outline numbers names))
+                      (data-like '((0 . "LWPOLYLINE") (8 . "A-AREA")))))
+  (if (null rooms) (fail "The drawing has no rooms: no closed polylines on the layer A-AREA"))
   (vl-sort rooms '(lambda (a b) (< (value-of "number" a) (value-of "number" b)))))
 
 ; Places for at least `count` things in so many rows over a room, as many in each row.

@@ -1,66 +1,53 @@
-; The schedule: what the database knows of the equipment, drawn as a table.
+; The schedules: what the database knows of the equipment and of the ducts, drawn as tables.
 
-(setq schedule-row 300.0)
+; The rows of a query of several columns, each as its values alone.
+(defun query-rows (sql) (mapcar '(lambda (row) (mapcar 'cdr row)) (sg_sql sql)))
 
-; The columns that are shown: ((key label width justification) ...).
-(defun schedule-columns ()
-  (mapcar '(lambda (row) (mapcar 'cdr row))
-          (sg_sql (strcat "SELECT sKey, sLabel, dWidth, sJustification FROM tblLabelGroup "
-                          "WHERE sGroup = 'Equipment schedule' AND bDisplay = True "
-                          "ORDER BY iSortOrder"))))
+; The columns that are shown of a group of labels: ((key label width justification) ...).
+(defun label-columns (group)
+  (query-rows (strcat "SELECT sKey, sLabel, dWidth, sJustification FROM tblLabelGroup "
+                      "WHERE sGroup = '" group "' AND bDisplay = True AND iSortOrder >= 0 "
+                      "ORDER BY iSortOrder")))
 
-; One line for each room and type: room, type, how many, and their sums.
-(defun schedule-lines ()
-  (mapcar '(lambda (row) (mapcar 'cdr row))
-          (sg_sql (strcat "SELECT Min(sTag) AS Tag, sRoom, sType, Count(*) AS Pieces, "
-                          "Sum(dAirflow) AS Air, Sum(dPower) AS Power FROM tblSchedule "
-                          "GROUP BY sRoom, sType ORDER BY sRoom, sType"))))
+(defun label-title (group)
+  (car (sg_sql (strcat "SELECT sLabel FROM tblLabelGroup WHERE sGroup = '" group
+                       "' AND sKey = 'Schedule Title'"))))
 
-(defun draw-rule (layer from to)
-  (entmake (list '(0 . "LINE") (cons 8 layer) (cons 10 from) (cons 11 to))))
+; The equipment, a line for each room and type: ((key . text) ...), and at last their sums.
+(defun equipment-lines (/ rows)
+  (setq rows (query-rows (strcat "SELECT Min(sTag), sRoom, sType, Count(*), Sum(dAirflow), "
+                                 "Sum(dPower) FROM tblSchedule GROUP BY sRoom, sType "
+                                 "ORDER BY sRoom, sType")))
+  (append
+    (mapcar '(lambda (row)
+               (mapcar 'cons '("Tag" "Room" "Type" "Airflow" "Power")
+                       (list (car row) (cadr row)
+                             (strcat (itoa (fix (cadddr row))) " x " (caddr row))
+                             (number-text (nth 4 row) 0) (number-text (nth 5 row) 0))))
+            rows)
+    (equipment-total)))
 
-; A cell's text: attached left or right of its column, halfway up its row.
-(defun draw-cell (layer text x y width justification / at attachment)
-  (if (= justification "Right")
-    (setq at (list (+ x (- width 80.0)) y 0.0) attachment 6)
-    (setq at (list (+ x 80.0) y 0.0) attachment 4))
-  (entmake (list '(0 . "MTEXT") '(100 . "AcDbEntity") (cons 8 layer) '(100 . "AcDbMText")
-                 (cons 10 at) '(40 . 140.0) (cons 41 (- width 160.0)) (cons 71 attachment)
-                 '(72 . 1) (cons 1 text))))
+(defun equipment-total (/ row)
+  (setq row (car (query-rows (strcat "SELECT Count(*), Sum(dAirflow), Sum(dPower) "
+                                     "FROM tblSchedule"))))
+  (list (mapcar 'cons '("Tag" "Type" "Airflow" "Power")
+                (list "TOTAL" (strcat (itoa (fix (car row))) " pieces")
+                      (number-text (cadr row) 0) (number-text (caddr row) 0)))))
 
-(defun number-text (x digits) (if x (rtos x 2 digits) ""))
+; The ducts, a line for each size: how many straight pieces, and how many metres.
+(defun duct-lines ()
+  (mapcar '(lambda (row)
+             (mapcar 'cons '("Size" "Pieces" "Length")
+                     (list (car row) (itoa (fix (cadr row))) (number-text (caddr row) 2))))
+          (query-rows (strcat "SELECT sSize, Count(*), Sum(dLength) / 1000 FROM tblDuct "
+                              "WHERE sKind = 'Straight' GROUP BY sSize ORDER BY sSize"))))
 
-; What a line shows in the column of a key.
-(defun cell-text (line key)
-  (cond ((= key "Tag") (car line))
-        ((= key "Room") (cadr line))
-        ((= key "Type") (strcat (itoa (fix (cadddr line))) " x " (caddr line)))
-        ((= key "Airflow") (number-text (nth 4 line) 0))
-        ((= key "Power") (number-text (nth 5 line) 0))
-        (T "")))
+; The texts of a line in the order of the columns.
+(defun cells-of (line columns)
+  (mapcar '(lambda (column) (cond ((value-of (car column) line)) (""))) columns))
 
-; Draws the schedule with its top left corner at a point; answers how many lines it has.
-(defun draw-schedule (layer corner / columns lines width x y bottom)
-  (setq columns (schedule-columns)
-        lines (schedule-lines)
-        width (apply '+ (mapcar 'caddr columns))
-        bottom (- (cadr corner) (* schedule-row (1+ (length lines))))
-        x (car corner)
-        y (- (cadr corner) (/ schedule-row 2.0)))
-  (foreach column columns
-    (draw-cell layer (strcat "{\\L" (cadr column) "}") x y (caddr column) (cadddr column))
-    (draw-rule layer (list x (cadr corner) 0.0) (list x bottom 0.0))
-    (setq x (+ x (caddr column))))
-  (draw-rule layer (list x (cadr corner) 0.0) (list x bottom 0.0))
-  (draw-rule layer (list (car corner) (cadr corner) 0.0) (list x (cadr corner) 0.0))
-  (setq y (cadr corner))
-  (foreach line lines
-    (setq y (- y schedule-row)
-          x (car corner))
-    (draw-rule layer (list x y 0.0) (list (+ x width) y 0.0))
-    (foreach column columns
-      (draw-cell layer (cell-text line (car column)) x (- y (/ schedule-row 2.0))
-                 (caddr column) (cadddr column))
-      (setq x (+ x (caddr column)))))
-  (draw-rule layer (list (car corner) bottom 0.0) (list (+ (car corner) width) bottom 0.0))
-  (length lines))
+; Draws the schedule of a group of labels and answers the y of its lower edge.
+(defun draw-schedule (group lines layer corner / columns)
+  (setq columns (label-columns group))
+  (draw-table (list layer 300.0 140.0) corner (label-title group) (mapcar 'cdr columns)
+              (mapcar '(lambda (line) (cells-of line columns)) lines)))

@@ -6,8 +6,11 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 
 #include "app/exit_codes.h"
+#include "app/help_format.h"
+#include "app/usage_error.h"
 #include "base/encoding.h"
 #include "platform/variant/date_text.h"
 
@@ -100,9 +103,8 @@ CLI::App* addConvert(CLI::App& app, Narrow& narrow, Arguments& arguments) {
         ->required();
     command
         ->add_option("--release", narrow.release,
-                     "The release of OUT: 2000, 2007, 2013 or 2018 [that of FILE, or the next one "
-                     "of these]")
-        ->type_name("RELEASE")
+                     "The release of OUT [that of FILE, or the next one of these]")
+        ->type_name("2000|2007|2013|2018")
         ->check(CLI::IsMember({"2000", "2007", "2013", "2018"}));
     command->add_flag("--binary", arguments.drawingFile.isBinary, "Write a binary file");
     command->add_flag("--flatten", arguments.drawingFile.isFlat,
@@ -128,7 +130,9 @@ std::optional<std::pair<int, int>> parsePixels(const std::string& text) {
 
 std::string checkPixels(const std::string& text) {
     if (parsePixels(text)) return {};
-    return "\"" + text + "\" is no size of a picture; write WIDTHxHEIGHT in pixels, as 1600x1200";
+    return "\"" + text +
+           "\" is no size of a picture; write WIDTHxHEIGHT in pixels, at most 30000 each, as "
+           "1600x1200";
 }
 
 CLI::App* addRender(CLI::App& app, Narrow& narrow, Arguments& arguments) {
@@ -359,6 +363,14 @@ void widen(const Narrow& narrow, Arguments& arguments) {
     arguments.memoryLimit = parseSize(narrow.memoryLimit).value_or(0);
 }
 
+// The command of a name; null when there is none.
+const CLI::App* commandNamed(const CLI::App& app, const std::string& name) {
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+        if (command->get_name() == name) return command;
+    }
+    return nullptr;
+}
+
 }  // namespace
 
 std::optional<uint64_t> parseSize(std::string_view text) {
@@ -389,6 +401,7 @@ ParsedArguments parseArguments(int count, char** words) {
     CLI::App app("Runs AutoLISP programs for building services.", "swiftgate");
     app.set_version_flag("--version", "swiftgate " + toUtf8(SWIFTGATE_VERSION));
     app.require_subcommand(0, 1);
+    app.formatter(std::make_shared<HelpFormat>());
 
     CLI::App* const run = app.add_subcommand("run", "Run a program");
     run->add_option("PROGRAM", narrow.program,
@@ -414,15 +427,17 @@ ParsedArguments parseArguments(int count, char** words) {
     CLI::App* const render = addRender(app, narrow, arguments);
     CLI::App* const db = addDatabaseCommands(app, narrow, arguments.database);
 
-    CLI::App* const help = app.add_subcommand("help", "Explain a function, or list them all");
-    help->add_option("FUNCTION", narrow.function, "The function's name")->type_name("");
+    CLI::App* const help =
+        app.add_subcommand("help", "Explain a function or a command, or list all functions");
+    help->add_option("FUNCTION", narrow.function, "The name of a function or of a command")
+        ->type_name("");
     help->add_flag("--missing", arguments.missing,
                    "List the module's functions that are not part of this build");
+    help->add_flag("--names", arguments.names, "List the names of all functions, one a line");
     addHostOptions(*help, narrow, arguments);
 
-    app.failure_message([](const CLI::App*, const CLI::Error& error) {
-        return std::string("swiftgate: ") + error.what() +
-               "\nRun swiftgate --help, or swiftgate COMMAND --help, for how to call it.\n";
+    app.failure_message([](const CLI::App* program, const CLI::Error& error) {
+        return usageError(*program, error);
     });
     try {
         app.parse(static_cast<int>(separator - words), words);
@@ -436,6 +451,11 @@ ParsedArguments parseArguments(int count, char** words) {
             throw CLI::RequiredError(
                 "A command: tables, schema, export, sql, import, queries, browse, check or "
                 "compact");
+        }
+        if (const CLI::App* const command =
+                help->parsed() ? commandNamed(app, narrow.function) : nullptr) {
+            std::fputs(command->help(app.get_name()).c_str(), stdout);
+            return {std::nullopt, kDone};
         }
         if (db->parsed()) {
             checkExport(narrow, arguments.database);

@@ -78,6 +78,7 @@ struct Arguments {
 
     std::wstring function;  // of help; empty: the overview
     bool missing = false;
+    bool names = false;
 
     DrawingArguments drawingFile;
     PictureArguments picture;

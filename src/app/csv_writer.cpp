@@ -15,32 +15,30 @@ namespace sg::app {
 namespace {
 
 constexpr size_t kLongestNumber = 32;
-constexpr size_t kPiece = 4096;  // of a text or of bytes, encoded at a time
+constexpr size_t kPiece = 4096;  // of a text or of bytes, written at a time
 
 // Between these, and at zero, a number is written without an exponent; every whole number below the
 // upper one has a value of its own in a double.
 constexpr double kSmallestPlain = 1e-5;
 constexpr double kLargestPlain = 1e15;
 
-constexpr bool needsQuotes(wchar_t c) {
-    return c == L',' || c == L'"' || c == L'\n' || c == L'\r';
+bool needsQuotes(char c) {
+    static constexpr auto needing = [] {
+        std::array<bool, 256> table{};
+        for (const unsigned char each : {',', '"', '\n', '\r'})
+            table[each] = true;
+        return table;
+    }();
+    return needing[static_cast<unsigned char>(c)];
 }
 
-// Copies characters up to the first that needs quotes or more than a byte; answers how many.
-size_t copyPlain(std::wstring_view text, char* to) {
-    static constexpr auto isPlain = [] {
-        std::array<bool, 128> plain{};
-        for (size_t c = 0; c < plain.size(); ++c)
-            plain[c] = !needsQuotes(static_cast<wchar_t>(c));
-        return plain;
-    }();
-    size_t count = 0;
-    for (const wchar_t c : text) {
-        const auto code = static_cast<uint32_t>(c);
-        if (code >= isPlain.size() || !isPlain[code]) break;
-        to[count++] = static_cast<char>(c);
+// Copies what stands between quotes, each quote twice.
+char* putWithin(char* to, std::string_view text) {
+    for (const char c : text) {
+        if (c == '"') *to++ = '"';
+        *to++ = c;
     }
-    return count;
+    return to;
 }
 
 char* putTwo(char* to, int number) {
@@ -99,34 +97,21 @@ void CsvWriter::endRow() {
     inRow_ = false;
 }
 
-void CsvWriter::text(std::wstring_view text) {
+void CsvWriter::text(std::string_view text) {
     separate();
-    // Most texts are short and plain. What was copied of others is written over.
-    const std::wstring_view start = text.substr(0, kPiece);
-    char* const first = reserve(kPiece);
-    if (copyPlain(start, first) == text.size() && !text.empty()) {
-        take(first + text.size());
-        return;
-    }
     const bool quoted = text.empty() || std::any_of(text.begin(), text.end(), needsQuotes);
     if (quoted) put("\"");
     while (!text.empty()) {
-        const std::wstring_view piece = text.substr(0, kPiece);
+        const std::string_view piece = text.substr(0, kPiece);
         text.remove_prefix(piece.size());
-        char* to = reserve(4 * piece.size());
-        for (const wchar_t c : piece) {
-            if (c < 0x80) {
-                if (c == L'"') *to++ = '"';
-                *to++ = static_cast<char>(c);
-            } else {
-                // One character's bytes fit into the string object itself.
-                const std::string bytes = toUtf8({&c, 1});
-                to = std::copy(bytes.begin(), bytes.end(), to);
-            }
-        }
-        take(to);
+        char* const to = reserve(2 * piece.size());
+        take(quoted ? putWithin(to, piece) : std::copy(piece.begin(), piece.end(), to));
     }
     if (quoted) put("\"");
+}
+
+void CsvWriter::text(std::wstring_view text) {
+    this->text(std::string_view(toUtf8(text)));
 }
 
 void CsvWriter::number(int64_t number) {

@@ -23,6 +23,7 @@ class CsvWriter {
 
     // Each writes the next field of the row.
     void null() { separate(); }
+    void text(std::string_view utf8);
     void text(std::wstring_view text);
     void number(int64_t number);
     // With the fewest digits that give the same number when they are read.

@@ -16,6 +16,7 @@
 #include "app/progress_bar.h"
 #include "base/encoding.h"
 #include "base/text.h"
+#include "host/jet/values/text_codec.h"
 #include "host/seam/file_error.h"
 #include "host/system/files.h"
 #include "host/system/paths.h"
@@ -119,6 +120,7 @@ class Exporter {
     void count(const jet::CatalogObject& object);
     void exportTable(const jet::CatalogObject& object, const std::wstring& path);
     void writeRows(const jet::Table& table, CsvWriter& csv);
+    void writeValue(const jet::RowCursor& row, size_t column, CsvWriter& csv);
     bool nextRow(jet::RowCursor& cursor);
 
     jet::Database& database_;
@@ -126,6 +128,8 @@ class Exporter {
     DamageReport damage_;
     uint64_t done_ = 0;   // rows
     uint64_t total_ = 0;  // rows, those of linked tables left out
+    jet::Value value_;    // these two are used again for each value
+    std::string text_;
 };
 
 // Goes to the next row that can be read.
@@ -147,21 +151,29 @@ void Exporter::writeRows(const jet::Table& table, CsvWriter& csv) {
         csv.text(table.definition().columns[column].name);
     csv.endRow();
 
-    // One value a column, so that each keeps the memory of its type.
-    std::vector<jet::Value> values(order.size());
     jet::RowCursor cursor = table.scan();
     while (!csv.failed() && nextRow(cursor)) {
-        for (size_t i = 0; i < order.size(); ++i) {
+        for (const size_t column : order) {
             try {
-                cursor.value(order[i], values[i]);
+                writeValue(cursor, column, csv);
             } catch (const jet::Error& error) {
                 damage_.add(error);
-                values[i] = std::monostate();
+                csv.null();
             }
-            std::visit(CsvValueWriter{csv}, values[i]);
         }
         csv.endRow();
     }
+}
+
+// Throws before it has written anything.
+void Exporter::writeValue(const jet::RowCursor& row, size_t column, CsvWriter& csv) {
+    if (row.isNull(column) || !row.table().definition().columns[column].isText()) {
+        row.value(column, value_);
+        std::visit(CsvValueWriter{csv}, value_);
+        return;
+    }
+    const jet::Format& format = row.table().store().format();
+    csv.text(jet::decodeTextUtf8(row.content(column), format, text_));
 }
 
 void Exporter::exportTable(const jet::CatalogObject& object, const std::wstring& path) {

@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "app/exit_codes.h"
-#include "app/nearest_names.h"
 #include "app/process.h"
+#include "base/nearest_names.h"
 #include "base/text.h"
 #include "host/system/database_files.h"
 #include "host/system/paths.h"
@@ -73,8 +73,9 @@ jet::CatalogObject findTable(const jet::Database& database, const std::wstring& 
     std::vector<std::wstring> names;
     for (const jet::CatalogObject& table : userTables(database))
         names.push_back(table.name);
-    throw UnknownTable{L"no table \"" + name + L"\" in " + database.name() +
-                       suggestion(nearestNames(names, name, kMostSuggestions))};
+    std::wstring near = suggestion(nearestNames(names, name, kMostSuggestions));
+    if (near.empty()) near = L"; swiftgate db tables " + database.name() + L" lists them";
+    throw UnknownTable{L"no table \"" + name + L"\" in " + database.name() + near};
 }
 
 std::vector<size_t> shownOrder(const jet::TableDefinition& table) {

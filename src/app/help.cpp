@@ -7,11 +7,12 @@
 #include "app/columns.h"
 #include "app/commands.h"
 #include "app/exit_codes.h"
-#include "app/nearest_names.h"
 #include "app/process.h"
 #include "app/session.h"
+#include "base/nearest_names.h"
 #include "base/text.h"
 #include "host/editor/command_line_output.h"
+#include "host/editor/commands/command_table.h"
 #include "host/editor/documents.h"
 #include "host/lisp/interpreter.h"
 #include "host/lisp/objects.h"
@@ -24,6 +25,8 @@ namespace sg::app {
 namespace {
 
 constexpr size_t kMostSuggestions = 5;
+constexpr const wchar_t* kCommandHelp =
+    L"{0}: a command; {0} at the prompt of swiftgate repl, (command \"_.{0}\" ...) in programs\n";
 
 // The family of the module's functions that this build may lack.
 bool isOfModule(const FunctionPages::Family& family) {
@@ -31,7 +34,7 @@ bool isOfModule(const FunctionPages::Family& family) {
 }
 
 std::wstring functionFolder() {
-    return absolutePath(executableFolder() + L"/../share/swiftgate/functions");
+    return joinPath(shareFolder(), L"functions");
 }
 
 // The spelling that the module's table has of a missing function; null when it is none.
@@ -95,8 +98,14 @@ int printFunction(Session& session, const std::wstring& name, const FunctionPage
         output.print(name + L": a function of a module, without a page of its own\n");
         return kDone;
     }
+    if (const CommandRow* const command = findCommand(name)) {
+        output.print(fmt::format(kCommandHelp, command->name));
+        return kDone;
+    }
+    const std::wstring near =
+        suggestion(nearestNames(explainedNames(pages), name, kMostSuggestions));
     session.complain(L"no function \"" + name + L"\"" +
-                     suggestion(nearestNames(explainedNames(pages), name, kMostSuggestions)));
+                     (near.empty() ? L"; swiftgate help lists them all" : near));
     return kWrongUsage;
 }
 
@@ -111,6 +120,11 @@ int explain(Session& session, const Arguments& arguments) {
     }
     const FunctionPages pages = FunctionPages::read(functionFolder());
     if (pages.families().empty()) throw FileError(L"no function pages in " + functionFolder());
+    if (arguments.names) {
+        for (const std::wstring& name : explainedNames(pages))
+            output.print(name + L"\n");
+        return kDone;
+    }
     if (!arguments.function.empty()) return printFunction(session, arguments.function, pages);
     printOverview(output, pages);
     return kDone;

@@ -1,5 +1,6 @@
 #include "app/process.h"
 
+#include <sys/auxv.h>
 #include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -10,6 +11,8 @@
 #include <string>
 
 #include "base/encoding.h"
+#include "host/system/files.h"
+#include "host/system/paths.h"
 
 namespace sg::app {
 namespace {
@@ -27,6 +30,24 @@ bool makeFolders(const std::string& path) {
     }
 }
 
+// This executable's file. Where /proc is not mounted, as in a bare chroot, it is taken as it was
+// called.
+std::string executableFile() {
+    std::string path(4096, '\0');
+    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
+    if (length > 0) return path.substr(0, static_cast<size_t>(length));
+    const auto* const called = reinterpret_cast<const char*>(getauxval(AT_EXECFN));
+    return called != nullptr ? called : "";
+}
+
+// A path from the folder that holds this executable.
+std::wstring besideExecutable(const std::wstring& relative) {
+    const std::string path = executableFile();
+    const size_t slash = path.rfind('/');
+    const std::wstring folder = fromUtf8(path.substr(0, slash == std::string::npos ? 0 : slash));
+    return absolutePath(joinPath(folder, relative));
+}
+
 }  // namespace
 
 void raiseStackLimit() {
@@ -40,12 +61,13 @@ void raiseStackLimit() {
     setrlimit(RLIMIT_STACK, &limit);
 }
 
-std::wstring executableFolder() {
-    std::string path(4096, '\0');
-    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
-    path.resize(length > 0 ? static_cast<size_t>(length) : 0);
-    const size_t slash = path.rfind('/');
-    return fromUtf8(path.substr(0, slash == std::string::npos ? 0 : slash));
+std::wstring moduleFolder() {
+    const std::wstring installed = besideExecutable(L"../lib/swiftgate/modules");
+    return isFolder(installed) ? installed : besideExecutable(L"../modules");
+}
+
+std::wstring shareFolder() {
+    return besideExecutable(L"../share/swiftgate");
 }
 
 std::wstring stateFolder() {

@@ -9,8 +9,10 @@ namespace sg::app {
 // before the host is made, which measures the stack.
 void raiseStackLimit();
 
-// The folder that holds this executable; its neighbours hold modules and function pages.
-std::wstring executableFolder();
+// The folders of what comes with this executable, found by its own place: modules, in an
+// installation or in a build; documents and the programs of the support path.
+std::wstring moduleFolder();
+std::wstring shareFolder();
 
 // The folder for what the program remembers between runs, made when it is not there:
 // $XDG_STATE_HOME/swiftgate, else ~/.local/state/swiftgate. Empty when it cannot be made.

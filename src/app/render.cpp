@@ -102,7 +102,13 @@ int renderDrawing(Session& session, const Arguments& arguments) {
     read(session, database, arguments.drawingFile.file);
     render::Rendering rendering;
     try {
-        rendering = render::render(database, optionsOf(arguments.picture, *format));
+        render::Options options = optionsOf(arguments.picture, *format);
+        std::wstring drawing;
+        database.getFilename(drawing);
+        options.findImage = render::findBesideDrawing(drawing, [&](const std::wstring& name) {
+            return session.host().findSupportFile(name).value_or(L"");
+        });
+        rendering = render::render(database, options);
     } catch (const render::NotInDrawing& error) {
         session.complain(arguments.drawingFile.file + L": " + error.text());
         return kWrongUsage;
@@ -110,6 +116,8 @@ int renderDrawing(Session& session, const Arguments& arguments) {
     const FileResult written =
         writeFileAtomically(absolutePath(output), contentOf(rendering.picture, *format));
     if (!written) throw FileError(written.error);
+    for (const std::wstring& complaint : rendering.complaints)
+        session.complain(complaint);
     reportUndrawn(session, rendering.undrawn);
     return kDone;
 }

@@ -1,5 +1,7 @@
 #include <fmt/xchar.h>
 
+#include <cerrno>
+#include <cstring>
 #include <optional>
 #include <string>
 
@@ -8,6 +10,7 @@
 #include "app/process.h"
 #include "app/session.h"
 #include "base/encoding.h"
+#include "base/file_kind.h"
 #include "base/text.h"
 #include "host/seam/command_line.h"
 #include "host/seam/file_error.h"
@@ -31,6 +34,7 @@ std::wstring locateProgram(Host& host, const std::wstring& name) {
         const ResolvedPath here = resolvePath(one);
         if (here.exists && isFile(here.path)) return here.path;
     }
+    if (isFolder(name)) throw FileError(name + L" is a folder, no program");
     std::wstring message = L"no such program: " + name + L"; looked for";
     for (const std::wstring& one : names) {
         const std::wstring found = host.supportPath().find(one);
@@ -44,11 +48,24 @@ std::wstring locateProgram(Host& host, const std::wstring& name) {
     throw FileError(message);
 }
 
+// Throws for a file of another kind, with what to do with such ones.
+void checkKind(FileKind kind, const std::wstring& file) {
+    if (kind == FileKind::Program || nameOf(kind).empty()) return;
+    std::wstring advice;
+    if (kind == FileKind::Drawing) advice = L"; --drawing opens it for a program";
+    if (kind == FileKind::Database) advice = L"; swiftgate db tables shows what is in it";
+    throw FileError(fmt::format(L"{} is {}, no program{}", file, nameOf(kind), advice));
+}
+
 Program readProgram(Host& host, const std::wstring& name) {
     if (name == L"-") return {L"standard input", decodeTextFile(readStandardInput())};
     const std::wstring file = locateProgram(host, name);
     const auto bytes = readFile(file);
-    if (!bytes) throw FileError(L"the program cannot be read: " + file);
+    if (!bytes) {
+        throw FileError(L"the program cannot be read: " + file + L": " +
+                        fromUtf8(std::strerror(errno)));
+    }
+    checkKind(fileKind(*bytes, file), file);
     return {file, decodeTextFile(*bytes)};
 }
 

@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -31,10 +33,9 @@ constexpr const wchar_t* kModule = L"SwiftGate2017.arx";
 HostOptions hostOptions(const Arguments& arguments) {
     HostOptions options;
     options.supportPath = arguments.folders;
-    options.supportPath.push_back(
-        absolutePath(executableFolder() + L"/../share/swiftgate/support"));
-    options.helpFolder = absolutePath(executableFolder() + L"/../share/swiftgate");
-    options.moduleFolder = absolutePath(executableFolder() + L"/../modules");
+    options.supportPath.push_back(joinPath(shareFolder(), L"support"));
+    options.helpFolder = shareFolder();
+    options.moduleFolder = moduleFolder();
     if (!arguments.noModule) options.modules = {kModule};
     options.failEngine = arguments.failEngine;
     options.locale = arguments.locale;
@@ -107,7 +108,9 @@ void Session::setInput(const Arguments& arguments) {
     std::vector<std::shared_ptr<InputSource>> sources;
     if (!arguments.script.empty()) {
         const auto bytes = readFile(arguments.script);
-        if (!bytes) throw FileError(L"the input script cannot be read: " + arguments.script);
+        if (!bytes)
+            throw FileError(L"the input script cannot be read: " + arguments.script + L": " +
+                            fromUtf8(std::strerror(errno)));
         std::wstring error;
         auto script = ScriptInput::parse(
             decodeTextFile(*bytes), arguments.script,

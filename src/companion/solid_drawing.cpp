@@ -1,6 +1,7 @@
 #include <map>
 
 #include "companion/hvac_solid.h"
+#include "companion/prism_facets.h"
 #include "companion/shape/reach.h"
 #include "platform/db/face.h"
 #include "platform/ed/command_line.h"
@@ -43,6 +44,7 @@ void visitFacets(const std::vector<int32_t>& faces, size_t from, size_t to, cons
 
 const Facets* HvacSolid::facets() const {
     assertReadEnabled();
+    if (facets_ == nullptr) facets_ = prismFacets(steps_);
     if (facets_ != nullptr) return facets_.get();
     const ShapePtr bodies = shape();
     if (bodies == nullptr) return nullptr;

@@ -59,7 +59,7 @@ std::vector<int> ButtonBlock::Widths(const QRect& area, int& leftover) const {
     }
     if (sharing == 0) return widths;
     const int height = area.height();
-    const bool areSquares = height < leftover / sharing;
+    const bool areSquares = height > 0 && height < leftover / sharing;
     int shared = leftover;
     for (size_t i = 0; i < controls_.size() && areSquares; ++i) {
         const bool hasKind = (controls_[i].state & DFCS_KINDS) != 0;

@@ -3,6 +3,7 @@
 #include <numeric>
 
 #include "grid/grid_ctrl.h"
+#include "grid/tree_column.h"
 
 // Columns: their order, formats, texts and names.
 namespace sg::grid {
@@ -32,6 +33,7 @@ int CGridCtrl::InsertColumn(const std::wstring& title, uint32_t format, int befo
         if (id->col >= column) ++id->col;
     }
     MoveBlocksForColumns(column, 1);
+    tree_->ColumnCame(column);
     if (format != kPlainFormat) {
         for (int row = 0; row < GetRowCount(); ++row)
             GetCell(row, column)->SetFormat(format);
@@ -64,6 +66,7 @@ bool CGridCtrl::DeleteColumn(int column) {
         MarkBlock(block, true);
     if (column < fixedColumns_) --fixedColumns_;
     selection_.EraseColumn(column);
+    tree_->ColumnWent(column);
     for (CCellID* const id : {&focusCell_, &selectionStart_, &pressedCell_}) {
         if (id->col == column) *id = {};
         if (id->col > column) --id->col;
@@ -73,11 +76,11 @@ bool CGridCtrl::DeleteColumn(int column) {
 }
 
 bool CGridCtrl::SetColumnOrder(const std::vector<int>& order) {
+    EndEditing();
     std::vector<int> sorted = order, all(columns_.size());
     std::sort(sorted.begin(), sorted.end());
     std::iota(all.begin(), all.end(), 0);
     if (sorted != all) return false;
-    EndEditing();
     ResetSelectedRange();
     SetFocusCell(-1, -1);
     // A block would be torn apart.
@@ -85,9 +88,13 @@ bool CGridCtrl::SetColumnOrder(const std::vector<int>& order) {
     std::vector<int> widths(columns_.size());
     for (size_t column = 0; column < order.size(); ++column)
         widths[size_t(columnOrder_[column])] = columnWidths_[int(column)];
+    const int tree = tree_->GetColumn();
+    const int treeStored = tree < 0 ? -1 : columnOrder_[size_t(tree)];
     columnOrder_ = order;
-    for (size_t column = 0; column < order.size(); ++column)
+    for (size_t column = 0; column < order.size(); ++column) {
         columnWidths_.Set(int(column), widths[size_t(order[column])]);
+        if (order[column] == treeStored) tree_->SetColumn(int(column));
+    }
     UpdateFixedBits(GetRowCount(), GetColumnCount());
     Restructured();
     return true;

@@ -29,10 +29,10 @@ void CGridCtrl::ReplaceBlocks(std::vector<CCellRange> blocks) {
 }
 
 bool CGridCtrl::MergeCells(int minRow, int minColumn, int maxRow, int maxColumn) {
+    EndEditing();
     const CCellRange block{minRow, minColumn, maxRow, maxColumn};
     if (!block.IsValid() || !IsValid(minRow, minColumn) || !IsValid(maxRow, maxColumn))
         return false;
-    EndEditing();
     UnMergeCells(minRow, minColumn, maxRow, maxColumn);
     if (block.Count() > 1) {
         blocks_.push_back(block);

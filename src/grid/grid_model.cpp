@@ -176,8 +176,8 @@ bool CGridCtrl::SetColumnCount(int count) {
 }
 
 bool CGridCtrl::SetFixedRowCount(int count) {
-    if (count < 0 || count > GetRowCount()) return false;
     EndEditing();
+    if (count < 0 || count > GetRowCount()) return false;
     const int rows = std::max(fixedRows_, count);
     fixedRows_ = count;
     UpdateFixedBits(rows, 0);
@@ -187,8 +187,8 @@ bool CGridCtrl::SetFixedRowCount(int count) {
 }
 
 bool CGridCtrl::SetFixedColumnCount(int count) {
-    if (count < 0 || count > GetColumnCount()) return false;
     EndEditing();
+    if (count < 0 || count > GetColumnCount()) return false;
     const int columns = std::max(fixedColumns_, count);
     fixedColumns_ = count;
     UpdateFixedBits(0, columns);

@@ -85,8 +85,9 @@ void CGridCtrl::OnFixedColumnClick(CCellID cell) {
     if (cell.row >= fixedRows_) rows.minRow = rows.maxRow = cell.row;
     if (!rows.IsValid()) return;
     TellChanging(focusCell_);
-    SetFocusCell(rows.minRow, std::max(columnWidths_.NextShown(fixedColumns_), fixedColumns_));
-    selectionStart_ = {rows.minRow, fixedColumns_};
+    if (!IsValid(rows.maxRow, rows.maxCol)) return;  // the owner deleted rows
+    SetFocusCell(rows.minRow, std::max(columnWidths_.NextShown(rows.minCol), rows.minCol));
+    selectionStart_ = rows.TopLeft();
     SetSelectedRange(rows);
     TellChanged(focusCell_);
 }
@@ -101,8 +102,9 @@ void CGridCtrl::OnFixedRowClick(CCellID cell) {
     if (cell.col >= fixedColumns_) columns.minCol = columns.maxCol = cell.col;
     if (!columns.IsValid()) return;
     TellChanging(focusCell_);
-    SetFocusCell(std::max(rowHeights_.NextShown(fixedRows_), fixedRows_), columns.minCol);
-    selectionStart_ = {fixedRows_, columns.minCol};
+    if (!IsValid(columns.maxRow, columns.maxCol)) return;
+    SetFocusCell(std::max(rowHeights_.NextShown(columns.minRow), columns.minRow), columns.minCol);
+    selectionStart_ = columns.TopLeft();
     SetSelectedRange(columns);
     TellChanged(focusCell_);
 }
@@ -208,7 +210,9 @@ void CGridCtrl::EndPress(QPoint point) {
         cell->OnClick(inCell);
     }
     if (watch.Grid() == nullptr) return;
-    Tell(&GridListener::OnClick, IsValid(id) ? id : pressed);
+    // A drag that ends on a heading or beside all cells clicks where it began.
+    const bool isOnCell = id == pressed || (IsValid(id) && IsPlain(id));
+    Tell(&GridListener::OnClick, isOnCell ? id : pressed);
     cell = watch.Cell();
     if (cell == nullptr || mode != MouseMode::PrepareEdit || id != pressed) return;
     const CCellID now = watch.Place();
@@ -219,6 +223,7 @@ void CGridCtrl::EndPress(QPoint point) {
 
 void CGridCtrl::mouseDoubleClickEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
+    EndEditing();
     const QPoint point = event->position().toPoint();
     const int column = SizedColumnAt(point);
     if (column >= 0) AutoSizeColumn(column, autoSizeStyle_);
@@ -226,7 +231,6 @@ void CGridCtrl::mouseDoubleClickEvent(QMouseEvent* event) {
     const CCellID id = GetCellFromPt(point);
     CGridCellBase* const cell = CellForEvent(id);
     if (cell == nullptr) return;
-    EndEditing();
     const CellWatch watch(*this, cell, id);
     cell->OnDblClick(InCell(id, point));
     if (watch.Grid() == nullptr) return;

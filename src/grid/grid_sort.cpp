@@ -63,6 +63,7 @@ bool CGridCtrl::SortItems(GridCompare compare, int column, bool ascending, intpt
 
 bool CGridCtrl::SortItems(GridCompare compare, int column, bool ascending, intptr_t data, int low,
                           int high) {
+    EndEditing();
     if (isVirtual_ || column < 0 || column >= GetColumnCount() || high >= GetRowCount())
         return false;
     low = std::max(low, fixedRows_);
@@ -71,7 +72,6 @@ bool CGridCtrl::SortItems(GridCompare compare, int column, bool ascending, intpt
             return false;
     }
     if (low >= high) return true;
-    EndEditing();
     const size_t stored = size_t(columnOrder_[size_t(column)]);
     std::vector<int> origin(size_t(high - low + 1));
     for (size_t i = 0; i < origin.size(); ++i)

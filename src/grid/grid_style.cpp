@@ -2,6 +2,7 @@
 #include <QPalette>
 
 #include <cmath>
+#include <cstdlib>
 
 #include "grid/grid_ctrl.h"
 #include "grid/tree_column.h"
@@ -15,14 +16,22 @@ void follow(GridColour& colour, GridColour before, GridColour now) {
     if (colour == before) colour = now;
 }
 
+// Lines in it have to show on the cells: where these are dark too, the grey of texts does.
+QColor shadowOf(const QPalette& colours) {
+    constexpr int kLeast = 64;
+    const QColor dark = colours.color(QPalette::Dark);
+    const int contrast = std::abs(dark.lightness() - colours.color(QPalette::Base).lightness());
+    return contrast >= kLeast ? dark : colours.color(QPalette::Disabled, QPalette::Text);
+}
+
 }  // namespace
 
 void CGridCtrl::TakeSystemColours() {
     const SystemColours before = systemColours_;
     const QPalette& colours = palette();
-    systemColours_ = {
-        gridColour(colours.color(QPalette::Text)), gridColour(colours.color(QPalette::Base)),
-        gridColour(colours.color(QPalette::Button)), gridColour(colours.color(QPalette::Dark))};
+    systemColours_ = {gridColour(colours.color(QPalette::Text)),
+                      gridColour(colours.color(QPalette::Base)),
+                      gridColour(colours.color(QPalette::Button)), gridColour(shadowOf(colours))};
     for (CGridDefaultCell& cell : cellDefaults_) {
         const bool isFixed = cell.IsFixed();
         GridColour text = cell.GetTextClr(), back = cell.GetBackClr();

@@ -13,7 +13,10 @@ InPlaceEditor::InPlaceEditor(CGridCellBase& cell, CCellID id)
 
 InPlaceEditor::~InPlaceEditor() = default;
 
+// The grid takes the focus before the toolkit passes it on as Tab does, which would move the focus
+// cell while the rows change.
 void InPlaceEditor::Leave() {
+    if (Grid() != nullptr && Window().hasFocus()) Grid()->setFocus(Qt::OtherFocusReason);
     Window().hide();
     Window().deleteLater();
 }

@@ -123,23 +123,29 @@ void CInPlaceList::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-// Tab takes what the list stands on and leaves; so do moving keys while Ctrl is held.
-void CInPlaceList::TakeListKey(QKeyEvent& event) {
+// Tab takes what the list stands on and leaves; so do moving keys while Ctrl is held. Esc leaves
+// without it.
+bool CInPlaceList::TakeListKey(const QKeyEvent& event) {
+    const int key = event.key();
+    const bool isControl = (event.modifiers() & Qt::ControlModifier) != 0;
+    const bool isTab = key == Qt::Key_Tab || key == Qt::Key_Backtab;
+    if (!isTab && key != Qt::Key_Escape && !(isControl && moves(key))) return false;
     const QModelIndex current = view()->currentIndex();
     if (current.isValid()) setCurrentIndex(current.row());
     hidePopup();
     EndByKey(event);
+    return true;
 }
 
 bool CInPlaceList::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::KeyPress && IsOpen() && !HasEnded()) {
-        auto* const key = static_cast<QKeyEvent*>(event);
-        const bool isControl = (key->modifiers() & Qt::ControlModifier) != 0;
-        const bool isTab = key->key() == Qt::Key_Tab || key->key() == Qt::Key_Backtab;
-        if (isTab || (isControl && moves(key->key()))) {
-            TakeListKey(*key);
-            return true;
-        }
+    const bool isOverride = event->type() == QEvent::ShortcutOverride;
+    const bool isKey = isOverride || event->type() == QEvent::KeyPress;
+    if (!isKey || !IsOpen() || HasEnded()) return QComboBox::eventFilter(watched, event);
+    const auto& key = *static_cast<QKeyEvent*>(event);
+    if (!isOverride && TakeListKey(key)) return true;
+    if (isOverride && key.key() == Qt::Key_Escape) {
+        event->accept();  // otherwise the toolkit closes the list, and the edit goes on
+        return true;
     }
     return QComboBox::eventFilter(watched, event);
 }

@@ -39,7 +39,7 @@ class SG_API CInPlaceList final : public QComboBox, public InPlaceEditor {
 
     bool IsOpen() const;
     QString Shown() const;
-    void TakeListKey(QKeyEvent& event);
+    bool TakeListKey(const QKeyEvent& event);
 
     QString shown_;              // at the start
     bool isListChoice_ = false;  // what is chosen next is chosen in the list, which has just closed

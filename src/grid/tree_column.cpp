@@ -112,6 +112,15 @@ void CTreeColumn::RowsWent(int row, int count) {
     totalRows_ -= total;
 }
 
+void CTreeColumn::ColumnCame(int column) {
+    if (column_ >= column) ++column_;
+}
+
+void CTreeColumn::ColumnWent(int column) {
+    if (column_ == column) Forget();
+    if (column_ > column) --column_;
+}
+
 void CTreeColumn::Forget() {
     column_ = fixedRows_ = totalRows_ = -1;
     allowDraw_ = false;

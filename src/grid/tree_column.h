@@ -105,6 +105,8 @@ class SG_API CTreeColumn {
     void Touch() { looks_.clear(); }
     void RowsCame(int row, int count);
     void RowsWent(int row, int count);
+    void ColumnCame(int column);
+    void ColumnWent(int column);
     // There is no tree any more.
     void Forget();
 

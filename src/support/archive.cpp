@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/encoding.h"
+#include "platform/win/file_operations.h"
 #include "platform/win/files.h"
 #include "support/zip/archive_reader.h"
 #include "support/zip/archive_writer.h"
@@ -100,7 +101,7 @@ bool Archive::appendMatches(const std::wstring& folder, const std::wstring& stor
     for (const Found& found : findAll(below(folder, pattern))) {
         const std::wstring file = below(folder, found.name);
         if (found.isFolder || !isRegularFile(file) || writer_->isOwnFile(file)) continue;
-        if (!writer_->addFile(file, storedName(below(stored, found.name)))) return false;
+        if (!appendFile(file, storedName(below(stored, found.name)))) return false;
         ++count;
     }
     if (!recurse) return true;
@@ -134,10 +135,16 @@ bool Archive::appendFolder(const std::wstring& folder, const std::wstring& store
         if (found.isFolder) {
             if (!found.isLink && !appendFolder(path, name)) return false;
         } else if (isRegularFile(path) && !writer_->isOwnFile(path)) {
-            if (!writer_->addFile(path, storedName(name))) return false;
+            if (!appendFile(path, storedName(name))) return false;
         }
     }
     return true;
+}
+
+// A database that is open has everything in its file once that has been opened.
+bool Archive::appendFile(const std::wstring& path, const std::wstring& stored) {
+    sgCloseFile(sgOpenFile(path.c_str()));
+    return writer_->addFile(path, stored);
 }
 
 bool Archive::AppendFileOrFolder(std::wstring_view path, bool saveExtraPath) {
@@ -147,7 +154,7 @@ bool Archive::AppendFileOrFolder(std::wstring_view path, bool saveExtraPath) {
     std::wstring stored = storedPath(path);
     if (!saveExtraPath) stored.erase(0, lastPartOf(stored));
     const bool appended =
-        isFolder(found) ? appendFolder(found, stored) : writer_->addFile(found, storedName(stored));
+        isFolder(found) ? appendFolder(found, stored) : appendFile(found, storedName(stored));
     return appended || refuse(kOperation, path, writer_->reason());
 }
 

@@ -77,6 +77,7 @@ class Archive {
     bool appendMatches(const std::wstring& folder, const std::wstring& stored,
                        const std::wstring& pattern, bool recurse, size_t& count);
     bool appendFolder(const std::wstring& folder, const std::wstring& stored);
+    bool appendFile(const std::wstring& path, const std::wstring& stored);
 
     std::unique_ptr<ArchiveWriter> writer_;  // at most one of the two
     std::unique_ptr<ArchiveReader> reader_;

@@ -38,6 +38,25 @@ class Usage(ProgramTest):
                 self.assertIn(said, errors)
                 self.assertIn("--help", errors)
 
+    def test_slips_are_answered_with_what_was_meant(self):
+        for words, said in [
+            (["rnu", "a.lsp"], 'no command "rnu"; did you mean: run\nRun swiftgate --help '),
+            (["Plan.LSP"], 'no command "Plan.LSP"; did you mean: swiftgate run Plan.LSP\n'),
+            (["db", "p.mdb"], "did you mean: swiftgate db tables p.mdb\nRun swiftgate db --help "),
+            (["db", "tabels", "p.mdb"], 'no command "tabels"; did you mean: tables\n'),
+            (["run", "a.lsp", "--drwing=a.dwg"],
+             "swiftgate run has no option --drwing; did you mean: --drawing\n"),
+            (["run", "a.lsp", "b.lsp"], 'swiftgate run has no place for "b.lsp"\n'),
+            (["run", "--drawing"], "--drawing needs a value behind it\n"),
+            (["render", "a.dwg", "a.png"],
+             '--output is required: --output OUT; swiftgate render has no place for "a.png"\n'),
+            (["qqqq"], 'no command "qqqq"\n'),
+        ]:
+            with self.subTest(words=words):
+                code, output, errors = self.run_program(*words)
+                self.assertEqual((code, output), (2, ""))
+                self.assertIn(said, errors)
+
     def test_help_and_version_go_to_standard_output(self):
         for words, said in [
             (["--version"], "swiftgate "),
@@ -267,6 +286,48 @@ class Lines(ProgramTest):
             (0, '"from the script"\n', ""))
 
 
+class Mistakes(ProgramTest):
+    def test_a_file_of_another_kind_is_named_as_what_it_is(self):
+        self.write("empty.dwg", "")
+        self.write("own.lsp", "(princ 1)")
+        os.mkdir(self.path("folder"))
+        self.run_program("run", "--eval", '(sg_create_db "p.mdb")', "--save", "plan.dwg")
+        self.write("plan.dxf", EMPTY_DRAWING)
+        for words, said in [
+            (["run", "plan.dwg"], "plan.dwg is a drawing, no program; --drawing opens it"),
+            (["run", "plan.dxf"], "plan.dxf is a drawing, no program"),
+            (["run", "p.mdb"], "p.mdb is a database, no program; swiftgate db tables"),
+            (["run", "folder"], "folder is a folder, no program"),
+            (["run", "own.lsp", "--drawing", "folder"], "folder, but a folder"),
+            (["run", "own.lsp", "--input", "folder"], "folder: Is a directory"),
+            (["info", "own.lsp"], "own.lsp: this is no drawing file, but a program"),
+            (["info", "p.mdb"], "p.mdb: this is no drawing file, but a database"),
+            (["info", "empty.dwg"], "empty.dwg: this is no drawing file: it is empty"),
+        ]:
+            with self.subTest(words=words):
+                code, output, errors = self.run_program(*words)
+                self.assertEqual((code, output), (3, ""))
+                self.assertIn(said, errors)
+
+    def test_what_may_help_stands_behind_the_backtrace(self):
+        self.write("a folder.fas", "FAS4-FILE ; no text")
+        for form, hint in [
+            ('(strca "a" "b")', "; did you mean: STRCAT, STRCASE, XSTRCASE\n"),
+            ('(load "none")',
+             "; there is no such file in the current folder and on the support path\n"),
+            ('(load "a folder.fas")', f"; {self.path('a folder.fas')} is no readable program\n"),
+            ("(qqqqqqqq)", ";   top-level form at --eval:1\n"),
+        ]:
+            with self.subTest(form):
+                code, _, errors = self.run_program("run", "--eval", form)
+                self.assertEqual(code, 1)
+                self.assertTrue(errors.endswith(hint), errors)
+        # A program that handles its errors sees the message alone.
+        caught = "(princ (vl-catch-all-error-message (vl-catch-all-apply 'strca '(1))))"
+        self.assertEqual(self.run_program("run", "--eval", caught),
+                         (0, "no function definition: STRCA", ""))
+
+
 class Help(ProgramTest):
     def test_no_function_of_the_module_is_missing(self):
         for words in [[], ["--no-module"]]:
@@ -291,7 +352,12 @@ class Help(ProgramTest):
                 self.assertIn(f'swiftgate: no function "{name}"; did you mean: ', errors)
                 self.assertIn(suggestion, errors)
         self.assertEqual(self.run_program("help", "qqqqqqqqqqqq")[2],
-                         'swiftgate: no function "qqqqqqqqqqqq"\n')
+                         'swiftgate: no function "qqqqqqqqqqqq"; swiftgate help lists them all\n')
+
+    def test_commands_are_explained_too(self):
+        self.assertEqual(self.run_program("help", "render"), self.run_program("render", "--help"))
+        code, output, _ = self.run_program("help", "_line")
+        self.assertEqual((code, output[:15]), (0, "LINE: a command"))
 
     def test_every_function_has_a_page(self):
         """Every symbol that a new drawing has a value for, but for constants."""
@@ -304,6 +370,16 @@ class Help(ProgramTest):
         undocumented = {name for name in symbols.split() if not re.fullmatch("C[AD]{2,4}R", name)}
         undocumented -= shown | {"PI", "PAUSE", "T", "S"}
         self.assertEqual(sorted(undocumented), [])
+
+
+    def test_the_names_of_all_functions_are_those_that_exist(self):
+        code, output, errors = self.run_program("help", "--names")
+        self.assertEqual((code, errors), (0, ""))
+        names = output.splitlines()
+        self.assertEqual(len(names), len(set(names)))
+        _, symbols, _ = self.run_program(
+            "run", "--eval", "(foreach s (atoms-family 1) (princ s) (terpri))")
+        self.assertEqual(sorted({name.upper() for name in names} - set(symbols.split())), [])
 
 
 class Module(ProgramTest):

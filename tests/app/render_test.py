@@ -90,6 +90,30 @@ class Render(ProgramTest):
         self.assertEqual(code, 0)
         self.assertIn("not in the picture: 2 ODDITY", errors)
 
+    def test_images_are_looked_for_beside_the_drawing_and_on_the_path(self):
+        image = [(0, "IMAGE"), (100, "AcDbEntity"), (8, "0"), (100, "AcDbRasterImage"), (10, 0),
+                 (20, 0), (11, 1), (21, 0), (12, 0), (22, 1), (13, 4), (23, 2), (340, "40"),
+                 (70, 7)]
+        definition = [(0, "ENDSEC"), (0, "SECTION"), (2, "OBJECTS"), (0, "IMAGEDEF"), (5, "40"),
+                      (100, "AcDbRasterImageDef"), (1, "C:\\photos\\Site.bmp"), (10, 4), (20, 2)]
+        file = self.write("photo.dxf", drawing(image, definition))
+        code, _, errors = self.run_program("render", file, "-o", "a.svg")
+        self.assertEqual(code, 0)
+        self.assertIn("C:\\photos\\Site.bmp: no such image file", errors)
+        pixels = b"\x00\x00\xff" * 4 * 2
+        head = struct.pack("<2sIHHIIiiHHIIIIII", b"BM", 54 + len(pixels), 0, 0, 54, 40, 4, 2, 1, 24,
+                           0, len(pixels), 0, 0, 0, 0)
+        for folder in ["photos", "elsewhere"]:
+            os.mkdir(self.path(folder))
+            with open(self.path(os.path.join(folder, "site.BMP")), "wb") as stream:
+                stream.write(head + pixels)
+            code, _, errors = self.run_program("render", file, "-o", "a.svg", "--path",
+                                               self.path("elsewhere"))
+            self.assertEqual((code, errors), (0, ""), folder)
+            with open(self.path("a.svg"), encoding="utf-8") as stream:
+                self.assertIn("data:image/png;base64,", stream.read())
+            os.remove(self.path(os.path.join(folder, "site.BMP")))
+
     def test_drawings_made_by_others(self):
         files = sorted(glob.glob(os.path.join(DATA, "*.dxf")))
         if not files:

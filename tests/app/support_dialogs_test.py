@@ -240,6 +240,19 @@ class Reports(SupportDialogTest):
                                 "press 1010\nchoose 1062 0\npress 4\nok\nshow\ncancel\n")
         self.assertNotIn("file)", output)
 
+    def test_the_list_of_attachments_by_keyboard_alone(self):
+        files = [self.write(name, name) for name in ("a.ies", "b.qn", "c.dwg")]
+        output, errors = self.dialog(
+            call(0, attachments=files),
+            "key 1010 Space\nkey 1062 Down Down Tab\nkey 1063 Tab\nkey 4 Return\n"
+            "key 1063 Return\nfile a.ies\nkey 1062 Home End Tab\nkey 4 Space\nkey 1 Return\nshow\n"
+            "key 1010 Return\nshow\nkey 4 Tab\nkey 1 Tab\nkey 2 Return\nkey 2 Return\n")
+        self.assertIn("(1 file)", output)
+        self.assertEqual(re.findall(r"^ +\d+ .*/(\S+)", output, re.M), ["a.ies"])
+        self.assertEqual(re.findall(r'^dialog "(.*?)".*?answered: (\w+)\]$', errors, re.M | re.S),
+                         [("Quillon Attachments", "OK"), ("Quillon Attachments", "Cancel"),
+                          ("Send Project to Quillon Support", "Cancel")])
+
     def test_by_keyboard_alone(self):
         self.serve()
         _, errors = self.dialog(

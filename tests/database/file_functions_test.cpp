@@ -98,6 +98,52 @@ TEST_F(FileFunctionsTest, CopiesReplaceAndKeepTheTime) {
     EXPECT_EQ(call("(sg_fcopy nil \"@x\")"), wrong);
 }
 
+TEST_F(FileFunctionsTest, CopiesOfAnOpenDatabaseHaveEveryWrite) {
+    const struct {
+        const char *call, *answer;
+    } steps[] = {
+        {"(sg_create_db \"@plan.mdb\")", "T"},
+        {"(sg_connect \"@plan.mdb\")", "T"},
+        {"(sg_command \"CREATE TABLE Rooms (n LONG)\")", "0"},
+        {"(sg_command \"INSERT INTO Rooms VALUES (1)\")", "1"},
+        {"(sg_fcopy \"@plan.mdb\" \"@copy.mdb\")", "T"},
+        {"(sg_command \"INSERT INTO Rooms VALUES (2)\")", "1"},
+        {"(< 0 (vl-file-copy \"@plan.mdb\" \"@second.mdb\"))", "T"},
+        {"(sg_command \"INSERT INTO Rooms VALUES (3)\")", "1"},
+        {"(sg_fcopy \"@copy.mdb\" \"@plan.mdb\")", "nil"},
+        {"(sg_sql \"SELECT Count(*) FROM Rooms\")", "(3)"},
+        {"(sg_connect \"@copy.mdb\")", "T"},
+        {"(sg_sql \"SELECT n FROM Rooms\")", "(1)"},
+        {"(sg_connect \"@second.mdb\")", "T"},
+        {"(sg_sql \"SELECT Count(*) FROM Rooms\")", "(2)"},
+    };
+    for (const auto& step : steps)
+        EXPECT_EQ(call(step.call), step.answer) << step.call;
+}
+
+TEST_F(FileFunctionsTest, ArchivesOfAnOpenDatabaseHaveEveryWrite) {
+    call("(sg_create_db \"@plan.mdb\")");
+    call("(sg_connect \"@plan.mdb\")");
+    call("(sg_command \"CREATE TABLE Rooms (n LONG)\")");
+    EXPECT_EQ(call("(CreateZip \"@plan.zip\" '(\"@plan.mdb\"))"), "T");
+    EXPECT_EQ(call("(ExtractZip \"@plan.zip\" \"@out\")"), "T");
+    EXPECT_EQ(call("(sg_connect \"@out/plan.mdb\")"), "T");
+    EXPECT_EQ(call("(sg_list_tables)"), "(\"Rooms\")");
+}
+
+TEST_F(FileFunctionsTest, AChangeOfAnOpenDatabaseMakesItNewer) {
+    call("(sg_create_db \"@plan.mdb\")");
+    call("(sg_fcopy \"@plan.mdb\" \"@copy.mdb\")");
+    setTime("in/plan.mdb", 1000000000);
+    setTime("in/copy.mdb", 1000000001);
+    call("(sg_connect \"@plan.mdb\")");
+    EXPECT_EQ(call("(sg_fcopyIfChanged \"@plan.mdb\" \"@copy.mdb\")"), "nil");
+    call("(sg_command \"CREATE TABLE Rooms (n LONG)\")");
+    EXPECT_EQ(call("(sg_fcopyIfChanged \"@plan.mdb\" \"@copy.mdb\")"), "T");
+    call("(sg_connect \"@copy.mdb\")");
+    EXPECT_EQ(call("(sg_list_tables)"), "(\"Rooms\")");
+}
+
 TEST_F(FileFunctionsTest, ReadOnlyFilesStay) {
     setReadOnly("in/B.TXT");
     EXPECT_EQ(call("(sg_fcopy \"@a.txt\" \"@B.TXT\")"), "nil");

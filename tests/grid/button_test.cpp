@@ -176,6 +176,16 @@ TEST_F(ButtonTest, KeysPressControls) {
     EXPECT_EQ(Text(4, 2), "5:2");
 }
 
+TEST_F(ButtonTest, ACellThatIsTooLowTakesCharacters) {
+    cell->Buttons().Add({.text = L"&Add"});
+    cell->Buttons().Add({.text = L"&Drop"});
+    grid->SetRowHeight(3, 1);
+    grid->SetFocusCell(3, 2);
+    Key(Qt::Key_Q);
+    Key(Qt::Key_Space);
+    EXPECT_EQ(recorder.Take().front(), "begin 3,2");
+}
+
 TEST_F(ButtonTest, TextBesideTheControlsIsEdited) {
     cell->Buttons().Add({.width = 60});
     grid->SetItemText(3, 2, L"text");

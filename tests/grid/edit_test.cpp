@@ -235,6 +235,39 @@ TEST_F(EditTest, RowsMayMoveUnderAnOpenEditor) {
     EXPECT_EQ(Text(3, 2), "3:2");
 }
 
+TEST_F(EditTest, RowsMayGoWhenAnOperationEndsTheEdit) {
+    const std::function<bool()> operations[] = {
+        [&] { return grid->MergeCells(8, 1, 9, 2); },
+        [&] { return grid->SetFixedRowCount(10); },
+        [&] { return grid->SetFixedColumnCount(4); },
+        [&] { return grid->SortItems(&CGridCtrl::CompareTexts, 4, true); },
+        [&] { return grid->SortItems(&CGridCtrl::CompareTexts, 1, true, 0, 1, 9); },
+        [&] {
+            return grid->SetColumnOrder({5, 4, 3, 2, 1, 0});
+        },
+    };
+    recorder.onEnd = [&] {
+        grid->SetRowCount(4);
+        grid->SetColumnCount(3);
+    };
+    for (const auto& operation : operations) {
+        Fill(20, 6, 1, 1);
+        grid->SetFocusCell(2, 2);
+        Key(Qt::Key_X);
+        EXPECT_FALSE(operation());
+        EXPECT_EQ(grid->GetRowCount(), 4);
+        EXPECT_EQ(Text(2, 2), "x");
+    }
+}
+
+TEST_F(EditTest, TheFocusStaysInTheGridWhenTheEditedColumnGoes) {
+    Key(Qt::Key_X);
+    recorder.Take();
+    grid->SetColumnCount(2);
+    EXPECT_TRUE(grid->hasFocus());
+    EXPECT_EQ(recorder.Take(), Heard());
+}
+
 TEST_F(EditTest, TheGridMayGoWhileAnEditorIsOpen) {
     Key(Qt::Key_X);
     recorder.Take();
@@ -280,6 +313,21 @@ TEST_F(EditTest, AnOpenListIsChosenFrom) {
     Settle();
     EXPECT_EQ(Text(2, 2), "Yes");
     EXPECT_EQ(List(), nullptr);
+}
+
+TEST_F(EditTest, EscInAnOpenListEndsTheEdit) {
+    Combo(2, 2, kListOnly);
+    const std::string before = Text(2, 2);
+    Key(Qt::Key_F2);
+    QTest::keyClick(List(), Qt::Key_Down, Qt::AltModifier);
+    QTest::keyClick(List()->view(), Qt::Key_Down);
+    recorder.Take();
+    QTest::keyClick(List()->view(), Qt::Key_Escape);
+    Settle();
+    EXPECT_EQ(List(), nullptr);
+    EXPECT_EQ(Text(2, 2), before);
+    EXPECT_EQ(recorder.Take(), Heard());
+    EXPECT_EQ(grid->window()->focusWidget(), grid.get());
 }
 
 TEST_F(EditTest, AnEditableListTakesAnyText) {

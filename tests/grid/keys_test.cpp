@@ -198,5 +198,21 @@ TEST_F(KeysTest, RowsMayBeDeletedWhenTheSelectionChanges) {
     EXPECT_EQ(grid->GetSelectedCount(), 0);
 }
 
+TEST_F(KeysTest, RowsMayBeDeletedWhenAHeadingIsClicked) {
+    for (const CCellID heading : {CCellID{6, 0}, CCellID{0, 5}}) {
+        recorder.onChanging = nullptr;
+        Fill(20, 6, 1, 1);
+        grid->SetFocusCell(3, 2);
+        recorder.onChanging = [&] {
+            grid->SetRowCount(4);
+            grid->SetColumnCount(3);
+        };
+        Click(heading.row, heading.col);
+        EXPECT_EQ(grid->GetFocusCell(), (CCellID{3, 2}));
+        Key(Qt::Key_Up, Qt::ShiftModifier);  // from where the selection began
+        EXPECT_EQ(grid->GetSelectedCellRange(), (CCellRange{2, 2, 3, 2}));
+    }
+}
+
 }  // namespace
 }  // namespace sg::grid

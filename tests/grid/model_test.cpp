@@ -1,5 +1,6 @@
 #include "grid/combo_cell.h"
 #include "grid/grid_fixture.h"
+#include "grid/tree_column.h"
 
 namespace sg::grid {
 namespace {
@@ -188,7 +189,10 @@ TEST_F(ModelTest, SystemColoursAreFollowedWhereNobodyChose) {
     QPalette dark = grid->palette();
     dark.setColor(QPalette::Base, QColor(10, 20, 30));
     dark.setColor(QPalette::Button, QColor(40, 50, 60));
+    dark.setColor(QPalette::Dark, QColor(5, 5, 5));
+    dark.setColor(QPalette::Disabled, QPalette::Text, QColor(120, 120, 120));
     grid->setPalette(dark);
+    EXPECT_EQ(grid->GetTreeColumn().GetLineColour(), gridColour(120, 120, 120)) << "can be seen";
     EXPECT_EQ(grid->GetCell(3, 3)->GetBackClr(), gridColour(10, 20, 30));
     EXPECT_EQ(grid->GetCell(3, 0)->GetBackClr(), gridColour(40, 50, 60));
     EXPECT_EQ(grid->GetCell(0, 3)->GetBackClr(), gridColour(9, 9, 9));

@@ -87,6 +87,19 @@ TEST_F(MouseTest, ADragBelowTheEdgeScrollsAndSelects) {
     Release({10, -40});
 }
 
+TEST_F(MouseTest, ADragThatEndsOnAHeadingDoesNotClickIt) {
+    Press(Middle(3, 2));
+    MoveTo(Middle(1, 2));
+    recorder.Take();
+    Release(Middle(0, 2));
+    EXPECT_EQ(recorder.Take(), (Heard{"click 3,2"}));
+    Press(Middle(3, 2));
+    MoveTo(Middle(5, 4));
+    recorder.Take();
+    Release(Middle(5, 4));
+    EXPECT_EQ(recorder.Take(), (Heard{"click 5,4"}));
+}
+
 TEST_F(MouseTest, HeadingsSelectRowsAndColumns) {
     const QPoint column = Middle(0, 3), row = Middle(4, 0), corner = Middle(0, 0);
     QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, column);

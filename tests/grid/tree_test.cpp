@@ -44,6 +44,23 @@ class TreeTest : public GridTest {
 //                                     1  2  3  4  5  6  7  8
 const std::vector<uint8_t> outline = {1, 2, 3, 3, 2, 1, 2, 1};
 
+TEST_F(TreeTest, TheTreeGoesWithItsColumn) {
+    SetUpTree(outline);
+    grid->InsertColumn(L"", kPlainFormat, 0);
+    EXPECT_EQ(Tree().FindLastChild(1), 5);
+    grid->DeleteColumn(2);
+    EXPECT_TRUE(Tree().Collapse(1));
+    grid->SetColumnOrder({1, 0});
+    EXPECT_EQ(Tree().GetColumn(), grid->GetCell(1, 0)->AsTreeCell() != nullptr ? 0 : 1);
+    EXPECT_TRUE(Tree().Expand(1));
+    grid->DeleteColumn(1 - Tree().GetColumn());
+    EXPECT_EQ(Tree().GetColumn(), 0);
+    EXPECT_EQ(Tree().FindLastChild(1), 5);
+    grid->DeleteColumn(0);
+    EXPECT_EQ(Tree().GetColumn(), -1);
+    EXPECT_FALSE(Tree().Collapse(1));
+}
+
 TEST_F(TreeTest, RowsKnowTheirRelatives) {
     SetUpTree(outline);
     EXPECT_EQ(grid->GetColumnFormat(0), 4u);

@@ -84,7 +84,10 @@ void BrowseWindow::MakeMenus() {
 void BrowseWindow::Say(const std::wstring& message, bool isError) {
     status_.setText(QString::fromStdWString(message));
     QPalette colours = statusBar()->palette();
-    if (isError) colours.setColor(QPalette::WindowText, QColor(190, 0, 0));
+    const bool isDark = colours.color(QPalette::Window).lightness() < 128;
+    if (isError) {
+        colours.setColor(QPalette::WindowText, isDark ? QColor(255, 130, 130) : QColor(190, 0, 0));
+    }
     status_.setPalette(colours);
 }
 

@@ -17,14 +17,11 @@
 #include <TopoDS_Face.hxx>
 #include <cmath>
 #include <map>
-#include <numbers>
+
+#include "companion/facets.h"
 
 namespace sg::companion {
 namespace {
-
-constexpr double kDeviation = 1e-3;                     // in parts of the shape's size
-constexpr double kTurn = std::numbers::pi / 16;         // of one facet to the next
-constexpr double kSmooth = 3 * std::numbers::pi / 180;  // faces that meet at less go on smoothly
 
 class Faceter {
   public:
@@ -159,7 +156,7 @@ class Faceter {
     static bool isSmoothEdge(const TopoDS_Edge& edge, const TopoDS_Face& a, const TopoDS_Face& b) {
         if (a.IsSame(b)) return true;
         gp_Vec one, other;
-        return normalAt(edge, a, one) && normalAt(edge, b, other) && one.Angle(other) < kSmooth;
+        return normalAt(edge, a, one) && normalAt(edge, b, other) && one.Angle(other) < kSmoothEdge;
     }
 
     // Of a face at the middle of an edge.
@@ -193,7 +190,7 @@ bool facetsOf(const TopoDS_Shape& shape, Polygons polygons, Facets& facets) {
     BRepBndLib::Add(shape, box, false);
     if (box.IsVoid()) return false;
     const double size = std::sqrt(box.SquareExtent());
-    const BRepMesh_IncrementalMesh mesh(shape, kDeviation * size, false, kTurn, false);
+    const BRepMesh_IncrementalMesh mesh(shape, kFacetDeviation * size, false, kFacetTurn, false);
     return Faceter(shape, size, polygons, facets).run();
 }
 

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "companion/shape/outline_arc.h"
+
 namespace sg::companion {
 namespace {
 
@@ -23,25 +25,10 @@ AcGePoint3d placeOn(const Curve& curve, double at) {
 std::vector<AcGePoint3d> pointsOf(const Outline& outline) {
     std::vector<AcGePoint3d> points;
     for (size_t i = 0; i < outline.size(); ++i) {
-        const Segment& segment = outline[i];
-        points.push_back(segment.from);
-        if (!segment.isArc) continue;
-        const AcGePoint3d& end = outline[(i + 1) % outline.size()].from;
-        // The circle's centre, by two chords that do not lie in one line.
-        const AcGeVector3d u = segment.via - segment.from;
-        const AcGeVector3d v = end - segment.from;
-        const AcGeVector3d normal = u.crossProduct(v);
-        if (normal.lengthSqrd() == 0) continue;
-        const AcGeVector3d toCenter =
-            (normal.crossProduct(u) * v.lengthSqrd() + v.crossProduct(normal) * u.lengthSqrd()) /
-            (2 * normal.lengthSqrd());
-        const AcGePoint3d center = segment.from + toCenter;
-        const AcGeVector3d start = segment.from - center;
-        const double turn = start.angleTo(end - center, normal);
-        for (int part = 1; part < kArcParts; ++part) {
-            AcGeVector3d radius = start;
-            points.push_back(center + radius.rotateBy(turn * part / kArcParts, normal));
-        }
+        points.push_back(outline[i].from);
+        const auto arc = arcOf(outline, i);
+        for (int part = 1; arc && part < kArcParts; ++part)
+            points.push_back(arc->at(static_cast<double>(part) / kArcParts));
     }
     return points;
 }

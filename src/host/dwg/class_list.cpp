@@ -1,5 +1,6 @@
 #include "host/dwg/class_list.h"
 
+#include "base/encoding.h"
 #include "host/dwg/object_types.h"
 #include "host/dxf/class_records.h"
 #include "host/model/core/proxies.h"
@@ -10,6 +11,11 @@ namespace {
 
 // What classes say that tell nothing of themselves.
 constexpr const wchar_t* kProduct = L"ObjectDBX Classes";
+
+// What may be done with wrapped objects where nobody knows them.
+constexpr uint16_t kWrappedFlags = model::kProxyEraseAllowed | model::kProxyCloningAllowed |
+                                   model::kProxyColorChangeAllowed |
+                                   model::kProxyLayerChangeAllowed;
 
 ClassEntry entryOf(const model::FileOrigin::ClassRecord& record) {
     ClassEntry entry;
@@ -22,6 +28,25 @@ ClassEntry entryOf(const model::FileOrigin::ClassRecord& record) {
         if (walk.group().code == 281 && walk.group().whole != 0) entry.kind = kEntityClass;
     }
     return entry;
+}
+
+// Interchange files have no class names for what is a part of every drawing format. Meshes and
+// their vertices share theirs with other polylines; their markers tell them.
+std::wstring classNameOf(const model::ProxyData& data) {
+    if (!data.className.empty()) return data.className;
+    std::wstring marker;
+    for (model::GroupData::Walk walk(data.groups); walk.next();) {
+        if (walk.group().code == 100) marker = fromUtf8(walk.group().text);
+    }
+    const ObjectType* found = nullptr;
+    size_t count = 0;
+    for (const ObjectType& type : objectTypes()) {
+        if (type.dxfName != data.dxfName) continue;
+        if (type.className == marker) return marker;
+        found = &type;
+        ++count;
+    }
+    return count == 1 ? found->className : std::wstring();
 }
 
 }  // namespace
@@ -49,6 +74,11 @@ ClassList::Known ClassList::find(const std::wstring& className, const std::wstri
 }
 
 void ClassList::describe(ClassEntry& entry, const AcDbObject& object) const {
+    if (!model::hasDwgForm(object, release_)) {
+        entry.applicationName = L"Swift Gate";
+        entry.proxyFlags = kWrappedFlags;
+        return;
+    }
     if (const dxf::ProductClass* const known = dxf::productClass(entry.dxfName)) {
         entry.applicationName = known->applicationName;
         entry.proxyFlags = static_cast<uint16_t>(known->flags);
@@ -91,8 +121,13 @@ uint16_t ClassList::typeOf(const AcDbObject& object) {
     if (data == nullptr && found != types_.end()) {
         known = found->second;
     } else {
-        const std::wstring className = data != nullptr ? data->className : descriptor->name();
-        const std::wstring dxfName = data != nullptr ? data->dxfName : descriptor->dxfName();
+        std::wstring className = data != nullptr ? classNameOf(*data) : descriptor->name();
+        std::wstring dxfName = data != nullptr ? data->dxfName : descriptor->dxfName();
+        if (!model::hasDwgForm(object, release_)) {
+            const bool isEntity = AcDbEntity::cast(&object) != nullptr;
+            className = isEntity ? model::kWrappedEntity : model::kWrappedObject;
+            dxfName = isEntity ? L"SG_KEPT_ENTITY" : L"SG_KEPT_OBJECT";
+        }
         known = find(className, dxfName);
         if (known.type == 0) known = add(object, className, dxfName);
         if (data == nullptr) types_.emplace(descriptor, known);

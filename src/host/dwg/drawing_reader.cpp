@@ -10,6 +10,7 @@
 #include "host/dwg/header_section.h"
 #include "host/model/core/block_contents.h"
 #include "host/model/core/block_ends.h"
+#include "host/model/core/proxies.h"
 #include "host/model/core/symbol_records.h"
 #include "host/model/tables/default_drawing.h"
 #include "platform/db/dictionary.h"
@@ -84,6 +85,7 @@ std::vector<std::wstring> DrawingReader::read() {
     reading_.context.handles.settle(reading_.seed);
     reading_.origin->dwg = reading_.own;
     reading_.state.origin = std::move(reading_.origin);
+    if (reading_.hasWrapped) model::reviveProxies();
     return takeWarnings();
 }
 

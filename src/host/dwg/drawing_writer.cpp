@@ -85,8 +85,9 @@ bool DrawingWriter::isWritten(const AcDbObject& object) {
     if (!hasOwnerInFile(object)) return false;
     if (model::hasDwgForm(object, release())) return true;
     const model::ProxyData* const data = model::proxyData(object);
-    if (data == nullptr || !isViewportHeader(*data)) lose(object);
-    return false;
+    if (data == nullptr || isViewportHeader(*data)) return false;
+    ++wrapped_[data->dxfName];
+    return true;
 }
 
 void DrawingWriter::findWritten() {
@@ -109,6 +110,11 @@ void DrawingWriter::tellLosses() {
                           L" cannot be written in release " + fromUtf8(wanted_.name) +
                           (count == 1 ? L" and is left out" : L" and are left out"));
     }
+    std::wstring names;
+    for (const auto& [name, count] : wrapped_)
+        names += (names.empty() ? L"" : L", ") + std::to_wstring(count) + L" " + name;
+    if (names.empty()) return;
+    losses_.push_back(L"kept in a form that other programs show only by its graphics: " + names);
 }
 
 void DrawingWriter::findReferences() {

@@ -45,9 +45,10 @@ class DrawingWriter {
     ObjectWriter objects_;
     uint64_t seed_;
     uint64_t viewportHeaders_ = 0;
-    std::vector<uint8_t> isIn_;    // by the index of ids: whether the object is in the file
-    std::vector<uint8_t> isDone_;  // and whether it is written
-    std::map<std::wstring, size_t> lost_;
+    std::vector<uint8_t> isIn_;            // by the index of ids: whether the object is in the file
+    std::vector<uint8_t> isDone_;          // and whether it is written
+    std::map<std::wstring, size_t> lost_;  // by names
+    std::map<std::wstring, size_t> wrapped_;  // kept in a form that other programs do not know
     std::vector<std::wstring> losses_;
 };
 

@@ -1,21 +1,17 @@
 #include "host/dwg/file_descriptions.h"
 
-#include <cmath>
-
 #include "base/encoding.h"
 #include "host/dwg/bit_writer.h"
+#include "host/dwg/file_time.h"
 #include "host/model/tables/header_variables.h"
 
 namespace sg::dwg {
 namespace {
 
-constexpr double kMillisecondsADay = 86'400'000;
-
 void writeTime(BitWriter& to, const model::DatabaseState& state, const wchar_t* variable) {
-    const double days = state.header().get<double>(variable);
-    const double whole = std::floor(days);
-    to.rawLong(static_cast<uint32_t>(whole));
-    to.rawLong(static_cast<uint32_t>(std::lround((days - whole) * kMillisecondsADay)));
+    const FileTime time = FileTime::of(state.header().get<double>(variable));
+    to.rawLong(static_cast<uint32_t>(time.days));
+    to.rawLong(static_cast<uint32_t>(time.milliseconds));
 }
 
 // A text behind the number of its characters, the closing zero among them.

@@ -325,7 +325,9 @@ std::unique_ptr<AcDbObject> ObjectReader::makeProxy(const Head& head, Common& co
     attach(*object, common);
     filer_.begin(streams_, head.handle);
     filer_.setGraphics(std::move(common.graphics));
+    const bool isWrapped = data.isWrapped();
     object->dwgIn(&filer_);
+    if (isWrapped && !data.isWrapped()) reading_.hasWrapped = true;
     return object;
 }
 

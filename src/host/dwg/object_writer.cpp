@@ -9,6 +9,7 @@
 #include "host/dwg/section_streams.h"
 #include "host/model/core/block_ends.h"
 #include "host/model/core/proxies.h"
+#include "host/render/proxy_graphics.h"
 
 namespace sg::dwg {
 
@@ -77,13 +78,21 @@ void ObjectWriter::writeEmptyTable(uint16_t type, uint64_t handle) {
 
 // ---- What all objects have ----------------------------------------------------------------------
 
+// Of a proxy that is written as it is, its own; it needs none when its class is known to all.
+std::string ObjectWriter::graphicsOf(const AcDbObject& object) const {
+    const model::ProxyData* const data = model::proxyData(object);
+    if (data == nullptr || !model::hasDwgForm(object, release())) {
+        return render::graphicsForOthers(object);
+    }
+    if (data->bits == nullptr) return {};
+    return {data->bits->graphics.begin(), data->bits->graphics.end()};
+}
+
 void ObjectWriter::writeGraphics(const AcDbObject& object) {
     BitWriter& data = streams_.data;
-    const model::ProxyData* const proxy = model::proxyData(object);
-    const bool has = proxy != nullptr && proxy->bits != nullptr && !proxy->bits->graphics.empty();
-    data.bit(has);
-    if (!has) return;
-    const std::vector<uint8_t>& graphics = proxy->bits->graphics;
+    const std::string graphics = graphicsOf(object);
+    data.bit(!graphics.empty());
+    if (graphics.empty()) return;
     if (release() >= AcDb::kDHL_1024) {
         data.bitLongLong(graphics.size());
     } else {

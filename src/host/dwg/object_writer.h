@@ -31,6 +31,7 @@ class ObjectWriter {
   private:
     AcDb::AcDbDwgVersion release() const { return context_.release; }
     void begin(uint16_t type, uint64_t handle);
+    std::string graphicsOf(const AcDbObject& object) const;
     void writeGraphics(const AcDbObject& object);
     void writeCommon(const AcDbObject& object, Neighbours neighbours);
     void writeEntityData(const model::EntityData& entity);

@@ -1,5 +1,6 @@
 #include <ctime>
 
+#include "host/dwg/file_time.h"
 #include "host/dwg/header_fields.h"
 #include "host/dwg/header_flags.h"
 #include "host/dwg/header_roots.h"
@@ -12,8 +13,6 @@ namespace sg::dwg {
 namespace {
 
 using model::VariableValue;
-
-constexpr double kMillisecondsADay = 86'400'000;
 
 class HeaderReader {
   public:
@@ -97,8 +96,8 @@ class HeaderReader {
             case Coding::color:
                 return readColor(streams_, reading_.context);
             case Coding::time: {
-                const double days = data.bitLong();
-                return days + static_cast<double>(data.bitLong()) / kMillisecondsADay;
+                const int32_t days = data.bitLong();
+                return FileTime{days, data.bitLong()}.inDays();
             }
             default:
                 return pointer();

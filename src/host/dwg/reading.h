@@ -43,7 +43,8 @@ struct Reading {
     std::vector<ClassEntry> classes;
     std::unique_ptr<model::FileOrigin> origin;
     std::shared_ptr<model::DwgOrigin> own;
-    uint64_t seed = 1;  // the next handle, as the file has it
+    bool hasWrapped = false;  // objects that stood for those of other classes
+    uint64_t seed = 1;        // the next handle, as the file has it
     std::vector<std::wstring> warnings;
     size_t unsaid = 0;
 };

@@ -1,5 +1,5 @@
-#include <cmath>
-
+#include "base/numbers.h"
+#include "host/dwg/file_time.h"
 #include "host/dwg/header_fields.h"
 #include "host/dwg/header_flags.h"
 #include "host/dwg/header_roots.h"
@@ -12,8 +12,6 @@ namespace sg::dwg {
 namespace {
 
 using model::VariableValue;
-
-constexpr double kMillisecondsADay = 86'400'000;
 
 // The dictionaries of the header that are no roots, by their entries among the named objects.
 struct NamedDictionary {
@@ -126,7 +124,7 @@ class HeaderWriter {
     void writeValue(const HeaderField& field, const VariableValue* value) {
         BitWriter& data = streams_.data;
         const double number = numberOf(value, field.standard);
-        const auto whole = static_cast<int32_t>(number);
+        const auto whole = wholeOf<int32_t>(number);
         switch (field.coding) {
             case Coding::flag:
                 return data.bit(number != 0);
@@ -166,10 +164,9 @@ class HeaderWriter {
     }
 
     void writeTime(double days) {
-        const double whole = std::floor(days);
-        streams_.data.bitLong(static_cast<int32_t>(whole));
-        streams_.data.bitLong(
-            static_cast<int32_t>(std::lround((days - whole) * kMillisecondsADay)));
+        const FileTime time = FileTime::of(days);
+        streams_.data.bitLong(time.days);
+        streams_.data.bitLong(time.milliseconds);
     }
 
     int32_t flags() const {

@@ -43,11 +43,12 @@ DrawingReader::DrawingReader(AcDbDatabase& database, std::string_view content, s
 // The word stands on a line of its own behind a group code 0, and nowhere else so.
 void DrawingReader::findSectionsInText(std::string_view content) {
     constexpr std::string_view kWord = "SECTION";
+    const char lineEnd = reading_.reader.lineEnd();
     for (size_t at = content.find(kWord); at != content.npos; at = content.find(kWord, at + 1)) {
-        const size_t end = at + kWord.size();
-        if (at == 0 || content[at - 1] != '\n') continue;
-        if (end < content.size() && content[end] != '\r' && content[end] != '\n') continue;
-        const size_t before = at >= 2 ? content.rfind('\n', at - 2) : content.npos;
+        const size_t end = content.find_first_not_of(" \t", at + kWord.size());
+        if (at == 0 || content[at - 1] != lineEnd) continue;
+        if (end != content.npos && content[end] != '\r' && content[end] != '\n') continue;
+        const size_t before = at >= 2 ? content.rfind(lineEnd, at - 2) : content.npos;
         const size_t line = before == content.npos ? reading_.reader.start() : before + 1;
         if (!isZero(content.substr(line, at - 1 - line))) continue;
         reading_.reader.seek(line);

@@ -13,6 +13,7 @@
 #include "host/model/core/object_access.h"
 #include "host/model/core/proxies.h"
 #include "host/model/core/symbol_records.h"
+#include "host/render/proxy_graphics.h"
 
 namespace sg::dxf {
 namespace {
@@ -184,10 +185,14 @@ void DrawingWriter::writeEntities(AcDbObjectId blockId) {
     }
 }
 
-// A proxy that a DWG file brought has bits that have no form here.
+// A proxy that a DWG file brought has bits that have no form here. Of an entity its graphics stay.
 bool DrawingWriter::hasGroups(const AcDbObject& object) {
     const model::ProxyData* const data = model::proxyData(object);
-    if (data == nullptr || data->bits == nullptr || !data->groups.empty()) return true;
+    if (data == nullptr || !data->isOnlyBits()) return true;
+    if (!render::graphicsForOthers(object).empty()) {
+        ++onlyShown_[model::dxfNameOf(object)];
+        return true;
+    }
     // Tables of viewports that only old DWG files have, which every program makes anew.
     if (data->className.starts_with(L"AcDbVX")) return false;
     ++losses_[model::dxfNameOf(object)];

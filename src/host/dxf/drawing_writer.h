@@ -21,6 +21,8 @@ class DrawingWriter {
     void write();
     // What the file does not keep of the drawing, by names in files; complete after write().
     const std::map<std::wstring, size_t>& losses() const { return losses_; }
+    // Of what it keeps only how it looks.
+    const std::map<std::wstring, size_t>& onlyShown() const { return onlyShown_; }
 
   private:
     std::vector<std::string> sectionNames() const;
@@ -42,6 +44,7 @@ class DrawingWriter {
     const Release& release_;
     ObjectOutput objects_;
     std::map<std::wstring, size_t> losses_;
+    std::map<std::wstring, size_t> onlyShown_;
     model::FileOrigin none_;
     const model::FileOrigin& origin_;
 };

@@ -42,6 +42,10 @@ bool write(const AcDbDatabase& database, const WriteOptions& options,
             options.report(std::to_wstring(count) + L" " + name +
                            L" kept from a DWG file cannot be written as DXF, left out");
         }
+        for (const auto& [name, count] : writer.onlyShown()) {
+            options.report(std::to_wstring(count) + L" " + name +
+                           L" kept from a DWG file cannot be written as DXF, only its looks are");
+        }
     }
     return output.finish();
 }

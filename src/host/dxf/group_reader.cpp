@@ -91,8 +91,12 @@ GroupReader::GroupReader(std::string_view content)
         start_ = kSentinel.size();
         // The first group is 0 SECTION: with a code of two bytes a second zero follows.
         hasWideCodes_ = content.size() <= start_ + 1 || content[start_ + 1] == '\0';
-    } else if (content.starts_with(kByteOrderMark)) {
-        start_ = kByteOrderMark.size();
+    } else {
+        if (content.starts_with(kByteOrderMark)) start_ = kByteOrderMark.size();
+        // Lines that end in CR alone come from machines of old.
+        const std::string_view head = content.substr(start_, 1000);
+        const bool hasFeed = head.find('\n') != head.npos;
+        if (!hasFeed && head.find('\r') != head.npos) lineEnd_ = '\r';
     }
     seek(start_);
 }
@@ -119,7 +123,7 @@ GroupReader::Step GroupReader::next(Group& group) {
 std::string_view GroupReader::takeLine() {
     const char* const start = at_;
     const char* stop =
-        static_cast<const char*>(std::memchr(start, '\n', static_cast<size_t>(end_ - start)));
+        static_cast<const char*>(std::memchr(start, lineEnd_, static_cast<size_t>(end_ - start)));
     if (stop == nullptr) {
         stop = at_ = end_;
     } else {
@@ -285,7 +289,7 @@ bool GroupReader::recover() {
 size_t GroupReader::lineOf(size_t position) const {
     if (isBinary_) return position;
     const auto end = content_.begin() + static_cast<ptrdiff_t>(std::min(position, content_.size()));
-    return static_cast<size_t>(std::count(content_.begin(), end, '\n')) + 1;
+    return static_cast<size_t>(std::count(content_.begin(), end, lineEnd_)) + 1;
 }
 
 }  // namespace sg::dxf

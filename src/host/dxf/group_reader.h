@@ -22,7 +22,8 @@ class GroupReader {
     bool isBinary() const { return isBinary_; }
     size_t position() const { return static_cast<size_t>(at_ - content_.data()); }
     void seek(size_t position) { at_ = content_.data() + position; }
-    size_t start() const { return start_; }  // of the first group
+    char lineEnd() const { return lineEnd_; }  // of a text file; CR may stand ahead of LF
+    size_t start() const { return start_; }    // of the first group
     size_t positionOf(const Group& group) const {
         return static_cast<size_t>(group.text.data() - content_.data());
     }
@@ -50,6 +51,7 @@ class GroupReader {
     const char* end_;
     size_t start_ = 0;
     bool isBinary_ = false;
+    char lineEnd_ = '\n';
     bool hasWideCodes_ = true;
 };
 

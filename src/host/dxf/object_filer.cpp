@@ -1,5 +1,7 @@
 #include "host/dxf/object_filer.h"
 
+#include <algorithm>
+
 #include "base/encoding.h"
 #include "host/model/core/group_writer.h"
 
@@ -16,12 +18,9 @@ std::string bytesOf(const Group& group) {
     return group.isHex ? model::fromHexDigits(fromUtf8(group.text)) : std::string(group.text);
 }
 
-bool equals(std::string_view narrow, const wchar_t* wide) {
-    for (const char c : narrow) {
-        if (static_cast<wchar_t>(static_cast<unsigned char>(c)) != *wide) return false;
-        ++wide;
-    }
-    return *wide == L'\0';
+bool equals(std::string_view narrow, std::wstring_view wide) {
+    return std::ranges::equal(narrow, wide, {},
+                              [](char c) -> wchar_t { return static_cast<unsigned char>(c); });
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include "host/dxf/handles.h"
 #include "host/dxf/text_codec.h"
 #include "host/model/core/group_data.h"
-#include "platform/db/filers.h"
+#include "host/model/core/reading_filer.h"
 
 namespace sg::dxf {
 
@@ -18,7 +18,7 @@ void appendGroup(model::GroupData& data, const Group& group, const TextCodec& co
 // Reads an object from its groups, which begin behind the group 0 and outlive the filer. Files of
 // release 12 have no subclass markers: then each class goes over all groups. What stands behind an
 // embedded object's marker (101) has the codes of another object, and is not shown to the class.
-class ObjectFiler final : public AcDbDxfFiler, public model::FileGroupsAccess {
+class ObjectFiler final : public model::ReadingFiler<AcDbDxfFiler>, public model::FileGroupsAccess {
   public:
     ObjectFiler(std::span<const Group> groups, const TextCodec& codec, Handles& handles,
                 AcDbDatabase* database, AcDb::AcDbDwgVersion release);
@@ -47,26 +47,7 @@ class ObjectFiler final : public AcDbDxfFiler, public model::FileGroupsAccess {
     void readRest(model::GroupData& groups) override;
     void writeGroups(const model::GroupData&) override { setFilerStatus(Acad::eInvalidInput); }
 
-    Acad::ErrorStatus writeItem(const resbuf&) override { return refuse(); }
-    Acad::ErrorStatus writeObjectId(int, AcDbObjectId) override { return refuse(); }
-    Acad::ErrorStatus writeInt8(int, int8_t) override { return refuse(); }
-    Acad::ErrorStatus writeInt16(int, int16_t) override { return refuse(); }
-    Acad::ErrorStatus writeInt32(int, int32_t) override { return refuse(); }
-    Acad::ErrorStatus writeInt64(int, int64_t) override { return refuse(); }
-    Acad::ErrorStatus writeUInt8(int, uint8_t) override { return refuse(); }
-    Acad::ErrorStatus writeUInt16(int, uint16_t) override { return refuse(); }
-    Acad::ErrorStatus writeUInt32(int, uint32_t) override { return refuse(); }
-    Acad::ErrorStatus writeBool(int, bool) override { return refuse(); }
-    Acad::ErrorStatus writeDouble(int, double, int) override { return refuse(); }
-    Acad::ErrorStatus writePoint2d(int, const AcGePoint2d&, int) override { return refuse(); }
-    Acad::ErrorStatus writePoint3d(int, const AcGePoint3d&, int) override { return refuse(); }
-    Acad::ErrorStatus writeVector3d(int, const AcGeVector3d&, int) override { return refuse(); }
-    Acad::ErrorStatus writeString(int, const wchar_t*) override { return refuse(); }
-    Acad::ErrorStatus writeAcDbHandle(int, const AcDbHandle&) override { return refuse(); }
-    Acad::ErrorStatus writeBChunk(int, const void*, size_t) override { return refuse(); }
-
   private:
-    Acad::ErrorStatus refuse() { return status_ = Acad::eInvalidInput; }
     size_t setValue(resbuf& node, size_t at, std::span<const Group> groups);
     void setText(resbuf& node, const Group& group);
 

@@ -172,21 +172,7 @@ namespace {
 
 // The markers that later releases have in entities of release 12 for which there is no class.
 std::vector<std::string_view> laterMarkers(const ScannedObject& scanned) {
-    constexpr int64_t kMesh = 16;
-    constexpr int64_t kPolyface = 64;
-    constexpr int64_t kFace = 128;
-    const Group* const group = scanned.find(kFlags);
-    const int64_t flags = group == nullptr ? 0 : group->whole;
-    if (scanned.is("POLYLINE")) {
-        if ((flags & kPolyface) != 0) return {"AcDbPolyFaceMesh"};
-        if ((flags & kMesh) != 0) return {"AcDbPolygonMesh"};
-    } else if (scanned.is("VERTEX")) {
-        if (flags == kFace) return {"AcDbFaceRecord"};
-        if ((flags & kFace) != 0) return {"AcDbVertex", "AcDbPolyFaceMeshVertex"};
-        return {"AcDbVertex", "AcDbPolygonMeshVertex"};
-    } else if (scanned.is("SHAPE")) {
-        return {"AcDbShape"};
-    }
+    if (scanned.is("SHAPE")) return {"AcDbShape"};
     return {};
 }
 

@@ -47,8 +47,11 @@ struct Additions {
     std::string_view tableName;          // behind its group 0
     const GroupData* unknown = nullptr;  // of its file: what its class does not know
     std::string graphics;                // for programs that do not know its class
+    std::wstring_view name = {};         // for the one in its group 0
 
-    bool isEmpty() const { return tableName.empty() && unknown == nullptr && graphics.empty(); }
+    bool isEmpty() const {
+        return tableName.empty() && unknown == nullptr && graphics.empty() && name.empty();
+    }
 };
 
 // Passes an object's groups on, without what the release does not have, and with additions at the
@@ -66,7 +69,7 @@ class ChangingSink {
             endSection();
         }
         if (!take(code)) return;
-        output_.text(code, text);
+        output_.text(code, code == 0 && !additions_.name.empty() ? additions_.name : text);
         if (code == 0 && !additions_.tableName.empty()) output_.name(2, additions_.tableName);
     }
     void real(int code, double value) {
@@ -169,18 +172,13 @@ void ChangingSink::endSection() {
     section_.clear();
 }
 
-// How an entity of an application's class looks; nothing for other objects.
+// How an entity looks for programs without its class. The groups of a proxy from a DXF file have
+// it.
 std::string graphicsOf(const AcDbObject& object) {
-    const AcRxClass* const type = object.isA();
-    if (*type->appName() == L'\0' || !type->isDerivedFrom(AcDbEntity::desc()) ||
-        model::proxyData(object) != nullptr) {
-        return {};
-    }
-    AcDbEntity* entity = nullptr;
-    if (acdbOpenObject(entity, object.objectId()) != Acad::eOk) return {};
-    std::string graphics = render::recordProxyGraphics(*entity);
-    entity->close();
-    return graphics;
+    const model::ProxyData* const data = model::proxyData(object);
+    const bool isSaid = data != nullptr && !data->isOnlyBits() &&
+                        (data->bits == nullptr || data->bits->graphics.empty());
+    return isSaid ? std::string() : render::graphicsForOthers(object);
 }
 
 bool hasGraphics(const GroupData& unknown) {
@@ -227,6 +225,8 @@ void ObjectOutput::writeAnew(const AcDbObject& object, std::string_view tableNam
         (release_.number >= form->release || release_.number >= AcDb::kDHL_1021);
     Additions additions{tableName, keepsUnknown ? &form->unknown : nullptr, {}};
     if (!keepsUnknown || !keepsGraphics(object, *form)) additions.graphics = graphicsOf(object);
+    const model::ProxyData* const data = model::proxyData(object);
+    if (data != nullptr && data->isOnlyBits()) additions.name = L"ACAD_PROXY_ENTITY";
     const model::Unguarded guard(object);
     if (additions.isEmpty() && release_.number >= AcDb::kDHL_1021) {
         model::GroupWriter<GroupOutput> writer(output_, object.database(), release_.number);

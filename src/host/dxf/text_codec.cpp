@@ -12,6 +12,7 @@ namespace sg::dxf {
 namespace {
 
 constexpr std::string_view kDefault = "ANSI_1252";
+constexpr std::string_view kJohab = "JOHAB";
 
 std::string upper(std::string_view text) {
     std::string made(text);
@@ -59,7 +60,8 @@ class Conversion {
     Conversion& operator=(const Conversion&) = delete;
     bool isOpen() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
 
-    // One step: as much of `bytes` as can be converted, which is taken off it.
+    // One step: as much of `bytes` as can be converted, which is taken off it. Letters that marks
+    // may follow come out late, at the end by asking for them.
     std::string run(std::string_view& bytes) {
         std::string made;
         char* in = const_cast<char*>(bytes.data());
@@ -73,8 +75,11 @@ class Conversion {
             if (result == static_cast<size_t>(-1) && space == sizeof(room)) break;
         }
         bytes.remove_prefix(bytes.size() - left);
-        iconv(handle_, nullptr, nullptr, nullptr, nullptr);
-        return made;
+        char rest[16];
+        char* out = rest;
+        size_t space = sizeof(rest);
+        iconv(handle_, nullptr, nullptr, &out, &space);
+        return made.append(rest, static_cast<size_t>(out - rest));
     }
 
   private:
@@ -90,6 +95,8 @@ std::wstring fromPage(const std::string& page, std::string_view bytes) {
         text += L'\uFFFD';
         bytes.remove_prefix(1);
     }
+    // The byte of the backslash is a currency sign there, by name only.
+    if (page == kJohab) std::replace(text.begin(), text.end(), L'\u20A9', L'\\');
     return text;
 }
 
@@ -268,7 +275,8 @@ void TextCodec::encodeCharacter(wchar_t character, std::string& bytes) const {
         const std::string utf8 = toUtf8({&character, 1});
         std::string_view rest = utf8;
         const std::string made = conversion.isOpen() ? conversion.run(rest) : std::string();
-        if (!made.empty() && rest.empty()) {
+        const bool isAscii = made.size() == 1 && static_cast<unsigned char>(made[0]) < 0x80;
+        if (!made.empty() && rest.empty() && !isAscii) {
             bytes += made;
             return;
         }

@@ -1,7 +1,9 @@
 #include "host/exchange/drawing_files.h"
 
+#include <cerrno>
 #include <cstring>
 
+#include "base/file_kind.h"
 #include "base/replacement_file.h"
 #include "base/text.h"
 #include "host/dwg/files.h"
@@ -19,13 +21,22 @@ std::wstring_view endingOf(const std::wstring& path) {
     return dot == name.npos ? std::wstring_view() : name.substr(dot);
 }
 
+// What a file is that is no drawing, behind a message that says so.
+std::wstring otherKind(std::string_view content, const std::wstring& path) {
+    const FileKind kind = fileKind(content, path);
+    return kind == FileKind::Drawing ? L", or a damaged one" : butWhatItIs(kind);
+}
+
 }  // namespace
 
 std::vector<std::wstring> readFile(AcDbDatabase& database, const std::wstring& path) {
     const auto content = sg::readFile(path);
-    if (!content) throw dxf::Error(path + L": the drawing cannot be read");
+    if (!content) {
+        throw dxf::Error(path + L": the drawing cannot be read: " + fromUtf8(std::strerror(errno)));
+    }
     if (dwg::isDrawing(*content)) return dwg::read(database, *content, path);
-    if (!dxf::isDrawing(*content)) throw dxf::Error(path + L": this is no drawing file");
+    if (!dxf::isDrawing(*content))
+        throw dxf::Error(path + L": this is no drawing file" + otherKind(*content, path));
     return dxf::read(database, *content, path);
 }
 

@@ -2,6 +2,7 @@
 
 #include <QBuffer>
 #include <QImage>
+#include <QImageReader>
 #include <QPainter>
 #include <QPainterPath>
 #include <vector>
@@ -14,8 +15,19 @@ namespace {
 using render::Painter;
 using render::Pen;
 using render::Picture;
+using render::PicturePixels;
 using render::PicturePoint;
 using render::PictureWalk;
+using render::Pixels;
+
+constexpr int kMostMegabytes = 1024;  // that an image file may take unpacked
+
+// The pixels stay where they are, and must outlive the image.
+QImage imageOf(const Pixels& pixels) {
+    return {reinterpret_cast<const uchar*>(pixels.argb.data()), static_cast<int>(pixels.width),
+            static_cast<int>(pixels.height), static_cast<qsizetype>(pixels.width * sizeof(QRgb)),
+            QImage::Format_ARGB32};
+}
 
 QPointF pointOf(const PicturePoint& p) {
     return {p.x, p.y};
@@ -112,8 +124,25 @@ class StretchPainter {
                     path.lineTo(pointOf(chain.points[i]));
                 path.closeSubpath();
             }
-            painter_.drawPath(path);
+            if (pen.image != 0) {
+                paintImage(picture_.images[pen.image - 1], pen, path);
+            } else {
+                painter_.drawPath(path);
+            }
         }
+    }
+
+    void paintImage(const PicturePixels& image, const Pen& pen, const QPainterPath& area) {
+        const QImage pixels = imageOf(*image.pixels);
+        painter_.save();
+        painter_.setClipPath(area, clip_ == 0 ? Qt::ReplaceClip : Qt::IntersectClip);
+        painter_.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter_.setOpacity(pen.alpha / 255.0);
+        painter_.setTransform(QTransform(image.right.x, image.right.y, image.down.x, image.down.y,
+                                         image.corner.x, image.corner.y),
+                              true);
+        painter_.drawImage(QRectF(0, 0, 1, 1), pixels);
+        painter_.restore();
     }
 
     QPainter& painter_;
@@ -126,6 +155,14 @@ class StretchPainter {
 
 std::string contentOf(const QByteArray& bytes) {
     return {bytes.constData(), static_cast<size_t>(bytes.size())};
+}
+
+std::string pngOf(const QImage& image) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return contentOf(bytes);
 }
 
 class PicturePainter final : public Painter {
@@ -143,11 +180,32 @@ class PicturePainter final : public Painter {
         const int perMetre = static_cast<int>(picture.pixelsPerMillimetre * 1000);
         image.setDotsPerMeterX(perMetre);
         image.setDotsPerMeterY(perMetre);
-        QByteArray bytes;
-        QBuffer buffer(&bytes);
-        buffer.open(QIODevice::WriteOnly);
-        image.save(&buffer, "PNG");
-        return contentOf(bytes);
+        return pngOf(image);
+    }
+
+    std::string png(const Pixels& pixels) override { return pngOf(imageOf(pixels)); }
+
+    std::shared_ptr<Pixels> read(const std::wstring& file, uint32_t mostWidth,
+                                 uint32_t mostHeight) override {
+        needApplication();
+        QImageReader reader(QString::fromStdWString(file));
+        reader.setDecideFormatFromContent(true);
+        reader.setAutoTransform(false);  // drawings have the pixels as they lie in the file
+        QImageReader::setAllocationLimit(kMostMegabytes);
+        if (const QSize size = reader.size(); size.isValid()) {
+            reader.setScaledSize(
+                size.boundedTo(QSize(static_cast<int>(mostWidth), static_cast<int>(mostHeight))));
+        }
+        const QImage image = reader.read().convertToFormat(QImage::Format_ARGB32);
+        if (image.isNull()) return nullptr;
+        auto pixels = std::make_shared<Pixels>();
+        pixels->width = static_cast<uint32_t>(image.width());
+        pixels->height = static_cast<uint32_t>(image.height());
+        for (int row = 0; row < image.height(); ++row) {
+            const auto* const line = reinterpret_cast<const QRgb*>(image.constScanLine(row));
+            pixels->argb.insert(pixels->argb.end(), line, line + image.width());
+        }
+        return pixels;
     }
 };
 

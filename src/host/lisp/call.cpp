@@ -166,7 +166,7 @@ Value Interpreter::resolveFunction(Value function) {
         if (!function.isSymbol()) break;
         const Value value = valueOf(function.asSymbol());
         if (value.isNil()) {
-            fail(L"no function definition: " + symbolName(function));
+            unknownFunction(symbolName(function));
         }
         function = value;
     }

@@ -19,6 +19,10 @@ enum class ErrorKind : uint8_t {
 struct LispError {
     std::wstring message;
     ErrorKind kind = ErrorKind::Error;
+    // What may help a person, told behind the backtrace; empty for none.
+    std::wstring hint = {};
+    // The function that there is none of, when that is the error: its name.
+    std::wstring unknownFunction = {};
     // Lines of the backtrace, innermost call first; filled in where the error is reported.
     std::vector<std::wstring> backtrace = {};
 };

@@ -9,10 +9,12 @@
 #include <stdexcept>
 
 #include "base/encoding.h"
+#include "base/nearest_names.h"
 #include "base/text.h"
 #include "host/lisp/compiler.h"
 #include "host/lisp/functions/tables.h"
 #include "host/lisp/node.h"
+#include "host/lisp/objects.h"
 #include "host/lisp/reader.h"
 
 namespace sg::lisp {
@@ -207,8 +209,12 @@ Interpreter::Point Interpreter::point(Value v) {
 
 // ---- Errors -------------------------------------------------------------------------------------
 
-void Interpreter::fail(std::wstring message) {
-    throw LispError{std::move(message)};
+void Interpreter::fail(std::wstring message, std::wstring hint) {
+    throw LispError{.message = std::move(message), .hint = std::move(hint)};
+}
+
+void Interpreter::unknownFunction(const std::wstring& name) {
+    throw LispError{.message = L"no function definition: " + name, .unknownFunction = name};
 }
 
 void Interpreter::badArgument(const wchar_t* predicate, Value value) {
@@ -342,6 +348,21 @@ void Interpreter::reportError(const LispError& error) {
     hooks_.report(handled ? L"; backtrace of \"" + error.message + L"\":" : L"; backtrace:");
     for (const std::wstring& line : error.backtrace)
         hooks_.report(L";   " + line);
+    const std::wstring hint = hintOf(error);
+    if (!hint.empty()) hooks_.report(hint);
+}
+
+std::wstring Interpreter::hintOf(const LispError& error) {
+    constexpr size_t kMostNames = 3;
+    if (error.unknownFunction.empty()) return error.hint.empty() ? L"" : L"; " + error.hint;
+    std::vector<std::wstring> functions;
+    for (uint32_t symbol = 0; symbol < symbols_.size(); ++symbol) {
+        const Value value = valueOf(symbol);
+        if (asSubr(value) || asFunction(value) || asExternal(value)) {
+            functions.push_back(symbols_.name(symbol));
+        }
+    }
+    return suggestion(nearestNames(functions, error.unknownFunction, kMostNames));
 }
 
 Interpreter::Outcome Interpreter::runGuarded(const std::function<Value()>& body, bool report) {

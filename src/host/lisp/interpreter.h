@@ -173,7 +173,10 @@ class SG_API Interpreter {
 
     // ---- Errors -----------------------------------------------------------------------------
 
-    [[noreturn]] void fail(std::wstring message);
+    // The hint is told to a person only, not to the program.
+    [[noreturn]] void fail(std::wstring message, std::wstring hint = {});
+    // "no function definition: <name>".
+    [[noreturn]] void unknownFunction(const std::wstring& name);
     // "bad argument type: <predicate> <value>"; the predicate as it is printed: L"numberp:",
     // L"stringp", ...
     [[noreturn]] void badArgument(const wchar_t* predicate, Value value);
@@ -281,6 +284,8 @@ class SG_API Interpreter {
     void findNativeStack();
     Outcome runGuarded(const std::function<Value()>& body, bool report);
     void reportError(const LispError& error);
+    // The line behind the backtrace that may help; empty for none.
+    std::wstring hintOf(const LispError& error);
     void openReserve(bool open);
     bool runErrorHandler(const LispError& error);
     void growNamespace(Namespace& ns);

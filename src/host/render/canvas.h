@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <span>
 
 #include "host/render/looks.h"
@@ -14,6 +15,20 @@ enum class PatternRun : uint8_t {
     none,       // the line is unbroken
     through,    // over the corners
     perSegment  // from corner to corner
+};
+
+class ImageFiles;
+
+// What an image entity shows, in world coordinates.
+struct ShownImage {
+    ImageFiles* files = nullptr;
+    std::wstring file;          // as ImageFiles::find answers it
+    AcGePoint3d corner;         // the upper left one
+    AcGeVector3d right, down;   // along its edges
+    int brightness = 50;        // 0 to 100
+    int contrast = 50;          // 0 to 100
+    int fade = 0;               // into the ground, 0 to 100
+    bool isTransparent = true;  // where its pixels are
 };
 
 // Takes shapes in world coordinates.
@@ -35,6 +50,9 @@ class Canvas {
     enum class Rule : uint8_t { evenOdd, nonZero };
     virtual void area(const Look& look, std::span<const AcGePoint3d> points,
                       std::span<const uint32_t> counts, Rule rule) = 0;
+    // An area, filled with an image.
+    virtual void image(const Look&, const std::shared_ptr<const ShownImage>&,
+                       std::span<const AcGePoint3d>, std::span<const uint32_t>) {}
     // Whether faces hide what is behind them; then shells come as such.
     virtual bool hasDepth() const { return false; }
     // Faces as AcGiGeometry has them, with indexes that are in range. Only where there is depth.

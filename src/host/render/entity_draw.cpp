@@ -6,6 +6,7 @@
 #include <numbers>
 
 #include "host/model/core/database_state.h"
+#include "host/model/core/object_access.h"
 #include "host/model/core/proxies.h"
 #include "host/model/curves/point.h"
 #include "host/model/entities/hatch.h"
@@ -13,8 +14,10 @@
 #include "host/model/entities/shown_block.h"
 #include "host/model/tables/header_variables.h"
 #include "host/render/entity_geometry.h"
+#include "host/render/image_files.h"
 #include "host/render/kept_graphics.h"
 #include "platform/db/attribute.h"
+#include "platform/db/block_reference.h"
 #include "platform/db/block_table.h"
 #include "platform/db/mtext.h"
 #include "platform/db/polyline.h"
@@ -40,6 +43,8 @@ EntityKind findKind(const AcDbEntity& entity) {
     if (entity.isKindOf(AcDbHatch::desc())) return EntityKind::hatch;
     if (entity.isKindOf(AcDbPoint::desc())) return EntityKind::point;
     if (entity.isKindOf(AcDbWipeout::desc())) return EntityKind::wipeout;
+    if (entity.isKindOf(AcDbRasterImage::desc())) return EntityKind::image;
+    if (entity.isKindOf(AcDbBlockReference::desc())) return EntityKind::reference;
     if (model::proxyData(entity) != nullptr) return EntityKind::proxy;
     return EntityKind::other;
 }
@@ -79,6 +84,8 @@ DisplaySettings DisplaySettings::of(const AcDbDatabase& database) {
     settings.attributes = header.get<int32_t>(L"ATTMODE") != 0;
     settings.pointMode = header.get<int32_t>(L"PDMODE");
     settings.pointSize = header.get<double>(L"PDSIZE");
+    settings.imageFrames = AcDbRasterVariables::showsFrames(database);
+    settings.wipeoutFrames = AcDbWipeoutVariables::showsFrames(database);
     return settings;
 }
 
@@ -98,6 +105,10 @@ void EntityDraw::drawSpace(AcDbObjectId block, const std::vector<AcDbObjectId>& 
 
 const Undrawn& EntityDraw::undrawn() const {
     return geometry_->undrawn;
+}
+
+size_t EntityDraw::boxed() const {
+    return geometry_->boxed;
 }
 
 double EntityDraw::deviation(const AcGePoint3d&) const {
@@ -159,6 +170,7 @@ void EntityDraw::Geometry::drawEntity(AcDbEntity& entity) {
     if (!level.plain.isFrozen) {
         level_ = &level;
         ++depth_;
+        if (outer != nullptr) ++inBlocks_;
         drawItself(entity, kind);
         --depth_;
         level_ = outside;
@@ -191,6 +203,16 @@ void EntityDraw::Geometry::drawItself(AcDbEntity& entity, EntityKind kind) {
             break;
         case EntityKind::wipeout:
             if (isShown()) cover(static_cast<const AcDbWipeout&>(entity).frame());
+            if (!settings_.wipeoutFrames && !canvas_.isMeasuring()) return;
+            break;
+        case EntityKind::image:
+            if (canvas_.isMeasuring() || !isShown()) break;
+            if (drawPixels(static_cast<const AcDbRasterImage&>(entity)) && !settings_.imageFrames) {
+                return;
+            }
+            break;
+        case EntityKind::reference:
+            if (drawRoughly(entity)) return;
             break;
         case EntityKind::proxy:
             if (!drawKeptGraphics(draw_, entity) && !canvas_.isMeasuring()) {
@@ -212,17 +234,40 @@ void EntityDraw::Geometry::cover(const std::vector<AcGePoint3d>& corners) {
     canvas_.area(look, toWorld(count, corners.data()), {&count, 1}, Canvas::Rule::evenOdd);
 }
 
+bool EntityDraw::Geometry::drawPixels(const AcDbRasterImage& image) {
+    const auto* const definition = model::peek<AcDbRasterImageDef>(image.imageDefId());
+    if (settings_.images == nullptr || definition == nullptr || !image.isShown()) return false;
+    const std::wstring& file = settings_.images->find(definition->sourceFileName());
+    if (file.empty()) return false;
+    const AcGeMatrix3d matrix = getModelToWorldTransform();
+    AcGePoint3d origin;
+    AcGeVector3d u, v;
+    image.getOrientation(origin, u, v);
+    auto shown = std::make_shared<ShownImage>();
+    shown->files = settings_.images;
+    shown->file = file;
+    shown->corner = matrix * (origin + v);
+    shown->right = matrix * u;
+    shown->down = matrix * -v;
+    shown->brightness = image.brightness();
+    shown->contrast = image.contrast();
+    shown->fade = image.fade();
+    shown->isTransparent = image.isTransparent();
+    std::vector<AcGePoint3d> points;
+    std::vector<uint32_t> counts;
+    for (const std::vector<AcGePoint3d>& bound : image.shownArea()) {
+        counts.push_back(static_cast<uint32_t>(bound.size()));
+        points.insert(points.end(), bound.begin(), bound.end());
+    }
+    for (AcGePoint3d& point : points)
+        point = matrix * point;
+    canvas_.image(traits().look(), shown, points, counts);
+    return true;
+}
+
 void EntityDraw::Geometry::measureBox(const AcDbEntity& entity) {
     AcDbExtents box;
-    if (entity.getGeomExtents(box) != Acad::eOk) return;
-    const AcGeMatrix3d matrix = getModelToWorldTransform();
-    std::vector<AcGePoint3d> corners;
-    for (int corner = 0; corner < 8; ++corner) {
-        corners.push_back(matrix * AcGePoint3d((corner & 1 ? box.maxPoint() : box.minPoint()).x,
-                                               (corner & 2 ? box.maxPoint() : box.minPoint()).y,
-                                               (corner & 4 ? box.maxPoint() : box.minPoint()).z));
-    }
-    canvas_.line(traits().look(), corners, false, PatternRun::none);
+    if (entity.getGeomExtents(box) == Acad::eOk) measureBox(box);
 }
 
 // A mark in the point's plane. Its size is absolute above 0, else a share of the view's height.

@@ -22,6 +22,9 @@ struct DisplaySettings {
     uint32_t ground = 0xFFFFFF;  // 0xRRGGBB
     double viewHeight = 1;       // of the view, in drawing units: what relative points are sized by
     bool isDragging = false;     // what is drawn follows the pointer
+    bool imageFrames = true;     // whether images show theirs around their pixels
+    bool wipeoutFrames = true;
+    ImageFiles* images = nullptr;  // null: images show as their frames
 
     static SG_API DisplaySettings of(const AcDbDatabase& database);
 };
@@ -40,9 +43,13 @@ class SG_API EntityDraw final : public AcGiWorldDraw {
     void drawSpace(AcDbObjectId block, const std::vector<AcDbObjectId>& except = {});
 
     const Undrawn& undrawn() const;
+    // How many block references were too many to be drawn, and show as boxes.
+    size_t boxed() const;
 
     AcGiRegenType regenType() const override {
-        return canvas_.hasDepth() ? kAcGiShadedDisplay : kAcGiStandardDisplay;
+        return canvas_.isMeasuring() ? kAcGiForExtents
+               : canvas_.hasDepth()  ? kAcGiShadedDisplay
+                                     : kAcGiStandardDisplay;
     }
     bool regenAbort() const override { return false; }
     bool isDragging() const override { return isDragging_; }

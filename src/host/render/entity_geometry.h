@@ -1,13 +1,17 @@
 #pragma once
 
+#include <array>
 #include <span>
+#include <unordered_set>
 #include <vector>
 
+#include "host/model/core/measuring_draw.h"
 #include "host/render/entity_traits.h"
 #include "host/render/text_shapes.h"
 
 class AcDbEntity;
 class AcDbPoint;
+class AcDbRasterImage;
 
 namespace sg::render {
 
@@ -21,6 +25,8 @@ enum class EntityKind : uint8_t {
     hatch,
     point,
     wipeout,
+    image,
+    reference,
     proxy
 };
 
@@ -30,6 +36,7 @@ class EntityDraw::Geometry final : public AcGiGeometry {
     Geometry(EntityDraw& draw, Canvas& canvas, const DisplaySettings& settings);
 
     Undrawn undrawn;
+    size_t boxed = 0;
 
     void drawSpace(AcDbObjectId block, const std::vector<AcDbObjectId>& except);
     // In the coordinates of what is being drawn.
@@ -66,7 +73,24 @@ class EntityDraw::Geometry final : public AcGiGeometry {
     void drawItself(AcDbEntity& entity, EntityKind kind);
     void drawPoint(const AcDbPoint& point);
     void cover(const std::vector<AcGePoint3d>& corners);
+    // False when only the frame can be drawn.
+    bool drawPixels(const AcDbRasterImage& image);
     void measureBox(const AcDbEntity& entity);
+    void measureBox(const AcDbExtents& box);
+    void drawBox(const AcDbExtents& box);
+    // Draws a block reference as a dot or a box; false when it is to be drawn as it is.
+    bool drawRoughly(AcDbEntity& reference);
+    bool isNewPlace(AcDbEntity& reference, const std::array<AcGePoint3d, 4>& corners);
+
+    // Where a block has been drawn, and how it looks.
+    struct Place {
+        AcDbObjectId block, layer;
+        std::array<int64_t, 13> numbers;  // of the place and the colour
+        friend bool operator==(const Place&, const Place&) = default;
+    };
+    struct PlaceHash {
+        size_t operator()(const Place& place) const;
+    };
 
     bool isShown() { return traits().isShown(); }
     Traits& traits() { return *draw_.traits_; }
@@ -88,6 +112,10 @@ class EntityDraw::Geometry final : public AcGiGeometry {
     std::vector<AcGeMatrix3d> transforms_;  // each with those below it
     Level* level_ = nullptr;
     int depth_ = 0;
+    size_t inBlocks_ = 0;  // entities of blocks that have been drawn
+    std::unordered_set<Place, PlaceHash> places_;
+    const std::shared_ptr<model::MeasuringDraw::BlockBoxes> boxes_ =
+        std::make_shared<model::MeasuringDraw::BlockBoxes>();
     std::vector<AcGePoint3d> world_;  // of the shape that is being drawn
 };
 

@@ -9,7 +9,7 @@
 #include "host/model/core/proxies.h"
 #include "host/model/entities/shown_block.h"
 #include "host/model/tables/styles.h"
-#include "host/render/kept_mesh.h"
+#include "host/render/kept_groups.h"
 #include "host/render/proxy_graphics.h"
 #include "platform/db/block_reference.h"
 #include "platform/db/database.h"
@@ -144,12 +144,21 @@ bool drawMultiLine(AcGiWorldDraw& draw, const std::vector<KeptGroup>& groups) {
 
 }  // namespace
 
+std::string keptGraphics(const AcDbEntity& entity) {
+    const model::ProxyData* const data = model::proxyData(entity);
+    if (data == nullptr) return {};
+    if (data->bits != nullptr && !data->bits->graphics.empty()) {
+        return {data->bits->graphics.begin(), data->bits->graphics.end()};
+    }
+    return graphicsIn(keptGroups(entity));
+}
+
 bool drawKeptGraphics(AcGiWorldDraw& draw, const AcDbEntity& entity) {
     const model::ProxyData* const data = model::proxyData(entity);
     if (data == nullptr || entity.database() == nullptr) return false;
+    if (playProxyGraphics(draw, keptGraphics(entity))) return true;
     const std::vector<KeptGroup> groups = keptGroups(entity);
-    if (playProxyGraphics(draw, graphicsIn(groups))) return true;
-    if (drawItsBlock(draw, entity, groups) || drawKeptMesh(draw, entity, groups)) return true;
+    if (drawItsBlock(draw, entity, groups)) return true;
     return data->dxfName == L"MLINE" && drawMultiLine(draw, groups);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "host/render/picture.h"
@@ -12,6 +13,11 @@ class Painter {
     virtual ~Painter() = default;
     // The content of a file; empty when there is no memory for the pixels.
     virtual std::string png(const Picture& picture) = 0;
+    virtual std::string png(const Pixels& pixels) = 0;
+    // The pixels of an image file, made smaller where it has more of them in a direction than are
+    // asked for. Null for a file that is no image.
+    virtual std::shared_ptr<Pixels> read(const std::wstring& file, uint32_t mostWidth,
+                                         uint32_t mostHeight) = 0;
 };
 
 // Null when the library cannot be opened.

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <zlib.h>
 
+#include <map>
 #include <optional>
 #include <set>
 
@@ -32,10 +33,21 @@ std::string hexText(const std::wstring& text) {
     return hex + ">";
 }
 
+// The pixels of a picture's images, each once, with the number it has.
+using NumberedPixels = std::map<const Pixels*, size_t>;
+
+NumberedPixels numberedPixels(const Picture& picture) {
+    NumberedPixels numbers;
+    for (const PicturePixels& image : picture.images)
+        numbers.try_emplace(image.pixels.get(), numbers.size());
+    return numbers;
+}
+
 // The operators that paint a picture, in its pixels.
 class PageContent {
   public:
-    explicit PageContent(const Picture& picture) : picture_(picture) {}
+    PageContent(const Picture& picture, const NumberedPixels& pixels)
+        : picture_(picture), pixels_(pixels) {}
 
     std::string write(double pointsPerPixel) {
         text_ = fmt::format("{0:.6f} 0 0 -{0:.6f} 0 {1:.4f} cm 1 J 1 j\n", pointsPerPixel,
@@ -128,15 +140,29 @@ class PageContent {
     void addAreas(PictureWalk& walk) {
         std::vector<PictureWalk::Chain> chains;
         while (walk.nextArea(chains)) {
+            if (chains.empty()) continue;
+            if (walk.pen().image != 0) text_ += "q\n";
             for (const PictureWalk::Chain& chain : chains) {
                 addChain(chain.points, chain.count);
                 text_ += "h\n";
             }
-            if (!chains.empty()) text_ += walk.pen().kind == Pen::Kind::evenOdd ? "f*\n" : "f\n";
+            if (walk.pen().image != 0) {
+                addImage(picture_.images[walk.pen().image - 1]);
+            } else {
+                text_ += walk.pen().kind == Pen::Kind::evenOdd ? "f*\n" : "f\n";
+            }
         }
+    }
+    // In the area that has just been outlined. Images stand upright on their lower left corner.
+    void addImage(const PicturePixels& image) {
+        text_ += fmt::format("W* n\n{:.4f} {:.4f} {:.4f} {:.4f} {:.4f} {:.4f} cm\n/I{} Do\nQ\n",
+                             image.right.x, image.right.y, -image.down.x, -image.down.y,
+                             image.corner.x + image.down.x, image.corner.y + image.down.y,
+                             pixels_.at(image.pixels.get()));
     }
 
     const Picture& picture_;
+    const NumberedPixels& pixels_;
     std::string text_;
     std::optional<Pen> pen_;  // what is set
 };
@@ -144,14 +170,16 @@ class PageContent {
 class PdfWriter {
   public:
     explicit PdfWriter(const Picture& picture)
-        : picture_(picture), pointsPerPixel_(72 / 25.4 / picture.pixelsPerMillimetre) {}
+        : picture_(picture),
+          pixels_(numberedPixels(picture)),
+          pointsPerPixel_(72 / 25.4 / picture.pixelsPerMillimetre) {}
 
     std::string write() {
         file_ = "%PDF-1.5\n%\xE2\xE3\xCF\xD3\n";
         addCatalog();
         addObject(kPages, fmt::format("<< /Type /Pages /Kids [{} 0 R] /Count 1 >>", kPage + 0));
         addPage();
-        const std::string content = deflated(PageContent(picture_).write(pointsPerPixel_));
+        const std::string content = deflated(PageContent(picture_, pixels_).write(pointsPerPixel_));
         addObject(kContent,
                   fmt::format("<< /Length {} /Filter /FlateDecode >>\nstream\n", content.size()) +
                       content + "\nendstream");
@@ -159,6 +187,8 @@ class PdfWriter {
             addObject(kFirstLayer + i,
                       fmt::format("<< /Type /OCG /Name {} >>", hexText(picture_.layers[i])));
         }
+        for (const auto& [pixels, number] : pixels_)
+            addPixels(*pixels, number);
         addEnd();
         return std::move(file_);
     }
@@ -198,12 +228,41 @@ class PdfWriter {
         std::string layers;
         for (size_t i = 0; i < picture_.layers.size(); ++i)
             layers += fmt::format("/L{} {} 0 R ", i, kFirstLayer + i);
-        addObject(kPage,
-                  fmt::format("<< /Type /Page /Parent {} 0 R /MediaBox [0 0 {:.4f} {:.4f}] "
-                              "/Contents {} 0 R /Resources << /ExtGState << {}>> /Properties << "
-                              "{}>> >> >>",
-                              kPages + 0, picture_.width * pointsPerPixel_,
-                              picture_.height * pointsPerPixel_, kContent + 0, states, layers));
+        std::string images;
+        for (size_t i = 0; i < pixels_.size(); ++i)
+            images += fmt::format("/I{} {} 0 R ", i, objectOfPixels(i));
+        addObject(
+            kPage,
+            fmt::format("<< /Type /Page /Parent {} 0 R /MediaBox [0 0 {:.4f} {:.4f}] "
+                        "/Contents {} 0 R /Resources << /ExtGState << {}>> /Properties << "
+                        "{}>> /XObject << {}>> >> >>",
+                        kPages + 0, picture_.width * pointsPerPixel_,
+                        picture_.height * pointsPerPixel_, kContent + 0, states, layers, images));
+    }
+
+    // Images are two objects: the colours, and the alpha as a mask.
+    size_t objectOfPixels(size_t number) const {
+        return kFirstLayer + picture_.layers.size() + 2 * number;
+    }
+    void addPixels(const Pixels& pixels, size_t number) {
+        std::string colors, alphas;
+        for (const uint32_t pixel : pixels.argb) {
+            for (const int shift : {16, 8, 0})
+                colors += static_cast<char>(pixel >> shift & 255);
+            alphas += static_cast<char>(pixel >> 24);
+        }
+        const size_t object = objectOfPixels(number);
+        const auto add = [&](size_t place, const char* space, const std::string& more,
+                             const std::string& bytes) {
+            const std::string packed = deflated(bytes);
+            addObject(place, fmt::format("<< /Type /XObject /Subtype /Image /Width {} /Height {} "
+                                         "/ColorSpace /{} /BitsPerComponent 8 {}/Length {} /Filter "
+                                         "/FlateDecode >>\nstream\n",
+                                         pixels.width, pixels.height, space, more, packed.size()) +
+                                 packed + "\nendstream");
+        };
+        add(object, "DeviceRGB", fmt::format("/SMask {} 0 R ", object + 1), colors);
+        add(object + 1, "DeviceGray", "", alphas);
     }
 
     void addEnd() {
@@ -216,6 +275,7 @@ class PdfWriter {
     }
 
     const Picture& picture_;
+    const NumberedPixels pixels_;
     const double pointsPerPixel_;
     std::string file_;
     std::vector<size_t> offsets_;  // by number

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -28,8 +29,23 @@ struct Pen {
     float width = 1;      // of a line, in pixels
     uint32_t layer = 0;   // index of the layer's name
     uint32_t clip = 0;    // 0: none; else 1 above the index of the area that shows it
+    uint32_t image = 0;   // of an area: 0: none; else 1 above the index of what fills it
 
     friend bool operator==(const Pen&, const Pen&) = default;
+};
+
+// Rows of pixels from the top, each 0xAARRGGBB; the colour is not multiplied by the alpha.
+struct Pixels {
+    uint32_t width = 0;
+    uint32_t height = 0;
+    std::vector<uint32_t> argb;
+};
+
+// Pixels in a picture: where their upper left corner is, and how far they reach to the right and
+// down.
+struct PicturePixels {
+    std::shared_ptr<const Pixels> pixels;
+    PicturePoint corner, right, down;
 };
 
 // A drawing as it is painted: chains of points, in the order of painting, with as few changes of
@@ -42,6 +58,7 @@ struct Picture {
 
     std::vector<std::wstring> layers;
     std::vector<std::vector<PicturePoint>> clips;  // closed polygons
+    std::vector<PicturePixels> images;
 
     // A chain's points are those from the end of the chain before to its own. A chain of one point
     // is a dot.

@@ -14,6 +14,11 @@ uint32_t PictureBuilder::clip(std::vector<PicturePoint> polygon) {
     return static_cast<uint32_t>(picture_.clips.size());
 }
 
+uint32_t PictureBuilder::image(PicturePixels image) {
+    picture_.images.push_back(std::move(image));
+    return static_cast<uint32_t>(picture_.images.size());
+}
+
 Picture::Stretch& PictureBuilder::stretch(const Pen& pen) {
     if (picture_.stretches.empty() || picture_.stretches.back().pen != pen) {
         picture_.stretches.push_back({pen, static_cast<uint32_t>(picture_.chainEnds.size()),

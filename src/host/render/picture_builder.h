@@ -17,6 +17,9 @@ class PictureBuilder {
     // The area that the polygon bounds, as pens name it.
     uint32_t clip(std::vector<PicturePoint> polygon);
 
+    // What fills areas, as pens name it.
+    uint32_t image(PicturePixels image);
+
     void line(const Pen& pen, std::span<const PicturePoint> points);
     // One area, of a filling pen.
     void beginArea(const Pen& pen);

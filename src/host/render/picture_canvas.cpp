@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "host/render/image_files.h"
 #include "host/render/text_shapes.h"
 
 namespace sg::render {
@@ -79,6 +80,7 @@ const Pen& PictureCanvas::penOf(const Look& look, Pen::Kind kind) {
     }
     pen_.layer = place->second;
     pen_.clip = view_.clip;
+    pen_.image = 0;
     return pen_;
 }
 
@@ -235,7 +237,13 @@ void PictureCanvas::area(const Look& look, std::span<const AcGePoint3d> points,
     if (!project(points)) return;
     const PixelBox reach = boxOf(pixels_);
     if (!overlaps(reach, view_.box)) return;
-    const Pen& pen = penOf(look, rule == Rule::evenOdd ? Pen::Kind::evenOdd : Pen::Kind::nonZero);
+    fill(look, penOf(look, rule == Rule::evenOdd ? Pen::Kind::evenOdd : Pen::Kind::nonZero), reach,
+         counts);
+}
+
+// An area between chains of the projected points.
+void PictureCanvas::fill(const Look& look, const Pen& pen, const PixelBox& reach,
+                         std::span<const uint32_t> counts) {
     if (reach.right - reach.left < kSmallest && reach.bottom - reach.top < kSmallest) {
         addChain(penOf(look, Pen::Kind::line), {pixels_.data(), 1});
         return;
@@ -257,6 +265,25 @@ void PictureCanvas::area(const Look& look, std::span<const AcGePoint3d> points,
         builder_.boundary(chain_);
     }
     builder_.endArea();
+}
+
+void PictureCanvas::image(const Look& look, const std::shared_ptr<const ShownImage>& image,
+                          std::span<const AcGePoint3d> points, std::span<const uint32_t> counts) {
+    if (!project(points)) return;
+    const PixelBox reach = boxOf(pixels_);
+    if (!overlaps(reach, view_.box)) return;
+    const AcGePoint2d corner = view_.projection.at(image->corner);
+    const AcGePoint2d right = view_.projection.at(image->corner + image->right);
+    const AcGePoint2d down = view_.projection.at(image->corner + image->down);
+    const auto pixels =
+        image->files->pixels(*image, corner.distanceTo(right), corner.distanceTo(down));
+    if (pixels == nullptr) return;
+    const auto reachOf = [&](const AcGePoint2d& end) {
+        return point(AcGePoint2d(end.x - corner.x, end.y - corner.y));
+    };
+    Pen pen = penOf(look, Pen::Kind::evenOdd);
+    pen.image = builder_.image({pixels, point(corner), reachOf(right), reachOf(down)});
+    fill(look, pen, reach, counts);
 }
 
 void PictureCanvas::endless(const Look& look, const AcGePoint3d& base,

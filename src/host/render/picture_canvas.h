@@ -39,6 +39,8 @@ class PictureCanvas final : public Canvas {
               PatternRun run) override;
     void area(const Look& look, std::span<const AcGePoint3d> points,
               std::span<const uint32_t> counts, Rule rule) override;
+    void image(const Look& look, const std::shared_ptr<const ShownImage>& image,
+               std::span<const AcGePoint3d> points, std::span<const uint32_t> counts) override;
     void endless(const Look& look, const AcGePoint3d& base, const AcGeVector3d& direction,
                  bool isBoth) override;
 
@@ -47,6 +49,8 @@ class PictureCanvas final : public Canvas {
     class ChainMaker;
 
     const Pen& penOf(const Look& look, Pen::Kind kind);
+    void fill(const Look& look, const Pen& pen, const PixelBox& reach,
+              std::span<const uint32_t> counts);
     bool project(std::span<const AcGePoint3d> points);
     void drawUnbroken(const Pen& pen);
     void drawBroken(const Look& look, const Pen& pen, std::span<const AcGePoint3d> points,

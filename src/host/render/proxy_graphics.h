@@ -19,4 +19,9 @@ SG_API bool playProxyGraphics(AcGiWorldDraw& draw, std::string_view graphics);
 // megabyte its beginning is. Empty when the entity draws nothing.
 SG_API std::string recordProxyGraphics(AcDbEntity& entity);
 
+// How an entity looks for programs that do not know its class: of a class of an application, as it
+// draws itself; of a proxy what its file kept, or what can be drawn of it otherwise. Empty for
+// other objects.
+SG_API std::string graphicsForOthers(const AcDbObject& object);
+
 }  // namespace sg::render

@@ -4,6 +4,8 @@
 
 #include "base/encoding.h"
 #include "host/model/core/object_access.h"
+#include "host/model/core/proxies.h"
+#include "host/render/kept_graphics.h"
 #include "host/render/looks.h"
 #include "host/render/proxy_format.h"
 #include "host/render/proxy_graphics.h"
@@ -121,7 +123,7 @@ class Recorder final : public AcGiWorldDraw, AcGiGeometry {
     }
 
     std::string run() {
-        entity_.worldDraw(this);
+        if (!drawKeptGraphics(*this, entity_)) entity_.worldDraw(this);
         return list_.isEmpty() ? std::string() : list_.take();
     }
 
@@ -333,6 +335,19 @@ bool Recorder::xline(const AcGePoint3d& first, const AcGePoint3d& second) {
 
 std::string recordProxyGraphics(AcDbEntity& entity) {
     return Recorder(entity).run();
+}
+
+std::string graphicsForOthers(const AcDbObject& object) {
+    const AcRxClass* const type = object.isA();
+    const auto* const shown = AcDbEntity::cast(&object);
+    const bool isProxy = model::proxyData(object) != nullptr;
+    if (shown == nullptr || (!isProxy && *type->appName() == L'\0')) return {};
+    if (std::string kept = keptGraphics(*shown); !kept.empty()) return kept;
+    AcDbEntity* entity = nullptr;
+    if (acdbOpenObject(entity, object.objectId()) != Acad::eOk) return {};
+    std::string graphics = recordProxyGraphics(*entity);
+    entity->close();
+    return graphics;
 }
 
 }  // namespace sg::render

@@ -56,9 +56,19 @@ LayerChoice layersOf(const AcDbDatabase& database, const Options& options) {
     return choice;
 }
 
-void addUndrawn(Undrawn& all, const Undrawn& more) {
-    for (const auto& [name, count] : more)
-        all[name] += count;
+// What a rendering has from one draw.
+void takeShortcomings(Rendering& rendering, const EntityDraw& draw) {
+    for (const auto& [name, count] : draw.undrawn())
+        rendering.undrawn[name] += count;
+    if (draw.boxed() == 0) return;
+    rendering.complaints.push_back(
+        L"blocks within blocks hold too much to be drawn; references that show as boxes: " +
+        std::to_wstring(draw.boxed()));
+}
+
+void takeShortcomings(Rendering& rendering, const ImageFiles& images) {
+    rendering.complaints.insert(rendering.complaints.end(), images.complaints().begin(),
+                                images.complaints().end());
 }
 
 ViewBox measure(Looks& looks, const DisplaySettings& settings, const AcGeMatrix3d& toView,
@@ -87,6 +97,8 @@ Rendering renderModel(const AcDbDatabase& database, const Options& options) {
     Looks looks(database, options.ground, layersOf(database, options));
     DisplaySettings settings = DisplaySettings::of(database);
     settings.ground = options.ground;
+    ImageFiles images(options.findImage, options.ground);
+    if (options.findImage) settings.images = &images;
     const AcGeMatrix3d toView = worldToView(towardsEye(options.view));
     ViewBox box = options.window ? *options.window
                                  : measure(looks, settings, toView, database.modelSpaceId());
@@ -104,16 +116,17 @@ Rendering renderModel(const AcDbDatabase& database, const Options& options) {
     const auto drawModel = [&](Canvas& target) {
         EntityDraw draw(target, looks, settings);
         draw.drawSpace(database.modelSpaceId());
-        rendering.undrawn = draw.undrawn();
+        takeShortcomings(rendering, draw);
     };
     if (options.view == View::top) {
         drawModel(canvas);
-        return rendering;
+    } else {
+        const AcGeMatrix3d toWorld = toView.inverse();
+        ShadedCanvas shaded(canvas, toWorld * AcGeVector3d::kZAxis, toWorld * AcGeVector3d::kYAxis);
+        drawModel(shaded);
+        shaded.finish();
     }
-    const AcGeMatrix3d toWorld = toView.inverse();
-    ShadedCanvas shaded(canvas, toWorld * AcGeVector3d::kZAxis, toWorld * AcGeVector3d::kYAxis);
-    drawModel(shaded);
-    shaded.finish();
+    takeShortcomings(rendering, images);
     return rendering;
 }
 
@@ -129,8 +142,10 @@ class SheetRenderer {
           sheet_(layout.getBlockTableRecordId()),
           looks_(database, options.ground, plottable(layersOf(database, options))),
           settings_(DisplaySettings::of(database)),
+          images_(options.findImage, options.ground),
           builder_(rendering_.picture) {
         settings_.ground = options.ground;
+        if (options.findImage) settings_.images = &images_;
         if (const AcDbObjectId own = ownWindowOf(sheet_); !own.isNull()) leftOut_.push_back(own);
     }
 
@@ -139,6 +154,7 @@ class SheetRenderer {
         for (const AcDbViewport* window : windowsOf(sheet_))
             drawWindow(*window);
         drawPaper();
+        takeShortcomings(rendering_, images_);
         return std::move(rendering_);
     }
 
@@ -218,7 +234,7 @@ class SheetRenderer {
         PictureCanvas canvas(builder_, looks_, weights(), view);
         EntityDraw draw(canvas, looks_, settings);
         draw.drawSpace(database_.modelSpaceId());
-        addUndrawn(rendering_.undrawn, draw.undrawn());
+        takeShortcomings(rendering_, draw);
         looks_.freezeAlso({});
     }
 
@@ -230,7 +246,7 @@ class SheetRenderer {
         PictureCanvas canvas(builder_, looks_, weights(), view);
         EntityDraw draw(canvas, looks_, settings_);
         draw.drawSpace(sheet_, leftOut_);
-        addUndrawn(rendering_.undrawn, draw.undrawn());
+        takeShortcomings(rendering_, draw);
     }
 
     const AcDbDatabase& database_;
@@ -239,6 +255,7 @@ class SheetRenderer {
     const AcDbObjectId sheet_;
     Looks looks_;
     DisplaySettings settings_;
+    ImageFiles images_;
     Rendering rendering_;
     PictureBuilder builder_;
     std::vector<AcDbObjectId> leftOut_;  // windows without a frame of their own

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/render/entity_draw.h"
+#include "host/render/image_files.h"
 #include "host/render/measuring_canvas.h"
 #include "host/render/picture.h"
 
@@ -22,6 +23,7 @@ struct Options {
     // Of the model: the part of the view that fills the picture; nothing: all that is drawn.
     std::optional<ViewBox> window;
     std::vector<std::wstring> layers;  // as LayerChoice has them
+    ImageFiles::Find findImage;        // null: images show as their frames
     bool lineWeights = true;
     std::wstring layout;  // a sheet; empty, or "Model": the model
     // Of a sheet: pixels of paper to the millimetre, whatever the size; 0: as the size asks for.
@@ -30,7 +32,8 @@ struct Options {
 
 struct Rendering {
     Picture picture;
-    Undrawn undrawn;  // what of the drawing is not in it
+    Undrawn undrawn;                       // what of the drawing is not in it
+    std::vector<std::wstring> complaints;  // what of it shows otherwise than it should
 };
 
 // What was asked for is not in the drawing.

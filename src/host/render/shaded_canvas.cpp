@@ -118,6 +118,12 @@ void ShadedCanvas::area(const Look& look, std::span<const AcGePoint3d> points,
     calls_.push_back(std::move(call));
 }
 
+void ShadedCanvas::image(const Look& look, const std::shared_ptr<const ShownImage>& image,
+                         std::span<const AcGePoint3d> points, std::span<const uint32_t> counts) {
+    area(look, points, counts, Rule::evenOdd);
+    calls_.back().image = image;
+}
+
 void ShadedCanvas::endless(const Look& look, const AcGePoint3d& base, const AcGeVector3d& direction,
                            bool isBoth) {
     Call call;
@@ -243,7 +249,16 @@ void ShadedCanvas::draw(const Call& call) const {
                             call.isClosed);
             return;
         default:
-            target_.area(call.look, call.points, call.counts, call.rule);
+            drawArea(call, call.points, call.counts);
+    }
+}
+
+void ShadedCanvas::drawArea(const Call& call, std::span<const AcGePoint3d> points,
+                            std::span<const uint32_t> counts) const {
+    if (call.image != nullptr) {
+        target_.image(call.look, call.image, points, counts);
+    } else {
+        target_.area(call.look, points, counts, call.rule);
     }
 }
 
@@ -254,7 +269,7 @@ void ShadedCanvas::drawPart(const DepthItem& part) {
         target_.line(call.look, part.points, false, call.run);
         return;
     }
-    target_.area(call.look, part.points, part.counts, call.rule);
+    drawArea(call, part.points, part.counts);
     if (call.kind != Kind::face || !isConvex(part)) return;
     bound_.assign(part.points.begin(), part.points.end());
     bound_.push_back(bound_.front());

@@ -27,6 +27,8 @@ class ShadedCanvas final : public Canvas {
               PatternRun run) override;
     void area(const Look& look, std::span<const AcGePoint3d> points,
               std::span<const uint32_t> counts, Rule rule) override;
+    void image(const Look& look, const std::shared_ptr<const ShownImage>& image,
+               std::span<const AcGePoint3d> points, std::span<const uint32_t> counts) override;
     void endless(const Look& look, const AcGePoint3d& base, const AcGeVector3d& direction,
                  bool isBoth) override;
     void shell(const Look& look, std::span<const AcGePoint3d> points,
@@ -42,12 +44,15 @@ class ShadedCanvas final : public Canvas {
         bool isClosed = false;  // of a line; of an endless one: it is so at both ends
         PatternRun run = PatternRun::none;
         Rule rule = Rule::evenOdd;
-        AcGeVector3d normal;  // of a face, towards the eye
+        std::shared_ptr<const ShownImage> image;  // what fills an area; null: its colour
+        AcGeVector3d normal;                      // of a face, towards the eye
     };
 
     Look shaded(const Look& look, const AcGeVector3d& normal) const;
     void addItems(uint32_t source, std::vector<DepthItem>& items);
     void draw(const Call& call) const;
+    void drawArea(const Call& call, std::span<const AcGePoint3d> points,
+                  std::span<const uint32_t> counts) const;
     void drawPart(const DepthItem& part);
 
     Canvas& target_;

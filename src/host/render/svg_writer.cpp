@@ -2,8 +2,12 @@
 
 #include <fmt/format.h>
 
+#include <unordered_map>
+
 #include "base/encoding.h"
+#include "host/render/base64.h"
 #include "host/render/number_text.h"
+#include "host/render/painter.h"
 
 namespace sg::render {
 namespace {
@@ -78,8 +82,21 @@ class SvgWriter {
             if (!clip.empty()) addChain({clip.data(), static_cast<uint32_t>(clip.size())}, true);
             text_ += "\"/></clipPath>\n";
         }
+        for (const PicturePixels& image : picture_.images)
+            writePixels(image.pixels.get());
         text_ += fmt::format("<rect width=\"100%\" height=\"100%\" fill=\"#{:06x}\"/>\n",
                              picture_.ground);
+    }
+
+    // Pixels that several images show are written once. They have been read by the painter.
+    void writePixels(const Pixels* pixels) {
+        if (!pixels_.try_emplace(pixels, pixels_.size() + 1).second) return;
+        Painter* const writer = painter();
+        const std::string file = writer == nullptr ? "" : writer->png(*pixels);
+        text_ += fmt::format(
+            "<defs><image id=\"pixels{}\" width=\"1\" height=\"1\" preserveAspectRatio=\"none\" "
+            "href=\"data:image/png;base64,{}\"/></defs>\n",
+            pixels_.size(), base64(file));
     }
 
     void openGroup(const Pen& pen) {
@@ -114,6 +131,10 @@ class SvgWriter {
         std::vector<PictureWalk::Chain> chains;
         while (walk.nextArea(chains)) {
             if (chains.empty()) continue;
+            if (pen.image != 0) {
+                writeImage(pen, chains);
+                continue;
+            }
             text_ += fmt::format("<path fill=\"#{:06x}\"", pen.color);
             if (pen.alpha != 255)
                 text_ += fmt::format(" fill-opacity=\"{:.3f}\"", pen.alpha / 255.0);
@@ -125,7 +146,21 @@ class SvgWriter {
         }
     }
 
+    void writeImage(const Pen& pen, const std::vector<PictureWalk::Chain>& bounds) {
+        const PicturePixels& image = picture_.images[pen.image - 1];
+        text_ +=
+            fmt::format("<clipPath id=\"image{}\"><path clip-rule=\"evenodd\" d=\"", pen.image);
+        for (const PictureWalk::Chain& chain : bounds)
+            addChain(chain, true);
+        text_ += fmt::format(
+            "\"/></clipPath>\n<g clip-path=\"url(#image{})\" opacity=\"{:.3f}\"><use "
+            "href=\"#pixels{}\" transform=\"matrix({:g} {:g} {:g} {:g} {:g} {:g})\"/></g>\n",
+            pen.image, pen.alpha / 255.0, pixels_.at(image.pixels.get()), image.right.x,
+            image.right.y, image.down.x, image.down.y, image.corner.x, image.corner.y);
+    }
+
     const Picture& picture_;
+    std::unordered_map<const Pixels*, size_t> pixels_;  // their numbers
     std::string text_;
     bool isOpen_ = false;
     uint32_t layer_ = 0;

@@ -62,7 +62,10 @@ void Host::reportDrawing(const std::vector<std::wstring>& warnings) {
 Document& Host::openDrawing(const std::wstring& path) {
     const ResolvedPath found = resolvePath(absolutePath(path));
     if (!found.exists) throw FileError(L"no such drawing: " + found.path);
-    if (!isFile(found.path)) throw FileError(L"not a drawing file: " + found.path);
+    if (!isFile(found.path)) {
+        throw FileError(L"not a drawing file: " + found.path +
+                        (isFolder(found.path) ? L", but a folder" : L""));
+    }
     for (const auto& document : documents().all()) {
         if (document->isTitled() && document->fileName() == found.path) {
             documents().activateDocument(document.get());

@@ -1,6 +1,8 @@
 #include "host/seam/entity_lists.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cwctype>
 #include <new>
 
 #include "host/lisp/functions/list_builder.h"
@@ -15,6 +17,8 @@ using lisp::Value;
 
 constexpr int kExtendedData = -3;
 constexpr int kApplication = 1001;
+constexpr int kBinary = 1004;
+constexpr int kHandle = 1005;
 
 Value car(Value list) {
     return list.asCons()->car;
@@ -83,7 +87,7 @@ class GroupBuilder {
         const bool isCode = code >= INT16_MIN && code <= INT16_MAX;
         switch (isCode ? acdbGroupCodeToType(code) : int16_t{RTNONE}) {
             case RTSTR:
-                if (!value.isString()) bad(item);
+                if (!value.isString() || !isText(code, value)) bad(item);
                 appendText(code, value);
                 break;
             case RTREAL:
@@ -91,7 +95,7 @@ class GroupBuilder {
                 append(code)->resval.rreal = value.asNumber();
                 break;
             case RTSHORT:
-                append(code)->resval.rint = static_cast<int16_t>(whole(item, value));
+                append(code)->resval.rint = shortWhole(item, value);
                 break;
             case RTLONG:
                 append(code)->resval.rlong = whole(item, value);
@@ -106,6 +110,23 @@ class GroupBuilder {
             default:
                 bad(item);
         }
+    }
+
+    // Bytes are pairs of hexadecimal digits, and a handle is at most 16 digits.
+    static bool isText(int32_t code, Value value) {
+        if (code != kBinary && code != kHandle) return true;
+        const lisp::String* const s = value.asString();
+        const bool isWrongLength =
+            code == kBinary ? s->length % 2 != 0 : s->length == 0 || s->length > 16;
+        return !isWrongLength && std::all_of(s->chars(), s->chars() + s->length,
+                                             [](wchar_t c) { return std::iswxdigit(c) != 0; });
+    }
+
+    // 16 bits, with or without a sign.
+    int16_t shortWhole(Value item, Value value) {
+        const int32_t number = whole(item, value);
+        if (number < INT16_MIN || number > UINT16_MAX) bad(item);
+        return static_cast<int16_t>(number);
     }
 
     int32_t whole(Value item, Value value) {

@@ -101,18 +101,13 @@ Value fnEntMakeX(Interpreter& in, Args a) {
     return result.id.isNull() ? a[0] : entityName(result.id);
 }
 
-// The drawing's own dictionaries, which stand in the root under names such as ACAD_GROUP.
 bool isDrawingsOwn(const AcDbObject& object) {
-    AcDbDatabase& database = *object.database();
-    AcDbDictionary* root = nullptr;
-    if (object.ownerId() != database.namedObjectsDictionaryId() ||
-        database.getNamedObjectsDictionary(root, AcDb::kForRead) != Acad::eOk) {
-        return false;
-    }
+    const auto* const dictionary = model::peek<AcDbDictionary>(object.ownerId());
     std::wstring key;
-    root->nameAt(object.objectId(), key);
-    root->close();
-    return key.starts_with(L"ACAD_");
+    if (dictionary == nullptr) return false;
+    const model::Unguarded guard(*dictionary);
+    return dictionary->nameAt(object.objectId(), key) == Acad::eOk &&
+           isNeededEntry(*dictionary, key);
 }
 
 // What entdel works on: the main entities of a block, and what programs keep in dictionaries.
@@ -248,7 +243,9 @@ Value fnXdRoom(Interpreter& in, Args a) {
 
 // (xdsize list): what the list, or each of its applications, takes, in bytes.
 Value fnXdSize(Interpreter& in, Args a) {
-    const Value wrapped = in.cons(Value::integer(-3), in.checkList(a[0]));
+    const Value list = in.checkList(a[0]);
+    const bool hasMark = list.isCons() && list.asCons()->car.isInt();
+    const Value wrapped = hasMark ? list : in.cons(Value::integer(-3), list);
     in.push(wrapped);
     const Value whole = in.cons(wrapped, Value::nil());
     in.push(whole);

@@ -1,6 +1,10 @@
+#include <algorithm>
+#include <array>
 #include <optional>
 
+#include "base/text.h"
 #include "host/editor/program_drawing.h"
+#include "host/lisp/functions/list_builder.h"
 #include "host/model/access/class_names.h"
 #include "host/model/core/block_contents.h"
 #include "host/model/core/list_filers.h"
@@ -10,11 +14,21 @@
 #include "host/seam/lisp_functions.h"
 #include "platform/db/database.h"
 #include "platform/db/text.h"
+#include "platform/db/viewport.h"
 #include "platform/ed/transform.h"
 
-// AutoLISP's functions on symbol tables, dictionaries and coordinate systems.
+// AutoLISP's functions on symbol tables, dictionaries, coordinate systems and viewports.
 
 namespace sg {
+
+bool isNeededEntry(const AcDbDictionary& dictionary, const std::wstring& key) {
+    constexpr std::array kNeeded = {L"ACAD_GROUP", L"ACAD_LAYOUT", L"ACAD_MLINESTYLE",
+                                    L"ACAD_PLOTSETTINGS", L"ACAD_PLOTSTYLENAME"};
+    return dictionary.objectId() == dictionary.database()->namedObjectsDictionaryId() &&
+           std::any_of(kNeeded.begin(), kNeeded.end(),
+                       [&](const wchar_t* needed) { return equalIgnoringCase(needed, key); });
+}
+
 namespace {
 
 using lisp::Args;
@@ -179,6 +193,7 @@ class Dictionary {
 
     explicit operator bool() const { return opened_ != nullptr; }
     AcDbDictionary* operator->() const { return opened_; }
+    AcDbDictionary& operator*() const { return *opened_; }
 
     const AcDbObjectId id;
 
@@ -223,13 +238,29 @@ Value fnDictNext(Interpreter& in, Args a) {
     return next.isNull() ? Value::nil() : objectData(in, next);
 }
 
-// (dictadd dictionary key object): the object's name; nil when the key is taken or the object is an
-// entity.
+// Whether the object is the dictionary or owns it, by way of others too. Owners that never end, as
+// a damaged drawing may have them, count as such.
+bool holds(AcDbObjectId object, AcDbObjectId dictionary) {
+    constexpr int kDeepest = 1000;
+    AcDbObjectId at = dictionary;
+    for (int depth = 0; depth < kDeepest; ++depth) {
+        const auto* const inner = model::peek<AcDbObject>(at);
+        if (inner == nullptr || at == object) return at == object;
+        at = inner->ownerId();
+    }
+    return true;
+}
+
+// (dictadd dictionary key object): the object's name; nil when the key is taken, the object is an
+// entity, or the dictionary is a part of it.
 Value fnDictAdd(Interpreter& in, Args a) {
     const Dictionary dictionary(in, a[0], AcDb::kForWrite);
     const std::wstring key = in.str(a[1]);
     const AcDbObjectId id = entityArgument(in, a[2]);
-    if (!dictionary || dictionary->has(key.c_str())) return Value::nil();
+    if (!dictionary || dictionary->has(key.c_str()) || holds(id, dictionary.id) ||
+        id == requireDatabase(in).namedObjectsDictionaryId()) {
+        return Value::nil();
+    }
     AcDbObject* object = nullptr;
     if (acdbOpenAcDbObject(object, id, AcDb::kForWrite) != Acad::eOk) return Value::nil();
     AcDbObjectId set;
@@ -244,7 +275,10 @@ Value fnDictRemove(Interpreter& in, Args a) {
     const Dictionary dictionary(in, a[0], AcDb::kForWrite);
     const std::wstring key = in.str(a[1]);
     AcDbObjectId found;
-    if (!dictionary || dictionary->getAt(key.c_str(), found) != Acad::eOk) return Value::nil();
+    if (!dictionary || isNeededEntry(*dictionary, key) ||
+        dictionary->getAt(key.c_str(), found) != Acad::eOk) {
+        return Value::nil();
+    }
     return dictionary->remove(key.c_str()) == Acad::eOk ? entityName(found) : Value::nil();
 }
 
@@ -253,7 +287,8 @@ Value fnDictRename(Interpreter& in, Args a) {
     const Dictionary dictionary(in, a[0], AcDb::kForWrite);
     const std::wstring from = in.str(a[1]);
     const std::wstring to = in.str(a[2]);
-    return dictionary && dictionary->setName(from.c_str(), to.c_str()) ? a[2] : Value::nil();
+    if (!dictionary || isNeededEntry(*dictionary, from)) return Value::nil();
+    return dictionary->setName(from.c_str(), to.c_str()) ? a[2] : Value::nil();
 }
 
 // ---- Coordinate systems and measures ------------------------------------------------------------
@@ -318,13 +353,78 @@ Value fnTextBox(Interpreter& in, Args a) {
     return in.list({first, pointValue(in, corners[1])});
 }
 
+// ---- Viewports ----------------------------------------------------------------------------------
+
+Value corner(Interpreter& in, double x, double y) {
+    return in.list({Value::real(x), Value::real(y)});
+}
+
+// (number (left bottom) (right top)).
+Value viewportValue(Interpreter& in, int32_t number, const double* low, const double* high) {
+    const Value first = corner(in, low[0], low[1]);
+    in.push(first);
+    const Value second = corner(in, high[0], high[1]);
+    in.push(second);
+    return in.list({Value::integer(number), first, second});
+}
+
+// Of the model, whose viewports are numbered from 2 on, in parts of the screen.
+void addTiles(Interpreter& in, AcDbDatabase& database, lisp::ListBuilder& list) {
+    constexpr int32_t kFirst = 2;
+    AcDbSymbolTable* table = nullptr;
+    if (acdbOpenObject(table, database.viewportTableId()) != Acad::eOk) return;
+    int32_t number = kFirst;
+    for (auto each = table->newIterator(); !each->done(); each->step()) {
+        AcDbSymbolTableRecord* record = nullptr;
+        if (acdbOpenObject(record, each->getRecordId()) != Acad::eOk) continue;
+        model::ListWriter writer(&database);
+        const bool isShown = equalIgnoringCase(record->name(), L"*Active");
+        record->dxfOut(&writer);
+        record->close();
+        const ResbufList groups(writer.take());
+        const resbuf* const low = model::findGroup(groups.get(), 10);
+        const resbuf* const high = model::findGroup(groups.get(), 11);
+        if (!isShown || low == nullptr || high == nullptr) continue;
+        list.add(viewportValue(in, number++, low->resval.rpoint, high->resval.rpoint));
+    }
+    table->close();
+}
+
+// Of a layout, on its sheet.
+void addSheetViewports(Interpreter& in, AcDbDatabase& database, lisp::ListBuilder& list) {
+    const auto* const sheet = model::peek<AcDbBlockTableRecord>(database.currentSpaceId());
+    if (sheet == nullptr) return;
+    for (const AcDbObjectId id : sheet->entityIds()) {
+        const auto* const viewport = model::peek<AcDbViewport>(id);
+        if (viewport == nullptr || viewport->isErased() || viewport->number() < 1) continue;
+        const AcGePoint3d center = viewport->centerPoint();
+        const AcGeVector3d half(viewport->width() / 2, viewport->height() / 2, 0);
+        const AcGePoint3d low = center - half;
+        const AcGePoint3d high = center + half;
+        const double corners[] = {low.x, low.y, high.x, high.y};
+        list.add(viewportValue(in, viewport->number(), corners, corners + 2));
+    }
+}
+
+// (vports)
+Value fnVports(Interpreter& in, Args) {
+    AcDbDatabase& database = requireDatabase(in);
+    lisp::ListBuilder list(in);
+    if (database.currentSpaceId() == database.modelSpaceId()) {
+        addTiles(in, database, list);
+    } else {
+        addSheetViewports(in, database, list);
+    }
+    return list.list();
+}
+
 constexpr FunctionRow kRows[] = {
     {L"tblsearch", fnTblSearch, 2, 3},   {L"tblnext", fnTblNext, 1, 2},
     {L"tblobjname", fnTblObjName, 2, 2}, {L"namedobjdict", fnNamedObjDict, 0, 0},
     {L"dictsearch", fnDictSearch, 2, 3}, {L"dictnext", fnDictNext, 1, 2},
     {L"dictadd", fnDictAdd, 3, 3},       {L"dictremove", fnDictRemove, 2, 2},
     {L"dictrename", fnDictRename, 3, 3}, {L"trans", fnTrans, 3, 4},
-    {L"textbox", fnTextBox, 1, 1},
+    {L"textbox", fnTextBox, 1, 1},       {L"vports", fnVports, 0, 0},
 };
 
 }  // namespace

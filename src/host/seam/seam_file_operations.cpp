@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "base/encoding.h"
+#include "host/system/database_files.h"
 #include "host/system/files.h"
 #include "host/system/paths.h"
 #include "platform/win/file_operations.h"
@@ -52,6 +53,8 @@ bool DeleteFileW(const wchar_t* path) {
 SgOpenFile* sgOpenFile(const wchar_t* path) {
     const std::wstring found = sg::resolvePath(orEmpty(path)).path;
     if (!sg::isRegularFile(found)) return nullptr;
+    // A write that still stands in a database's log counts for the time of the last one.
+    const sg::WholeDatabaseFile whole(found);
     const int descriptor = ::open(sg::toUtf8(found).c_str(), O_RDONLY | O_CLOEXEC);
     return descriptor < 0 ? nullptr : new SgOpenFile{descriptor};
 }

@@ -13,6 +13,7 @@
 
 #include "base/encoding.h"
 #include "base/replacement_file.h"
+#include "host/system/database_files.h"
 #include "host/system/folders.h"
 #include "host/system/paths.h"
 
@@ -98,12 +99,17 @@ CopyResult copyContent(const Descriptor& from, const std::wstring& source,
     return result;
 }
 
+// For a file that is about to leave its name: a log beside it would be taken for the next one's.
+void leaveNoLog(const std::wstring& path) {
+    const WholeDatabaseFile whole(path);
+}
+
 // A file that is about to be copied. When it can't be, or is `target` itself, `refusal` tells why.
 class CopySource {
   public:
     // Opening a pipe does not wait for a writer.
     CopySource(const std::wstring& path, const std::wstring& target)
-        : file(path, O_RDONLY | O_NONBLOCK) {
+        : whole_(path), file(path, O_RDONLY | O_NONBLOCK) {
         struct stat other;
         if (!file.isOpen() || ::fstat(file.get(), &info) != 0) {
             refusal = failure(L"read", path);
@@ -117,8 +123,13 @@ class CopySource {
                 refusal = failure(L"copy", path, L"source and target are the same file");
             }
         }
+        if (refusal && !whole_.isWhole()) refusal = failure(L"copy", path, L"it is in use");
     }
 
+  private:
+    const WholeDatabaseFile whole_;
+
+  public:
     const Descriptor file;
     struct stat info {};
     bool targetExists = false;
@@ -150,6 +161,8 @@ CopyResult copyOverFile(std::wstring_view from, std::wstring_view to) {
     const CopySource in(source, target);
     if (!in.refusal) return {in.refusal};
     if (isReadOnly(target)) return {failure(L"write", target, EACCES)};
+    leaveNoLog(target);
+    if (isDatabaseInUse(target)) return {failure(L"write", target, L"the database is in use")};
 
     ReplacementFile out(target);
     if (!out.isOpen()) return {failure(L"write", target, out.error())};
@@ -171,6 +184,7 @@ FileResult renameFile(std::wstring_view from, std::wstring_view to) {
     const bool same = target.exists && fs::equivalent(toUtf8(source), toUtf8(target.path), ignored);
     if (target.exists && !same) return failure(L"rename to", target.path, EEXIST);
     const std::wstring place = same ? withSlashes(to) : target.path;
+    leaveNoLog(source);
     if (::rename(toUtf8(source).c_str(), toUtf8(place).c_str()) == 0) return {true, {}};
     if (errno != EXDEV) return failure(L"rename", source);
     CopyResult copied = copyFile(source, place, false);
@@ -180,6 +194,7 @@ FileResult renameFile(std::wstring_view from, std::wstring_view to) {
 
 FileResult deleteFile(std::wstring_view path) {
     const std::wstring file = resolvePath(path).path;
+    leaveNoLog(file);
     if (::unlink(toUtf8(file).c_str()) == 0) return {true, {}};
     return failure(L"delete", file);
 }

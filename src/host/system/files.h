@@ -9,7 +9,8 @@
 
 #include "base/export.h"
 
-// Operations on whole files. Paths are resolved by resolvePath(); no function throws.
+// Operations on whole files. Paths are resolved by resolvePath(); no function throws. A database
+// that is copied, moved or deleted is a whole one (WholeDatabaseFile).
 namespace sg {
 
 struct FileResult {
@@ -27,8 +28,8 @@ struct CopyResult : FileResult {
 SG_API CopyResult copyFile(std::wstring_view from, std::wstring_view to, bool append);
 
 // The same, in place of what the target has, which stays as it is until the copy is whole. Its
-// permissions and its time of the last change go with the content. A target that is read-only, or a
-// folder, is refused.
+// permissions and its time of the last change go with the content. A target that is read-only, a
+// folder or a database that somebody has open is refused.
 SG_API CopyResult copyOverFile(std::wstring_view from, std::wstring_view to);
 
 // Moves or renames a file, also to another file system. The target must not exist.

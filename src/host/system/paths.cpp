@@ -148,12 +148,10 @@ std::wstring_view parentFolder(std::wstring_view path) {
     return path.substr(0, slash == 0 ? 1 : slash);
 }
 
-bool matchesFilePattern(std::wstring_view name, std::wstring_view pattern) {
-    if (pattern == L"*.*") pattern = L"*";
-    if (pattern.ends_with(L"*.")) {
-        if (name.find(L'.') != std::wstring_view::npos) return false;
-        pattern.remove_suffix(1);
-    }
+namespace {
+
+// With "*" and "?" alone as special characters.
+bool matchesWhole(std::wstring_view name, std::wstring_view pattern) {
     // The last "*" is the only one that needs a second try: what stands before it has matched.
     size_t n = 0, p = 0;
     size_t star = std::wstring_view::npos, afterStar = 0;
@@ -173,6 +171,17 @@ bool matchesFilePattern(std::wstring_view name, std::wstring_view pattern) {
         }
     }
     return pattern.find_first_not_of(L'*', p) == std::wstring_view::npos;
+}
+
+}  // namespace
+
+bool matchesFilePattern(std::wstring_view name, std::wstring_view pattern) {
+    if (pattern.ends_with(L"*.")) {
+        const bool hasDot = name.find(L'.') != std::wstring_view::npos;
+        return !hasDot && matchesWhole(name, pattern.substr(0, pattern.size() - 1));
+    }
+    return matchesWhole(name, pattern) ||
+           (pattern.ends_with(L".*") && matchesWhole(name, pattern.substr(0, pattern.size() - 2)));
 }
 
 std::vector<std::wstring> listFolder(std::wstring_view folder, std::wstring_view pattern,

@@ -39,7 +39,8 @@ SG_API std::wstring_view lastComponent(std::wstring_view path);
 SG_API std::wstring_view parentFolder(std::wstring_view path);
 
 // True when `name` matches `pattern` ignoring case: "*" stands for any text, "?" for any one
-// character. "*.*" matches every name and "*." those without a dot, as on the system of origin.
+// character. As on the system of origin, ".*" at the end also stands for no extension, so that
+// "*.*" matches every name, and "*." matches names without a dot.
 SG_API bool matchesFilePattern(std::wstring_view name, std::wstring_view pattern);
 
 // What vl-directory-files asks for.

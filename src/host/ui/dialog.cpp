@@ -4,6 +4,7 @@
 #include <QCheckBox>
 #include <QEventLoop>
 #include <QGroupBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
@@ -114,6 +115,17 @@ void CDialog::OnCancel() {
 void CDialog::OnPlace() {
     if (layout() != nullptr) layout()->setSizeConstraint(QLayout::SetFixedSize);
     adjustSize();
+}
+
+// The toolkit would press the default button whichever has the focus: none but OK may become it.
+void CDialog::keyPressEvent(QKeyEvent* event) {
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    auto* const button = qobject_cast<QPushButton*>(focusWidget());
+    if (isReturn && button != nullptr && button->isEnabled()) {
+        button->click();
+    } else {
+        QDialog::keyPressEvent(event);
+    }
 }
 
 // --- Controls ---

@@ -77,8 +77,10 @@ class SG_API AcDbBlockReference : public AcDbEntity {
     void subList() const override;
 
     // Where each copy of the block stands, from the first one; one that is not moved unless the
-    // reference is an array. In the block's directions, before turning.
-    virtual std::vector<AcGeVector3d> copies() const { return {AcGeVector3d()}; }
+    // reference is an array. In the block's directions, before turning. The outermost of them reach
+    // as far as all.
+    enum class Copies : uint8_t { all, outermost };
+    virtual std::vector<AcGeVector3d> copies(Copies) const { return {AcGeVector3d()}; }
     virtual const wchar_t* marker() const { return L"AcDbBlockReference"; }
     virtual void dxfOutArray(AcDbDxfFiler* filer) const;
     virtual void dxfInArray(AcDbDxfFiler*, const resbuf&) {}
@@ -90,7 +92,8 @@ class SG_API AcDbBlockReference : public AcDbEntity {
     AcGeMatrix3d placement() const;
     Acad::ErrorStatus place(const AcGeMatrix3d& placement);
     Acad::ErrorStatus needSequenceEnd();
-    std::vector<AcGeMatrix3d> shownAt() const;  // from the block to the world, of each copy
+    // From the block to the world, of each copy.
+    std::vector<AcGeMatrix3d> shownAt(Copies which = Copies::all) const;
     // Asks a copy of each entity of the block, as it shows, until one answers other than eOk.
     template <class Ask>
     Acad::ErrorStatus askShown(const Ask& ask) const;
@@ -124,7 +127,7 @@ class SG_API AcDbMInsertBlock : public AcDbBlockReference {
     Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
 
   protected:
-    std::vector<AcGeVector3d> copies() const override;
+    std::vector<AcGeVector3d> copies(Copies which) const override;
     const wchar_t* marker() const override { return L"AcDbMInsertBlock"; }
     void dxfOutArray(AcDbDxfFiler* filer) const override;
     void dxfInArray(AcDbDxfFiler* filer, const resbuf& group) override;

@@ -36,6 +36,7 @@ class SG_API AcDbCircle : public AcDbCurve {
     AcDbCurve* subPart(double from, double to) const override;
     // eCannotScaleNonUniformly for what would make it an ellipse; the copy is that ellipse.
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
+    Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus subGetTransformedCopy(const AcGeMatrix3d& transform,
                                             AcDbEntity*& copy) const override;
     // Grips: the centre and the quadrants from the x axis on; a quadrant changes the radius.

@@ -33,6 +33,7 @@ class SG_API AcDbLine : public AcDbCurve {
     bool subShape(sg::model::CurveShape& shape) const override;
     AcDbCurve* subPart(double from, double to) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
+    Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     // Grips: start, end, middle.
     Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray& osnapModes,
                                        AcDbIntArray& geomIds) const override;

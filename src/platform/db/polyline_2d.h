@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "platform/db/vertex_curve.h"
+#include "platform/db/vertex_owner.h"
 
 namespace sg::model {
 struct BulgePath;
@@ -158,7 +158,7 @@ class SG_API AcDb2dPolyline : public sg::model::VertexCurve {
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
 
   protected:
-    std::unique_ptr<AcDbEntity> newVertex() const override;
+    std::unique_ptr<AcDbEntity> newVertex(uint8_t kind) const override;
     bool subShape(sg::model::CurveShape& shape) const override;
     AcDbCurve* subPart(double from, double to) const override;
     // eCannotScaleNonUniformly unless the plane is scaled alike in all directions.

@@ -26,7 +26,8 @@ SG_API QWidget* sgMainWindow();
 
 // A modal dialog. Its controls are widgets of the toolkit in a layout, and each that a program or a
 // script speaks of has a number, its id; those of the buttons OK and Cancel are IDOK and IDCANCEL.
-// Tab goes through the controls in the order in which they were made.
+// Tab goes through the controls in the order in which they were made. Return presses the button
+// that has the focus, otherwise the default one.
 //
 // It runs on the thread that makes it, which is the main one. Functions that a derived class
 // overrides may run further dialogs and message boxes, and call LISP.
@@ -61,6 +62,7 @@ class SG_API CDialog : public QDialog, private sg::ui::ScriptedDialog {
     virtual void OnShown() {}
     // It has been closed, and still stands where it was.
     virtual void OnClosed() {}
+    void keyPressEvent(QKeyEvent* event) override;
 
     // Makers of controls. Texts have "&" before the character of their mnemonic.
     QPushButton* NewButton(int id, const wchar_t* text, std::function<void()> pressed);

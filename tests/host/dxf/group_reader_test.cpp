@@ -20,9 +20,9 @@ std::string real(double value) {
 }
 
 TEST(GroupReaderTest, LinesInAnyShapeAreGroups) {
-    for (const char* content :
-         {"  0\r\nLINE\r\n 10\r\n1.5\r\n", "0\nLINE\n10\n 1.5 \n",
-          "\xEF\xBB\xBF  0\nLINE\n10\n+1.5", "999\nsaid by a program\n  0\nLINE\n\n 10\n15e-1\n"}) {
+    for (const char* content : {"  0\r\nLINE\r\n 10\r\n1.5\r\n", "0\nLINE\n10\n 1.5 \n",
+                                "\xEF\xBB\xBF  0\nLINE\n10\n+1.5", "  0\rLINE\r 10\r1.5\r",
+                                "999\nsaid by a program\n  0\nLINE\n\n 10\n15e-1\n"}) {
         GroupReader reader(content);
         Group group;
         ASSERT_EQ(reader.next(group), Step::group) << content;

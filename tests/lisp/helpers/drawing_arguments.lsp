@@ -25,7 +25,7 @@
              qn_qn-setPlotStyle qn_qn-freezeInViewport qn_qn-intersectArcArc qn_qn-intersectArcLine
              qn_qn-intersectLineArc sg_xdput-list sg_xdget sg_xdget-list sg_xdget-all
              entget entmod entupd entmake entmakex entdel entnext handent regapp xdroom xdsize tblsearch tblnext
-             tblobjname dictsearch dictnext dictadd dictremove dictrename trans textbox)
+             tblobjname dictsearch dictnext dictadd dictremove dictrename trans textbox vports)
   (try f))
 (print (list (quote called) (> calls 5000)))
 

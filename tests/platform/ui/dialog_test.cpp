@@ -224,6 +224,8 @@ TEST_F(DialogTest, EndsAreReported) {
         {L"ok\n", false, IDOK, "to scripts [answered: OK]"},
         {L"press 1\n", false, IDOK, "[answered: OK]"},
         {L"key 10 Return\n", false, IDOK, "[answered: OK]"},
+        {L"key 2 Return\n", false, IDCANCEL, "[answered: Cancel]"},
+        {L"key 11 Return\n", false, IDOK, "[answered: OK]"},
         {L"key 13 Esc\n", false, IDCANCEL, "[answered: Cancel]"},
         {L"ESC\n", false, IDCANCEL, "[answered: Cancel]"},
         {L"text what\n", false, IDCANCEL, "the program asked for the dialog \"Sample\""},
@@ -328,6 +330,12 @@ TEST_F(DialogTest, TabGoesThroughTheControlsInTheirOrder) {
     run(dialog, L"key 10 Tab\nkey 11 Space\nkey 11 Tab\nkey 12 Down\nkey 12 Tab\ncancel\n");
     EXPECT_TRUE(dialog.box->isChecked());
     EXPECT_EQ(dialog.list->currentRow(), 1) << "it came to the first one by Tab";
+}
+
+TEST_F(DialogTest, ReturnPressesTheButtonThatHasTheFocus) {
+    SampleDialog dialog;
+    EXPECT_EQ(run(dialog, L"key 14 Return\nkey 14 Enter\ncancel\n"), IDCANCEL);
+    EXPECT_EQ(dialog.log, "act act ");
 }
 
 TEST_F(DialogTest, F1ShowsTheHelpOfANamedDialog) {

@@ -7,6 +7,7 @@
 #include "host/lisp/text/wildcard.h"
 #include "host/model/core/list_filers.h"
 #include "host/model/core/object_access.h"
+#include "host/model/core/proxies.h"
 #include "host/model/tables/layout.h"
 #include "host/model/tables/references.h"
 #include "platform/db/block_reference.h"
@@ -229,7 +230,7 @@ bool test(Condition& condition, Subject& subject) {
     const AcDbDatabase* const database = entity.database();
     switch (condition.code) {
         case 0:
-            return condition.matches(entity.isA()->dxfName());
+            return condition.matches(model::dxfNameOf(entity));
         case 8:
             return matchesName(condition, entity.layerId(), model::nameOf);
         case 67: {

@@ -162,19 +162,6 @@ bool isInside(const Loop& loop, const AcGePoint2d& point) {
 
 }  // namespace
 
-void Box2d::add(double x, double y) {
-    left = std::min(left, x);
-    bottom = std::min(bottom, y);
-    right = std::max(right, x);
-    top = std::max(top, y);
-}
-
-void Box2d::add(const Box2d& other) {
-    if (other.isEmpty()) return;
-    add(other.left, other.bottom);
-    add(other.right, other.top);
-}
-
 Box2d Box2d::grown(double margin) const {
     return {left - margin, bottom - margin, right + margin, top + margin};
 }

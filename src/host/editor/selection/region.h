@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <limits>
 #include <optional>
 #include <vector>
@@ -18,8 +19,17 @@ struct Box2d {
     double top = std::numeric_limits<double>::lowest();
 
     bool isEmpty() const { return left > right; }
-    void add(double x, double y);
-    void add(const Box2d& other);
+    void add(double x, double y) {
+        left = std::min(left, x);
+        bottom = std::min(bottom, y);
+        right = std::max(right, x);
+        top = std::max(top, y);
+    }
+    void add(const Box2d& other) {
+        if (other.isEmpty()) return;
+        add(other.left, other.bottom);
+        add(other.right, other.top);
+    }
     Box2d grown(double margin) const;
     bool meets(const Box2d& other) const {
         return left <= other.right && other.left <= right && bottom <= other.top &&

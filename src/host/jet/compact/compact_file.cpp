@@ -167,7 +167,10 @@ NewFile::NewFile(const std::wstring& destination, const Locale& locale,
             if (error.code() != DatabaseExists && error.code() != FileInUse) {
                 removeQuietly(files_, name_);
             }
-            if (error.code() != DatabaseExists || number == mostNames) throw;
+            if (error.code() == DatabaseExists && number < mostNames) continue;
+            if (error.code() != InvalidPath && error.code() != CannotOpenFile) throw;
+            // The name that the caller knows.
+            throw Error(error.code(), {destination}, {.file = destination});
         }
     }
 }

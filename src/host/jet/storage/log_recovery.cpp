@@ -18,8 +18,12 @@ std::optional<uint64_t> pageChecksum(const File& database, uint32_t page, size_t
     return log::checksum(0, bytes);
 }
 
+uint64_t pagesOf(const File& database, const log::Header& header) {
+    return database.size() / header.pageSize;
+}
+
 bool fitsHeader(const log::Header& header, const File& database) {
-    if (database.size() / header.pageSize != header.basePages) return false;
+    if (pagesOf(database, header) != header.basePages) return false;
     return header.basePages == 0 || pageChecksum(database, 0, header.pageSize) == header.basePage0;
 }
 
@@ -40,9 +44,10 @@ LogVerdict readLog(PageLog& log, const File& file, const File& database, const l
                    uint64_t generation) {
     log.restart(generation, header.salt, header.baseSequence, header.basePages);
     // Once pages were being brought over, the file may be anything between the states before and
-    // after; until then it must be the state that the log began with.
+    // after, but not shorter; until then it must be the state that the log began with.
     const bool marked = hasMark(file, header.salt);
-    bool fits = marked || fitsHeader(header, database);
+    bool fits =
+        marked ? pagesOf(database, header) >= header.basePages : fitsHeader(header, database);
     std::vector<log::Entry> entries;
     while (log.advance(UINT64_MAX, true, entries)) {
         for (const log::Entry& entry : entries) {

@@ -227,6 +227,11 @@ bool Storage::checkpoint() {
     return checkpointer_ == nullptr || checkpointer_->run();
 }
 
+bool Storage::settle() {
+    checkpoint();
+    return shared_->block().checkpointed.load() >= sequence();
+}
+
 // --- record locks ---
 
 void Storage::lockRecord(RowId row) {

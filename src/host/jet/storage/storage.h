@@ -125,6 +125,10 @@ class SG_API Storage final : public PageStore {
     bool isReadOnly() const { return mode_ == OpenMode::ReadOnly; }
     // True when everything that was committed stands in the database file, synced.
     bool checkpoint();
+    // Brings the state that is read into the database file. True when the file has just that state,
+    // which it keeps for as long as the ReadScope lives that must be there; false while somebody
+    // reads an older one or is at work on the file.
+    bool settle();
     // Brings everything over, as far as no other process reads an older state, and removes the log
     // when nobody else has the database open. An open transaction is rolled back.
     void close();
@@ -166,6 +170,7 @@ class SG_API Storage final : public PageStore {
     void openFiles(const Format* newFormat);
     void lockDatabase();
     void attach(bool isNew);
+    void requireSameFile(bool isAlone) const;
     void startAlone(bool isNew);
     void startPrivate();
     void setAsideLog();

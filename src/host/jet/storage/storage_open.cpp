@@ -144,11 +144,7 @@ bool Storage::lockAlone(File& file) {
 
 void Storage::attach(bool isNew) {
     const bool isAlone = shared_->isAlone();
-    if (isAlone && database_->isLockedByOther(LockKind::Exclusive, attachedByte)) {
-        throw Error(FileInUse, {path_},
-                    {.file = sharedPath(path_),
-                     .detail = L"it was removed while others had the database open"});
-    }
+    requireSameFile(isAlone);
     log_ = files_->open(logPath(path_), FileAccess::ReadWriteOrCreate);
     pageSize_ = isNew ? format_->pageSize : findPageSize();
     if (isAlone) {
@@ -164,6 +160,18 @@ void Storage::attach(bool isNew) {
     logView_ = std::make_unique<PageLog>(*log_, pageSize_);
     cache_ = std::make_unique<PageCache>(pageSize_, options_.cacheBytes);
     if (!isNew) adoptFormat();
+}
+
+// The shared file and the log go by the database's name, and names change hands. Those who take
+// part in the shared file have the attached byte of their database file.
+void Storage::requireSameFile(bool isAlone) const {
+    const bool isAttached = database_->isLockedByOther(LockKind::Exclusive, attachedByte);
+    if (isAttached != isAlone) return;
+    throw Error(FileInUse, {path_},
+                {.file = sharedPath(path_),
+                 .detail = isAlone ? L"it was removed while others had the database open"
+                                   : L"it belongs to another file, which had this name when it "
+                                     L"was opened and is still open"});
 }
 
 // Of a log from before, completes what was committed and drops the rest.

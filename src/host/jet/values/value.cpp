@@ -30,21 +30,21 @@ DateParts partsOf(Date date) {
     // The times of the first day lie below its number.
     const double clamped = given > firstDay - 1 ? std::min(given, end) : firstDay;
     double day = std::trunc(clamped);
-    auto seconds = static_cast<int64_t>(std::llround(std::abs(clamped - day) * secondsOfDay));
+    auto seconds = static_cast<uint32_t>(std::lround(std::abs(clamped - day) * secondsOfDay));
     if (seconds == secondsOfDay) {
         seconds = 0;
         day += 1;
     }
     // The days of the proleptic Gregorian calendar from 0000-03-01, so that the leap day ends a
     // year, in cycles of 400 years; every count below is of whole days, positive here.
-    const int64_t fromMarch = static_cast<int64_t>(day) + 693899;
-    const int64_t cycle = fromMarch / 146097;
-    const int64_t dayOfCycle = fromMarch % 146097;
-    const int64_t yearOfCycle =
+    const auto fromMarch = static_cast<uint32_t>(static_cast<int32_t>(day) + 693899);
+    const uint32_t cycle = fromMarch / 146097;
+    const uint32_t dayOfCycle = fromMarch % 146097;
+    const uint32_t yearOfCycle =
         (dayOfCycle - dayOfCycle / 1460 + dayOfCycle / 36524 - dayOfCycle / 146096) / 365;
-    const int64_t dayOfYear =
+    const uint32_t dayOfYear =
         dayOfCycle - (365 * yearOfCycle + yearOfCycle / 4 - yearOfCycle / 100);
-    const int64_t monthFromMarch = (5 * dayOfYear + 2) / 153;
+    const uint32_t monthFromMarch = (5 * dayOfYear + 2) / 153;
     DateParts parts;
     parts.day = static_cast<int>(dayOfYear - (153 * monthFromMarch + 2) / 5 + 1);
     parts.month = static_cast<int>(monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9);

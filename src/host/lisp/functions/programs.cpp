@@ -40,7 +40,11 @@ std::vector<std::wstring> candidates(const std::wstring& name) {
 }
 
 [[noreturn]] void loadFailed(Interpreter& in, const std::wstring& name) {
-    in.fail(L"LOAD failed: \"" + name + L"\"");
+    std::wstring hint = L"there is no such file in the current folder and on the support path";
+    for (const std::wstring& candidate : candidates(name)) {
+        if (const auto path = locateFile(in, candidate)) hint = *path + L" is no readable program";
+    }
+    in.fail(L"LOAD failed: \"" + name + L"\"", hint);
 }
 
 void addOnce(std::vector<std::wstring>& names, const std::wstring& name) {

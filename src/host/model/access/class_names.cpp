@@ -8,6 +8,7 @@
 #include "host/model/access/entity_maker.h"
 #include "host/model/curves/polyline_3d.h"
 #include "host/model/entities/dimension/kinds.h"
+#include "host/model/entities/mesh/mesh.h"
 #include "host/model/tables/dim_style_table.h"
 #include "host/model/tables/reg_app_table.h"
 #include "host/model/tables/view_tables.h"
@@ -24,6 +25,7 @@ constexpr int k3dPolyline = 8;
 constexpr int kMesh = 16;
 constexpr int k3dVertex = 32;
 constexpr int kPolyface = 64;
+constexpr int kMeshVertex = 64;
 constexpr int kPolyfaceVertex = 128;
 
 int flagAt(const resbuf* groups, int code) {
@@ -41,14 +43,27 @@ bool hasMarker(const resbuf* groups, const wchar_t* name) {
     return false;
 }
 
-// Meshes are not among the classes here.
-const AcRxClass* polylineClass(int flags) {
-    if ((flags & (kMesh | kPolyface)) != 0) return nullptr;
+// By a marker, or where a list has none, by the flags.
+const AcRxClass* polylineClass(const resbuf* groups, int flags) {
+    for (AcRxClass* const each :
+         {AcDb3dPolyline::desc(), AcDbPolyFaceMesh::desc(), AcDbPolygonMesh::desc()}) {
+        if (hasMarker(groups, each->name())) return each;
+    }
+    if ((flags & kPolyface) != 0) return AcDbPolyFaceMesh::desc();
+    if ((flags & kMesh) != 0) return AcDbPolygonMesh::desc();
     return (flags & k3dPolyline) != 0 ? AcDb3dPolyline::desc() : AcDb2dPolyline::desc();
 }
 
-const AcRxClass* vertexClass(int flags) {
-    if ((flags & (kPolyface | kPolyfaceVertex)) != 0) return nullptr;
+const AcRxClass* vertexClass(const resbuf* groups, int flags) {
+    for (AcRxClass* const each : {AcDb3dPolylineVertex::desc(), AcDbPolyFaceMeshVertex::desc(),
+                                  AcDbPolygonMeshVertex::desc(), AcDbFaceRecord::desc()}) {
+        if (hasMarker(groups, each->name())) return each;
+    }
+    const bool isMesh = (flags & kMeshVertex) != 0;
+    if ((flags & kPolyfaceVertex) != 0) {
+        return isMesh ? AcDbPolyFaceMeshVertex::desc() : AcDbFaceRecord::desc();
+    }
+    if (isMesh) return AcDbPolygonMeshVertex::desc();
     return (flags & k3dVertex) != 0 ? AcDb3dPolylineVertex::desc() : AcDb2dVertex::desc();
 }
 
@@ -109,13 +124,8 @@ const AcRxClass* classOfGroups(const resbuf* groups) {
     if (type == nullptr || type->resval.rstring == nullptr) return nullptr;
     const std::wstring name = upperCased(type->resval.rstring);
     const int bits = flagAt(groups, kFlags);
-    if (name == L"POLYLINE") {
-        return hasMarker(groups, L"AcDb3dPolyline") ? AcDb3dPolyline::desc() : polylineClass(bits);
-    }
-    if (name == L"VERTEX") {
-        return hasMarker(groups, L"AcDb3dPolylineVertex") ? AcDb3dPolylineVertex::desc()
-                                                          : vertexClass(bits);
-    }
+    if (name == L"POLYLINE") return polylineClass(groups, bits);
+    if (name == L"VERTEX") return vertexClass(groups, bits);
     if (name == L"DIMENSION") return dimensionClass(groups, bits);
     if (name == L"INSERT") return insertClass(groups);
     return Host::the().classes().findByDxfName(name);

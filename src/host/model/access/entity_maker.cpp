@@ -5,11 +5,15 @@
 #include "base/text.h"
 #include "host/model/access/block_cycles.h"
 #include "host/model/access/class_names.h"
+#include "host/model/access/entity_parts.h"
 #include "host/model/access/group_checks.h"
 #include "host/model/core/list_filers.h"
 #include "host/model/core/object_access.h"
+#include "host/model/core/proxies.h"
 #include "host/model/curves/polyline_3d.h"
 #include "host/model/curves/sequence_end.h"
+#include "host/model/entities/mesh/mesh.h"
+#include "host/model/entities/ole_frame.h"
 #include "host/model/tables/dim_style_table.h"
 #include "host/model/tables/layout.h"
 #include "host/model/tables/references.h"
@@ -60,6 +64,16 @@ bool appendPart(AcDbEntity& whole, std::unique_ptr<AcDbEntity>& part) {
         if (auto* const vertex = AcDb3dPolylineVertex::cast(part.get())) {
             status = spatial->appendVertex(vertex);
         }
+    } else if (auto* const net = AcDbPolygonMesh::cast(&whole)) {
+        if (auto* const vertex = AcDbPolygonMeshVertex::cast(part.get())) {
+            status = net->appendVertex(vertex);
+        }
+    } else if (auto* const mesh = AcDbPolyFaceMesh::cast(&whole)) {
+        if (auto* const face = AcDbFaceRecord::cast(part.get())) {
+            status = mesh->appendFaceRecord(face);
+        } else if (auto* const vertex = AcDbPolyFaceMeshVertex::cast(part.get())) {
+            status = mesh->appendVertex(vertex);
+        }
     }
     if (status != Acad::eOk) return false;
     part.release()->close();
@@ -77,16 +91,38 @@ bool read(AcDbObject& object, ListReader& reader) {
     return true;
 }
 
+// Frames of other programs' objects, and what stands for an unknown class, need more than a list.
+bool isBeyondLists(const AcRxClass* type) {
+    return type->isDerivedFrom(AcDbOle2Frame::desc()) ||
+           type->isDerivedFrom(AcDbProxyEntity::desc()) ||
+           type->isDerivedFrom(AcDbProxyObject::desc());
+}
+
+// The name of a space, of which a layout may have one with a number.
+bool isSpace(std::wstring_view name) {
+    const std::wstring_view paper = ACDB_PAPER_SPACE;
+    return equalIgnoringCase(name, ACDB_MODEL_SPACE) ||
+           equalIgnoringCase(name.substr(0, paper.size()), paper);
+}
+
 // Vertices and attributes are made only for what they belong to.
 bool isPart(const AcRxClass* type) {
     return type->isDerivedFrom(AcDbVertex::desc()) || type->isDerivedFrom(AcDbAttribute::desc());
 }
 
-bool isPartOf(const AcRxClass* type, const AcDbEntity& whole) {
-    if (AcDbBlockReference::cast(&whole) != nullptr)
-        return type->isDerivedFrom(AcDbAttribute::desc());
-    if (AcDb2dPolyline::cast(&whole) != nullptr) return type->isDerivedFrom(AcDb2dVertex::desc());
-    return type->isDerivedFrom(AcDb3dPolylineVertex::desc());
+// A vertex without widths of its own has the polyline's.
+void takeWidths(AcDbEntity& part, const AcDbEntity& whole) {
+    auto* const vertex = AcDb2dVertex::cast(&part);
+    const auto* const polyline = AcDb2dPolyline::cast(&whole);
+    if (vertex == nullptr || polyline == nullptr) return;
+    vertex->setStartWidth(polyline->defaultStartWidth());
+    vertex->setEndWidth(polyline->defaultEndWidth());
+}
+
+// A net has the vertices of all its rows and columns.
+bool isWhole(const AcDbEntity& entity) {
+    const auto* const net = AcDbPolygonMesh::cast(&entity);
+    return net == nullptr || net->isComplete();
 }
 
 }  // namespace
@@ -132,7 +168,7 @@ EntityMaker::Result EntityMaker::make(const resbuf* groups, bool objects) {
         result = endBlock();
     } else if (equalIgnoringCase(type, L"SEQEND")) {
         result = endParts();
-    } else if (made == nullptr) {
+    } else if (made == nullptr || isBeyondLists(made)) {
         result = {};
     } else if (whole_ != nullptr) {
         result = addPart(groups, made);
@@ -186,8 +222,10 @@ AcDbObjectId EntityMaker::spaceOf(const resbuf* groups) const {
     return paper->resval.rint != 0 ? database_.paperSpaceId() : database_.modelSpaceId();
 }
 
-// A reference in the new definition of a block that it shows.
+// A reference to a space, or one in the new definition of a block that it shows.
 bool EntityMaker::wouldShowItself(const AcDbBlockReference& reference) const {
+    const auto* const shown = peek<AcDbBlockTableRecord>(reference.blockTableRecord());
+    if (shown != nullptr && shown->isLayout()) return true;
     if (block_.isNull()) return false;
     const AcDbObjectId existing = recordNamed(&database_, NamedIn::blocks, blockName_);
     return !existing.isNull() && showsBlock(reference.blockTableRecord(), existing);
@@ -225,6 +263,7 @@ EntityMaker::Result EntityMaker::addPart(const resbuf* groups, const AcRxClass* 
     if (part == nullptr) return {};
     part->setLayer(whole_->layerId());
     part->subSetDatabaseDefaults(&database_);
+    takeWidths(*part, *whole_);
     if (!fill(*part, groups)) return {};
     parts_.push_back(std::move(part));
     return {true, {}, {}};
@@ -240,6 +279,7 @@ EntityMaker::Result EntityMaker::endParts() {
         result.made = result.made && appendPart(*entity, part);
     }
     parts_.clear();
+    result.made = result.made && isWhole(*entity);
     if (!result.made) entity->erase();
     entity->close();
     return result;
@@ -247,7 +287,7 @@ EntityMaker::Result EntityMaker::endParts() {
 
 EntityMaker::Result EntityMaker::beginBlock(const resbuf* groups) {
     const std::wstring name(textAt(groups, kName));
-    if (name.empty() || !block_.isNull() || whole_ != nullptr) return {};
+    if (name.empty() || isSpace(name) || !block_.isNull() || whole_ != nullptr) return {};
     AcDbBlockTable* table = nullptr;
     if (database_.getBlockTable(table, AcDb::kForWrite) != Acad::eOk) return {};
     auto block = std::make_unique<AcDbBlockTableRecord>();

@@ -5,7 +5,7 @@
 
 #include "host/model/core/object_access.h"
 #include "platform/db/block_reference.h"
-#include "platform/db/vertex_curve.h"
+#include "platform/db/vertex_owner.h"
 
 namespace sg::model {
 namespace {
@@ -31,7 +31,7 @@ AcDbObjectId nextPart(const AcDbEntity& whole, AcDbObjectId part) {
     if (const auto* const reference = AcDbBlockReference::cast(&whole)) {
         next = attributeAfter(*reference, part);
         end = reference->sequenceEndId();
-    } else if (const auto* const polyline = dynamic_cast<const VertexCurve*>(&whole)) {
+    } else if (const auto* const polyline = dynamic_cast<const VertexList*>(&whole)) {
         next = polyline->vertexAfter(part);
         end = polyline->sequenceEndId();
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <string_view>
 
 #include "host/model/access/entity_maker.h"
@@ -12,6 +13,8 @@ namespace sg::model {
 namespace {
 
 constexpr int kLinetype = 6;
+constexpr int kPoint = 10;
+constexpr int kDirection = 11;
 constexpr int kSize = 40;
 constexpr int kColor = 62;
 constexpr int kMarker = 100;
@@ -43,6 +46,7 @@ constexpr std::array kKinds = {
     Kind{L"SOLID", L"AcDbTrace", false, {10, 11, 12, kUnused}},
     Kind{L"TRACE", L"AcDbTrace", false, {10, 11, 12, kUnused}},
     Kind{L"3DFACE", L"AcDbFace", false, {10, 11, 12, kUnused}},
+    Kind{L"LEADER", L"AcDbLeader", false, {10, kUnused, kUnused, kUnused}},
 };
 
 // Null for a kind that is not known here.
@@ -64,12 +68,19 @@ bool isMarkedAs(const resbuf* groups, std::wstring_view marker) {
     return !isMarked || marker.empty();
 }
 
+// One point makes no leader.
+bool hasEnoughPoints(const Kind& kind, const resbuf* groups) {
+    if (kind.name != L"LEADER") return true;
+    const resbuf* const first = findGroup(groups, kPoint);
+    return first != nullptr && findGroup(first->rbnext, kPoint) != nullptr;
+}
+
 }  // namespace
 
 bool hasRequiredGroups(const AcDbObject& object, const resbuf* groups) {
     const Kind* const kind = kindOf(object);
     if (kind == nullptr) return true;
-    return isMarkedAs(groups, kind->marker) &&
+    return isMarkedAs(groups, kind->marker) && hasEnoughPoints(*kind, groups) &&
            std::all_of(kind->required.begin(), kind->required.end(), [&](int code) {
                return code == kUnused || findGroup(groups, code) != nullptr;
            });
@@ -104,14 +115,44 @@ bool hasValidColor(const resbuf* groups) {
     return color == nullptr || (color->resval.rint >= 0 && color->resval.rint <= kLastColor);
 }
 
+// A ray and a construction line go somewhere.
+bool hasValidDirection(const AcDbObject& object, const resbuf* groups) {
+    const Kind* const kind = kindOf(object);
+    if (kind == nullptr || (kind->name != L"RAY" && kind->name != L"XLINE")) return true;
+    const resbuf* const direction = findGroup(groups, kDirection);
+    if (direction == nullptr) return true;
+    const double* const v = direction->resval.rpoint;
+    return v[0] != 0 || v[1] != 0 || v[2] != 0;
+}
+
+bool isFinite(const resbuf& group) {
+    const double* const p = group.resval.rpoint;
+    switch (acdbGroupCodeToType(group.restype)) {
+        case RTREAL:
+            return std::isfinite(group.resval.rreal);
+        case RT3DPOINT:
+            return std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]);
+        default:
+            return true;
+    }
+}
+
+bool hasFiniteNumbers(const resbuf* groups) {
+    while (groups != nullptr && isFinite(*groups))
+        groups = groups->rbnext;
+    return groups == nullptr;
+}
+
 }  // namespace
 
 bool hasValidValues(const AcDbObject& object, const resbuf* groups, const AcDbDatabase& database) {
+    if (!hasFiniteNumbers(groups)) return false;
     if (AcDbLayerTableRecord::cast(&object) != nullptr) {
         return hasKnownLinetype(groups, database) && hasKnownLineWeight(groups);
     }
     if (AcDbEntity::cast(&object) == nullptr) return true;
-    return hasValidColor(groups) && hasKnownLineWeight(groups) && hasValidSize(object, groups);
+    return hasValidColor(groups) && hasKnownLineWeight(groups) && hasValidSize(object, groups) &&
+           hasValidDirection(object, groups);
 }
 
 }  // namespace sg::model

@@ -9,6 +9,7 @@
 #include "host/model/core/database_state.h"
 #include "host/model/core/list_filers.h"
 #include "host/model/core/object_access.h"
+#include "host/model/core/proxies.h"
 #include "platform/db/block_reference.h"
 
 namespace sg::model {
@@ -22,7 +23,7 @@ bool read(AcDbObject& object, const resbuf* groups) {
 bool isOfAnotherKind(const AcDbObject& object, const resbuf* groups) {
     const resbuf* const type = findGroup(groups, 0);
     return type != nullptr && type->resval.rstring != nullptr &&
-           !equalIgnoringCase(object.isA()->dxfName(), type->resval.rstring);
+           !equalIgnoringCase(dxfNameOf(object), type->resval.rstring);
 }
 
 // A reference that has come to show the block in which it stands.
@@ -58,14 +59,19 @@ bool changeRecord(AcDbSymbolTableRecord& record, const resbuf* groups) {
     return isRead && !hasFixedName(record) && record.setName(after.c_str()) == Acad::eOk;
 }
 
-// A dictionary that a list has given to the object belongs to it from then on.
-void ownExtensionDictionary(const AcDbObject& object) {
+// A dictionary that a list has given to the object belongs to it from then on. False for what is
+// no dictionary, and for one that belongs to something else.
+bool ownExtensionDictionary(const AcDbObject& object) {
     AcDbDictionary* dictionary = nullptr;
     if (acdbOpenObject(dictionary, object.extensionDictionary(), AcDb::kForWrite) != Acad::eOk) {
-        return;
+        return false;
     }
-    if (dictionary->ownerId() != object.objectId()) dictionary->setOwnerId(object.objectId());
+    const AcDbObjectId root = object.database()->namedObjectsDictionaryId();
+    const AcDbObjectId owner = dictionary->ownerId();
+    const bool isFree = owner.isNull() && dictionary->objectId() != root;
+    if (isFree) dictionary->setOwnerId(object.objectId());
     dictionary->close();
+    return isFree || owner == object.objectId();
 }
 
 }  // namespace
@@ -74,6 +80,7 @@ bool changeObject(AcDbObject& object, const resbuf* groups) {
     if (isOfAnotherKind(object, groups) || !hasValidValues(object, groups, *object.database())) {
         return false;
     }
+    const AcDbObjectId dictionary = object.extensionDictionary();
     bool changed = false;
     if (auto* const entity = AcDbEntity::cast(&object)) {
         changed = changeEntity(*entity, groups);
@@ -82,8 +89,9 @@ bool changeObject(AcDbObject& object, const resbuf* groups) {
     } else {
         changed = read(object, groups);
     }
-    if (changed && !object.extensionDictionary().isNull()) ownExtensionDictionary(object);
-    return changed;
+    const AcDbObjectId given = object.extensionDictionary();
+    if (!changed || given == dictionary || given.isNull()) return changed;
+    return ownExtensionDictionary(object);
 }
 
 }  // namespace sg::model

@@ -1,28 +1,36 @@
+#include "host/model/access/entity_parts.h"
 #include "host/model/core/object_access.h"
 #include "host/model/core/proxies.h"
 #include "host/model/curves/polyline_3d.h"
 #include "host/model/curves/sequence_end.h"
+#include "host/model/entities/mesh/mesh.h"
 #include "platform/db/block_reference.h"
 #include "platform/db/polyline_2d.h"
 
 // The entities that a polyline or a block reference owns, as drawing files have them behind it.
 
 namespace sg::model {
-namespace {
 
-bool isVertexOf(const AcDbEntity& whole, const AcDbEntity& part) {
-    if (AcDb2dPolyline::cast(&whole) != nullptr) return AcDb2dVertex::cast(&part) != nullptr;
-    return AcDb3dPolyline::cast(&whole) != nullptr && AcDb3dPolylineVertex::cast(&part) != nullptr;
+bool isPartOf(const AcRxClass* type, const AcDbEntity& whole) {
+    const AcRxClass* const kind = whole.isA();
+    if (kind->isDerivedFrom(AcDbBlockReference::desc())) {
+        return type->isDerivedFrom(AcDbAttribute::desc());
+    }
+    if (kind == AcDb2dPolyline::desc()) return type == AcDb2dVertex::desc();
+    if (kind == AcDb3dPolyline::desc()) return type == AcDb3dPolylineVertex::desc();
+    if (kind == AcDbPolygonMesh::desc()) return type == AcDbPolygonMeshVertex::desc();
+    return kind == AcDbPolyFaceMesh::desc() &&
+           (type == AcDbPolyFaceMeshVertex::desc() || type == AcDbFaceRecord::desc());
 }
-
-}  // namespace
 
 bool ObjectAccess::adoptPart(AcDbEntity& whole, AcDbObjectId id) {
     const auto* const part = peek<AcDbEntity>(id);
     if (part == nullptr) return false;
     const bool isEnd = AcDbSequenceEnd::cast(part) != nullptr;
     if (auto* const proxy = AcDbProxyEntity::cast(&whole)) {
-        proxy->data.parts.emplace_back(id);
+        auto& parts = proxy->data.parts;
+        const bool hasEnd = !parts.empty() && peek<AcDbSequenceEnd>(parts.back()) != nullptr;
+        if (!hasEnd || !isEnd) parts.emplace(parts.end() - (hasEnd ? 1 : 0), id);
         return true;
     }
     if (auto* const reference = AcDbBlockReference::cast(&whole)) {
@@ -35,16 +43,17 @@ bool ObjectAccess::adoptPart(AcDbEntity& whole, AcDbObjectId id) {
         }
         return true;
     }
-    if (AcDb2dPolyline::cast(&whole) == nullptr && AcDb3dPolyline::cast(&whole) == nullptr) {
-        return false;
-    }
-    auto& curve = static_cast<VertexCurve&>(whole);
+    auto* const list = dynamic_cast<VertexList*>(&whole);
+    if (list == nullptr) return false;
     if (isEnd) {
-        curve.sequenceEnd_ = id;
+        list->sequenceEnd_ = id;
         return true;
     }
-    if (!isVertexOf(whole, *part)) return false;
-    curve.slots_.emplace_back().id = id;
+    // Files take the vertices of one kind of mesh for those of the other.
+    const bool isMeshVertex = dynamic_cast<const Mesh*>(&whole) != nullptr &&
+                              dynamic_cast<const MeshVertex*>(part) != nullptr;
+    if (!isMeshVertex && !isPartOf(part->isA(), whole)) return false;
+    list->slots_.emplace_back().id = id;
     return true;
 }
 
@@ -56,11 +65,10 @@ std::vector<AcDbObjectId> ObjectAccess::partsOf(const AcDbEntity& whole) {
     } else if (const auto* const reference = AcDbBlockReference::cast(&whole)) {
         parts.assign(reference->attributes_.begin(), reference->attributes_.end());
         end = reference->sequenceEnd_;
-    } else if (AcDb2dPolyline::cast(&whole) != nullptr || AcDb3dPolyline::cast(&whole) != nullptr) {
-        const auto& curve = static_cast<const VertexCurve&>(whole);
-        for (const VertexSlot& slot : curve.slots_)
+    } else if (const auto* const list = dynamic_cast<const VertexList*>(&whole)) {
+        for (const VertexSlot& slot : list->slots_)
             parts.push_back(slot.id);
-        end = curve.sequenceEnd_;
+        end = list->sequenceEnd_;
     }
     std::erase_if(parts, [](AcDbObjectId id) { return id.isErased(); });
     if (!end.isErased()) parts.push_back(end);

@@ -4,6 +4,7 @@
 #include "host/model/core/block_contents.h"
 #include "host/model/core/block_ends.h"
 #include "host/model/core/database_state.h"
+#include "host/model/core/list_cursor.h"
 #include "host/model/core/memory_filers.h"
 #include "host/model/core/object_access.h"
 #include "platform/db/database.h"
@@ -18,6 +19,7 @@ const wchar_t* const ACDB_PAPER_SPACE = L"*Paper_Space";
 
 using sg::model::DatabaseState;
 using sg::model::DatabaseTable;
+using sg::model::ListCursor;
 using sg::model::ObjectAccess;
 using sg::model::peek;
 
@@ -92,7 +94,6 @@ const std::vector<AcDbObjectId>& AcDbBlockTableRecord::entityIds() const {
 
 namespace {
 
-// Follows the list while it changes, as the iterator of symbol tables does.
 class Iterator final : public AcDbBlockTableRecordIterator {
   public:
     Iterator(AcDbObjectId block, bool atBeginning, bool skipErased) : block_(block) {
@@ -100,63 +101,41 @@ class Iterator final : public AcDbBlockTableRecordIterator {
     }
 
     void start(bool atBeginning, bool skipErased) override {
-        at_ = atBeginning ? 0 : size() - 1;
-        settle(atBeginning ? 1 : -1, skipErased);
+        cursor_.start(list(), atBeginning, skipErased);
     }
-    bool done() const override { return current_.isNull(); }
+    bool done() const override { return cursor_.done(); }
     void step(bool forward, bool skipErased) override {
-        if (done()) return;
-        findAgain();
-        at_ += forward ? 1 : -1;
-        settle(forward ? 1 : -1, skipErased);
+        cursor_.step(list(), forward, skipErased, [this](AcDbObjectId id) { return placeOf(id); });
     }
     Acad::ErrorStatus getEntityId(AcDbObjectId& id) const override {
-        id = current_;
+        id = cursor_.current();
         return done() ? Acad::eNullObjectId : Acad::eOk;
     }
     Acad::ErrorStatus getEntity(AcDbEntity*& entity, AcDb::OpenMode mode,
                                 bool openErased) const override {
-        return acdbOpenObject(entity, current_, mode, openErased);
+        return acdbOpenObject(entity, cursor_.current(), mode, openErased);
     }
     Acad::ErrorStatus seek(AcDbObjectId id) override {
-        const auto* const block = peek<AcDbBlockTableRecord>(block_);
-        if (block == nullptr) return Acad::eKeyNotFound;
-        const size_t found = ObjectAccess::contents(*block).find(id);
-        if (found == ObjectAccess::BlockContents::kNotFound) return Acad::eKeyNotFound;
-        at_ = static_cast<ptrdiff_t>(found);
-        current_ = id;
+        const ptrdiff_t place = placeOf(id);
+        if (place < 0) return Acad::eKeyNotFound;
+        cursor_.moveTo(place, id);
         return Acad::eOk;
     }
 
   private:
-    const std::vector<AcDbObjectId>* list() const {
+    const ListCursor::Ids* list() const {
         const auto* const block = peek<AcDbBlockTableRecord>(block_);
         return block == nullptr ? nullptr : &block->entityIds();
     }
-    ptrdiff_t size() const {
-        const auto* const entities = list();
-        return entities == nullptr ? 0 : static_cast<ptrdiff_t>(entities->size());
-    }
-    void settle(ptrdiff_t direction, bool skipErased) {
-        current_.setNull();
-        const auto* const entities = list();
-        for (const ptrdiff_t end = size(); at_ >= 0 && at_ < end; at_ += direction) {
-            const AcDbObjectId id = (*entities)[static_cast<size_t>(at_)];
-            if (!id.isValid() || (skipErased && id.isErased())) continue;
-            current_ = id;
-            return;
-        }
-    }
-    // One that has left the block meanwhile leaves the place to those behind it.
-    void findAgain() {
-        const auto* const entities = list();
-        if (entities == nullptr) return;
-        if (at_ < size() && (*entities)[static_cast<size_t>(at_)] == current_) return;
-        if (seek(current_) != Acad::eOk) --at_;
+    ptrdiff_t placeOf(AcDbObjectId id) const {
+        const auto* const block = peek<AcDbBlockTableRecord>(block_);
+        if (block == nullptr) return -1;
+        const size_t place = ObjectAccess::contents(*block).find(id);
+        return place == ObjectAccess::BlockContents::kNotFound ? -1 : static_cast<ptrdiff_t>(place);
     }
 
-    AcDbObjectId block_, current_;
-    ptrdiff_t at_ = 0;
+    AcDbObjectId block_;
+    ListCursor cursor_;
 };
 
 }  // namespace

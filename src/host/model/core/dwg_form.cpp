@@ -41,6 +41,9 @@ Acad::ErrorStatus KeptBits::dwgIn(AcDbDwgFiler& filer) {
     readStream(filer, data, dataBits);
     readStream(filer, texts, textBits);
     readStream(filer, graphics, none);
+    const bool isWhole = dataBits <= data.size() * 8 && textBits <= texts.size() * 8;
+    const bool isKnown = release == 0 || (release >= AcDb::kDHL_1012 && release <= AcDb::kDHL_1032);
+    if (!isWhole || !isKnown) return Acad::eInvalidInput;
     filer.readUInt32(&count);
     ids.clear();
     while (count-- > 0 && filer.filerStatus() == Acad::eOk) {
@@ -55,9 +58,14 @@ Acad::ErrorStatus KeptBits::dwgIn(AcDbDwgFiler& filer) {
 // ---- Bytes --------------------------------------------------------------------------------------
 
 Acad::ErrorStatus readBytes(AcDbDwgFiler* filer, std::vector<uint8_t>& bytes) {
+    uint32_t size = 0;
+    filer->readUInt32(&size);
+    return readBytes(filer, size, bytes);
+}
+
+Acad::ErrorStatus readBytes(AcDbDwgFiler* filer, uint32_t size, std::vector<uint8_t>& bytes) {
     constexpr size_t kPart = 1 << 16;
-    uint32_t rest = 0;
-    filer->readUInt32(&rest);
+    uint32_t rest = size;
     bytes.clear();
     while (rest > 0 && filer->filerStatus() == Acad::eOk) {
         const size_t part = std::min<size_t>(rest, kPart);

@@ -44,7 +44,7 @@ namespace sg::model {
 
 // The class data of an object that no class reads, as a file has it.
 struct KeptBits {
-    int16_t release = 0;        // AcDb::AcDbDwgVersion
+    int16_t release = 0;        // AcDb::AcDbDwgVersion; 0: there is nothing but graphics
     std::vector<uint8_t> data;  // the main data behind what all objects have, from the first bit on
     uint32_t dataBits = 0;
     std::vector<uint8_t> texts;  // the text stream, which files have from 2007 on, likewise
@@ -170,6 +170,8 @@ Acad::ErrorStatus readInt32As(AcDbDwgFiler* filer, Value& value) {
 // Bytes behind their number in 32 bits. They are read in parts, so that a damaged number asks for
 // no more memory than there is data.
 SG_API Acad::ErrorStatus readBytes(AcDbDwgFiler* filer, std::vector<uint8_t>& bytes);
+// The same when the number is read already.
+Acad::ErrorStatus readBytes(AcDbDwgFiler* filer, uint32_t size, std::vector<uint8_t>& bytes);
 
 // ---- Parts of a whole ---------------------------------------------------------------------------
 

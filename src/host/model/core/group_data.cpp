@@ -1,4 +1,5 @@
 #include "host/model/core/group_data.h"
+#include "host/model/core/dwg_form.h"
 
 #include <string>
 
@@ -267,7 +268,9 @@ Acad::ErrorStatus GroupData::dwgOut(AcDbDwgFiler& filer) const {
                 filer.writePoint2d({group.real, group.y});
                 break;
             case Kind::whole:
-                filer.writeInt64(group.whole);
+                // In two parts, since whole numbers of 64 bits have only 56 in DWG files.
+                filer.writeInt32(static_cast<int32_t>(group.whole));
+                filer.writeInt32(static_cast<int32_t>(group.whole >> 32));
                 break;
             case Kind::handle:
                 filer.writeAcDbHandle(AcDbHandle(group.handle));
@@ -291,9 +294,11 @@ Acad::ErrorStatus readValue(AcDbDwgFiler& filer, GroupData::Group& group, std::s
             uint32_t length = 0;
             const Acad::ErrorStatus status = filer.readUInt32(&length);
             if (status != Acad::eOk) return status;
-            data.resize(length);
+            std::vector<uint8_t> bytes;
+            readBytes(&filer, length, bytes);
+            data.assign(bytes.begin(), bytes.end());
             group.text = data;
-            return filer.readBytes(data.data(), length);
+            return filer.filerStatus();
         }
         case Kind::real:
             return filer.readDouble(&group.real);
@@ -312,8 +317,14 @@ Acad::ErrorStatus readValue(AcDbDwgFiler& filer, GroupData::Group& group, std::s
             group.y = point.y;
             return filer.filerStatus();
         }
-        case Kind::whole:
-            return filer.readInt64(&group.whole);
+        case Kind::whole: {
+            int32_t low = 0;
+            int32_t high = 0;
+            filer.readInt32(&low);
+            filer.readInt32(&high);
+            group.whole = static_cast<int64_t>(high) << 32 | static_cast<uint32_t>(low);
+            return filer.filerStatus();
+        }
         case Kind::handle: {
             AcDbHandle handle;
             filer.readAcDbHandle(&handle);

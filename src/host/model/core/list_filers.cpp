@@ -196,7 +196,7 @@ Acad::ErrorStatus ListWriter::writeBChunk(int code, const void* bytes, size_t co
 // ---- ListReader ---------------------------------------------------------------------------------
 
 ListReader::ListReader(const resbuf* list, AcDbDatabase* database, AcDb::FilerType type)
-    : ListFiler(type, database) {
+    : ReadingFiler(type, database) {
     bool hasLists = false;
     for (const resbuf* node = list; node != nullptr; node = node->rbnext) {
         if (node->restype == kExtendedDataStart || node->restype >= 1000) {

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "base/export.h"
-#include "platform/db/filers.h"
+#include "host/model/core/reading_filer.h"
 
 namespace sg::model {
 
@@ -87,7 +87,7 @@ class SG_API ListWriter final : public ListFiler {
 // list may have subclass markers or none; with them, what stands before the first counts as the
 // entity's where its marker is missing. Lists of reactors and of the extension dictionary may stand
 // anywhere but among the groups of an extended record.
-class SG_API ListReader final : public ListFiler {
+class SG_API ListReader final : public ReadingFiler<ListFiler> {
   public:
     ListReader(const resbuf* list, AcDbDatabase* database, AcDb::FilerType type = AcDb::kBagFiler);
 
@@ -98,30 +98,9 @@ class SG_API ListReader final : public ListFiler {
     resbuf* takeExtendedData() override;
 
     bool includesDefaultValues() const override { return true; }
-    Acad::ErrorStatus writeItem(const resbuf&) override { return refuse(); }
-    Acad::ErrorStatus writeObjectId(int, AcDbObjectId) override { return refuse(); }
-    Acad::ErrorStatus writeInt8(int, int8_t) override { return refuse(); }
-    Acad::ErrorStatus writeInt16(int, int16_t) override { return refuse(); }
-    Acad::ErrorStatus writeInt32(int, int32_t) override { return refuse(); }
-    Acad::ErrorStatus writeInt64(int, int64_t) override { return refuse(); }
-    Acad::ErrorStatus writeUInt8(int, uint8_t) override { return refuse(); }
-    Acad::ErrorStatus writeUInt16(int, uint16_t) override { return refuse(); }
-    Acad::ErrorStatus writeUInt32(int, uint32_t) override { return refuse(); }
-    Acad::ErrorStatus writeBool(int, bool) override { return refuse(); }
-    Acad::ErrorStatus writeDouble(int, double, int) override { return refuse(); }
-    Acad::ErrorStatus writePoint2d(int, const AcGePoint2d&, int) override { return refuse(); }
-    Acad::ErrorStatus writePoint3d(int, const AcGePoint3d&, int) override { return refuse(); }
-    Acad::ErrorStatus writeVector3d(int, const AcGeVector3d&, int) override { return refuse(); }
-    Acad::ErrorStatus writeString(int, const wchar_t*) override { return refuse(); }
-    Acad::ErrorStatus writeAcDbHandle(int, const AcDbHandle&) override { return refuse(); }
-    Acad::ErrorStatus writeBChunk(int, const void*, size_t) override { return refuse(); }
 
   private:
     void liftLists();
-    Acad::ErrorStatus refuse() {
-        setFilerStatus(Acad::eInvalidInput);
-        return Acad::eInvalidInput;
-    }
 
     std::vector<const resbuf*> groups_;  // of the class data
     const resbuf* extendedData_ = nullptr;

@@ -212,10 +212,10 @@ Acad::ErrorStatus AcDbObject::dxfOut(AcDbDxfFiler* filer) const {
     if (isBag && !id_.isNull()) filer->writeObjectId(-1, id_);
     filer->writeString(0, dxfName);
     const bool ownerFirst = isBag && !hasLists(extras_.get());
-    if (ownerFirst && !owner_.isNull()) filer->writeObjectId(330, owner_);
+    if (ownerFirst) filer->writeObjectId(330, owner_);
     if (!id_.isNull()) filer->writeAcDbHandle(handleCode(dxfName), id_.handle());
     writeAttached(*filer, extras_.get());
-    if (!ownerFirst && !(isBag && owner_.isNull())) filer->writeObjectId(330, owner_);
+    if (!ownerFirst) filer->writeObjectId(330, owner_);
     const Acad::ErrorStatus status = dxfOutFields(filer);
     if (status != Acad::eOk) return status;
     if (extras_) extras_->extendedData.dxfOut(*filer);

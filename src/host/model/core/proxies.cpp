@@ -43,6 +43,14 @@ void ProxyData::dwgOut(AcDbDwgFiler& filer) const {
     if (bits != nullptr) bits->dwgOut(filer);
 }
 
+bool ProxyData::isOnlyBits() const {
+    return bits != nullptr && bits->release != 0 && groups.empty() && bytes.empty();
+}
+
+bool ProxyData::isWrapped() const {
+    return className == kWrappedEntity || className == kWrappedObject;
+}
+
 Acad::ErrorStatus ProxyData::dwgIn(AcDbDwgFiler& filer) {
     uint32_t size = 0;
     uint32_t count = 0;
@@ -52,9 +60,8 @@ Acad::ErrorStatus ProxyData::dwgIn(AcDbDwgFiler& filer) {
     filer.readInt32(&flags);
     filer.readUInt32(&size);
     filer.readUInt32(&count);
-    bytes.resize(size);
+    readBytes(&filer, size, bytes);
     ids.clear();
-    filer.readBytes(bytes.data(), size);
     while (count-- > 0 && filer.filerStatus() == Acad::eOk) {
         uint32_t offset = 0;
         uint8_t kind = 0;
@@ -219,7 +226,7 @@ std::unique_ptr<AcDbObject> makeFromGroups(const AcRxClass& descriptor, const Ac
 // From what it keeps: what its class has filed, what a DWG file had of it, or groups.
 std::unique_ptr<AcDbObject> makeOriginal(const AcRxClass& descriptor, AcDbObject& proxy,
                                          const ProxyData& data) {
-    if (data.bits != nullptr && data.bytes.empty()) {
+    if (data.bits != nullptr && data.bits->release != 0 && data.bytes.empty()) {
         const auto make = DatabaseTable::the()->makeFromBits();
         return make == nullptr ? nullptr : make(descriptor, proxy);
     }

@@ -26,6 +26,12 @@ enum ProxyFlags : int {
     kProxyPlotStyleNameChangeAllowed = 0x200,
 };
 
+// The classes of DWG files under which everything goes that a proxy keeps, when its own class has
+// no form in the file's release. No program has them, so that others show the graphics that stand
+// with an entity.
+inline constexpr const wchar_t* kWrappedEntity = L"SgKeptEntity";
+inline constexpr const wchar_t* kWrappedObject = L"SgKeptObject";
+
 // What a proxy keeps of the object that it stands for: its class, and what the class files behind
 // the fields that every object, or entity, has.
 struct ProxyData {
@@ -43,7 +49,12 @@ struct ProxyData {
     std::vector<AcDbHardOwnershipId> parts;
 
     bool allows(ProxyFlags what) const { return (flags & what) != 0; }
+    // Whether it has what a DWG file had of the object, and nothing else.
+    bool isOnlyBits() const;
+    // Whether it is read from a DWG file where it stands for another class.
+    bool isWrapped() const;
 
+    // Everything, through a filer of any kind.
     void dwgOut(AcDbDwgFiler& filer) const;
     Acad::ErrorStatus dwgIn(AcDbDwgFiler& filer);
 };

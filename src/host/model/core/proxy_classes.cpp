@@ -30,19 +30,35 @@ Acad::ErrorStatus writeProxyGroups(AcDbDxfFiler& filer, const wchar_t* marker, i
 }
 
 // In a drawing file's own form the object is what its class had there, in another release's what
-// its groups say.
+// its groups say. Where they say nothing it is wrapped.
 Acad::ErrorStatus writeBits(AcDbDwgFiler& filer, const ProxyData& data) {
     if (sg::model::keepsBitsFor(data, filer.dwgVersion())) {
         return filer.dwgForm()->writeKept(*data.bits);
     }
-    if (!sg::model::writeKept(filer, data)) filer.setFilerStatus(Acad::eNotApplicable);
+    const bool hasForm = sg::model::canWriteKept(data, filer.dwgVersion());
+    if (!hasForm || !sg::model::writeKept(filer, data)) data.dwgOut(filer);
     return filer.filerStatus();
 }
 
+// The graphics are the file's; they stay with what was wrapped.
+bool readWrapped(AcDbDwgFiler& filer, ProxyData& data, sg::model::KeptBits& file) {
+    ProxyData original;
+    if (original.dwgIn(filer) != Acad::eOk || original.isWrapped()) {
+        filer.resetFilerStatus();
+        return false;
+    }
+    if (original.bits == nullptr) original.bits = std::make_unique<sg::model::KeptBits>();
+    original.bits->graphics = std::move(file.graphics);
+    data = std::move(original);
+    return true;
+}
+
 Acad::ErrorStatus readBits(AcDbDwgFiler& filer, ProxyData& data) {
-    data.bits = std::make_unique<sg::model::KeptBits>();
-    const Acad::ErrorStatus status = filer.dwgForm()->keep(*data.bits);
+    auto bits = std::make_unique<sg::model::KeptBits>();
+    const Acad::ErrorStatus status = filer.dwgForm()->keep(*bits);
     if (status != Acad::eOk) return status;
+    if (data.isWrapped() && readWrapped(filer, data, *bits)) return Acad::eOk;
+    data.bits = std::move(bits);
     if (!sg::model::readKept(filer, data)) filer.resetFilerStatus();
     return Acad::eOk;
 }
@@ -188,7 +204,8 @@ Acad::ErrorStatus AcDbProxyEntity::dxfInFields(AcDbDxfFiler* filer) {
 
 Acad::ErrorStatus AcDbProxyEntity::dxfOutFields(AcDbDxfFiler* filer) const {
     AcDbEntity::dxfOutFields(filer);
-    if (data.bytes.empty() || !data.groups.empty()) return data.groups.dxfOut(*filer);
+    const bool hasGroups = !data.groups.empty() || (data.bytes.empty() && !data.isOnlyBits());
+    if (hasGroups) return data.groups.dxfOut(*filer);
     return writeProxyGroups(*filer, L"AcDbProxyEntity", 498, data);
 }
 

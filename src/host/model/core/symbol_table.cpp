@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "host/model/core/database_state.h"
 #include "host/model/core/dwg_form.h"
+#include "host/model/core/list_cursor.h"
 #include "host/model/core/memory_filers.h"
 #include "host/model/core/object_access.h"
 #include "host/model/core/symbol_records.h"
@@ -13,6 +14,7 @@ ACRX_NO_CONS_DEFINE_MEMBERS(AcDbSymbolTable, AcDbObject)
 
 using sg::model::DatabaseState;
 using sg::model::DatabaseTable;
+using sg::model::ListCursor;
 using sg::model::ObjectAccess;
 using sg::model::peek;
 
@@ -83,8 +85,6 @@ AcDbObjectId findRegisteredApplication(const AcDbDatabase* database, const wchar
 
 namespace {
 
-// Follows the list while it changes: the record that it stands at is known by its id, and by the
-// place where it was seen last.
 class Iterator final : public AcDbSymbolTableIterator {
   public:
     Iterator(AcDbObjectId table, bool atBeginning, bool skipErased) : table_(table) {
@@ -92,61 +92,42 @@ class Iterator final : public AcDbSymbolTableIterator {
     }
 
     void start(bool atBeginning, bool skipErased) override {
-        at_ = atBeginning ? 0 : size() - 1;
-        settle(atBeginning ? 1 : -1, skipErased);
+        cursor_.start(list(), atBeginning, skipErased);
     }
-    bool done() const override { return current_.isNull(); }
+    bool done() const override { return cursor_.done(); }
     void step(bool forward, bool skipErased) override {
-        if (done()) return;
-        findAgain();
-        at_ += forward ? 1 : -1;
-        settle(forward ? 1 : -1, skipErased);
+        cursor_.step(list(), forward, skipErased, [this](AcDbObjectId id) { return placeOf(id); });
     }
-    AcDbObjectId getRecordId() const override { return current_; }
+    AcDbObjectId getRecordId() const override { return cursor_.current(); }
     Acad::ErrorStatus getRecordId(AcDbObjectId& id) const override {
-        id = current_;
+        id = cursor_.current();
         return done() ? Acad::eNullObjectId : Acad::eOk;
     }
     Acad::ErrorStatus getRecord(AcDbSymbolTableRecord*& record, AcDb::OpenMode mode,
                                 bool openErased) const override {
-        return acdbOpenObject(record, current_, mode, openErased);
+        return acdbOpenObject(record, cursor_.current(), mode, openErased);
     }
     Acad::ErrorStatus seek(AcDbObjectId id) override {
-        const auto* const records = list();
-        if (records == nullptr) return Acad::eKeyNotFound;
-        const auto found = std::find(records->begin(), records->end(), id);
-        if (found == records->end()) return Acad::eKeyNotFound;
-        at_ = found - records->begin();
-        current_ = id;
+        const ptrdiff_t place = placeOf(id);
+        if (place < 0) return Acad::eKeyNotFound;
+        cursor_.moveTo(place, id);
         return Acad::eOk;
     }
 
   private:
-    const std::vector<AcDbObjectId>* list() const {
+    const ListCursor::Ids* list() const {
         const auto* const table = peek<AcDbSymbolTable>(table_);
         return table == nullptr ? nullptr : &ObjectAccess::records(*table).ids;
     }
-    ptrdiff_t size() const {
+    ptrdiff_t placeOf(AcDbObjectId id) const {
         const auto* const records = list();
-        return records == nullptr ? 0 : static_cast<ptrdiff_t>(records->size());
-    }
-    void settle(ptrdiff_t direction, bool skipErased) {
-        current_.setNull();
-        for (const ptrdiff_t end = size(); at_ >= 0 && at_ < end; at_ += direction) {
-            const AcDbObjectId id = (*list())[static_cast<size_t>(at_)];
-            if (!id.isValid() || (skipErased && id.isErased())) continue;
-            current_ = id;
-            return;
-        }
-    }
-    void findAgain() {
-        const auto* const records = list();
-        if (at_ < size() && (*records)[static_cast<size_t>(at_)] == current_) return;
-        if (records != nullptr) seek(current_);
+        if (records == nullptr) return -1;
+        const auto found = std::find(records->begin(), records->end(), id);
+        return found == records->end() ? -1 : found - records->begin();
     }
 
-    AcDbObjectId table_, current_;
-    ptrdiff_t at_ = 0;
+    AcDbObjectId table_;
+    ListCursor cursor_;
 };
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "platform/db/circle.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -50,6 +51,20 @@ bool AcDbCircle::subShape(CurveShape& shape) const {
     shape.normal = normal_;
     shape.thickness = thickness_;
     return true;
+}
+
+// Along an axis it reaches as far as the axis leans to its plane.
+Acad::ErrorStatus AcDbCircle::subGetGeomExtents(AcDbExtents& extents) const {
+    assertReadEnabled();
+    const auto reach = [this](double along) {
+        return radius_ * std::sqrt(std::max(0.0, 1 - along * along));
+    };
+    const AcGeVector3d half(reach(normal_.x), reach(normal_.y), reach(normal_.z));
+    for (const AcGeVector3d& rise : {AcGeVector3d(), normal_ * thickness_}) {
+        extents.addPoint(center_ + rise - half);
+        extents.addPoint(center_ + rise + half);
+    }
+    return Acad::eOk;
 }
 
 AcDbCurve* AcDbCircle::subPart(double from, double to) const {

@@ -33,6 +33,17 @@ bool AcDbLine::subShape(CurveShape& shape) const {
     return true;
 }
 
+Acad::ErrorStatus AcDbLine::subGetGeomExtents(AcDbExtents& extents) const {
+    assertReadEnabled();
+    extents.addPoint(start_);
+    extents.addPoint(end_);
+    if (thickness_ != 0) {
+        extents.addPoint(start_ + normal_ * thickness_);
+        extents.addPoint(end_ + normal_ * thickness_);
+    }
+    return Acad::eOk;
+}
+
 AcDbCurve* AcDbLine::subPart(double from, double to) const {
     CurveShape shape;
     subShape(shape);

@@ -26,7 +26,7 @@ AcDb2dPolyline::AcDb2dPolyline(AcDb::Poly2dType type, const AcGePoint3dArray& po
 }
 AcDb2dPolyline::~AcDb2dPolyline() = default;
 
-std::unique_ptr<AcDbEntity> AcDb2dPolyline::newVertex() const {
+std::unique_ptr<AcDbEntity> AcDb2dPolyline::newVertex(uint8_t) const {
     return std::make_unique<AcDb2dVertex>();
 }
 

@@ -23,7 +23,7 @@ AcDb3dPolyline::AcDb3dPolyline(AcDb::Poly3dType type, const AcGePoint3dArray& po
 }
 AcDb3dPolyline::~AcDb3dPolyline() = default;
 
-std::unique_ptr<AcDbEntity> AcDb3dPolyline::newVertex() const {
+std::unique_ptr<AcDbEntity> AcDb3dPolyline::newVertex(uint8_t) const {
     return std::make_unique<Vertex>();
 }
 

@@ -74,7 +74,7 @@ class SG_API AcDb3dPolyline : public sg::model::VertexCurve {
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
 
   protected:
-    std::unique_ptr<AcDbEntity> newVertex() const override;
+    std::unique_ptr<AcDbEntity> newVertex(uint8_t kind) const override;
     bool subShape(sg::model::CurveShape& shape) const override;
     AcDbCurve* subPart(double from, double to) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;

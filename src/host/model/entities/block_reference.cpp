@@ -193,18 +193,21 @@ Acad::ErrorStatus AcDbBlockReference::subErase(bool erasing) {
 
 // ---- Drawing and geometry -----------------------------------------------------------------------
 
-std::vector<AcGeMatrix3d> AcDbBlockReference::shownAt() const {
+std::vector<AcGeMatrix3d> AcDbBlockReference::shownAt(Copies which) const {
     const AcGeMatrix3d transform = blockTransform();
+    const std::vector<AcGeVector3d> offsets = copies(which);
+    if (offsets.size() == 1) return {transform};
     const AcGeMatrix3d turn = sg::model::Frame{{}, normal_, rotation_}.toWorld();
     std::vector<AcGeMatrix3d> places;
-    for (const AcGeVector3d& copy : copies())
+    for (const AcGeVector3d& copy : offsets)
         places.push_back(AcGeMatrix3d::translation(turn * copy) * transform);
     return places;
 }
 
 bool AcDbBlockReference::subWorldDraw(AcGiWorldDraw* draw) {
     assertReadEnabled();
-    for (const AcGeMatrix3d& place : shownAt())
+    const Copies which = draw->regenType() == kAcGiForExtents ? Copies::outermost : Copies::all;
+    for (const AcGeMatrix3d& place : shownAt(which))
         sg::model::drawBlock(draw, block_, place);
     for (auto each = attributeIterator(); !each->done(); each->step()) {
         AcDbAttribute* attribute = nullptr;

@@ -203,10 +203,13 @@ Acad::ErrorStatus AcDbMInsertBlock::setRowSpacing(double spacing) {
     return Acad::eOk;
 }
 
-std::vector<AcGeVector3d> AcDbMInsertBlock::copies() const {
+std::vector<AcGeVector3d> AcDbMInsertBlock::copies(Copies which) const {
+    const auto step = [&](uint16_t count) {
+        return which == Copies::all || count < 2 ? 1 : count - 1;
+    };
     std::vector<AcGeVector3d> made;
-    for (uint16_t row = 0; row < rows_; ++row) {
-        for (uint16_t column = 0; column < columns_; ++column) {
+    for (int row = 0; row < rows_; row += step(rows_)) {
+        for (int column = 0; column < columns_; column += step(columns_)) {
             made.emplace_back(column * columnSpacing_, row * rowSpacing_, 0);
         }
     }

@@ -62,24 +62,43 @@ AcGePoint3d AcDbRasterImage::fromPixels(const AcGePoint2d& point) const {
     return origin_ + u_ * (point.x + 0.5) + v_ * (size_.y - point.y - 0.5);
 }
 
-// An inverted boundary cuts a hole into the image, whose own frame stays.
-std::vector<AcGePoint3d> AcDbRasterImage::frame() const {
-    std::vector<AcGePoint2d> corners = {
-        {-0.5, size_.y - 0.5}, {size_.x - 0.5, size_.y - 0.5}, {size_.x - 0.5, -0.5}, {-0.5, -0.5}};
-    if (isClipped() && !clipInverted_) {
-        if (clipType_ == kRectangle && clip_.size() >= 2) {
-            const AcGePoint2d& a = clip_[0];
-            const AcGePoint2d& b = clip_[1];
-            corners = {{a.x, b.y}, {b.x, b.y}, {b.x, a.y}, {a.x, a.y}};
-        } else if (clipType_ == kPolygon && clip_.size() >= 3) {
-            corners = clip_;
-            if (corners.front() == corners.back()) corners.pop_back();
-        }
-    }
+std::vector<AcGePoint3d> AcDbRasterImage::fromPixels(
+    const std::vector<AcGePoint2d>& corners) const {
     std::vector<AcGePoint3d> points;
     for (const AcGePoint2d& corner : corners)
         points.push_back(fromPixels(corner));
     return points;
+}
+
+std::vector<AcGePoint2d> AcDbRasterImage::wholeFrame() const {
+    return {
+        {-0.5, size_.y - 0.5}, {size_.x - 0.5, size_.y - 0.5}, {size_.x - 0.5, -0.5}, {-0.5, -0.5}};
+}
+
+// The corners of the boundary, each once; empty without one.
+std::vector<AcGePoint2d> AcDbRasterImage::clipFrame() const {
+    if (!isClipped()) return {};
+    if (clipType_ == kRectangle && clip_.size() >= 2) {
+        const AcGePoint2d& a = clip_[0];
+        const AcGePoint2d& b = clip_[1];
+        return {{a.x, b.y}, {b.x, b.y}, {b.x, a.y}, {a.x, a.y}};
+    }
+    if (clipType_ != kPolygon || clip_.size() < 3) return {};
+    std::vector<AcGePoint2d> corners = clip_;
+    if (corners.front() == corners.back()) corners.pop_back();
+    return corners;
+}
+
+std::vector<AcGePoint3d> AcDbRasterImage::frame() const {
+    const std::vector<AcGePoint2d> clip = clipFrame();
+    return fromPixels(clip.empty() || clipInverted_ ? wholeFrame() : clip);
+}
+
+std::vector<std::vector<AcGePoint3d>> AcDbRasterImage::shownArea() const {
+    std::vector<std::vector<AcGePoint3d>> area = {frame()};
+    if (const auto clip = clipFrame(); clipInverted_ && !clip.empty())
+        area.push_back(fromPixels(clip));
+    return area;
 }
 
 Acad::ErrorStatus AcDbRasterImage::getPlane(AcGePlane& plane, AcDb::Planarity& type) const {

@@ -62,7 +62,8 @@ class SG_API AcDbRasterImageDefReactor : public AcDbObject {
     AcDbSoftPointerId image_;
 };
 
-// A picture of pixels in a frame, cut off at a boundary. It shows as its frame.
+// A picture of pixels in a frame, cut off at a boundary. It draws its frame; the pixels are for who
+// shows it.
 class SG_API AcDbRasterImage : public AcDbEntity {
   public:
     ACRX_DECLARE_MEMBERS(AcDbRasterImage)
@@ -87,8 +88,17 @@ class SG_API AcDbRasterImage : public AcDbEntity {
     const std::vector<AcGePoint2d>& clipBoundary() const { return clip_; }
     ClipType clipType() const { return clipType_; }
     bool isClipped() const { return clipping_ && (display_ & kUsesClipping) != 0; }
-    // The corners of what shows, in world coordinates, each once.
+    // The corners of what shows, in world coordinates, each once. An inverted boundary cuts a hole
+    // into the image, whose own frame stays.
     std::vector<AcGePoint3d> frame() const;
+    // What bounds the pixels that show: the frame, and the hole of an inverted boundary.
+    std::vector<std::vector<AcGePoint3d>> shownArea() const;
+
+    bool isShown() const { return (display_ & kShows) != 0; }  // with its pixels
+    bool isTransparent() const { return (display_ & kIsTransparent) != 0; }
+    int brightness() const { return brightness_; }  // 0 to 100; 50 is as it is
+    int contrast() const { return contrast_; }      // 0 to 100; 50 is as it is
+    int fade() const { return fade_; }              // 0 to 100
 
     bool isPlanar() const override { return true; }
     Acad::ErrorStatus getPlane(AcGePlane& plane, AcDb::Planarity& type) const override;
@@ -128,9 +138,12 @@ class SG_API AcDbRasterImage : public AcDbEntity {
     void subList() const override;
 
   private:
-    enum DisplayFlag : int16_t { kUsesClipping = 4 };
+    enum DisplayFlag : int16_t { kShows = 1, kUsesClipping = 4, kIsTransparent = 8 };
 
     AcGePoint3d fromPixels(const AcGePoint2d& point) const;
+    std::vector<AcGePoint3d> fromPixels(const std::vector<AcGePoint2d>& corners) const;
+    std::vector<AcGePoint2d> wholeFrame() const;
+    std::vector<AcGePoint2d> clipFrame() const;
     void addReactor();
     bool takeGroup(const sg::model::FieldReader& field);
 
@@ -169,6 +182,9 @@ class SG_API AcDbRasterVariables : public AcDbObject {
     AcDbRasterVariables();
     ~AcDbRasterVariables() override;
 
+    // Whether images show their frames.
+    static bool showsFrames(const AcDbDatabase& database);
+
     Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
     Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
@@ -186,6 +202,9 @@ class SG_API AcDbWipeoutVariables : public AcDbObject {
     ACRX_DECLARE_MEMBERS(AcDbWipeoutVariables)
     AcDbWipeoutVariables();
     ~AcDbWipeoutVariables() override;
+
+    // Whether wipeouts show their frames.
+    static bool showsFrames(const AcDbDatabase& database);
 
     Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
     Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;

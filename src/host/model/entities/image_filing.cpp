@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "host/model/core/dwg_form.h"
+#include "host/model/core/object_access.h"
 #include "host/model/entities/image.h"
 #include "host/model/tables/filing.h"
 #include "platform/db/database.h"
@@ -319,6 +320,31 @@ Acad::ErrorStatus AcDbRasterImageDefReactor::dxfInFields(AcDbDxfFiler* filer) {
 }
 
 // ---- Variables ----------------------------------------------------------------------------------
+
+namespace {
+
+// What the dictionary of a drawing has under this name; null when it is not there.
+template <class Variables>
+const Variables* variablesOf(const AcDbDatabase& database, const wchar_t* name) {
+    AcDbDictionary* objects = nullptr;
+    if (acdbOpenObject(objects, database.namedObjectsDictionaryId()) != Acad::eOk) return nullptr;
+    AcDbObjectId id;
+    objects->getAt(name, id);
+    objects->close();
+    return sg::model::peek<Variables>(id);
+}
+
+}  // namespace
+
+bool AcDbRasterVariables::showsFrames(const AcDbDatabase& database) {
+    const auto* const variables = variablesOf<AcDbRasterVariables>(database, L"ACAD_IMAGE_VARS");
+    return variables == nullptr || variables->frame_ != 0;
+}
+
+bool AcDbWipeoutVariables::showsFrames(const AcDbDatabase& database) {
+    const auto* const variables = variablesOf<AcDbWipeoutVariables>(database, L"ACAD_WIPEOUT_VARS");
+    return variables == nullptr || variables->frame_ != 0;
+}
 
 AcDbRasterVariables::AcDbRasterVariables() = default;
 AcDbRasterVariables::~AcDbRasterVariables() = default;

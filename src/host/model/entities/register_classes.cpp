@@ -3,6 +3,7 @@
 #include "host/model/entities/dimension/kinds.h"
 #include "host/model/entities/hatch.h"
 #include "host/model/entities/image.h"
+#include "host/model/entities/mesh/mesh.h"
 #include "host/model/entities/ole_frame.h"
 #include "host/model/entities/solid.h"
 #include "platform/db/annotative.h"
@@ -29,6 +30,8 @@ void registerEntityClasses() {
     registerAll<AcDbText, AcDbAttributeDefinition, AcDbAttribute, AcDbMText, AcDbBlockReference,
                 AcDbMInsertBlock, AcDbFace, AcDbSolid, AcDbTrace, AcDbViewport, AcDbLeader,
                 AcDbHatch>();
+    registerAll<AcDbPolyFaceMesh, AcDbPolygonMesh, AcDbPolyFaceMeshVertex, AcDbPolygonMeshVertex,
+                AcDbFaceRecord>();
     registerAll<AcDbDimension, AcDbAlignedDimension, AcDbRotatedDimension,
                 AcDb2LineAngularDimension, AcDb3PointAngularDimension, AcDbArcDimension,
                 AcDbRadialDimension, AcDbDiametricDimension, AcDbOrdinateDimension>();

@@ -20,7 +20,7 @@ AcDbObjectId currentTextStyle(const AcDbDatabase* database) {
 
 AcGeVector3d Frame::direction() const {
     AcGeVector3d x = normal.perpVector();
-    return x.rotateBy(rotation, normal);
+    return rotation == 0 ? x : x.rotateBy(rotation, normal);
 }
 
 AcGeMatrix3d Frame::toWorld() const {

@@ -35,60 +35,10 @@ KeptForm tolerance() {
                group(210, AcGePoint3d(0, 0, 1)), group(11, AcGePoint3d(1, 0, 0))}}}};
 }
 
-// ---- Meshes -------------------------------------------------------------------------------------
-
-constexpr int kIsMesh = 16;
-constexpr int kIsPolyFace = 64;
-constexpr int kIsFaceRecord = 128;
-
-KeptForm mesh() {
-    return {L"POLYLINE",
-            "AcDbPolygonMesh",
-            {int16(70), int16(75), int16(71), int16(72), int16(73), int16(74)},
-            {{0,
-              {marker("AcDbPolygonMesh"), constant(66, number(1)), constant(10, AcGePoint3d()),
-               withBits(70, kIsMesh), group(71), group(72), group(73, number(0)),
-               group(74, number(0)), group(75, number(0))}}},
-            true};
-}
-
-KeptForm polyFace() {
-    return {L"POLYLINE",
-            "AcDbPolyFaceMesh",
-            {int16(71), int16(72)},
-            {{0,
-              {marker("AcDbPolyFaceMesh"), constant(66, number(1)), constant(10, AcGePoint3d()),
-               constant(70, number(kIsPolyFace)), group(71), group(72)}}},
-            true};
-}
-
-KeptForm meshVertex(const char* name) {
-    return {L"VERTEX",
-            name,
-            {byte(70), point(10)},
-            {{0, {marker("AcDbVertex"), marker(name), group(10), group(70)}}}};
-}
-
-KeptForm faceRecord() {
-    return {L"VERTEX",
-            "AcDbFaceRecord",
-            {int16(71), int16(72), int16(73), int16(74)},
-            {{0,
-              {marker("AcDbVertex", true), marker("AcDbFaceRecord"), constant(10, AcGePoint3d()),
-               constant(70, number(kIsFaceRecord)), group(71, number(0)), group(72, number(0)),
-               group(73, number(0)), group(74, number(0))}}}};
-}
-
 }  // namespace
 
 const std::vector<KeptForm>& keptEntityForms() {
-    static const std::vector<KeptForm> kForms = {multipleLine(),
-                                                 tolerance(),
-                                                 mesh(),
-                                                 polyFace(),
-                                                 meshVertex("AcDbPolygonMeshVertex"),
-                                                 meshVertex("AcDbPolyFaceMeshVertex"),
-                                                 faceRecord()};
+    static const std::vector<KeptForm> kForms = {multipleLine(), tolerance()};
     return kForms;
 }
 

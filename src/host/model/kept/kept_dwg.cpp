@@ -271,31 +271,6 @@ void tellNames(const std::vector<GroupKeptStep>& steps, KeptValues& values) {
     });
 }
 
-// ---- Parts --------------------------------------------------------------------------------------
-
-// The end of the sequence stands behind the others.
-void writeParts(AcDbDwgFiler& filer, const std::vector<AcDbHardOwnershipId>& parts) {
-    std::vector<AcDbHardOwnershipId> vertices = parts;
-    AcDbHardOwnershipId end;
-    if (!vertices.empty()) {
-        end = vertices.back();
-        vertices.pop_back();
-    }
-    writePartCount(&filer, vertices.size());
-    writePartIds(&filer, vertices);
-    filer.writeHardOwnershipId(end);
-}
-
-void readParts(AcDbDwgFiler& filer, std::vector<AcDbHardOwnershipId>& parts) {
-    uint32_t count = 0;
-    readPartCount(&filer, count);
-    readPartIds(&filer, count, parts);
-    AcDbHardOwnershipId end;
-    filer.readHardOwnershipId(&end);
-    // Before 2004 it comes with the others.
-    if (!hasLinkedParts(&filer) && !end.isNull()) parts.push_back(end);
-}
-
 // ---- Descriptions -------------------------------------------------------------------------------
 
 std::string lastMarker(const GroupData& groups) {
@@ -348,13 +323,10 @@ bool readKept(AcDbDwgFiler& filer, ProxyData& data) {
     if (form == nullptr) return false;
     KeptValues values;
     Reader(filer).read(form->dwg, values);
-    std::vector<AcDbHardOwnershipId> parts;
-    if (form->hasParts) readParts(filer, parts);
     if (filer.filerStatus() != Acad::eOk || !filer.dwgForm()->isRead()) return false;
     const GroupLayout& layout = layoutFor(*form, filer.dwgVersion());
     tellNames(layout.steps, values);
     groupsOf(values, layout.steps, data.groups);
-    data.parts = std::move(parts);
     return true;
 }
 
@@ -367,7 +339,6 @@ bool writeKept(AcDbDwgFiler& filer, const ProxyData& data) {
     if (layout == nullptr) return false;
     resolveNames(layout->steps, filer.database(), values);
     Writer(filer).write(form->dwg, values);
-    if (form->hasParts) writeParts(filer, data.parts);
     return true;
 }
 

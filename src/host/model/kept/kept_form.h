@@ -97,7 +97,6 @@ struct GroupKeptStep {
     std::string text = {};                    // of a marker
     NamedIn table = NamedIn::nothing;
     int second = 0;       // the code of a true colour; the key of what a name stands beside
-    int64_t added = 0;    // bits that the group has, and the value has not
     bool isReal = false;  // a whole number as a real one
     int times = 0;
     bool isMatrix = false;  // rows that are left out where they are the unit matrix
@@ -115,7 +114,6 @@ struct KeptForm {
     const char* marker;  // the last one, which tells those of one name apart; null: any
     std::vector<DwgKeptStep> dwg;
     std::vector<GroupLayout> layouts;  // by rising releases
-    bool hasParts = false;             // entities of its own, behind what it has besides
     int16_t since = 0;
     int16_t until = 0x7FFF;  // the release that has another form
 };

@@ -127,7 +127,7 @@ class Matcher {
                 values.values[step.key] = std::string(group.text);
                 return true;
             case Kind::value:
-                values.values[step.key] = valueOf(group, step.added);
+                values.values[step.key] = valueOf(group);
                 if (step.isReal) values.values[step.key] = static_cast<int64_t>(group.real);
                 return true;
             default:
@@ -140,7 +140,7 @@ class Matcher {
         ++at_;
         return KeptColor::ofTrue(static_cast<uint32_t>(exact->whole));
     }
-    static KeptValue valueOf(const Group& group, int64_t added) {
+    static KeptValue valueOf(const Group& group) {
         switch (group.kind) {
             case GroupData::Kind::real:
                 return group.real;
@@ -148,7 +148,7 @@ class Matcher {
             case GroupData::Kind::flatPoint:
                 return AcGePoint3d(group.real, group.y, group.z);
             case GroupData::Kind::whole:
-                return group.whole & ~added;
+                return group.whole;
             case GroupData::Kind::handle:
                 return static_cast<int64_t>(group.handle);
             case GroupData::Kind::object:
@@ -217,7 +217,6 @@ class Lister {
             return;
         }
         if (step.kind == Kind::constant) return append(groups_, step.code, *step.otherwise);
-        if (step.added != 0) return listBits(values, step);
         if (step.isReal) return listReal(values, step);
         const auto found = values.values.find(step.key);
         if (found == values.values.end()) return;
@@ -236,9 +235,6 @@ class Lister {
         const auto* const whole =
             found == values.values.end() ? nullptr : std::get_if<int64_t>(&found->second);
         return whole == nullptr ? 0 : *whole;
-    }
-    void listBits(const KeptValues& values, const GroupKeptStep& step) {
-        groups_.appendWhole(step.code, wholeOf(values, step.key) | step.added);
     }
     void listReal(const KeptValues& values, const GroupKeptStep& step) {
         groups_.appendReal(step.code, static_cast<double>(wholeOf(values, step.key)));

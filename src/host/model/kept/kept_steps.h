@@ -83,11 +83,6 @@ inline Item group(int code, KeptValue otherwise) {
 inline Item keyed(int code, int key) {
     return {Kind::value, code, key};
 }
-inline Item withBits(int code, int64_t added) {
-    Item made = group(code);
-    made.added = added;
-    return made;
-}
 inline Item wholeAsReal(int code) {
     Item made = group(code);
     made.isReal = true;

@@ -74,6 +74,26 @@ TEST_F(SelectionTest, TheIndexFollowsChanges) {
     EXPECT_EQ(count(here), "602");
 }
 
+// The first window looks at all entities, the later ones go down a tree; turned references have
+// boxes that are too large.
+TEST_F(SelectionTest, EachWindowFindsTheSame) {
+    eval(R"((entmake '((0 . "BLOCK") (2 . "BAR") (70 . 0) (10 0 0 0)))
+            (entmake '((0 . "LINE") (10 0 0 0) (11 10 0 0)))
+            (entmake '((0 . "ENDBLK")))
+            (setq i 0)
+            (repeat 400
+              (setq x (* 20.0 (rem i 20)) y (* 20.0 (/ i 20)) i (1+ i))
+              (entmake (list '(0 . "INSERT") '(2 . "BAR") (list 10 x y 0.0)
+                             (cons 50 (* i 0.01))))
+              (line x y (+ x 1.0) y)))");
+    for (const char* const turn : {"first", "second", "third"}) {
+        SCOPED_TRACE(turn);
+        EXPECT_EQ(count("\"_C\" '(-1 -1) '(41 21)"), "12");
+        EXPECT_EQ(count("\"_C\" '(346 61) '(347 62)"), "0");  // in the box of a turned one
+        EXPECT_EQ(count("\"_W\" '(-20 -20) '(800 800)"), "800");
+    }
+}
+
 TEST_F(SelectionTest, LayersThatDoNotShow) {
     eval(R"((foreach each '(("Off" -7 0) ("Frozen" 7 1) ("Locked" 7 4))
               (entmake (list '(0 . "LAYER") (cons 2 (car each)) (cons 62 (cadr each))

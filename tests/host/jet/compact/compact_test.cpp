@@ -239,8 +239,10 @@ TEST_F(CompactTest, WhatIsThereStays) {
               DatabaseExists);
     EXPECT_EQ(thrownBy([&] { compactDatabase(path("none.mdb"), path("new.mdb")); }).code,
               FileNotFound);
-    EXPECT_EQ(thrownBy([&] { compactDatabase(path("test.mdb"), path("no/new.mdb")); }).code,
-              InvalidPath);
+    const Thrown noFolder =
+        thrownBy([&] { compactDatabase(path("test.mdb"), path("no/new.mdb")); });
+    EXPECT_EQ(noFolder.code, InvalidPath);
+    EXPECT_EQ(noFolder.names, std::vector{path("no/new.mdb")});
     EXPECT_EQ(thrownBy([&] { compactDatabase(path("made.mdb"), path("new.mdb")); }).code,
               UnrecognizedFormat);
     CompactOptions options;

@@ -37,6 +37,48 @@ class StorageProcesses : public FolderTest {
     bool exists(const char* name) const { return std::filesystem::exists(folder_ / name); }
 };
 
+// A file of the same name is not the one that the log beside it is about.
+TEST_F(StorageProcesses, AnotherFileUnderTheNameIsNotOpened) {
+    auto storage = Storage::open(plan(), OpenMode::Shared, manual());
+    writePages(*storage, {1}, 5);
+    std::filesystem::rename(folder_ / "plan.mdb", folder_ / "away.mdb");
+    posixFiles().open(plan(), FileAccess::CreateNew)->write(0, testDatabase(6));
+    for (const OpenMode mode : {OpenMode::Shared, OpenMode::ReadOnly, OpenMode::Exclusive}) {
+        try {
+            Storage::open(plan(), mode, manual());
+            ADD_FAILURE();
+        } catch (const Error& error) {
+            EXPECT_EQ(error.code(), FileInUse);
+        }
+    }
+    EXPECT_EQ(numberIn(storage->read(1)), 5);
+    storage->close();
+    EXPECT_EQ(numberIn(Storage::open(plan(), OpenMode::Shared, manual())->read(1)), 0);
+    EXPECT_EQ(numberIn(Storage::open(path("away.mdb"), OpenMode::Shared, manual())->read(1)), 5);
+}
+
+TEST_F(StorageProcesses, ASettledFileKeepsItsState) {
+    auto storage = Storage::open(plan(), OpenMode::Shared, manual());
+    writePages(*storage, {1}, 5);
+    auto other = Storage::open(plan(), OpenMode::Shared, manual());
+    const auto inFile = [&] {
+        Bytes page(storage->pageSize());
+        posixFiles().open(plan(), FileAccess::Read)->read(page.size(), page);
+        return numberIn({1, {page.data(), page.size()}});
+    };
+    EXPECT_EQ(inFile(), 0);
+    {
+        const Storage::ReadScope scope(*other);
+        EXPECT_TRUE(other->settle());
+        EXPECT_EQ(inFile(), 5);
+        writePages(*storage, {1}, 6);
+        EXPECT_FALSE(storage->checkpoint());
+        EXPECT_EQ(inFile(), 5);
+    }
+    EXPECT_TRUE(storage->checkpoint());
+    EXPECT_EQ(inFile(), 6);
+}
+
 TEST_F(StorageProcesses, CommitsAreSeenAndTheLastOneTakesTheFilesAway) {
     ChildProcess child([&](const Parent& parent) {
         const auto storage = Storage::open(plan(), OpenMode::Shared, manual());

@@ -409,6 +409,21 @@ TEST_F(LeftLog, OfAFileThatHasChanged) {
     }
 }
 
+// Pages were on their way into the file: it may have become anything but shorter.
+TEST_F(LeftLog, WithTheMark) {
+    Bytes& left = disk_[logFile];
+    const std::optional<log::Header> header = log::decodeHeader({left.data(), left.size()});
+    ASSERT_TRUE(header);
+    const auto mark = log::encodeMark(header->salt);
+    std::copy(mark.begin(), mark.end(), left.begin() + log::markOffset);
+    disk_[database][3 * testPageSize + 5] ^= 1;
+    EXPECT_EQ(openedWith(disk_), last_);
+    disk_[database] = testDatabase(30);
+    std::wstring unrelated;
+    EXPECT_EQ(openedWith(disk_, &unrelated), testDatabase(30));
+    EXPECT_FALSE(unrelated.empty());
+}
+
 TEST_F(LeftLog, IsKeptWhenItIsUnrelated) {
     disk_[database][1000] ^= 1;
     RecordingFiles files(disk_);

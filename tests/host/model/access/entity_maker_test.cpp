@@ -3,6 +3,7 @@
 #include "host/model/access/class_names.h"
 #include "host/model/entities/dimension/kinds.h"
 #include "host/model/entities/entity_fixture.h"
+#include "host/model/entities/mesh/mesh.h"
 #include "platform/db/block_reference.h"
 #include "platform/db/line.h"
 #include "platform/db/polyline_2d.h"
@@ -49,7 +50,12 @@ TEST_F(EntityMakerTest, ListsTellTheirClass) {
                                     L"AcDbRadialDimension", 0)),
               AcDbRadialDimension::desc());
     EXPECT_EQ(classOf(acutBuildList(RTDXF0, L"POLYLINE", 70, 1, 0)), AcDb2dPolyline::desc());
-    EXPECT_EQ(classOf(acutBuildList(RTDXF0, L"POLYLINE", 70, 16, 0)), nullptr);  // a mesh
+    EXPECT_EQ(classOf(acutBuildList(RTDXF0, L"POLYLINE", 70, 17, 0)), AcDbPolygonMesh::desc());
+    EXPECT_EQ(classOf(acutBuildList(RTDXF0, L"POLYLINE", 70, 64, 0)), AcDbPolyFaceMesh::desc());
+    EXPECT_EQ(classOf(acutBuildList(RTDXF0, L"VERTEX", 70, 64, 0)), AcDbPolygonMeshVertex::desc());
+    EXPECT_EQ(classOf(acutBuildList(RTDXF0, L"VERTEX", 70, 192, 0)),
+              AcDbPolyFaceMeshVertex::desc());
+    EXPECT_EQ(classOf(acutBuildList(RTDXF0, L"VERTEX", 70, 128, 0)), AcDbFaceRecord::desc());
     EXPECT_EQ(classOf(acutBuildList(RTDXF0, L"NO_SUCH_THING", 0)), nullptr);
     EXPECT_EQ(classOf(acutBuildList(8, L"0", 0)), nullptr);
 }
@@ -120,6 +126,20 @@ TEST_F(EntityMakerTest, PolylinesComeWithTheirVertices) {
     double end = 0;
     EXPECT_EQ(polyline->getEndParam(end), Acad::eOk);
     EXPECT_DOUBLE_EQ(end, 2);
+}
+
+TEST_F(EntityMakerTest, VerticesHaveThePolylinesWidthsUnlessTheyHaveTheirOwn) {
+    make(acutBuildList(RTDXF0, L"POLYLINE", 66, 1, 70, 0, 10, kStart, 40, 2.0, 41, 3.0, 0));
+    make(acutBuildList(RTDXF0, L"VERTEX", 10, kStart, 0));
+    make(acutBuildList(RTDXF0, L"VERTEX", 10, kEnd, 40, 0.0, 0));
+    Opened<AcDb2dPolyline> polyline(make(acutBuildList(RTDXF0, L"SEQEND", 0)).id);
+    ASSERT_TRUE(polyline);
+    std::vector<std::pair<double, double>> widths;
+    for (auto each = polyline->vertexIterator(); !each->done(); each->step()) {
+        const Opened<AcDb2dVertex> vertex(each->objectId());
+        widths.emplace_back(vertex->startWidth(), vertex->endWidth());
+    }
+    EXPECT_EQ(widths, (std::vector<std::pair<double, double>>{{2, 3}, {0, 3}}));
 }
 
 // References of blocks within blocks, to any depth, are found where they stand.

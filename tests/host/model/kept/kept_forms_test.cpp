@@ -102,10 +102,6 @@ const Sample kSamples[] = {
      "11=3,1,0;12=1,0,0;13=0,1,0;74=2;41=0;41=5;75=0;74=1;41=-3;75=2;42=1;42=2;"
      "11=9,1,0;12=1,0,0;13=0,1,0;74=0;75=0;74=1;41=7;75=0"},
     {L"TOLERANCE", "100=AcDbFcf;3=Standard;10=1,2,3;1=%%v1;11=0,1,0"},
-    {L"POLYLINE", "100=AcDbPolygonMesh;66=1;10=0,0,0;70=17;71=4;72=3;75=6"},
-    {L"POLYLINE", "100=AcDbPolyFaceMesh;66=1;10=0,0,0;70=64;71=6;72=3"},
-    {L"VERTEX", "100=AcDbVertex;100=AcDbPolyFaceMeshVertex;10=1,2,3;70=192"},
-    {L"VERTEX", "100=AcDbFaceRecord;10=0,0,0;70=128;71=1;72=-2;73=3"},
     {L"SCALE", "100=AcDbScale;70=0;300=1:2;140=1;141=2;290=0"},
     {L"TABLESTYLE",
      "100=AcDbTableStyle;3=Plain;70=0;71=0;40=1.5;41=1.5;280=0;281=0;"

@@ -132,6 +132,7 @@ void AcDbDimension::renewBlock() {
     if (drawn && !textPlaced_) points_[kText] = DimensionSketch::textPosition(*this);
     blockPosition_.set(0, 0, 0);
     blockRotation_ = 0;
+    blockIsOwn_ = true;
     setDimBlockId(id);
 }
 

@@ -1,0 +1,26 @@
+#!/bin/sh
+# Runs unit tests under valgrind: memory that is used wrongly, or lost. Without names, every unit test.
+#
+#   scripts/memcheck.sh [test_base test_dwg ...]
+#
+# Reports stand in build/memcheck.
+set -u
+cd "$(dirname "$0")/.."
+command -v valgrind >/dev/null || { echo "this needs valgrind (package valgrind)" >&2; exit 1; }
+out=build/memcheck
+mkdir -p $out
+export QT_QPA_PLATFORM=offscreen
+failed=0
+[ $# -gt 0 ] || set -- $(cd build/release/tests && ls -d test_*)
+for test in "$@"; do
+    valgrind -q --leak-check=full --show-leak-kinds=definite,indirect \
+        --errors-for-leak-kinds=definite,indirect --error-exitcode=99 --num-callers=30 \
+        --suppressions=tests/valgrind.supp --gen-suppressions=no --log-file=$out/"$test.log" \
+        build/release/tests/"$test" --gtest_brief=1 >$out/"$test.out" 2>&1
+    case $? in
+        0) echo "$test: clean" ;;
+        99) echo "$test: $(grep -cE '^==[0-9]+== (Invalid|[0-9,]+ .*lost|Cond|Use of|Syscall|Mismatched)' $out/"$test.log") findings, see $out/$test.log"; failed=1 ;;
+        *) echo "$test: tests fail, see $out/$test.out"; failed=1 ;;
+    esac
+done
+exit $failed

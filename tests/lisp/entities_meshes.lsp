@@ -1,0 +1,43 @@
+;; Meshes of faces and of rows and columns: made, read, changed, moved, taken apart.
+(load "helpers/show")
+(load "helpers/entities")
+(defun make-parts (flags points)
+  (foreach p points (entmake (list '(0 . "VERTEX") (cons 10 p) (cons 70 flags)))))
+(defun extents (name) (mapcar 'cdr (AcDbEntity::getGeomExtents name)))
+
+;; ---- Of faces -----------------------------------------------------------------------------------
+(entmake '((0 . "POLYLINE") (66 . 1) (10 0 0 0) (70 . 64)))
+(make-parts 192 '((0 0 0) (1 0 0) (1 1 0) (0 1 5)))
+(entmake '((0 . "VERTEX") (10 0 0 0) (70 . 128) (71 . 1) (72 . 2) (73 . -3) (74 . 4)))
+(entmake '((0 . "VERTEX") (10 0 0 0) (70 . 128) (71 . 1) (72 . 2) (73 . 9)))
+(show '(entmake '((0 . "SEQEND"))))
+(setq faces (entlast))
+(show '(groups faces))
+(show '(groups (entnext faces)))
+(show '(groups (entnext (entnext (entnext (entnext (entnext faces)))))))
+(show '(extents faces))
+(show '(AcDbCurve::getLength faces))
+(show '(progn (command "_.MOVE" faces "" "0,0" "10,0") (extents faces)))
+(show '(progn (command "_.COPY" faces "" "0,0" "10,0") (extents (entlast))))
+(show '(progn (command "_.EXPLODE" (entlast)) (groups (entlast))))
+
+;; ---- Of rows and columns ------------------------------------------------------------------------
+(defun net (columns points)
+  (entmake (list '(0 . "POLYLINE") '(66 . 1) '(10 0 0 0) '(70 . 17) '(71 . 2) (cons 72 columns)))
+  (make-parts 64 points)
+  (entmakex '((0 . "SEQEND"))))
+(show '(net 3 '((0 0 0) (1 0 0) (0 1 0) (1 1 5))))
+(show '(type (setq net-name (net 2 '((0 0 0) (1 0 0) (0 1 0) (1 1 5))))))
+(show '(groups net-name))
+(show '(progn (entmod (list (cons -1 (entnext net-name)) '(10 -7 0 0))) (extents net-name)))
+(setq corner (entnext net-name))
+(show '(progn (entdel net-name) (entget corner)))
+(show '(progn (entdel net-name) (type (entget corner))))
+(show '(sslength (ssget "_X" '((0 . "POLYLINE") (70 . 17)))))
+
+;; ---- Parts of something else --------------------------------------------------------------------
+(entmake '((0 . "POLYLINE") (66 . 1) (10 0 0 0) (70 . 16) (71 . 2) (72 . 2)))
+(show '(entmake '((0 . "VERTEX") (10 0 0 0))))
+(entmake '((0 . "POLYLINE") (66 . 1) (10 0 0 0) (70 . 64)))
+(show '(entmake '((0 . "VERTEX") (10 0 0 0) (70 . 64))))
+(princ)

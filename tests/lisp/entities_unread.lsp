@@ -1,0 +1,11 @@
+;; An entity of a class that is kept as its file has it: found by its name, changed in what every entity has.
+(load "helpers/show")
+(load "helpers/entities")
+(setq tolerance (entnext))
+(show '(groups tolerance))
+(show '(sslength (ssget "_X" '((0 . "TOLERANCE")))))
+(show '(ssget "_X" '((0 . "ACAD_PROXY_ENTITY"))))
+(show '(change tolerance 8 "Notes"))
+(show '(entmod (subst '(0 . "LINE") '(0 . "TOLERANCE") (entget tolerance))))
+(show '(own (progn (change tolerance 8 "0") tolerance)))
+(princ)
