@@ -141,7 +141,8 @@ class Demo(ProgramTest):
 
     def test_the_first_program_is_as_the_guide_tells(self):
         with open(os.path.join(SOURCE, "docs", "guide.md"), encoding="utf-8") as file:
-            shown = file.read().partition("```lisp\n")[2].partition("```")[0]
+            section = file.read().partition("\n## A program of one's own\n")[2]
+            shown = section.partition("```lisp\n")[2].partition("```")[0]
         with open(os.path.join(SOURCE, "examples", "lamps.lsp"), encoding="utf-8") as file:
             self.assertEqual(file.read(), shown)
         printed = self.run_commands(

@@ -72,7 +72,7 @@ TEST_F(DrawingsTest, OpeningMakesActiveAndOpensOnce) {
 TEST_F(DrawingsTest, WhatIsNoDrawingIsNotOpened) {
     std::filesystem::create_directory(folder_ / "folder");
     EXPECT_THAT(open(path("none.dwg")), HasSubstr("no such drawing: " + toUtf8(path("none.dwg"))));
-    EXPECT_THAT(open(path("folder")), HasSubstr("this is a folder"));
+    EXPECT_THAT(open(path("folder")), HasSubstr("but a folder"));
     EXPECT_EQ(documents().all().size(), 1u);
     EXPECT_EQ(eval("(host-open-drawing \"/no/such/plan.dwg\")"),
               "; error: no such drawing: /no/such/plan.dwg");
