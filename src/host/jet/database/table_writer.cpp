@@ -279,10 +279,9 @@ void TableWriter::countOn(DefinitionCounters& counters, const Value& value) {
     const uint32_t step = counters.autoNumberStep();
     const bool isNext = static_cast<uint32_t>(*number) == last + step;
     const bool isDescending = static_cast<int32_t>(step) < 0;
-    const bool isBeyond = isDescending ? *number < static_cast<int32_t>(last)
-                                       : *number > static_cast<int32_t>(last);
-    if (isNext || isBeyond)
-        counters.setAutoNumber(static_cast<uint32_t>(*number));
+    const bool isBeyond =
+        isDescending ? *number < static_cast<int32_t>(last) : *number > static_cast<int32_t>(last);
+    if (isNext || isBeyond) counters.setAutoNumber(static_cast<uint32_t>(*number));
 }
 
 // --- changing ---
