@@ -3,11 +3,12 @@
 # sudo; where neither is possible it prints the command for someone who may.
 set -eu
 
+# libfontconfig-dev: Open CASCADE's own packages ask the linker for it without depending on it.
 packages="g++ cmake ninja-build make pkg-config ccache git python3
 libfmt-dev libcli11-dev libedit-dev libgtest-dev libgmock-dev libbenchmark-dev libsqlite3-dev libzip-dev
 zlib1g-dev libcurl4-openssl-dev libssl-dev openssl unzip zip python3-aiosmtpd python3-ezdxf qt6-base-dev
-libocct-foundation-dev libtbb-dev
-libocct-modeling-data-dev libocct-modeling-algorithms-dev libocct-data-exchange-dev hershey-fonts-data binutils bash-completion file dpkg-dev"
+libocct-foundation-dev libocct-modeling-data-dev libocct-modeling-algorithms-dev libocct-data-exchange-dev
+libtbb-dev libfontconfig-dev hershey-fonts-data binutils bash-completion file dpkg-dev"
 
 missing=""
 for package in $packages; do
