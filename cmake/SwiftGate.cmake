@@ -3,9 +3,12 @@
 add_library(sg_settings INTERFACE)
 target_compile_options(sg_settings INTERFACE -Wall -Wextra -Wpedantic -Werror)
 target_compile_definitions(sg_settings INTERFACE SWIFTGATE_VERSION=L"${PROJECT_VERSION}")
+# Null and misaligned pointers are left to the fuzzers' build: their checks stand at every access, and
+# cost the compiler a fifth of its time.
 if(SWIFTGATE_SANITIZE)
   target_compile_options(sg_settings INTERFACE -fsanitize=address,undefined,float-cast-overflow
-                         -fno-sanitize-recover=undefined,float-cast-overflow -fno-omit-frame-pointer)
+                         -fno-sanitize=null,alignment -fno-omit-frame-pointer
+                         -fno-sanitize-recover=undefined,float-cast-overflow)
   target_link_options(sg_settings INTERFACE -fsanitize=address,undefined)
 endif()
 # What the sources of tests have besides. It is the product's code that is looked at: a test's own is
