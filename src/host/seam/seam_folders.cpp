@@ -90,7 +90,8 @@ uint32_t GetFileAttributesW(const wchar_t* path) {
 bool CreateDirectoryW(const wchar_t* path, const void*) {
     const ResolvedPath found = resolvePath(path != nullptr ? path : L"");
     if (makeFolder(found.path)) return true;
-    const std::wstring_view parent = parentFolder(withSlashes(found.path));
+    const std::wstring slashed = withSlashes(found.path);
+    const std::wstring_view parent = parentFolder(slashed);
     const bool hasParent = parent.empty() || isFolder(parent);
     SetLastError(found.exists ? ERROR_ALREADY_EXISTS
                  : hasParent  ? ERROR_ACCESS_DENIED
