@@ -2,6 +2,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <utility>
 
 #include "bridge/argument_list.h"
 #include "bridge/call_guard.h"
@@ -120,7 +121,7 @@ int openConnection(ConnectArguments& arguments, bool& connected) {
     if (!openOrRepair(*connection, arguments.name, arguments.readOnly) && reportDatabaseError()) {
         return arguments.errorFlag ? kLispTextScreen : kLispOk;
     }
-    setCurrentDatabase(connection.release(), arguments.name, arguments.readOnly);
+    setNewDatabase(std::move(connection), arguments.name, arguments.readOnly);
     connected = true;
     return kLispOk;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <set>
 #include <utility>
 
 #include "base/text.h"
@@ -16,6 +17,7 @@ struct DatabaseState {
     CDBConnection* connection = nullptr;
     std::wstring name;
     int16_t readOnly = 0;
+    std::set<CDBConnection*> connections;  // of setNewDatabase
 };
 
 DatabaseState& state() {
@@ -111,12 +113,19 @@ void setCurrentDatabase(CDBConnection* connection, const std::wstring& name, int
     state().readOnly = readOnly;
 }
 
+void setNewDatabase(std::unique_ptr<CDBConnection> connection, const std::wstring& name,
+                    int16_t readOnly) {
+    state().connections.insert(connection.get());
+    setCurrentDatabase(connection.release(), name, readOnly);
+}
+
 void deleteCurrentConnection() {
     CDBConnection* const connection = std::exchange(state().connection, nullptr);
     if (connection == nullptr) return;
     for (const auto& entry : dbInfoList()) {
         if (entry->pConnection == connection) entry->pConnection = nullptr;
     }
+    state().connections.erase(connection);
     delete connection;
 }
 
@@ -221,6 +230,11 @@ void closeAllConnections() {
         }
         list.pop_front();
     }
+}
+
+void deleteConnections() {
+    for (CDBConnection* const connection : std::exchange(state().connections, {}))
+        delete connection;
 }
 
 }  // namespace sg

@@ -32,6 +32,11 @@ int16_t currentReadOnly();
 // Stores the three together.
 void setCurrentDatabase(CDBConnection* connection, const std::wstring& name, int16_t readOnly);
 
+// The same with a connection that nothing has yet. It lives until deleteCurrentConnection, or until
+// the module ends.
+void setNewDatabase(std::unique_ptr<CDBConnection> connection, const std::wstring& name,
+                    int16_t readOnly);
+
 // Deletes the current connection and makes it null; every entry that still has it loses it. The
 // current name and the read-only word stay. No effect without a connection.
 void deleteCurrentConnection();
@@ -74,5 +79,9 @@ void addConnectionEntry(const std::wstring& name, bool readOnly);
 // Empties the list. The entries' connections are closed; the objects are left, since one of them
 // may be the current connection.
 void closeAllConnections();
+
+// At the module's end: deletes the connections of setNewDatabase that are left, those that no entry
+// has any more among them. Neither an entry nor what is current may be used afterwards.
+void deleteConnections();
 
 }  // namespace sg

@@ -80,8 +80,8 @@ void closeCurrentConnection() {
     deleteCurrentConnection();
 }
 
-// The head entry goes whichever drawing it stands for. A connection that only this entry has is
-// left as it is.
+// The head entry goes whichever drawing it stands for. A connection that only this entry has stays
+// open until the module ends.
 void removeHeadEntry() {
     if (dbInfoList().empty()) return;
     dbInfoList().front()->strDatabase.clear();
@@ -151,6 +151,7 @@ void unloadDrawing() {
 
 void terminateModule() {
     deleteAcRxClass(QNLeader::desc());
+    deleteConnections();
     stopDatabaseEngine();
     removeReactor();
     unloadCompanion();

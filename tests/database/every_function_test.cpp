@@ -41,8 +41,10 @@ class EveryFunctionTest : public DatabaseTest {
     // Those that a connect to another file left for others, too.
     void closeConnections() {
         deleteCurrentConnection();
-        for (const auto& entry : dbInfoList())
-            delete std::exchange(entry->pConnection, nullptr);
+        for (const auto& entry : dbInfoList()) {
+            setCurrentDatabase(entry->pConnection, L"", 0);
+            deleteCurrentConnection();
+        }
     }
 
     // Gives the drawing the test's database as it was, in this state.

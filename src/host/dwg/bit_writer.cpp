@@ -156,11 +156,6 @@ void BitWriter::bitsOf(std::span<const uint8_t> bytes, size_t count) {
     if (rest != 0) bits(bytes[count / 8] >> (8u - rest), rest);
 }
 
-void BitWriter::patchLong(size_t byte, uint32_t value) {
-    for (unsigned i = 0; i < 4; ++i)
-        bytes_[byte + i] = static_cast<uint8_t>(value >> (8 * i));
-}
-
 void BitWriter::patchLongAt(size_t bit, uint32_t value) {
     for (unsigned i = 0; i < 32; ++i, ++bit) {
         const unsigned from = i / 8 * 8 + 7 - i % 8;  // the file has the lowest byte first

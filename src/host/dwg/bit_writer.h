@@ -74,9 +74,7 @@ class BitWriter {
         align();
         return bytes_;
     }
-    // Puts a number where one was written that was not known then; the place is at a byte's start.
-    void patchLong(size_t byte, uint32_t value);
-    // The same at any bit.
+    // Puts a number where one was written that was not known then, at any bit.
     void patchLongAt(size_t bit, uint32_t value);
 
   private:

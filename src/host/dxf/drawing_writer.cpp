@@ -63,10 +63,6 @@ DrawingWriter::DrawingWriter(const AcDbDatabase& database, GroupOutput& output,
       objects_(output, release),
       origin_(state_.origin == nullptr ? none_ : *state_.origin) {}
 
-bool DrawingWriter::isOwnRelease() const {
-    return origin_.release == release_.number;
-}
-
 // The file's own order, with what must be there.
 std::vector<std::string> DrawingWriter::sectionNames() const {
     std::vector<std::string> names;

@@ -36,7 +36,6 @@ class DrawingWriter {
     void writeObjects();
     bool isWritten(const AcDbObject& object) const;
     bool hasGroups(const AcDbObject& object);
-    bool isOwnRelease() const;
 
     const AcDbDatabase& database_;
     model::DatabaseState& state_;

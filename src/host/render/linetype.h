@@ -39,7 +39,6 @@ class SG_API LaidPattern {
   public:
     LaidPattern(const Linetype& linetype, double scale, double length, bool isClosed);
 
-    bool isUnbroken() const { return unbroken_; }
     // Calls `stroke` with each dash between two places along the line, cut there, in rising order;
     // a dot has no length. `text` gets the elements with a text that stand between.
     using Stroke = std::function<void(double from, double to)>;

@@ -37,7 +37,6 @@ class SG_API ActiveCommand {
 
     const CommandRow& row() const { return row_; }
     bool isDone() const { return fiber_.isDone(); }
-    bool wasCancelled() const { return cancelled_; }
     // Only while it is not done.
     const Waiting& waiting() const { return waiting_; }
 

@@ -60,10 +60,6 @@ constexpr AliasRow kAliases[] = {
 
 }  // namespace
 
-std::span<const CommandRow> commandTable() {
-    return kCommands;
-}
-
 const CommandRow* findCommand(std::wstring_view name) {
     while (!name.empty() && std::wstring_view(L"_.'").find(name.front()) < std::wstring_view::npos)
         name.remove_prefix(1);

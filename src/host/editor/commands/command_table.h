@@ -1,6 +1,5 @@
 #pragma once
 
-#include <span>
 #include <string_view>
 
 #include "base/export.h"
@@ -15,8 +14,6 @@ struct CommandRow {
     void (*run)(Command& command);
     bool isRecorded = true;  // what it changes can be undone
 };
-
-SG_API std::span<const CommandRow> commandTable();
 
 // The command of a name as users and programs write it: ignoring case, with "_" (the language of
 // programs), "." (the built-in one, whatever has been defined over it), "'" or "-" in front. Null

@@ -77,13 +77,11 @@ void Fiber::run() {
         failure_ = std::current_exception();
     }
     done_ = true;
-    running_ = false;
     leaveStack(nullptr, resumerStack_, resumerSize_);
     swapcontext(&own_, &resumer_);
 }
 
 void Fiber::resume() {
-    running_ = true;
     leaveStack(&resumerFake_, stack_, kStackSize);
     swapcontext(&resumer_, &own_);
     arriveOnStack(resumerFake_, nullptr, nullptr);
@@ -91,7 +89,6 @@ void Fiber::resume() {
 }
 
 void Fiber::suspend() {
-    running_ = false;
     leaveStack(&ownFake_, resumerStack_, resumerSize_);
     swapcontext(&own_, &resumer_);
     arriveOnStack(ownFake_, &resumerStack_, &resumerSize_);

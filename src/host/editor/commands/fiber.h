@@ -26,7 +26,6 @@ class Fiber {
     // Called by the body: resume() returns, and the next one comes back here.
     void suspend();
     bool isDone() const { return done_; }
-    bool isRunning() const { return running_; }
 
   private:
     static void enter(unsigned high, unsigned low);
@@ -35,7 +34,6 @@ class Fiber {
     const std::function<void()> body_;
     void* stack_ = nullptr;
     ucontext_t own_{}, resumer_{};
-    bool running_ = false;
     bool done_ = false;
     std::exception_ptr failure_;
     // What the address sanitizer is to know of the stacks.

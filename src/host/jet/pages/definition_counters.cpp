@@ -62,21 +62,12 @@ uint32_t readEntryCount(const PageStore& pages, const TableDefinition& table, si
     return get(pages, table.page, entryCountOffset(pages.format(), index));
 }
 
-void writeRowCount(WriteTransaction& pages, const TableDefinition& table, uint32_t count) {
-    put(pages, table.page, pages.format().table.rowCount, count);
-}
-
 void writeAutoNumber(WriteTransaction& pages, const TableDefinition& table, uint32_t last) {
     put(pages, table.page, pages.format().table.autoNumber, last);
 }
 
 void writeAutoNumberStep(WriteTransaction& pages, const TableDefinition& table, uint32_t step) {
     put(pages, table.page, pages.format().table.autoNumberStep, step);
-}
-
-void writeEntryCount(WriteTransaction& pages, const TableDefinition& table, size_t index,
-                     uint32_t count) {
-    put(pages, table.page, entryCountOffset(pages.format(), index), count);
 }
 
 DefinitionCounters::DefinitionCounters(WriteTransaction& pages, const TableDefinition& table)

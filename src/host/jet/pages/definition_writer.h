@@ -30,12 +30,9 @@ SG_API uint32_t readAutoNumber(const PageStore& pages, const TableDefinition& ta
 // What is added to a counter's last number for the next, modulo 2^32: 1 unless it is told.
 SG_API uint32_t readAutoNumberStep(const PageStore& pages, const TableDefinition& table);
 SG_API uint32_t readEntryCount(const PageStore& pages, const TableDefinition& table, size_t index);
-SG_API void writeRowCount(WriteTransaction& pages, const TableDefinition& table, uint32_t count);
 SG_API void writeAutoNumber(WriteTransaction& pages, const TableDefinition& table, uint32_t last);
 SG_API void writeAutoNumberStep(WriteTransaction& pages, const TableDefinition& table,
                                 uint32_t step);
-SG_API void writeEntryCount(WriteTransaction& pages, const TableDefinition& table, size_t index,
-                            uint32_t count);
 
 // The same numbers for a whole row at once. It holds for as long as nobody writes the page
 // otherwise, and as the span that WriteTransaction::write() gives. Throws Damaged.

@@ -65,7 +65,6 @@ class SG_API PageLog {
     uint64_t end() const { return end_; }  // where the next record goes
     uint64_t chain() const { return chain_; }
     size_t pageSize() const { return pageSize_; }
-    bool hasPages() const { return !pages_.empty(); }
 
     // True when the page has changed in a commit after `sequence` that this view knows.
     bool changedAfter(uint32_t page, uint64_t sequence) const;

@@ -151,18 +151,11 @@ inline Acad::ErrorStatus readBits(AcDbDwgFiler* filer, uint8_t& value, int count
     return form != nullptr ? form->readBits(&value, count) : filer->readUInt8(&value);
 }
 
-// An enumeration, or a number of another width, as BS or BL.
+// An enumeration, or a number of another width, as BS.
 template <class Value>
 Acad::ErrorStatus readInt16As(AcDbDwgFiler* filer, Value& value) {
     int16_t number = 0;
     const Acad::ErrorStatus status = filer->readInt16(&number);
-    if (status == Acad::eOk) value = static_cast<Value>(number);
-    return status;
-}
-template <class Value>
-Acad::ErrorStatus readInt32As(AcDbDwgFiler* filer, Value& value) {
-    int32_t number = 0;
-    const Acad::ErrorStatus status = filer->readInt32(&number);
     if (status == Acad::eOk) value = static_cast<Value>(number);
     return status;
 }

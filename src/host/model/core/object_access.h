@@ -66,12 +66,10 @@ struct SG_API ObjectAccess {
     static Acad::ErrorStatus setExtendedData(AcDbObject& object, const resbuf* data,
                                              const AcDbDatabase* names);
 
-    // What may object to an open, and hears of its end.
+    // What may object to an open.
     static Acad::ErrorStatus askOpen(AcDbObject& object, AcDb::OpenMode mode) {
         return object.subOpen(mode);
     }
-    static Acad::ErrorStatus tellClose(AcDbObject& object) { return object.subClose(); }
-    static Acad::ErrorStatus tellCancel(AcDbObject& object) { return object.subCancel(); }
     static void enteredTable(AcDbSymbolTableRecord& record) { record.subEnteredTable(); }
 
     static void setLayer(AcDbEntity& entity, AcDbObjectId layer) { entity.layer_ = layer; }

@@ -85,7 +85,6 @@ class UndoLog {
     uint32_t span() const { return span_; }
     // Disabling forgets all marks and what could be taken back.
     void disableUndoRecording(bool disable);
-    bool isUndoRecordingDisabled() const { return disabled_; }
 
   private:
     enum class Kind : uint8_t {

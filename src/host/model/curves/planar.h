@@ -27,11 +27,6 @@ struct PlanarTransform {
     double angle(double old) const;  // of a direction in the plane, in [0, one turn)
 };
 
-// The x axis of the plane that has this normal.
-inline AcGeVector3d planeXAxis(const AcGeVector3d& normal) {
-    return AcGeMatrix3d::planeToWorld(normal) * AcGeVector3d::kXAxis;
-}
-
 // The point of the plane, at this height over the origin's plane, in world coordinates.
 inline AcGePoint3d fromPlane(const AcGeMatrix3d& planeToWorld, const AcGePoint2d& point,
                              double elevation) {

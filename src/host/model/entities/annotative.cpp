@@ -74,9 +74,4 @@ void addAnnotativeExtensions() {
     }
 }
 
-void removeAnnotativeExtensions() {
-    for (AcRxClass* const each : annotativeClasses())
-        each->delX(AcDbAnnotativeObjectPE::desc());
-}
-
 }  // namespace sg::model

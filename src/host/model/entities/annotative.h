@@ -2,8 +2,7 @@
 
 namespace sg::model {
 
-// Gives the classes that can be annotative their protocol extension, and takes it away.
+// Gives the classes that can be annotative their protocol extension.
 void addAnnotativeExtensions();
-void removeAnnotativeExtensions();
 
 }  // namespace sg::model

@@ -83,11 +83,6 @@ inline Item group(int code, KeptValue otherwise) {
 inline Item keyed(int code, int key) {
     return {Kind::value, code, key};
 }
-inline Item wholeAsReal(int code) {
-    Item made = group(code);
-    made.isReal = true;
-    return made;
-}
 inline Item constant(int code, KeptValue value) {
     return {Kind::constant, code, code, std::move(value)};
 }
