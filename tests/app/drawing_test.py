@@ -22,6 +22,9 @@ class Manual(ProgramTest):
     def test_functions_on_entities(self):
         self.assertGreater(self.check_examples("entities.md"), 20)
 
+    def test_functions_on_curves(self):
+        self.assertGreater(self.check_examples("curves.md"), 17)
+
     def test_functions_of_the_shell(self):
         self.assertGreater(self.check_examples("shell.md"), 10)
 

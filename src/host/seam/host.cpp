@@ -207,6 +207,7 @@ void Host::createInterpreter() {
     interpreter_->define(hostFunctions());
     interpreter_->define(settingsFunctions());
     interpreter_->define(entityFunctions());
+    interpreter_->define(curveFunctions());
     interpreter_->define(tableFunctions());
     interpreter_->define(selectionFunctions());
     interpreter_->define(promptFunctions());

@@ -126,29 +126,27 @@ std::optional<Measure> measureOfWord(std::wstring_view word) {
 
 class ExpressionReader {
   public:
-    explicit ExpressionReader(const std::vector<Token>& tokens) : m_tokens(tokens) {}
+    explicit ExpressionReader(const std::vector<Token>& tokens) : tokens_(tokens) {}
 
     std::optional<Measure> read();
 
   private:
-    bool isAt(Token::Kind kind) const {
-        return m_at < m_tokens.size() && m_tokens[m_at].kind == kind;
-    }
+    bool isAt(Token::Kind kind) const { return at_ < tokens_.size() && tokens_[at_].kind == kind; }
     std::optional<Measure> readProduct();
     std::optional<Measure> readPower();
     std::optional<Measure> readLongestName();
 
-    const std::vector<Token>& m_tokens;
-    size_t m_at = 0;
+    const std::vector<Token>& tokens_;
+    size_t at_ = 0;
 };
 
 // Products with "*" or "/" between them.
 std::optional<Measure> ExpressionReader::read() {
     auto result = readProduct();
-    while (result && m_at < m_tokens.size()) {
+    while (result && at_ < tokens_.size()) {
         const bool isOver = isAt(Token::Over);
         if (!isOver && !isAt(Token::Times)) return std::nullopt;
-        ++m_at;
+        ++at_;
         const auto next = readProduct();
         if (!next) return std::nullopt;
         result = result->times(isOver ? next->power(-1) : *next);
@@ -169,11 +167,11 @@ std::optional<Measure> ExpressionReader::readProduct() {
 
 std::optional<Measure> ExpressionReader::readPower() {
     int power = 1;
-    if (isAt(Token::Word) && powerOfWord(m_tokens[m_at].word) != 0) {
-        power = powerOfWord(m_tokens[m_at++].word);
+    if (isAt(Token::Word) && powerOfWord(tokens_[at_].word) != 0) {
+        power = powerOfWord(tokens_[at_++].word);
     }
     auto result = readLongestName();
-    if (result && isAt(Token::Power)) power *= m_tokens[m_at++].exponent;
+    if (result && isAt(Token::Power)) power *= tokens_[at_++].exponent;
     if (result) result = result->power(power);
     return result;
 }
@@ -181,16 +179,16 @@ std::optional<Measure> ExpressionReader::readPower() {
 // The unit with the name of the most words: "foot pound" is an energy, no foot times a pound.
 std::optional<Measure> ExpressionReader::readLongestName() {
     constexpr size_t kMostWords = 4;
-    size_t end = m_at;
-    while (end < m_tokens.size() && end < m_at + kMostWords && m_tokens[end].kind == Token::Word) {
+    size_t end = at_;
+    while (end < tokens_.size() && end < at_ + kMostWords && tokens_[end].kind == Token::Word) {
         ++end;
     }
-    for (; end > m_at; --end) {
-        std::wstring name = m_tokens[m_at].word;
-        for (size_t i = m_at + 1; i < end; ++i)
-            name += L'_' + m_tokens[i].word;
+    for (; end > at_; --end) {
+        std::wstring name = tokens_[at_].word;
+        for (size_t i = at_ + 1; i < end; ++i)
+            name += L'_' + tokens_[i].word;
         if (const auto measure = measureOfWord(name)) {
-            m_at = end;
+            at_ = end;
             return measure;
         }
     }

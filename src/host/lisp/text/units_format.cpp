@@ -186,17 +186,17 @@ std::wstring turnText(double turns, int wholeTurn, int places, int dimzin) {
 class SexagesimalAngle {
   public:
     SexagesimalAngle(double turns, int precision)
-        : m_parts(precision <= 0   ? 1
-                  : precision <= 2 ? 2
-                                   : 3),
-          m_places(std::clamp(precision - 4, 0, kMaxSecondPlaces)) {
-        m_degree = m_parts == 1 ? 1 : m_parts == 2 ? 60 : 3600;
-        for (int i = 0; i < m_places; ++i)
-            m_degree *= 10;
-        m_count = std::llround(turns * 360 * static_cast<double>(m_degree)) % (360 * m_degree);
+        : parts_(precision <= 0   ? 1
+                 : precision <= 2 ? 2
+                                  : 3),
+          places_(std::clamp(precision - 4, 0, kMaxSecondPlaces)) {
+        degree_ = parts_ == 1 ? 1 : parts_ == 2 ? 60 : 3600;
+        for (int i = 0; i < places_; ++i)
+            degree_ *= 10;
+        count_ = std::llround(turns * 360 * static_cast<double>(degree_)) % (360 * degree_);
     }
 
-    std::wstring text(int dimzin) const { return text(m_count, dimzin); }
+    std::wstring text(int dimzin) const { return text(count_, dimzin); }
     std::wstring bearing(const UnitSettings& settings) const;
 
   private:
@@ -205,23 +205,23 @@ class SexagesimalAngle {
 
     std::wstring text(int64_t count, int dimzin) const;
 
-    int m_parts;           // 1 degrees, 2 with minutes, 3 with seconds
-    int m_places;          // decimals of a second
-    int64_t m_degree = 1;  // smallest units in a degree
-    int64_t m_count = 0;   // smallest units, less than a full turn
+    int parts_;           // 1 degrees, 2 with minutes, 3 with seconds
+    int places_;          // decimals of a second
+    int64_t degree_ = 1;  // smallest units in a degree
+    int64_t count_ = 0;   // smallest units, less than a full turn
 };
 
 std::wstring SexagesimalAngle::text(int64_t count, int dimzin) const {
-    std::wstring result = std::to_wstring(count / m_degree) + L'd';
-    if (m_parts == 1) return result;
-    const int64_t minute = m_degree / 60;
-    count %= m_degree;
+    std::wstring result = std::to_wstring(count / degree_) + L'd';
+    if (parts_ == 1) return result;
+    const int64_t minute = degree_ / 60;
+    count %= degree_;
     result += std::to_wstring(count / minute) + L'\'';
-    if (m_parts == 2) return result;
+    if (parts_ == 2) return result;
     const int64_t second = minute / 60;
     count %= minute;
     std::wstring seconds = std::to_wstring(count / second);
-    if (m_places > 0) {
+    if (places_ > 0) {
         const std::wstring decimals = std::to_wstring(count % second + second);
         seconds += L'.' + decimals.substr(1);
     }
@@ -229,9 +229,9 @@ std::wstring SexagesimalAngle::text(int64_t count, int dimzin) const {
 }
 
 std::wstring SexagesimalAngle::bearing(const UnitSettings& settings) const {
-    const int64_t quarter = 90 * m_degree;
-    const auto quadrant = static_cast<size_t>(m_count / quarter);
-    const int64_t fromItsStart = m_count % quarter;
+    const int64_t quarter = 90 * degree_;
+    const auto quadrant = static_cast<size_t>(count_ / quarter);
+    const int64_t fromItsStart = count_ % quarter;
     if (fromItsStart == 0) return std::wstring(1, L"ENWS"[quadrant]);
     // East of north and west of south the quadrant ends at the pole, in the others it starts there.
     const bool endsAtPole = quadrant % 2 == 0;

@@ -15,23 +15,23 @@ constexpr double kTurn = 2 * std::numbers::pi;
 // A position in a text that is read from left to right.
 class Cursor {
   public:
-    explicit Cursor(std::wstring_view text) : m_rest(text) {}
+    explicit Cursor(std::wstring_view text) : rest_(text) {}
 
-    bool atEnd() const { return m_rest.empty(); }
+    bool atEnd() const { return rest_.empty(); }
 
     // The next character as a capital; 0 at the end.
-    wchar_t peek() const { return m_rest.empty() ? L'\0' : toUpper(m_rest.front()); }
+    wchar_t peek() const { return rest_.empty() ? L'\0' : toUpper(rest_.front()); }
 
     bool take(wchar_t capital) {
         if (peek() != capital || atEnd()) return false;
-        m_rest.remove_prefix(1);
+        rest_.remove_prefix(1);
         return true;
     }
     bool takeBlanks() {
-        const size_t before = m_rest.size();
-        while (!m_rest.empty() && isBlank(m_rest.front()))
-            m_rest.remove_prefix(1);
-        return m_rest.size() != before;
+        const size_t before = rest_.size();
+        while (!rest_.empty() && isBlank(rest_.front()))
+            rest_.remove_prefix(1);
+        return rest_.size() != before;
     }
     // True for a minus.
     bool takeSign() {
@@ -40,21 +40,21 @@ class Cursor {
         return false;
     }
     std::optional<double> takeReal() {
-        const ScannedReal scanned = scanReal(m_rest);
+        const ScannedReal scanned = scanReal(rest_);
         if (scanned.length == 0) return std::nullopt;
-        m_rest.remove_prefix(scanned.length);
+        rest_.remove_prefix(scanned.length);
         return scanned.value;
     }
     std::optional<double> takeWhole() {
-        const size_t end = std::min(m_rest.find_first_not_of(L"0123456789"), m_rest.size());
+        const size_t end = std::min(rest_.find_first_not_of(L"0123456789"), rest_.size());
         if (end == 0) return std::nullopt;
-        const double value = scanReal(m_rest.substr(0, end)).value;
-        m_rest.remove_prefix(end);
+        const double value = scanReal(rest_.substr(0, end)).value;
+        rest_.remove_prefix(end);
         return value;
     }
 
   private:
-    std::wstring_view m_rest;
+    std::wstring_view rest_;
 };
 
 // Two whole numbers with a bar between them.

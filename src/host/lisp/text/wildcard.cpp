@@ -90,45 +90,45 @@ bool matchesOne(const Element& element, wchar_t c) {
 // Reads a pattern's alternatives one after the other.
 class AlternativeReader {
   public:
-    explicit AlternativeReader(std::wstring_view pattern) : m_pattern(pattern) {}
+    explicit AlternativeReader(std::wstring_view pattern) : pattern_(pattern) {}
 
     // False when there is no further alternative.
     bool next();
 
-    bool isNegated() const { return m_isNegated; }
-    const std::vector<Element>& elements() const { return m_elements; }
+    bool isNegated() const { return isNegated_; }
+    const std::vector<Element>& elements() const { return elements_; }
 
   private:
     Element readElement();
     bool readSet(Element& element);
 
-    std::wstring_view m_pattern;
-    size_t m_at = 0;  // one past the end once the last alternative is read
-    bool m_isNegated = false;
-    bool m_hasClosingBracket = true;  // false once a search for one has reached the end
-    std::vector<Element> m_elements;
+    std::wstring_view pattern_;
+    size_t at_ = 0;  // one past the end once the last alternative is read
+    bool isNegated_ = false;
+    bool hasClosingBracket_ = true;  // false once a search for one has reached the end
+    std::vector<Element> elements_;
 };
 
 bool AlternativeReader::next() {
-    if (m_at > m_pattern.size()) return false;
-    m_elements.clear();
-    m_isNegated = m_at < m_pattern.size() && m_pattern[m_at] == L'~';
-    if (m_isNegated) ++m_at;
-    while (m_at < m_pattern.size() && m_pattern[m_at] != L',') {
+    if (at_ > pattern_.size()) return false;
+    elements_.clear();
+    isNegated_ = at_ < pattern_.size() && pattern_[at_] == L'~';
+    if (isNegated_) ++at_;
+    while (at_ < pattern_.size() && pattern_[at_] != L',') {
         const Element element = readElement();
-        const bool repeatsStar = element.kind == Kind::AnySequence && !m_elements.empty() &&
-                                 m_elements.back().kind == Kind::AnySequence;
-        if (!repeatsStar) m_elements.push_back(element);
+        const bool repeatsStar = element.kind == Kind::AnySequence && !elements_.empty() &&
+                                 elements_.back().kind == Kind::AnySequence;
+        if (!repeatsStar) elements_.push_back(element);
     }
-    ++m_at;
+    ++at_;
     return true;
 }
 
 Element AlternativeReader::readElement() {
-    const wchar_t c = m_pattern[m_at];
+    const wchar_t c = pattern_[at_];
     Element element{Kind::Literal, c, {}};
     if (c == L'[' && readSet(element)) return element;
-    ++m_at;
+    ++at_;
     switch (c) {
         case L'#':
             element.kind = Kind::Digit;
@@ -146,7 +146,7 @@ Element AlternativeReader::readElement() {
             element.kind = Kind::AnySequence;
             break;
         case L'`':
-            if (m_at < m_pattern.size()) element.literal = m_pattern[m_at++];
+            if (at_ < pattern_.size()) element.literal = pattern_[at_++];
             break;
         default:
             break;
@@ -155,21 +155,21 @@ Element AlternativeReader::readElement() {
 }
 
 bool AlternativeReader::readSet(Element& element) {
-    if (!m_hasClosingBracket) return false;
-    size_t first = m_at + 1;
-    const bool isNegated = first < m_pattern.size() && m_pattern[first] == L'~';
+    if (!hasClosingBracket_) return false;
+    size_t first = at_ + 1;
+    const bool isNegated = first < pattern_.size() && pattern_[first] == L'~';
     if (isNegated) ++first;
     size_t end = first;
-    while (end < m_pattern.size() && (m_pattern[end] != L']' || end == first)) {
-        end += m_pattern[end] == L'`' ? 2 : 1;
+    while (end < pattern_.size() && (pattern_[end] != L']' || end == first)) {
+        end += pattern_[end] == L'`' ? 2 : 1;
     }
-    if (end >= m_pattern.size()) {
-        m_hasClosingBracket = false;
+    if (end >= pattern_.size()) {
+        hasClosingBracket_ = false;
         return false;
     }
     element.kind = isNegated ? Kind::NotInSet : Kind::Set;
-    element.set = m_pattern.substr(first, end - first);
-    m_at = end + 1;
+    element.set = pattern_.substr(first, end - first);
+    at_ = end + 1;
     return true;
 }
 
