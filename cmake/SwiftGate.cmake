@@ -29,11 +29,11 @@ if(SWIFTGATE_FUZZ)
 endif()
 
 # Headers that most sources include, compiled once for all that are built with the same options. A
-# source still includes what it uses: the presets `debug` and `fuzz` do without.
+# source still includes what it uses: the presets `debug` and `fuzz`, and other compilers, do without.
 set(SG_PRECOMPILED <algorithm> <cmath> <cstdint> <functional> <map> <memory> <optional> <set> <span>
                    <string> <string_view> <unordered_map> <utility> <vector>)
 function(sg_precompile name owner)
-  if(NOT SWIFTGATE_PRECOMPILE)
+  if(NOT SWIFTGATE_PRECOMPILE OR NOT CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   elseif(name STREQUAL owner)
     target_precompile_headers(${name} PRIVATE ${SG_PRECOMPILED} ${ARGN})
   else()

@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "host/editor/command_line_output.h"
 #include "host/editor/commands/active_command.h"
+#include "host/editor/commands/command_table.h"
 #include "host/editor/system_variables.h"
 #include "host/seam/command_answers.h"
 #include "host/seam/command_runner.h"
@@ -133,10 +134,19 @@ Value fnCommandS(Interpreter& in, Args a) {
     return Value::nil();
 }
 
+// (getcname name): "LINE" for "_LINE", and "_LINE" for "LINE"; nil for what is no command.
+Value fnGetCName(Interpreter& in, Args a) {
+    const std::wstring name = in.str(a[0]);
+    const CommandRow* const row = findCommand(name);
+    if (row == nullptr) return Value::nil();
+    return in.string((name.starts_with(L'_') ? L"" : L"_") + std::wstring(row->name));
+}
+
 constexpr FunctionRow kRows[] = {
     {L"command", fnCommand, 0, lisp::kAnyCount},
     {L"command-s", fnCommandS, 0, lisp::kAnyCount},
     {L"vl-cmdf", fnVlCmdf, 0, lisp::kAnyCount},
+    {L"getcname", fnGetCName, 1, 1},
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "host/editor/program_drawing.h"
+#include "host/lisp/functions/list_builder.h"
 #include "host/model/access/entity_parts.h"
 #include "host/model/access/object_changer.h"
 #include "host/model/core/block_contents.h"
@@ -132,24 +133,35 @@ Value fnEntDel(Interpreter& in, Args a) {
 
 // ---- Walking ------------------------------------------------------------------------------------
 
-// The spaces in the order of their tabs: the model first.
-std::vector<AcDbObjectId> spaces(AcDbDatabase& database) {
-    std::vector<std::pair<int32_t, AcDbObjectId>> found;
+struct Tab {
+    int32_t order;
+    AcDbObjectId space;
+    std::wstring name;
+};
+
+// The layouts in the order of their tabs: the model first.
+std::vector<Tab> tabs(AcDbDatabase& database) {
+    std::vector<Tab> found;
     AcDbDictionary* layouts = nullptr;
     if (database.getLayoutDictionary(layouts, AcDb::kForRead) == Acad::eOk) {
         for (auto each = layouts->newIterator(); !each->done(); each->next()) {
             AcDbLayout* layout = nullptr;
             if (acdbOpenObject(layout, each->objectId()) != Acad::eOk) continue;
-            found.emplace_back(layout->getTabOrder(), layout->getBlockTableRecordId());
+            found.push_back(
+                {layout->getTabOrder(), layout->getBlockTableRecordId(), layout->getLayoutName()});
             layout->close();
         }
         layouts->close();
     }
     std::stable_sort(found.begin(), found.end(),
-                     [](const auto& a, const auto& b) { return a.first < b.first; });
+                     [](const Tab& a, const Tab& b) { return a.order < b.order; });
+    return found;
+}
+
+std::vector<AcDbObjectId> spaces(AcDbDatabase& database) {
     std::vector<AcDbObjectId> ids;
-    for (const auto& [order, id] : found)
-        ids.push_back(id);
+    for (const Tab& tab : tabs(database))
+        ids.push_back(tab.space);
     if (ids.empty()) ids.push_back(database.modelSpaceId());
     return ids;
 }
@@ -268,11 +280,24 @@ Value fnRegApp(Interpreter& in, Args a) {
     return model::registerApplication(database, name.c_str()) ? a[0] : Value::nil();
 }
 
+// (layoutlist): the names of the sheets.
+Value fnLayoutList(Interpreter& in, Args) {
+    AcDbDatabase& database = requireDatabase(in);
+    lisp::ListBuilder names(in);
+    for (const Tab& tab : tabs(database)) {
+        if (tab.space != database.modelSpaceId()) names.add(in.string(tab.name));
+    }
+    return names.list();
+}
+
 constexpr FunctionRow kRows[] = {
-    {L"entget", fnEntGet, 1, 2},   {L"entmod", fnEntMod, 1, 1},     {L"entupd", fnEntUpd, 1, 1},
-    {L"entmake", fnEntMake, 0, 1}, {L"entmakex", fnEntMakeX, 0, 1}, {L"entdel", fnEntDel, 1, 1},
-    {L"entnext", fnEntNext, 0, 1}, {L"entlast", fnEntLast, 0, 0},   {L"handent", fnHandEnt, 1, 1},
-    {L"regapp", fnRegApp, 1, 1},   {L"xdroom", fnXdRoom, 1, 1},     {L"xdsize", fnXdSize, 1, 1},
+    {L"entget", fnEntGet, 1, 2},         {L"entmod", fnEntMod, 1, 1},
+    {L"entupd", fnEntUpd, 1, 1},         {L"entmake", fnEntMake, 0, 1},
+    {L"entmakex", fnEntMakeX, 0, 1},     {L"entdel", fnEntDel, 1, 1},
+    {L"entnext", fnEntNext, 0, 1},       {L"entlast", fnEntLast, 0, 0},
+    {L"handent", fnHandEnt, 1, 1},       {L"regapp", fnRegApp, 1, 1},
+    {L"xdroom", fnXdRoom, 1, 1},         {L"xdsize", fnXdSize, 1, 1},
+    {L"layoutlist", fnLayoutList, 0, 0},
 };
 
 }  // namespace

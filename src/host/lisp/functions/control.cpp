@@ -253,6 +253,9 @@ Value fnNothing(Interpreter&, Args) {
 Value fnVoid(Interpreter&, Args) {
     return Value::voidValue();
 }
+Value fnTrue(Interpreter& in, Args) {
+    return in.t();
+}
 Value fnVer(Interpreter& in, Args) {
     return in.string(L"Swift Gate LISP " SWIFTGATE_VERSION);
 }
@@ -309,6 +312,9 @@ constexpr FunctionRow kRows[] = {
     {L"vl-acad-defun", fnIdentity, 1, 1},
     {L"vl-acad-undefun", fnNothing, 1, 1},
     {L"vl-arx-import", fnIdentity, 1, 1},
+    {L"setfunhelp", fnIdentity, 1, 4},
+    {L"initdia", fnNothing, 0, 1},
+    {L"initcommandversion", fnTrue, 0, 1},
     {L"gc", fnGc, 0, 0},
     {L"mem", fnMem, 0, 0},
     {L"alloc", fnIdentity, 1, 1},
