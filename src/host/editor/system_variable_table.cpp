@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "host/model/core/line_weights.h"
 
 namespace sg {
 namespace {
@@ -15,11 +16,6 @@ constexpr double kAboveZero = std::numeric_limits<double>::denorm_min();
 constexpr double kMost = std::numeric_limits<double>::max();
 constexpr double kQuarterTurn = 1.5707963267948966;
 
-// Hundredths of a millimetre. Objects may also take theirs from their layer (-1), their block (-2)
-// or the default (-3).
-constexpr int kObjectLineweights[] = {-3, -2, -1, 0,  5,  9,  13,  15,  18,  20,  25,  30,  35, 40,
-                                      50, 53, 60, 70, 80, 90, 100, 106, 120, 140, 158, 200, 211};
-constexpr auto kLineweights = std::span(kObjectLineweights).subspan(3);
 constexpr int kPointModes[] = {0,  1,  2,  3,  4,  32, 33, 34, 35, 36,
                                64, 65, 66, 67, 68, 96, 97, 98, 99, 100};
 constexpr int kSurfaceTypes[] = {5, 6, 8};
@@ -117,7 +113,7 @@ constexpr Row kTable[] = {
     text(L"CECOLOR", D, L"BYLAYER"),
     real(L"CELTSCALE", D, 1, kAboveZero),
     text(L"CELTYPE", D, L"ByLayer"),
-    integer(L"CELWEIGHT", D, -1).only(kObjectLineweights),
+    integer(L"CELWEIGHT", D, -1).only(model::kObjectLineWeights),
     text(L"CETRANSPARENCY", D, L"ByLayer"),
     real(L"CHAMFERA", D, 0, 0),
     real(L"CHAMFERB", D, 0, 0),
@@ -212,8 +208,8 @@ constexpr Row kTable[] = {
     text(L"DIMLTEX2", D, L""),
     text(L"DIMLTYPE", D, L""),
     integer(L"DIMLUNIT", D, 2, 1, 6),
-    integer(L"DIMLWD", D, -2).only(kObjectLineweights),
-    integer(L"DIMLWE", D, -2).only(kObjectLineweights),
+    integer(L"DIMLWD", D, -2).only(model::kObjectLineWeights),
+    integer(L"DIMLWE", D, -2).only(model::kObjectLineWeights),
     text(L"DIMPOST", D, L""),
     real(L"DIMRND", D, 0, 0),
     flag(L"DIMSAH", D, 0),
@@ -376,7 +372,7 @@ constexpr Row kTable[] = {
     real(L"LTSCALE", D, 1, kAboveZero),
     integer(L"LUNITS", D, 2, 1, 5),
     integer(L"LUPREC", D, 4, 0, 8),
-    integer(L"LWDEFAULT", A, 25).only(kLineweights),
+    integer(L"LWDEFAULT", A, 25).only(model::kLineWeights),
     flag(L"LWDISPLAY", D, 0),
     flag(L"LWUNITS", A, 1),
     integer(L"MAXACTVP", A, 64, 2, 64),

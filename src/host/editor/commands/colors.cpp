@@ -42,6 +42,15 @@ std::optional<AcCmColor> colorNamed(std::wstring_view text) {
     return std::nullopt;
 }
 
+std::wstring askColor(Command& c, const std::wstring& prompt) {
+    const std::wstring typed(trimmed(c.text(prompt)));
+    const std::wstring_view word = std::wstring_view(typed).substr(typed.starts_with(L'_') ? 1 : 0);
+    if (equalIgnoringCase(word, L"T") || equalIgnoringCase(word, L"Truecolor")) {
+        return c.text(L"Red,Green,Blue: ");
+    }
+    return typed;
+}
+
 std::wstring colorText(const AcCmColor& color) {
     if (color.isByColor()) {
         return fmt::format(L"{},{},{}", color.red(), color.green(), color.blue());

@@ -9,6 +9,7 @@ namespace {
 constexpr CommandRow kCommands[] = {
     {L"ARC", commands::arc},
     {L"BLOCK", commands::block},
+    {L"CHPROP", commands::properties},
     {L"CIRCLE", commands::circle},
     {L"COPY", commands::copy},
     {L"DTEXT", commands::textLines},
@@ -24,6 +25,7 @@ constexpr CommandRow kCommands[] = {
     {L"MTEXT", commands::paragraphText},
     {L"OPEN", commands::openDrawing, false},
     {L"PLINE", commands::polyline},
+    {L"POINT", commands::point},
     {L"PURGE", commands::purge},
     {L"QSAVE", commands::quickSave, false},
     {L"REDO", commands::redo, false},
@@ -49,13 +51,14 @@ struct AliasRow {
     const wchar_t *alias, *command;
 };
 constexpr AliasRow kAliases[] = {
-    {L"A", L"ARC"},     {L"B", L"BLOCK"},      {L"C", L"CIRCLE"},    {L"CO", L"COPY"},
-    {L"CP", L"COPY"},   {L"DT", L"DTEXT"},     {L"E", L"ERASE"},     {L"I", L"INSERT"},
-    {L"L", L"LINE"},    {L"LA", L"LAYER"},     {L"LT", L"LINETYPE"}, {L"M", L"MOVE"},
-    {L"MI", L"MIRROR"}, {L"MT", L"MTEXT"},     {L"PL", L"PLINE"},    {L"PU", L"PURGE"},
-    {L"R", L"REDRAW"},  {L"RA", L"REDRAWALL"}, {L"RE", L"REGEN"},    {L"REA", L"REGENALL"},
-    {L"RO", L"ROTATE"}, {L"S", L"STRETCH"},    {L"SC", L"SCALE"},    {L"SET", L"SETVAR"},
-    {L"ST", L"STYLE"},  {L"T", L"MTEXT"},      {L"X", L"EXPLODE"},   {L"Z", L"ZOOM"},
+    {L"A", L"ARC"},        {L"B", L"BLOCK"},   {L"C", L"CIRCLE"},     {L"CO", L"COPY"},
+    {L"CP", L"COPY"},      {L"DT", L"DTEXT"},  {L"E", L"ERASE"},      {L"I", L"INSERT"},
+    {L"L", L"LINE"},       {L"LA", L"LAYER"},  {L"LT", L"LINETYPE"},  {L"M", L"MOVE"},
+    {L"MI", L"MIRROR"},    {L"MT", L"MTEXT"},  {L"PL", L"PLINE"},     {L"PO", L"POINT"},
+    {L"PU", L"PURGE"},     {L"R", L"REDRAW"},  {L"RA", L"REDRAWALL"}, {L"RE", L"REGEN"},
+    {L"REA", L"REGENALL"}, {L"RO", L"ROTATE"}, {L"S", L"STRETCH"},    {L"SC", L"SCALE"},
+    {L"SET", L"SETVAR"},   {L"ST", L"STYLE"},  {L"T", L"MTEXT"},      {L"X", L"EXPLODE"},
+    {L"Z", L"ZOOM"},
 };
 
 }  // namespace

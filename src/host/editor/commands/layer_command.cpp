@@ -127,10 +127,7 @@ void rename(Command& c) {
 void setColor(Command& c) {
     const auto* const current = model::peek<AcDbLayerTableRecord>(c.database().clayer());
     const AcCmColor before = current == nullptr ? AcCmColor() : current->color();
-    std::wstring typed = c.text(L"New color [Truecolor] <" + colorText(before) + L">: ");
-    if (equalIgnoringCase(typed, L"T") || equalIgnoringCase(typed, L"Truecolor")) {
-        typed = c.text(L"Red,Green,Blue: ");
-    }
+    const std::wstring typed = askColor(c, L"New color [Truecolor] <" + colorText(before) + L">: ");
     // A color below 0 turns the layers off, too.
     const bool off = typed.starts_with(L'-');
     const auto color =

@@ -5,6 +5,7 @@
 #include "host/editor/commands/planes.h"
 #include "host/editor/commands/programs.h"
 #include "host/editor/system_variables.h"
+#include "host/model/curves/point.h"
 #include "platform/db/line.h"
 #include "platform/db/polyline.h"
 
@@ -50,6 +51,12 @@ void line(Command& c) {
             c.setLastPoint(points.back());
         }
     }
+}
+
+void point(Command& c) {
+    auto made = std::make_unique<AcDbPoint>(c.world(c.needPoint({L"Specify a point: "})));
+    made->setNormal(drawingNormal(c));
+    c.add(std::move(made));
 }
 
 // ---- PLINE --------------------------------------------------------------------------------------

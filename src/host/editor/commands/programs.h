@@ -12,6 +12,7 @@ void line(Command& c);
 void polyline(Command& c);
 void circle(Command& c);
 void arc(Command& c);
+void point(Command& c);
 void text(Command& c);
 void textLines(Command& c);  // as text(), until an empty line
 void paragraphText(Command& c);
@@ -30,6 +31,7 @@ void scale(Command& c);
 void mirror(Command& c);
 void stretch(Command& c);
 void explode(Command& c);
+void properties(Command& c);
 void purge(Command& c);
 
 void undoOptions(Command& c);

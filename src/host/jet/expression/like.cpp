@@ -1,7 +1,5 @@
 // The dialect's LIKE.
 
-#include <optional>
-
 #include "base/text.h"
 #include "host/jet/expression/expression.h"
 #include "host/jet/index/sort_order.h"
@@ -43,8 +41,10 @@ struct Element {
     bool matches;
 };
 
-// Whether `c` is in the list between the brackets; none for a range that runs backwards.
-std::optional<bool> isInList(std::wstring_view list, wchar_t c) {
+enum class Listed { no, yes, never };  // never: a range in the list runs backwards
+
+// Whether `c` is in the list between the brackets.
+Listed isInList(std::wstring_view list, wchar_t c) {
     bool found = false;
     for (size_t i = 0; i < list.size(); ++i) {
         wchar_t high = list[i];
@@ -53,12 +53,12 @@ std::optional<bool> isInList(std::wstring_view list, wchar_t c) {
             high = list[i + 2];
             i += 2;
             if (high < low && toUpper(high) < toUpper(low) && !isInRange(low, low, high)) {
-                return std::nullopt;
+                return Listed::never;
             }
         }
         found = found || isInRange(c, low, high);
     }
-    return found;
+    return found ? Listed::yes : Listed::no;
 }
 
 Element matchList(std::wstring_view pattern, size_t at, wchar_t c) {
@@ -71,8 +71,8 @@ Element matchList(std::wstring_view pattern, size_t at, wchar_t c) {
     if (excludes) {
         list.remove_prefix(1);
     }
-    const std::optional<bool> found = isInList(list, c);
-    return {end + 1, found.has_value() && *found != excludes};
+    const Listed listed = isInList(list, c);
+    return {end + 1, listed != Listed::never && (listed == Listed::yes) != excludes};
 }
 
 Element matchElement(std::wstring_view pattern, size_t at, wchar_t c) {
@@ -104,8 +104,8 @@ size_t candidate(std::wstring_view text, size_t at, std::wstring_view pattern, s
 // the last one needs to be gone back to: what an earlier one could take more it takes as well.
 bool isLike(std::wstring_view text, std::wstring_view pattern) {
     size_t at = 0;
-    size_t in = 0;  // the pattern
-    std::optional<size_t> starIn;
+    size_t in = 0;                 // the pattern
+    size_t starIn = pattern.npos;  // behind the last "*"
     size_t starAt = 0;
     while (true) {
         if (in < pattern.size() && pattern[in] == L'*') {
@@ -130,10 +130,10 @@ bool isLike(std::wstring_view text, std::wstring_view pattern) {
         } else if (starIn == in) {
             return true;
         }
-        if (!starIn) {
+        if (starIn == pattern.npos) {
             return false;
         }
-        in = *starIn;
+        in = starIn;
         at = starAt = candidate(text, starAt + 1, pattern, in);
     }
 }

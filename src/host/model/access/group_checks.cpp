@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "host/model/access/entity_maker.h"
+#include "host/model/core/line_weights.h"
 #include "host/model/core/symbol_records.h"
 #include "platform/db/entity.h"
 
@@ -88,14 +89,9 @@ bool hasRequiredGroups(const AcDbObject& object, const resbuf* groups) {
 
 namespace {
 
-// In hundredths of a millimetre; below 0 those of the layer, the block, the drawing.
-constexpr std::array kLineWeights = {-3, -2, -1, 0,  5,  9,  13,  15,  18,  20,  25,  30,  35, 40,
-                                     50, 53, 60, 70, 80, 90, 100, 106, 120, 140, 158, 200, 211};
-
 bool hasKnownLineWeight(const resbuf* groups) {
     const resbuf* const weight = findGroup(groups, kLineWeight);
-    return weight == nullptr ||
-           std::binary_search(kLineWeights.begin(), kLineWeights.end(), int{weight->resval.rint});
+    return weight == nullptr || isObjectLineWeight(weight->resval.rint);
 }
 
 bool hasKnownLinetype(const resbuf* groups, const AcDbDatabase& database) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "host/model/core/line_weights.h"
 #include "host/model/core/proxies.h"
 #include "host/model/kept/kept_form.h"
 
@@ -119,10 +120,6 @@ Acad::ErrorStatus readPartIds(AcDbDwgFiler* filer, uint32_t count,
 
 namespace {
 
-// By their numbers.
-constexpr std::array<int16_t, 24> kWeights = {0,  5,   9,   13,  15,  18,  20,  25,
-                                              30, 35,  40,  50,  53,  60,  70,  80,
-                                              90, 100, 106, 120, 140, 158, 200, 211};
 constexpr uint8_t kByLayer = 29;
 constexpr uint8_t kByBlock = 30;
 constexpr uint8_t kDefault = 31;
@@ -132,15 +129,16 @@ constexpr uint8_t kDefault = 31;
 uint8_t lineWeightCode(AcDb::LineWeight weight) {
     if (weight == AcDb::kLnWtByLayer) return kByLayer;
     if (weight == AcDb::kLnWtByBlock) return kByBlock;
-    const auto found = std::find(kWeights.begin(), kWeights.end(), weight);
-    return found == kWeights.end() ? kDefault : static_cast<uint8_t>(found - kWeights.begin());
+    const auto found = std::find(kLineWeights.begin(), kLineWeights.end(), weight);
+    return found == kLineWeights.end() ? kDefault
+                                       : static_cast<uint8_t>(found - kLineWeights.begin());
 }
 
 AcDb::LineWeight lineWeightOf(uint8_t code) {
     if (code == kByLayer) return AcDb::kLnWtByLayer;
     if (code == kByBlock) return AcDb::kLnWtByBlock;
-    return code < kWeights.size() ? static_cast<AcDb::LineWeight>(kWeights[code])
-                                  : AcDb::kLnWtByLwDefault;
+    return code < kLineWeights.size() ? static_cast<AcDb::LineWeight>(kLineWeights[code])
+                                      : AcDb::kLnWtByLwDefault;
 }
 
 bool hasDwgForm(const AcDbObject& object, AcDb::AcDbDwgVersion release) {

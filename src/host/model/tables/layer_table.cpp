@@ -4,6 +4,7 @@
 #include <array>
 
 #include "host/model/core/dwg_form.h"
+#include "host/model/core/line_weights.h"
 #include "host/model/tables/filing.h"
 #include "host/model/tables/references.h"
 #include "platform/db/database.h"
@@ -19,10 +20,6 @@ constexpr uint16_t kWhite = 7;
 constexpr int16_t kFrozen = 1;
 constexpr int16_t kFrozenInNewViewports = 2;
 constexpr int16_t kLocked = 4;
-
-constexpr std::array<int16_t, 25> kLineWeights = {-3,  0,   5,   9,   13,  15,  18, 20, 25,
-                                                  30,  35,  40,  50,  53,  60,  70, 80, 90,
-                                                  100, 106, 120, 140, 158, 200, 211};
 
 int16_t withFlag(int16_t flags, int16_t flag, bool on) {
     return static_cast<int16_t>(on ? flags | flag : flags & ~flag);
@@ -83,7 +80,7 @@ Acad::ErrorStatus AcDbLayerTableRecord::setLinetypeObjectId(AcDbObjectId linetyp
 }
 
 Acad::ErrorStatus AcDbLayerTableRecord::setLineWeight(AcDb::LineWeight weight) {
-    if (std::find(kLineWeights.begin(), kLineWeights.end(), weight) == kLineWeights.end()) {
+    if (weight != AcDb::kLnWtByLwDefault && !sg::model::isLineWidth(weight)) {
         return Acad::eOutOfRange;
     }
     assertWriteEnabled();
