@@ -23,6 +23,8 @@
 (show '(groups-of line '(62 420 6 370)))
 (command "_.CHPROP" line "" "_C" "ByBlock" "")
 (show '(groups-of line '(62)))
+(command "_.U")
+(show '(groups-of line '(62)))
 
 ;; What is refused changes nothing.
 (setvar "CMDECHO" 1)
@@ -30,8 +32,4 @@
 (show '(groups-of line '(8 62 6 370)))
 (command "_.CHPROP" kept "" "_C" 1 "")
 (show '(groups-of kept '(62)))
-(command "_.U")
-(setvar "CMDECHO" 0)
-(command "_.U" "_.U")
-(show '(groups-of line '(62 8)))
 (princ)
