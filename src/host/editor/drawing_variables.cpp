@@ -12,7 +12,6 @@
 namespace sg {
 namespace {
 
-using model::HeaderVariables;
 using model::NamedIn;
 using model::VariableRow;
 using model::VariableValue;
