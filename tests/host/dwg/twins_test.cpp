@@ -15,6 +15,7 @@
 #include "host/model/core/object_access.h"
 #include "host/model/core/proxies.h"
 #include "host/seam/host_fixture.h"
+#include "real_data.h"
 
 namespace sg::test {
 namespace {
@@ -135,10 +136,7 @@ class TwinsTest : public HostTest {
     TwinsTest() { make(); }
     ~TwinsTest() override { stop(); }
 
-    static std::filesystem::path folder() {
-        const char* const set = std::getenv("SWIFTGATE_REAL_DATA");
-        return set != nullptr ? set : "../shared/data";
-    }
+    static std::filesystem::path folder() { return realData(); }
 };
 
 // What the program that made the twins did anew for each of them: dictionaries of its own with

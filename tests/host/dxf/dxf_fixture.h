@@ -12,6 +12,7 @@
 #include "host/dxf/files.h"
 #include "host/dxf/group_reader.h"
 #include "host/seam/host_fixture.h"
+#include "real_data.h"
 
 namespace sg::test {
 
@@ -47,14 +48,7 @@ class DxfTest : public HostTest {
 
     // Files that other programs wrote; empty where they are not on this machine.
     static std::vector<std::filesystem::path> realFiles() {
-        const char* const set = std::getenv("SWIFTGATE_REAL_DATA");
-        const std::filesystem::path folder =
-            std::filesystem::path(set != nullptr ? set : "../shared/data") / "dxf";
-        std::vector<std::filesystem::path> files;
-        std::error_code error;
-        for (const auto& entry : std::filesystem::directory_iterator(folder, error))
-            files.push_back(entry.path());
-        return files;
+        return sg::test::realFiles("dxf", {".dxf"});
     }
     static std::string contentOf(const std::filesystem::path& file) {
         std::ifstream stream(file, std::ios::binary);

@@ -23,21 +23,6 @@
 // What two databases hold, in a form that can be compared whatever pages and masks they have.
 namespace sg::jet::test {
 
-inline std::vector<std::filesystem::path> allRealFiles() {
-    const char* given = std::getenv("SWIFTGATE_REAL_DATA");
-    const std::filesystem::path folder =
-        (given != nullptr
-             ? std::filesystem::path(given)
-             : std::filesystem::path(__FILE__).parent_path() / "../../../../shared/data") /
-        "mdb";
-    std::vector<std::filesystem::path> files;
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(folder, error))
-        files.push_back(entry.path());
-    std::sort(files.begin(), files.end());
-    return files;
-}
-
 // Tables that no Jet 4 file can have, and the system tables themselves.
 inline bool isCompared(const CatalogObject& object) {
     const std::wstring& name = object.name;

@@ -11,27 +11,10 @@
 #include "host/jet/pages/usage_map.h"
 #include "host/jet/storage/page_store.h"
 #include "host/jet/values/table_definition.h"
+#include "real_data.h"
 
-// The databases that other programs made, and their tables, for tests of indexes.
+// The tables of databases that other programs made, for tests of indexes.
 namespace sg::jet::real {
-
-inline std::filesystem::path dataFolder() {
-    const char* folder = std::getenv("SWIFTGATE_REAL_DATA");
-    if (folder != nullptr) return folder;
-    return std::filesystem::path(__FILE__).parent_path() / "../../../../shared/data";
-}
-
-// Every database there; none where the folder is missing.
-inline std::vector<std::filesystem::path> databases() {
-    std::vector<std::filesystem::path> files;
-    std::error_code missing;
-    // Who has one open keeps further files beside it.
-    for (const auto& entry : std::filesystem::directory_iterator(dataFolder() / "mdb", missing)) {
-        const auto extension = entry.path().extension();
-        if (extension == ".mdb" || extension == ".accdb") files.push_back(entry.path());
-    }
-    return files;
-}
 
 // Every row of the table that is not deleted, with its bytes, which may be on another page.
 inline void forEachRow(const PageStore& store, const TableDefinition& table,

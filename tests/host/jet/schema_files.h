@@ -18,18 +18,14 @@
 #include "host/jet/schema/schema.h"
 #include "host/jet/storage_files.h"
 #include "host/system/temporary_folder.h"
+#include "real_data.h"
 
 // Databases whose design tests change: new ones, and copies of files that other programs made.
 namespace sg::jet::test {
 
 // The Jet 4 files of other programs; empty where there are none.
 inline std::vector<std::filesystem::path> realFiles() {
-    const char* given = std::getenv("SWIFTGATE_REAL_DATA");
-    const std::filesystem::path folder =
-        (given != nullptr
-             ? std::filesystem::path(given)
-             : std::filesystem::path(__FILE__).parent_path() / "../../../../shared/data") /
-        "mdb";
+    const std::filesystem::path folder = sg::test::realData() / "mdb";
     std::vector<std::filesystem::path> files;
     for (const char* name : {"indexTestV2000.mdb", "queryTestV2000.mdb", "compIndexTestV2000.mdb",
                              "overflowTestV2003.mdb"}) {

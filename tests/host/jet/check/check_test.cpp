@@ -10,6 +10,7 @@
 #include "host/jet/file_builder.h"
 #include "host/jet/index/index_page.h"
 #include "host/jet/index_test_files.h"
+#include "real_data.h"
 
 namespace sg::jet {
 namespace {
@@ -97,14 +98,14 @@ Bytes contentOf(const std::filesystem::path& path) {
 }
 
 TEST(Check, RealFilesHaveNoFindings) {
-    const auto files = real::databases();
+    const auto files = sg::test::realDatabases();
     if (files.empty()) GTEST_SKIP() << "no real databases";
     for (const auto& file : files)
         EXPECT_EQ(listing(check(contentOf(file))), "") << file.filename();
 }
 
 TEST(Check, DamagedIndexesAreFound) {
-    const auto path = real::dataFolder() / "mdb" / "indexTestV2000.mdb";
+    const auto path = sg::test::realData() / "mdb" / "indexTestV2000.mdb";
     if (!std::filesystem::exists(path)) GTEST_SKIP() << "no real databases";
     const Bytes sound = contentOf(path);
     const Database db(std::make_unique<MemoryPageStore>(sound, L"plan.mdb"));

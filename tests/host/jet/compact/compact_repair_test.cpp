@@ -11,6 +11,7 @@
 #include "host/jet/file_builder.h"
 #include "host/jet/file_content.h"
 #include "host/jet/values/text_codec.h"
+#include "real_data.h"
 
 namespace sg::jet::test {
 namespace {
@@ -115,7 +116,7 @@ TEST_F(CompactRepairTest, ASoundFileLosesNothing) {
     EXPECT_EQ(listing(repair().losses), "");
     expectSame(Database::openReadOnly(path("test.mdb")), *made_, "sound");
     made_.reset();
-    for (const auto& file : allRealFiles()) {
+    for (const auto& file : sg::test::realDatabases()) {
         const std::wstring source = copied(file, "source");
         std::filesystem::remove(folder_ / "made.mdb");
         CompactOptions options;
@@ -301,7 +302,7 @@ TEST_F(CompactRepairTest, PropertiesAndIndexesThatAreDamaged) {
 
 TEST_F(CompactRepairTest, WhateverIsDamagedTheResultIsSound) {
     std::vector<Bytes> all{bytes_, sampleFile(Version::Jet3), sampleFile(Version::Ace17)};
-    for (const auto& file : allRealFiles()) {
+    for (const auto& file : sg::test::realDatabases()) {
         if (std::filesystem::file_size(file) < 300000) all.push_back(readFile(file.wstring()));
     }
     uint32_t random = 4711;

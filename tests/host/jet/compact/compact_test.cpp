@@ -11,6 +11,7 @@
 #include "host/jet/pages/definition_writer.h"
 #include "host/jet/recording_files.h"
 #include "host/jet/storage/storage.h"
+#include "real_data.h"
 
 namespace sg::jet::test {
 namespace {
@@ -18,7 +19,7 @@ namespace {
 constexpr int cancelled = 3059;
 
 TEST_F(CompactTest, FilesOfOtherProgramsAreWholeAfterIt) {
-    const auto all = allRealFiles();
+    const auto all = sg::test::realDatabases();
     if (all.empty()) GTEST_SKIP() << "no real files";
     for (const auto& file : all) {
         const std::wstring source = copied(file, "source");
@@ -39,8 +40,9 @@ TEST_F(CompactTest, FilesOfOtherProgramsAreWholeAfterIt) {
 }
 
 TEST_F(CompactTest, TheOtherReaderPrintsTheSame) {
-    if (!hasTools() || allRealFiles().empty()) GTEST_SKIP() << "mdb-export is not installed";
-    for (const auto& file : allRealFiles()) {
+    if (!hasTools() || sg::test::realDatabases().empty())
+        GTEST_SKIP() << "mdb-export is not installed";
+    for (const auto& file : sg::test::realDatabases()) {
         const std::wstring source = copied(file, "source");
         std::filesystem::remove(folder_ / "made.mdb");
         compactDatabase(source, path("made.mdb"));
@@ -376,7 +378,7 @@ TEST_F(CompactTest, InPlaceKeepsModeLinksAndTheOldFile) {
 }
 
 TEST_F(CompactTest, InPlaceMakesAJet4FileOfOthers) {
-    for (const auto& file : allRealFiles()) {
+    for (const auto& file : sg::test::realDatabases()) {
         const std::wstring copy = copied(file, "plan");
         if (Database::openReadOnly(copy).header().version == Version::Jet4) continue;
         compactInPlace(copy, path("old"));

@@ -15,6 +15,7 @@
 #include "host/jet/recording_files.h"
 #include "host/jet/storage_files.h"
 #include "host/system/temporary_folder.h"
+#include "real_data.h"
 
 namespace sg::jet {
 namespace {
@@ -193,7 +194,7 @@ TEST(NewDatabaseTest, TheCatalogIsThatOfFilesOfOtherPrograms) {
     EXPECT_EQ(objects.size(), 8u);
     EXPECT_EQ(access.size(), 16u);
     size_t compared = 0;
-    for (const auto& path : real::databases()) {
+    for (const auto& path : sg::test::realDatabases()) {
         const Database other = Database::openReadOnly(path.wstring());
         if (other.header().version != Version::Jet4) continue;
         for (uint32_t page = 2; page < 6; ++page) {
@@ -206,7 +207,7 @@ TEST(NewDatabaseTest, TheCatalogIsThatOfFilesOfOtherPrograms) {
         }
         ++compared;
     }
-    if (compared == 0) GTEST_SKIP() << "no real files in " << real::dataFolder();
+    if (compared == 0) GTEST_SKIP() << "no real files in " << sg::test::realData();
 }
 
 TEST_F(NewDatabaseOnDiskTest, WhatIsThereIsNotTouched) {

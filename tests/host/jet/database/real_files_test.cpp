@@ -13,33 +13,25 @@
 #include "base/encoding.h"
 #include "fuzz/jet_read_everything.h"
 #include "host/jet/database/database.h"
+#include "real_data.h"
 
 namespace sg::jet {
 namespace {
 
-std::filesystem::path dataFolder() {
-    const char* given = std::getenv("SWIFTGATE_REAL_DATA");
-    return (given != nullptr
-                ? std::filesystem::path(given)
-                : std::filesystem::path(__FILE__).parent_path() / "../../../../../shared/data") /
-           "mdb";
-}
-
 class RealFilesTest : public testing::Test {
   protected:
     void SetUp() override {
-        std::error_code error;
-        for (const auto& entry : std::filesystem::directory_iterator(dataFolder(), error)) {
-            files_.push_back(entry.path().string());
-        }
-        std::sort(files_.begin(), files_.end());
+        for (const auto& file : sg::test::realDatabases())
+            files_.push_back(file.string());
         if (files_.empty()) {
-            GTEST_SKIP() << "no real files in " << dataFolder();
+            GTEST_SKIP() << "no real files in " << sg::test::realData();
         }
     }
 
     static Database open(const std::string& file) { return Database::openReadOnly(fromUtf8(file)); }
-    static Database openNamed(const char* name) { return open((dataFolder() / name).string()); }
+    static Database openNamed(const char* name) {
+        return open((sg::test::realData() / "mdb" / name).string());
+    }
 
     std::vector<std::string> files_;
 };

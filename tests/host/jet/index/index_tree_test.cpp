@@ -11,6 +11,7 @@
 #include "host/jet/format/error.h"
 #include "host/jet/index/index_key.h"
 #include "host/jet/index_test_files.h"
+#include "real_data.h"
 
 namespace sg::jet {
 namespace {
@@ -411,7 +412,7 @@ void checkIndexes(const PageStore& store) {
 }
 
 TEST(IndexTree, EveryIndexOfRealFilesAgreesWithItsRows) {
-    const auto files = real::databases();
+    const auto files = sg::test::realDatabases();
     if (files.empty()) GTEST_SKIP() << "no real databases";
     for (const auto& file : files) {
         SCOPED_TRACE(file.filename().string());

@@ -12,6 +12,7 @@
 #include "host/jet/index_test_files.h"
 #include "host/jet/index_walk.h"
 #include "host/jet/page_files.h"
+#include "real_data.h"
 
 namespace sg::jet {
 namespace {
@@ -481,7 +482,7 @@ void rewriteIndexes(WriteTransaction& pages, std::mt19937& random) {
 TEST(IndexWriterTest, IndexesOfRealFilesAreErasedAndFilledAgain) {
     std::mt19937 random(10);
     size_t files = 0;
-    for (const auto& path : real::databases()) {
+    for (const auto& path : sg::test::realDatabases()) {
         SCOPED_TRACE(path.filename().string());
         const Bytes content = test::readFile(path.wstring());
         if (content[pages::versionOffset] != static_cast<uint8_t>(Version::Jet4)) continue;

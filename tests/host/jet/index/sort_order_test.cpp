@@ -9,6 +9,7 @@
 #include <string>
 
 #include "host/jet/hex.h"
+#include "real_data.h"
 
 namespace {
 
@@ -66,9 +67,7 @@ std::string keyOfLine(const std::string& line) {
 }
 
 std::filesystem::path referenceFolder() {
-    const char* folder = std::getenv("SWIFTGATE_REAL_DATA");
-    if (folder != nullptr) return std::filesystem::path(folder) / "jet_sort";
-    return std::filesystem::path(__FILE__).parent_path() / "../../../../../shared/data/jet_sort";
+    return sg::test::realData() / "jet_sort";
 }
 
 // The lists leave out the surrogates, which are no characters: their 0xF800 lines reach U+FFFF.

@@ -11,6 +11,7 @@
 #include "host/jet/recording_files.h"
 #include "host/jet/storage/storage.h"
 #include "host/jet/storage_files.h"
+#include "real_data.h"
 
 namespace sg::jet {
 namespace {
@@ -130,7 +131,7 @@ Bytes smallDatabase() {
 
 TEST(DefinitionWriterTest, DefinitionsOfRealFilesAreWrittenAsTheyStand) {
     size_t tables = 0;
-    for (const auto& path : real::databases()) {
+    for (const auto& path : sg::test::realDatabases()) {
         const Bytes bytes = contentOf(path);
         if (identifyFormat(ByteView(bytes), fileName).version != Version::Jet4) continue;
         OpenFile file(bytes);
@@ -143,14 +144,14 @@ TEST(DefinitionWriterTest, DefinitionsOfRealFilesAreWrittenAsTheyStand) {
             ++tables;
         }
     }
-    if (tables == 0) GTEST_SKIP() << "no real files in " << real::dataFolder();
+    if (tables == 0) GTEST_SKIP() << "no real files in " << sg::test::realData();
 }
 
 // A definition that is not there yet: what is not told of it gets the bytes that other programs
 // give it.
 TEST(DefinitionWriterTest, DefinitionsOfRealFilesAreTheSameOnAnotherPage) {
     size_t tables = 0;
-    for (const auto& path : real::databases()) {
+    for (const auto& path : sg::test::realDatabases()) {
         const Bytes bytes = contentOf(path);
         if (identifyFormat(ByteView(bytes), fileName).version != Version::Jet4) continue;
         OpenFile file(bytes);
@@ -174,7 +175,7 @@ TEST(DefinitionWriterTest, DefinitionsOfRealFilesAreTheSameOnAnotherPage) {
             ++tables;
         }
     }
-    if (tables == 0) GTEST_SKIP() << "no real files in " << real::dataFolder();
+    if (tables == 0) GTEST_SKIP() << "no real files in " << sg::test::realData();
 }
 
 TEST(DefinitionWriterTest, LongDefinitionsTakeMorePagesAndGiveThemBack) {

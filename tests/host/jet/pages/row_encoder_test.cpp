@@ -15,6 +15,7 @@
 #include "host/jet/format/error.h"
 #include "host/jet/pages/row.h"
 #include "host/jet/values/value_codec.h"
+#include "real_data.h"
 
 namespace sg::jet {
 namespace {
@@ -222,14 +223,6 @@ TEST(JetRowEncoderTest, ARowReaderGetsBackWhatWasPutIn) {
 
 // --- rows that other programs wrote ---
 
-std::filesystem::path dataFolder() {
-    const char* given = std::getenv("SWIFTGATE_REAL_DATA");
-    return (given != nullptr
-                ? std::filesystem::path(given)
-                : std::filesystem::path(__FILE__).parent_path() / "../../../../../shared/data") /
-           "mdb";
-}
-
 // The columns' bytes of a row, decoded and encoded again; of long values their headers.
 std::vector<RowPart> encodedAgain(const RowCursor& cursor, const TableDefinition& table,
                                   const Format& format) {
@@ -309,11 +302,10 @@ size_t compareRows(const MemoryPageStore& store, const CatalogObject& object) {
 TEST(JetRowEncoderTest, RowsOfOtherProgramsComeOutByteForByte) {
     size_t files = 0;
     size_t rows = 0;
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(dataFolder(), error)) {
-        std::ifstream in(entry.path(), std::ios::binary);
+    for (const auto& path : sg::test::realDatabases()) {
+        std::ifstream in(path, std::ios::binary);
         const Bytes bytes((std::istreambuf_iterator<char>(in)), {});
-        const MemoryPageStore store(bytes, fromUtf8(entry.path().string()));
+        const MemoryPageStore store(bytes, fromUtf8(path.string()));
         if (store.format().isJet3()) {
             continue;
         }
@@ -326,7 +318,7 @@ TEST(JetRowEncoderTest, RowsOfOtherProgramsComeOutByteForByte) {
         ++files;
     }
     if (files == 0) {
-        GTEST_SKIP() << "no real files in " << dataFolder();
+        GTEST_SKIP() << "no real files in " << sg::test::realData();
     }
     EXPECT_GT(rows, 1000u);
 }

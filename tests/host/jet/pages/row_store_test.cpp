@@ -10,6 +10,7 @@
 #include "host/jet/page_files.h"
 #include "host/jet/pages/long_value.h"
 #include "host/jet/pages/long_value_store.h"
+#include "real_data.h"
 
 namespace sg::jet {
 namespace {
@@ -554,7 +555,7 @@ TEST_F(LongValueStoreTest, DamagedValuesAreNotErasedQuietly) {
 // --- files of other programs ---
 
 TEST(RowStoreOnRealFiles, EveryTableCanBeRewritten) {
-    const auto files = real::databases();
+    const auto files = sg::test::realDatabases();
     if (files.empty()) GTEST_SKIP() << "no real databases";
     for (const auto& path : files) {
         Bytes content = test::readFile(fromUtf8(path.string()));

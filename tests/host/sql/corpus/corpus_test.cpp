@@ -18,19 +18,12 @@
 #include "host/sql/corpus/corpus_file.h"
 #include "host/sql/parser.h"
 #include "host/system/temporary_folder.h"
+#include "real_data.h"
 
 namespace sg::sql::corpus {
 namespace {
 
 const std::filesystem::path corpusFolder = SWIFTGATE_SQL_CORPUS;
-
-// Where files of other programs are.
-std::filesystem::path realFolder() {
-    const char* const given = std::getenv("SWIFTGATE_REAL_DATA");
-    return (given != nullptr ? std::filesystem::path(given)
-                             : corpusFolder / "../../../../../shared/data") /
-           "mdb";
-}
 
 std::vector<std::filesystem::path> corpusFiles() {
     std::vector<std::filesystem::path> files;
@@ -159,12 +152,12 @@ class CorpusTest : public FolderTest, public testing::WithParamInterface<std::fi
     }
 
     void openReal(const std::string& file) {
-        open(file, realFolder() / file, jet::OpenMode::ReadOnly);
+        open(file, sg::test::realData() / "mdb" / file, jet::OpenMode::ReadOnly);
         turnTo(file);
     }
 
     void openCopy(const std::string& file) {
-        std::filesystem::copy_file(realFolder() / file, pathOf(file));
+        std::filesystem::copy_file(sg::test::realData() / "mdb" / file, pathOf(file));
         std::filesystem::permissions(pathOf(file), std::filesystem::perms::owner_all);
         open(file, pathOf(file), jet::OpenMode::Shared);
         turnTo(file);
@@ -192,13 +185,14 @@ bool hasFiles(const std::vector<Entry>& entries) {
     return std::all_of(entries.begin(), entries.end(), [](const Entry& entry) {
         const bool takesOne = entry.directive.size() == 2 &&
                               (entry.directive[0] == "read" || entry.directive[0] == "copy");
-        return !takesOne || std::filesystem::exists(realFolder() / entry.directive[1]);
+        return !takesOne ||
+               std::filesystem::exists(sg::test::realData() / "mdb" / entry.directive[1]);
     });
 }
 
 TEST_P(CorpusTest, GivesWhatIsWritten) {
     const std::vector<Entry> entries = entriesOf(GetParam());
-    if (!hasFiles(entries)) GTEST_SKIP() << "no real files in " << realFolder();
+    if (!hasFiles(entries)) GTEST_SKIP() << "no real files in " << (sg::test::realData() / "mdb");
     for (const Entry& entry : entries) {
         SCOPED_TRACE(GetParam().filename().string() + ":" + std::to_string(entry.line) + ": " +
                      toUtf8(entry.statement));

@@ -9,6 +9,7 @@
 #include "host/sql/run/session_fixture.h"
 #include "host/sql/stored/query_form.h"
 #include "host/sql/stored/stored_query.h"
+#include "real_data.h"
 
 namespace sg::sql {
 namespace {
@@ -16,11 +17,7 @@ namespace {
 namespace attr = jet::queryAttributes;
 
 std::filesystem::path realFile(const char* name) {
-    const char* given = std::getenv("SWIFTGATE_REAL_DATA");
-    return (given != nullptr
-                ? std::filesystem::path(given)
-                : std::filesystem::path(__FILE__).parent_path() / "../../../../../shared/data") /
-           "mdb" / name;
+    return sg::test::realData() / "mdb" / name;
 }
 
 // What `command` prints; empty when it cannot be run.
