@@ -20,8 +20,8 @@ TableIndexes::TableIndexes(const Format& format, const TableDefinition& table)
     : table_(&table), names_(table.realIndexes.size()) {
     encoders_.reserve(table.realIndexes.size());
     for (const RealIndex& index : table.realIndexes) {
-        if (!unusable_ && !encoders_.emplace_back(format, table, index).usable())
-            unusable_ = encoders_.size() - 1;
+        encoders_.emplace_back(format, table, index);
+        if (!unusable_ && !encoders_.back().usable()) unusable_ = encoders_.size() - 1;
     }
     for (const LogicalIndex& index : table.indexes) {
         const LogicalIndex*& named = names_[index.realIndex];
