@@ -5,7 +5,6 @@
 
 // Blocks as DWG files have them.
 
-using sg::model::DwgForm;
 using sg::model::isBefore;
 
 namespace {

@@ -12,7 +12,6 @@
 
 using sg::model::DatabaseState;
 using sg::model::DatabaseTable;
-using sg::model::ObjectAccess;
 using sg::model::peek;
 
 namespace {

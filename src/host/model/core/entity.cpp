@@ -10,7 +10,6 @@ ACRX_NO_CONS_DEFINE_MEMBERS(AcDbEntity, AcDbObject)
 
 // Properties of entities.
 
-using sg::model::DatabaseState;
 using sg::model::ObjectAccess;
 using sg::model::peek;
 

@@ -8,7 +8,6 @@
 // Filing of what every entity has.
 
 using sg::model::FieldReader;
-using sg::model::ObjectAccess;
 using sg::model::peek;
 
 namespace {

@@ -6,7 +6,6 @@
 // What is attached to objects: extended data, extension dictionaries, persistent reactors.
 
 using sg::model::DatabaseState;
-using sg::model::Extras;
 using sg::model::ObjectAccess;
 
 // ---- Extended data ------------------------------------------------------------------------------

@@ -8,7 +8,6 @@
 
 // Filing of what every object has.
 
-using sg::model::DatabaseState;
 using sg::model::Extras;
 using sg::model::ObjectAccess;
 

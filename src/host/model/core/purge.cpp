@@ -14,7 +14,6 @@ namespace {
 using sg::model::DatabaseRoots;
 using sg::model::DatabaseState;
 using sg::model::DatabaseTable;
-using sg::model::ObjectAccess;
 
 // Finds which of the candidates are needed: by an object that is no candidate and stands in none,
 // by the header, or by a candidate that is needed.

@@ -13,7 +13,6 @@
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbSymbolTable, AcDbObject)
 
 using sg::model::DatabaseState;
-using sg::model::DatabaseTable;
 using sg::model::ListCursor;
 using sg::model::ObjectAccess;
 using sg::model::peek;
