@@ -232,7 +232,9 @@ void closeAllConnections() {
     }
 }
 
-void deleteConnections() {
+void forgetDatabases() {
+    dbInfoList().clear();
+    clearCurrentDatabase();
     for (CDBConnection* const connection : std::exchange(state().connections, {}))
         delete connection;
 }

@@ -80,8 +80,8 @@ void addConnectionEntry(const std::wstring& name, bool readOnly);
 // may be the current connection.
 void closeAllConnections();
 
-// At the module's end: deletes the connections of setNewDatabase that are left, those that no entry
-// has any more among them. Neither an entry nor what is current may be used afterwards.
-void deleteConnections();
+// At the module's end: empties the list, makes nothing current, and deletes the connections of
+// setNewDatabase that are left, those that no entry has had for long among them.
+void forgetDatabases();
 
 }  // namespace sg

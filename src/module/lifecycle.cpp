@@ -151,7 +151,7 @@ void unloadDrawing() {
 
 void terminateModule() {
     deleteAcRxClass(QNLeader::desc());
-    deleteConnections();
+    forgetDatabases();
     stopDatabaseEngine();
     removeReactor();
     unloadCompanion();

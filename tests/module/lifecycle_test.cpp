@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <memory>
+
 #include "host/seam/external_functions.h"
 #include "host/system/mutexes.h"
 #include "host/system/random.h"
@@ -223,6 +225,21 @@ TEST_F(LifecycleTest, LoadedUnloadedAndLoadedAgain) {
     EXPECT_EQ(functions().size(), 173u);
     EXPECT_THAT(entries(), ElementsAre("Drawing1.dwg"));
     EXPECT_EQ(eval("(vl-catch-all-error-p (vl-catch-all-apply 'sg_connect nil))"), "T");
+}
+
+TEST_F(LifecycleTest, UnloadingUnderSeveralDrawingsLeavesNoConnectionBehind) {
+    startWithRecordingEditor();
+    documents().create();
+    setNewDatabase(std::make_unique<FakeConnection>("free", log), L"free.mdb", 0);
+    addConnectionEntry(L"free.mdb", false);
+    dbInfoList().front()->strDocument.clear();  // its drawing went on to another database
+    setCurrentDatabase(nullptr, L"", 0);
+    log.clear();
+    EXPECT_EQ(eval("(arxunload \"SwiftGate2017\")"), "\"SwiftGate2017\"");
+    EXPECT_THAT(log, ElementsAre("delete free", kEndSteps[0], kEndSteps[1]));
+    EXPECT_THAT(entries(), IsEmpty());
+    EXPECT_EQ(eval("(arxload \"SwiftGate2017\")"), "\"SwiftGate2017\"");
+    EXPECT_EQ(entries().size(), 2u);
 }
 
 TEST_F(LifecycleTest, OneHostAfterTheOther) {
