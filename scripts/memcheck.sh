@@ -23,6 +23,9 @@ for test in "$@"; do
     if [ "$findings" != 0 ]; then
         echo "$test: $findings findings, see $out/$test.log"
         failed=1
+    elif [ $code -ge 128 ]; then
+        echo "$test: ended by a signal, see $out/$test.out"
+        failed=1
     elif [ $code != 0 ]; then
         # valgrind has no long double of 80 bits, and starts what the system would not.
         echo "$test: clean, but tests fail there, see $out/$test.out"
