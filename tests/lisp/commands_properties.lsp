@@ -26,9 +26,12 @@
 (command "_.U")
 (show '(groups-of line '(62)))
 
+(command "_.-LAYER" "_LW" "thick" "_LW" "0.35 mm" "M-DUCT" "_C" "_T" "1,2,3" "M-DUCT" "")
+(show '(groups-of (tblobjname "LAYER" "M-DUCT") '(370 420)))
+
 ;; What is refused changes nothing.
 (setvar "CMDECHO" 1)
-(command "_.CHPROP" line "" "_C" "mauve" "_LA" "nowhere" "_LT" "dotted" "_LW" 0.51 "")
+(command "_.CHPROP" line "" "_C" "mauve" "_LA" "nowhere" "_LT" "dotted" "_LW" 0.51 "_LW" "thick" "")
 (show '(groups-of line '(8 62 6 370)))
 (command "_.CHPROP" kept "" "_C" 1 "")
 (show '(groups-of kept '(62)))

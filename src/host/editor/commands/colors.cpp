@@ -2,9 +2,13 @@
 
 #include <fmt/xchar.h>
 
+#include <cmath>
 #include <cwchar>
 
+#include "base/numbers.h"
 #include "base/text.h"
+#include "host/lisp/text/numbers.h"
+#include "host/model/core/line_weights.h"
 
 namespace sg::commands {
 namespace {
@@ -58,6 +62,18 @@ std::wstring colorText(const AcCmColor& color) {
     const uint16_t index = color.colorIndex();
     if (index < 1 || index > std::size(kNames)) return std::to_wstring(index);
     return fmt::format(L"{} ({})", index, kNames[index - 1]);
+}
+
+std::optional<AcDb::LineWeight> lineWidthNamed(std::wstring_view text) {
+    text = trimmed(text);
+    const ScannedReal width = scanReal(text);
+    const std::wstring_view unit = trimmed(text.substr(width.length));
+    if (width.length == 0 || (!unit.empty() && !equalIgnoringCase(unit, L"mm"))) {
+        return std::nullopt;
+    }
+    const int weight = wholeOf<int>(std::round(width.value * 100));
+    if (!model::isLineWidth(weight)) return std::nullopt;
+    return static_cast<AcDb::LineWeight>(weight);
 }
 
 }  // namespace sg::commands

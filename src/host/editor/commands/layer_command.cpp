@@ -1,7 +1,5 @@
 #include <fmt/xchar.h>
 
-#include <cmath>
-#include <cwchar>
 #include <functional>
 
 #include "base/text.h"
@@ -166,18 +164,17 @@ void setLinetype(Command& c) {
 void setLineWeight(Command& c) {
     const std::wstring typed(trimmed(c.text(L"Enter lineweight (0.0mm - 2.11mm): ")));
     const bool isDefault = typed.empty() || equalIgnoringCase(typed, L"Default");
-    const double width = std::wcstod(typed.c_str(), nullptr);
-    const auto weight = isDefault ? AcDb::kLnWtByLwDefault
-                                  : static_cast<AcDb::LineWeight>(std::lround(width * 100));
-    const std::wstring shown = isDefault ? L"Default" : fmt::format(L"{:.2f}mm", width);
+    const auto weight = isDefault ? AcDb::kLnWtByLwDefault : lineWidthNamed(typed);
+    if (!weight) {
+        c.print(L"There is no lineweight of " + typed + L".");
+        return;
+    }
+    const std::wstring shown =
+        isDefault ? L"Default" : fmt::format(L"{}.{:02}mm", *weight / 100, *weight % 100);
     changeLayers(c,
                  L"Enter name list of layers(s) for lineweight " + shown + L" <" +
                      c.textOf(L"CLAYER") + L">: ",
-                 true, [&](AcDbLayerTableRecord& layer) {
-                     if (layer.setLineWeight(weight) != Acad::eOk) {
-                         c.print(L"There is no lineweight of " + shown + L".");
-                     }
-                 });
+                 true, [&](AcDbLayerTableRecord& layer) { layer.setLineWeight(*weight); });
 }
 
 void setPlotting(Command& c) {

@@ -1,5 +1,3 @@
-#include <cmath>
-#include <cwchar>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -9,7 +7,6 @@
 #include "host/editor/commands/command.h"
 #include "host/editor/commands/programs.h"
 #include "host/model/access/object_changer.h"
-#include "host/model/core/line_weights.h"
 #include "host/model/tables/references.h"
 #include "platform/db/database.h"
 #include "platform/db/entity.h"
@@ -87,21 +84,20 @@ void changeLinetypeScale(Command& c, const Ids& ids) {
 
 void changeLineWeight(Command& c, const Ids& ids) {
     const std::wstring typed(trimmed(c.text(L"Enter new lineweight <ByLayer>: ")));
-    AcDb::LineWeight weight = AcDb::kLnWtByLayer;
+    std::optional weight = AcDb::kLnWtByLayer;
     if (equalIgnoringCase(typed, L"ByBlock")) {
         weight = AcDb::kLnWtByBlock;
     } else if (equalIgnoringCase(typed, L"Default")) {
         weight = AcDb::kLnWtByLwDefault;
     } else if (!typed.empty() && !equalIgnoringCase(typed, L"ByLayer")) {
-        const double width = std::wcstod(typed.c_str(), nullptr);
-        if (!model::isLineWidth(static_cast<int>(std::lround(width * 100)))) {
-            c.print(L"There is no lineweight of " + typed + L".");
-            return;
-        }
-        weight = static_cast<AcDb::LineWeight>(std::lround(width * 100));
+        weight = lineWidthNamed(typed);
+    }
+    if (!weight) {
+        c.print(L"There is no lineweight of " + typed + L".");
+        return;
     }
     changeAll(c, ids,
-              [&](AcDbEntity& entity) { return entity.setLineWeight(weight) == Acad::eOk; });
+              [&](AcDbEntity& entity) { return entity.setLineWeight(*weight) == Acad::eOk; });
 }
 
 void changeThickness(Command& c, const Ids& ids) {
